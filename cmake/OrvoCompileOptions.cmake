@@ -1,0 +1,43 @@
+# Options that every target of this tree takes: warnings, hidden symbols, and what lets a closed library
+# really leave the process (GCC's "unique" symbols pin a library for good).
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-fno-gnu-unique ORVO_HAS_NO_GNU_UNIQUE)
+
+add_library(orvo_compile_options INTERFACE)
+target_compile_options(
+    orvo_compile_options
+    INTERFACE -Wall
+              -Wextra
+              -Wpedantic
+              -Wshadow
+              -Wnon-virtual-dtor
+              $<$<BOOL:${ORVO_HAS_NO_GNU_UNIQUE}>:-fno-gnu-unique>
+              $<$<BOOL:${ORVO_WERROR}>:-Werror>)
+
+# orvo_library(<target> HEADERS <public headers>... SOURCES <sources>...)
+#
+# A shared library of this tree. The public headers stand in one list: what is installed, and what is checked
+# to compile by itself, both come from it.
+function(orvo_library target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES")
+    add_library(${target} SHARED ${arg_SOURCES})
+    add_library(orvo::${target} ALIAS ${target})
+    target_sources(
+        ${target}
+        PUBLIC FILE_SET
+               HEADERS
+               BASE_DIRS
+               "${PROJECT_SOURCE_DIR}/src"
+               FILES
+               ${arg_HEADERS})
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:orvo_compile_options>)
+    set_target_properties(
+        ${target}
+        PROPERTIES CXX_VISIBILITY_PRESET hidden
+                   VISIBILITY_INLINES_HIDDEN ON
+                   VERIFY_INTERFACE_HEADER_SETS ON
+                   VERSION ${PROJECT_VERSION}
+                   SOVERSION ${PROJECT_VERSION_MAJOR}
+                   INSTALL_RPATH "$<IF:$<PLATFORM_ID:Darwin>,@loader_path,$ORIGIN>")
+endfunction()
