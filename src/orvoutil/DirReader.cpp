@@ -1,0 +1,84 @@
+#include <orvoutil/DirReader.h>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <memory>
+#include <string_view>
+
+namespace orvo::orvoutil {
+
+namespace {
+
+bool passt(std::string_view name, std::string_view muster) {
+    constexpr std::size_t kKeiner = std::string_view::npos;
+    std::size_t n = 0;
+    std::size_t m = 0;
+    std::size_t stern = kKeiner; // the last '*' so far, and the byte of the name at which it ends
+    std::size_t sternEnde = 0;
+    while (n < name.size()) {
+        if (m < muster.size() && muster[m] == '*') {
+            stern = m++;
+            sternEnde = n;
+        } else if (m < muster.size() && (muster[m] == '?' || muster[m] == name[n])) {
+            ++m;
+            ++n;
+        } else if (stern != kKeiner) {
+            m = stern + 1;
+            n = ++sternEnde;
+        } else {
+            return false;
+        }
+    }
+    return muster.find_first_not_of('*', m) == kKeiner;
+}
+
+enum class Art { DATEI, VERZEICHNIS, ANDERES };
+
+Art artVon(int verzeichnis, const char* name) {
+    struct stat angaben;
+    if (fstatat(verzeichnis, name, &angaben, AT_SYMLINK_NOFOLLOW) != 0)
+        return Art::ANDERES;
+    if (S_ISDIR(angaben.st_mode))
+        return Art::VERZEICHNIS;
+    if (S_ISLNK(angaben.st_mode) && fstatat(verzeichnis, name, &angaben, 0) != 0)
+        return Art::ANDERES;
+    return S_ISREG(angaben.st_mode) ? Art::DATEI : Art::ANDERES;
+}
+
+struct Schliesser {
+    void operator()(DIR* verzeichnis) const { closedir(verzeichnis); }
+};
+
+} // namespace
+
+DirReader::DirReader(const std::string& verzeichnis, const std::string& muster) {
+    if (verzeichnis.find('\0') != std::string::npos)
+        return;
+    const std::unique_ptr<DIR, Schliesser> offen(opendir(verzeichnis.c_str()));
+    if (!offen)
+        return;
+
+    errno = 0;
+    while (const dirent* const eintrag = readdir(offen.get())) {
+        const char* const name = eintrag->d_name;
+        if (name[0] != '.') {
+            const Art art = artVon(dirfd(offen.get()), name);
+            if (art == Art::VERZEICHNIS)
+                verzeichnisse_.emplace_back(name);
+            else if (art == Art::DATEI && passt(name, muster))
+                dateien_.emplace_back(name);
+        }
+        errno = 0;
+    }
+    if (errno != 0) {
+        dateien_.clear();
+        verzeichnisse_.clear();
+    }
+    dateien_.sort();
+    verzeichnisse_.sort();
+}
+
+} // namespace orvo::orvoutil

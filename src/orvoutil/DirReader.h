@@ -1,0 +1,32 @@
+#pragma once
+
+#include <orvoutil/Export.h>
+
+#include <list>
+#include <string>
+
+namespace orvo::orvoutil {
+
+/// The names in a directory as they stood when the object was made, sorted bytewise, so that every run sees the
+/// same order on every file system. Hidden entries (with a leading dot) are left out.
+///
+/// Errors: a directory that cannot be read yields two empty lists. Nothing throws, but for want of memory.
+/// Encoding: names are bytes, as the file system has them.
+/// Threads: once made, any number may read.
+class ORVOUTIL_API DirReader {
+public:
+    /// Parameters: `muster` chooses among the files: '*' stands for any number of bytes, '?' for one, every other
+    /// byte for itself. So "*.*" takes only names with a dot in them.
+    DirReader(const std::string& verzeichnis, const std::string& muster);
+
+    /// The regular files whose names match the pattern, and links to such files.
+    const std::list<std::string>& getFiles() const { return dateien_; }
+    /// The subdirectories, whatever their names. Links to directories are left out, so that a walk always ends.
+    const std::list<std::string>& getDirectories() const { return verzeichnisse_; }
+
+private:
+    std::list<std::string> dateien_;
+    std::list<std::string> verzeichnisse_;
+};
+
+} // namespace orvo::orvoutil

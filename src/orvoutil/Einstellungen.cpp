@@ -1,0 +1,115 @@
+#include <orvoutil/Einstellungen.h>
+
+#include <orvoutil/BeobachterListe.h>
+#include <orvoutil/PathUtil.h>
+
+#include <dlfcn.h>
+
+#include <exception>
+#include <map>
+#include <mutex>
+
+namespace orvo::orvoutil {
+
+namespace {
+
+constexpr char kHomeDir[] = "basis.home_dir";
+constexpr char kResidentPlugins[] = "basis.resident_plugins";
+
+/// The directory of the file that holds this code.
+std::string verzeichnisDerBibliothek() {
+    Dl_info bibliothek;
+    if (dladdr(kHomeDir, &bibliothek) && bibliothek.dli_fname) {
+        const std::string verzeichnis = getAbsolutePath(concatPath(bibliothek.dli_fname, ".."));
+        if (verzeichnis.front() == '/')
+            return verzeichnis;
+    }
+    return "/"; // anything but the current directory
+}
+
+/// The settings of the process. Never destroyed: they are asked until the process is gone.
+struct Zustand {
+    std::mutex sperre;
+    std::map<std::string, std::string> werte; // no empty ones
+    BeobachterListe<AenderungsBeobachter> beobachter;
+    const std::string verzeichnis = verzeichnisDerBibliothek();
+
+    static Zustand& hole() {
+        static auto& zustand = *new Zustand;
+        return zustand;
+    }
+
+    std::string wert(const std::string& schluessel) {
+        const std::lock_guard halter(sperre);
+        const auto eintrag = werte.find(schluessel);
+        return eintrag == werte.end() ? std::string() : eintrag->second;
+    }
+
+    /// Returns: whether the value is another now. Call with the lock held.
+    bool aendere(const std::string& schluessel, const std::string& wert) {
+        if (wert.empty())
+            return werte.erase(schluessel) > 0;
+        const auto [eintrag, neu] = werte.try_emplace(schluessel, wert);
+        if (neu)
+            return true;
+        if (eintrag->second == wert)
+            return false;
+        eintrag->second = wert;
+        return true;
+    }
+};
+
+// The library's file may have been named relative to the directory that is current while it is being loaded.
+[[maybe_unused]] const Zustand& beimLaden = Zustand::hole();
+
+} // namespace
+
+Einstellungen::Einstellungen() = default;
+
+std::string Einstellungen::basisHomeDir() const {
+    std::string gesetzt = wert(kHomeDir);
+    return gesetzt.empty() ? Zustand::hole().verzeichnis : gesetzt;
+}
+
+std::string Einstellungen::basisResidentPlugins() const { return wert(kResidentPlugins); }
+
+std::string Einstellungen::wert(const std::string& schluessel) const {
+    return Zustand::hole().wert(schluessel);
+}
+
+void Einstellungen::setze(const std::string& schluessel, const std::string& wert) const {
+    const AenderungsNachricht nachricht(AenderungsNachricht::EINSTELLUNG_GEAENDERT, schluessel);
+    Zustand& zustand = Zustand::hole();
+    std::unique_lock sperre(zustand.sperre);
+    if (!zustand.aendere(schluessel, wert))
+        return;
+
+    std::exception_ptr erste;
+    BeobachterListe<AenderungsBeobachter>::Durchlauf durchlauf(zustand.beobachter);
+    while (AenderungsBeobachter* const beobachter = durchlauf.naechster()) {
+        sperre.unlock();
+        try {
+            beobachter->empfangeAenderungsNachricht(nachricht);
+        } catch (...) {
+            if (!erste)
+                erste = std::current_exception();
+        }
+        sperre.lock();
+    }
+    if (erste)
+        std::rethrow_exception(erste);
+}
+
+void Einstellungen::beobachterAnmelden(AenderungsBeobachter* beobachter) const {
+    Zustand& zustand = Zustand::hole();
+    const std::lock_guard halter(zustand.sperre);
+    zustand.beobachter.anhaengen(beobachter);
+}
+
+void Einstellungen::beobachterAbmelden(AenderungsBeobachter* beobachter) const {
+    Zustand& zustand = Zustand::hole();
+    const std::lock_guard halter(zustand.sperre);
+    zustand.beobachter.entfernen(beobachter);
+}
+
+} // namespace orvo::orvoutil

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Marks what `liborvoutil` exports; everything else stays inside the library.
+#define ORVOUTIL_API __attribute__((visibility("default")))

@@ -1,0 +1,70 @@
+#include <orvoutil/Latin1.h>
+
+namespace orvo::orvoutil {
+
+namespace {
+
+void haengeAn(std::string& utf8, char latin1) {
+    const auto zeichen = static_cast<unsigned char>(latin1);
+    if (zeichen < 0x80) {
+        utf8 += latin1;
+    } else {
+        utf8 += static_cast<char>(0xC0 | zeichen >> 6);
+        utf8 += static_cast<char>(0x80 | (zeichen & 0x3F));
+    }
+}
+
+std::size_t laengeNachErstemByte(unsigned char erstes) {
+    if (erstes < 0x80)
+        return 1;
+    if (erstes < 0xC0)
+        return 0;
+    if (erstes < 0xE0)
+        return 2;
+    return erstes < 0xF0 ? 3 : 4;
+}
+
+/// Returns: the length of the valid UTF-8 sequence that the text begins with; 0 when it begins with none.
+std::size_t laengeDerSequenz(std::string_view text) {
+    constexpr unsigned kKleinstes[] = {0, 0, 0x80, 0x800, 0x10000}; // by length: shorter ones hold less
+    const auto erstes = static_cast<unsigned char>(text.front());
+    const std::size_t laenge = laengeNachErstemByte(erstes);
+    if (laenge < 2 || laenge > text.size())
+        return laenge == 1 ? 1 : 0;
+    unsigned zeichen = erstes & (0xFFu >> (laenge + 1));
+    for (std::size_t i = 1; i < laenge; ++i) {
+        const auto weiteres = static_cast<unsigned char>(text[i]);
+        if ((weiteres & 0xC0) != 0x80)
+            return 0;
+        zeichen = zeichen << 6 | (weiteres & 0x3Fu);
+    }
+    const bool ersatz = zeichen >= 0xD800 && zeichen < 0xE000; // halves of UTF-16 pairs
+    const bool gueltig = erstes < 0xF8 && zeichen >= kKleinstes[laenge] && zeichen <= 0x10FFFF && !ersatz;
+    return gueltig ? laenge : 0;
+}
+
+} // namespace
+
+std::string latin1ToUtf8(std::string_view latin1) {
+    std::string utf8;
+    utf8.reserve(latin1.size());
+    for (const char zeichen : latin1)
+        haengeAn(utf8, zeichen);
+    return utf8;
+}
+
+std::string toUtf8(std::string_view text) {
+    std::string utf8;
+    utf8.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t laenge = laengeDerSequenz(text);
+        if (laenge == 0)
+            haengeAn(utf8, text.front());
+        else
+            utf8 += text.substr(0, laenge);
+        text.remove_prefix(laenge == 0 ? 1 : laenge);
+    }
+    return utf8;
+}
+
+} // namespace orvo::orvoutil

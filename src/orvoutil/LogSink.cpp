@@ -1,0 +1,7 @@
+#include <orvoutil/LogSink.h>
+
+namespace orvo::orvoutil {
+
+LogSink::~LogSink() = default;
+
+} // namespace orvo::orvoutil

@@ -1,0 +1,79 @@
+#include <orvoutil/ObjectLifetimeManager.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace orvo::orvoutil {
+
+/// Its destructor, run at process end, destroys the objects for good.
+class ObjectLifetimeManager::Prozessende {
+public:
+    explicit Prozessende(ObjectLifetimeManager& manager) : manager_(manager) {}
+    Prozessende(const Prozessende&) = delete;
+    Prozessende& operator=(const Prozessende&) = delete;
+    ~Prozessende() {
+        {
+            const std::lock_guard halter(manager_.sperre_);
+            manager_.beendet_ = true;
+        }
+        manager_.destroyAll();
+    }
+
+private:
+    ObjectLifetimeManager& manager_;
+};
+
+ObjectLifetimeManager::ObjectLifetimeManager() = default;
+
+ObjectLifetimeManager& ObjectLifetimeManager::instance() {
+    static auto& manager = *new ObjectLifetimeManager; // never destroyed, so it can be asked to the very end
+    static const Prozessende prozessende(manager);
+    return manager;
+}
+
+void ObjectLifetimeManager::destroyAll() {
+    std::unique_lock sperre(sperre_);
+    if (imAbbau_)
+        return;
+    imAbbau_ = true;
+    while (!eintraege_.empty()) { // nothing is added meanwhile
+        const Eintrag& letzter = eintraege_.back();
+        sperre.unlock();
+        letzter.zerstoere(letzter.objekt);
+        sperre.lock();
+        eintraege_.pop_back();
+    }
+    imAbbau_ = false;
+}
+
+bool ObjectLifetimeManager::wirdAbgebaut() const {
+    const std::lock_guard halter(sperre_);
+    return imAbbau_ || beendet_;
+}
+
+void* ObjectLifetimeManager::finde(std::string_view name, const std::type_info& typ) const {
+    const std::lock_guard halter(sperre_);
+    const Eintrag* const gefunden = eintrag(name);
+    return gefunden && *gefunden->typ == typ ? gefunden->objekt : nullptr;
+}
+
+void ObjectLifetimeManager::fuegeHinzu(std::string_view name, void* objekt, const std::type_info& typ,
+                                       Zerstoerer zerstoere) {
+    if (!objekt)
+        throw std::invalid_argument("ObjectLifetimeManager: kein Objekt: " + std::string(name));
+    const std::lock_guard halter(sperre_);
+    if (imAbbau_ || beendet_)
+        throw std::logic_error("ObjectLifetimeManager: wird abgebaut: " + std::string(name));
+    if (eintrag(name))
+        throw std::logic_error("ObjectLifetimeManager: Name schon vergeben: " + std::string(name));
+    eintraege_.push_back({std::string(name), objekt, &typ, zerstoere});
+}
+
+/// The entry of that name; null when there is none. Call with the lock held.
+const ObjectLifetimeManager::Eintrag* ObjectLifetimeManager::eintrag(std::string_view name) const {
+    const auto gefunden = std::find_if(eintraege_.begin(), eintraege_.end(),
+                                       [&](const Eintrag& eintrag) { return eintrag.name == name; });
+    return gefunden == eintraege_.end() ? nullptr : &*gefunden;
+}
+
+} // namespace orvo::orvoutil

@@ -1,0 +1,53 @@
+#include <orvoutil/OrvoVersion.h>
+
+#include <string_view>
+
+namespace orvo::orvoutil {
+
+namespace {
+
+constexpr char kTrenner[] = ".,";
+constexpr char kLeer[] = " \t";
+constexpr char kZiffern[] = "0123456789";
+
+std::string_view ab(std::string_view text, std::size_t stelle) {
+    return stelle == std::string_view::npos ? std::string_view() : text.substr(stelle);
+}
+
+/// Takes the next number off the text. Returns: its digits without leading zeros, so none for 0.
+std::string_view nimmZahl(std::string_view& text) {
+    const std::size_t ende = text.find_first_of(kTrenner);
+    std::string_view teil = text.substr(0, ende);
+    text = ende == std::string_view::npos ? std::string_view() : text.substr(ende + 1);
+
+    teil = ab(teil, teil.find_first_not_of(kLeer));
+    teil = teil.substr(0, teil.find_last_not_of(kLeer) + 1);
+    const bool zahl = teil.find_first_not_of(kZiffern) == std::string_view::npos;
+    return zahl ? ab(teil, teil.find_first_not_of('0')) : std::string_view();
+}
+
+std::strong_ordering vergleicheZahlen(std::string_view a, std::string_view b) {
+    return a.size() != b.size() ? a.size() <=> b.size() : a <=> b;
+}
+
+} // namespace
+
+OrvoVersion::OrvoVersion(const std::string& text) : text_(text) {}
+
+bool OrvoVersion::operator==(const OrvoVersion& andere) const noexcept {
+    return (*this <=> andere) == std::strong_ordering::equal;
+}
+
+std::strong_ordering OrvoVersion::operator<=>(const OrvoVersion& andere) const noexcept {
+    std::string_view a = text_;
+    std::string_view b = andere.text_;
+    while (!a.empty() || !b.empty()) {
+        const std::string_view zahlA = nimmZahl(a);
+        const std::string_view zahlB = nimmZahl(b);
+        if (const auto ordnung = vergleicheZahlen(zahlA, zahlB); ordnung != std::strong_ordering::equal)
+            return ordnung;
+    }
+    return std::strong_ordering::equal;
+}
+
+} // namespace orvo::orvoutil

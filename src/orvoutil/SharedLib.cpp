@@ -1,0 +1,151 @@
+#include <orvoutil/SharedLib.h>
+
+#include <orvoutil/Latin1.h>
+
+#include <dlfcn.h>
+#ifdef __ELF__
+#include <link.h>
+#endif
+
+#include <cstdint>
+#include <string_view>
+
+namespace orvo::orvoutil {
+
+namespace {
+
+constexpr Latin1Text kUngueltigerName{u8"Der Name ist ungültig."};
+constexpr Latin1Text kNichtGeoeffnet{u8"Die Bibliothek ist nicht geöffnet."};
+constexpr Latin1Text kKeinGrund{u8"Das System nennt keinen Grund."};
+
+bool hatNullbyte(const std::string& text) { return text.find('\0') != std::string::npos; }
+
+/// What stands against opening that file at all. Returns: the reason; empty when there is none.
+std::string hindernis(const std::string& pfad) {
+    if (pfad.empty() || hatNullbyte(pfad))
+        return kUngueltigerName;
+    return {};
+}
+
+/// The path in a form that the system does not search for elsewhere.
+std::string alsDateipfad(const std::string& pfad) {
+    return pfad.find('/') == std::string::npos ? "./" + pfad : pfad;
+}
+
+std::string grundDesSystems() {
+    const char* const grund = dlerror();
+    return grund ? std::string(grund) : std::string(kKeinGrund);
+}
+
+#ifdef __ELF__
+
+/// Walks the process's libraries, in the order in which they were loaded, for the one at an address.
+struct Suche {
+    ElfW(Addr) eigeneBasis;
+    ElfW(Addr) adresse;
+    bool eigeneErreicht = false;
+    bool gefunden = false;
+};
+
+bool liegtIn(const dl_phdr_info& bibliothek, ElfW(Addr) adresse) {
+    for (int i = 0; i < bibliothek.dlpi_phnum; ++i) {
+        const auto& segment = bibliothek.dlpi_phdr[i];
+        const ElfW(Addr) anfang = bibliothek.dlpi_addr + segment.p_vaddr;
+        if (segment.p_type == PT_LOAD && adresse >= anfang && adresse - anfang < segment.p_memsz)
+            return true;
+    }
+    return false;
+}
+
+int pruefeBibliothek(dl_phdr_info* bibliothek, std::size_t, void* daten) {
+    auto& suche = *static_cast<Suche*>(daten);
+    suche.eigeneErreicht = suche.eigeneErreicht || bibliothek->dlpi_addr == suche.eigeneBasis;
+    suche.gefunden = suche.eigeneErreicht && liegtIn(*bibliothek, suche.adresse);
+    return suche.gefunden;
+}
+
+bool liegtInOderDanach(void* griff, const void* adresse) {
+    link_map* eigene = nullptr;
+    if (dlinfo(griff, RTLD_DI_LINKMAP, &eigene) != 0)
+        return false;
+    Suche suche{eigene->l_addr, reinterpret_cast<ElfW(Addr)>(adresse)};
+    dl_iterate_phdr(pruefeBibliothek, &suche);
+    return suche.gefunden;
+}
+
+#else
+
+bool liegtInOderDanach(void* griff, const void* adresse) {
+    Dl_info bibliothek;
+    if (!dladdr(adresse, &bibliothek))
+        return false;
+    void* const ihrGriff = dlopen(bibliothek.dli_fname, RTLD_NOW | RTLD_NOLOAD);
+    if (ihrGriff)
+        dlclose(ihrGriff);
+    return ihrGriff == griff;
+}
+
+#endif
+
+} // namespace
+
+SharedLib::SharedLib(const std::string& pfad, bool sofortLaden) : name_(pfad) {
+    if (sofortLaden)
+        SharedLib::load();
+}
+
+SharedLib::~SharedLib() {
+    if (griff_)
+        dlclose(griff_);
+}
+
+const std::string& SharedLib::getName() const { return name_; }
+
+bool SharedLib::isLoaded() const { return griff_ != nullptr; }
+
+bool SharedLib::load() {
+    fehler_.clear();
+    if (griff_)
+        return true;
+    if (const std::string grund = hindernis(name_); !grund.empty())
+        return schlageFehl(grund);
+    griff_ = dlopen(alsDateipfad(name_).c_str(), RTLD_NOW | RTLD_LOCAL);
+    return griff_ || schlageFehl(grundDesSystems());
+}
+
+bool SharedLib::unload() {
+    fehler_.clear();
+    if (!griff_)
+        return schlageFehl(kNichtGeoeffnet);
+    const bool geschlossen = dlclose(griff_) == 0;
+    griff_ = nullptr;
+    return geschlossen || schlageFehl(grundDesSystems());
+}
+
+void* SharedLib::getSymbol(const std::string& name) {
+    fehler_.clear();
+    if (!griff_)
+        schlageFehl(kNichtGeoeffnet);
+    else if (hatNullbyte(name))
+        schlageFehl(kUngueltigerName);
+    else if (void* const adresse = dlsym(griff_, name.c_str()))
+        return adresse;
+    else
+        schlageFehl("Symbol \"" + name + "\" nicht gefunden. " + grundDesSystems());
+    return nullptr;
+}
+
+std::string SharedLib::getLastError() const { return fehler_; }
+
+bool SharedLib::enthaelt(const void* adresse) const { return griff_ && liegtInOderDanach(griff_, adresse); }
+
+/// Says the file's name once, also when the system's reason begins with it.
+bool SharedLib::schlageFehl(const std::string& grund) {
+    const std::string anfang = name_ + ": ";
+    fehler_ = name_.empty() || grund.starts_with(anfang) || grund.starts_with(alsDateipfad(anfang))
+                  ? grund
+                  : anfang + grund;
+    return false;
+}
+
+} // namespace orvo::orvoutil

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <orvoutil/Export.h>
+
+#include <string>
+
+namespace orvo::orvoutil {
+
+/// A shared library's file, open or not. It is opened with all its symbols bound at once and visible to nobody
+/// else.
+///
+/// Ownership: holds one use of the library while it is open, and gives it back when destroyed.
+/// Errors: every operation that fails leaves a text for `getLastError`; one that succeeds clears it. None throws,
+/// but for want of memory and for what the library's own start-up code throws.
+/// Encoding: the path is bytes, kept as given; the texts are Latin-1 around it.
+/// Threads: one object by one thread at a time.
+class ORVOUTIL_API SharedLib {
+public:
+    /// Parameters: `pfad` names a file, also when it holds no slash: the system's library path is not searched.
+    /// With `sofortLaden` the library is opened here; `isLoaded` then says whether it was.
+    explicit SharedLib(const std::string& pfad, bool sofortLaden = false);
+    SharedLib(const SharedLib&) = delete;
+    SharedLib& operator=(const SharedLib&) = delete;
+    /// Closes the library.
+    virtual ~SharedLib();
+
+    /// The path as given.
+    virtual const std::string& getName() const;
+    /// Whether the library is open through this object.
+    virtual bool isLoaded() const;
+    /// Opens the library. Returns: whether it is open now.
+    virtual bool load();
+    /// Closes the library. Returns: false also when it was not open.
+    virtual bool unload();
+    /// Returns: the address of an exported symbol; null when there is none.
+    virtual void* getSymbol(const std::string& name);
+    /// Why the last operation failed, with the name of the file; empty when it did not.
+    virtual std::string getLastError() const;
+    /// Whether the address lies in this library, or in one that was loaded after it, as are those that it brought
+    /// along. False when the library is not open.
+    virtual bool enthaelt(const void* adresse) const;
+
+private:
+    bool schlageFehl(const std::string& grund);
+
+    std::string name_;
+    void* griff_ = nullptr; // null while closed
+    std::string fehler_;
+};
+
+} // namespace orvo::orvoutil
