@@ -1,0 +1,7 @@
+#pragma once
+
+/// Marks what `liborvoplugin` exports; everything else stays inside the library.
+#define ORVOPLUGIN_API __attribute__((visibility("default")))
+
+/// Marks what a plugin library exports: its entry points, factories and hooks.
+#define ORVO_PLUGIN_EXPORT __attribute__((visibility("default")))

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoplugin/domain/Unterfallart.h>
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+
+#include <cstdint>
+#include <memory>
+
+/// Condition ("Bedingung") of a check or record-reader extension: a kind of processing that must have happened
+/// before its service runs, or that happens after it. What a kind asks for is the services' business; this
+/// library carries it.
+///
+/// Extensions keep conditions by value as this base, so only the kind lives on there. That is wanted, and binds
+/// whoever reads an extension's lists.
+///
+/// Threads: one thread at a time, as everywhere in this library.
+class ORVOPLUGIN_API Bedingung {
+public:
+    /// The kinds, values of `getTyp`.
+    enum Typ : std::int32_t {
+        UFA_PRUEFUNG = 0,
+        FORMALE_PRUEFUNG = 1,
+        SUMMEN_BERECHNUNG = 2,
+        VORSATZ_PRUEFUNG = 3
+    };
+
+    Bedingung(const Bedingung&) = default;
+    Bedingung& operator=(const Bedingung&) = default;
+    virtual ~Bedingung();
+
+    /// Kind of condition, one of `Typ`.
+    std::int32_t getTyp() const { return typ_; }
+
+protected:
+    explicit Bedingung(std::int32_t typ) : typ_(typ) {}
+
+private:
+    std::int32_t typ_;
+};
+
+/// A check of a certain sub-case type, for one period or for any.
+///
+/// Ownership: owns a copy of its period; a copy of the condition owns a copy of its own.
+class ORVOPLUGIN_API UfaPruefungBedingung : public Bedingung {
+public:
+    explicit UfaPruefungBedingung(const Unterfallart& ua);
+    UfaPruefungBedingung(const Unterfallart& ua, const Veranlagungszeitraum& vz);
+    UfaPruefungBedingung(const UfaPruefungBedingung& other);
+    UfaPruefungBedingung& operator=(const UfaPruefungBedingung& other);
+    ~UfaPruefungBedingung() override;
+
+    const Unterfallart& getUnterfallart() const { return unterfallart_; }
+    /// The period, owned by the condition; null when the condition holds for any.
+    const Veranlagungszeitraum* getVeranlagungszeitraum() const { return veranlagungszeitraum_.get(); }
+    bool hatVeranlagungszeitraum() const { return hatVeranlagungszeitraum_; }
+
+private:
+    Unterfallart unterfallart_;
+    std::unique_ptr<Veranlagungszeitraum> veranlagungszeitraum_;
+    bool hatVeranlagungszeitraum_;
+};
+
+/// The formal check of a record.
+class ORVOPLUGIN_API FormalePruefungBedingung : public Bedingung {
+public:
+    FormalePruefungBedingung();
+    FormalePruefungBedingung(const FormalePruefungBedingung&) = default;
+    FormalePruefungBedingung& operator=(const FormalePruefungBedingung&) = default;
+    ~FormalePruefungBedingung() override;
+};
+
+/// The calculation of sums.
+class ORVOPLUGIN_API SummenBerechnungsBedingung : public Bedingung {
+public:
+    SummenBerechnungsBedingung();
+    SummenBerechnungsBedingung(const SummenBerechnungsBedingung&) = default;
+    SummenBerechnungsBedingung& operator=(const SummenBerechnungsBedingung&) = default;
+    ~SummenBerechnungsBedingung() override;
+};
+
+/// The check of the leading record ("Vorsatz").
+class ORVOPLUGIN_API VorsatzPruefungBedingung : public Bedingung {
+public:
+    VorsatzPruefungBedingung();
+    VorsatzPruefungBedingung(const VorsatzPruefungBedingung&) = default;
+    VorsatzPruefungBedingung& operator=(const VorsatzPruefungBedingung&) = default;
+    ~VorsatzPruefungBedingung() override;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoutil/OrvoException.h>
+
+#include <cstdint>
+#include <string>
+
+namespace orvo::exception {
+
+/// Says why a text is not a period under the pattern given. The error code is always `FEHLERCODE`.
+class ORVOPLUGIN_API InvalidFormatException : public OrvoException {
+public:
+    enum : std::int32_t { FEHLERCODE = 610001002 };
+
+    explicit InvalidFormatException(const std::string& text);
+    InvalidFormatException(const InvalidFormatException&) = default;
+    InvalidFormatException& operator=(const InvalidFormatException&) = default;
+    ~InvalidFormatException() override;
+};
+
+} // namespace orvo::exception
