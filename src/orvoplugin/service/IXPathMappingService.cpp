@@ -1,0 +1,7 @@
+#include <orvoplugin/service/IXPathMappingService.h>
+
+namespace orvo::service {
+
+IXPathMappingService::~IXPathMappingService() = default;
+
+} // namespace orvo::service

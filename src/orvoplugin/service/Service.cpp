@@ -1,0 +1,3 @@
+#include <orvoplugin/service/Service.h>
+
+Service::~Service() = default;
