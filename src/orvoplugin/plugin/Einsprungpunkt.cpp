@@ -1,0 +1,3 @@
+#include <orvoplugin/plugin/Einsprungpunkt.h>
+
+int Einsprungpunkt::laufende_ = 0;

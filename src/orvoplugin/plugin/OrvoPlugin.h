@@ -1,0 +1,115 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+#include <orvoplugin/plugin/PluginVersion.h>
+
+#include <cstdint>
+#include <list>
+#include <string>
+
+namespace orvo::orvoutil {
+class Logger;
+class SharedLib;
+} // namespace orvo::orvoutil
+
+/// Where a plugin stands between being made and being closed for good. A plugin may carry any other value.
+enum orvo_plugin_status_t : std::int32_t {
+    ORVO_PLUGIN_ERZEUGT = 0,  ///< made, never used yet
+    ORVO_PLUGIN_GELADEN = 2,  ///< in use, or used and resident
+    ORVO_PLUGIN_ENTLADEN = 3, ///< given back by its last user
+};
+
+/// Record of one plugin library: its handle, what it says of itself, its use count and its state. What a plugin
+/// does depends on its interface; see `OrvoPluginV1`.
+///
+/// The setters are for the plugin, which is handed the object while it initialises itself, and for the manager.
+///
+/// Ownership: owns its library handle and closes it when it is destroyed. The plugin manager owns the plugins.
+/// Errors: nothing here throws but for want of memory. A null library handle is taken as one without a name.
+/// Threads: one thread at a time, as everywhere in this library.
+class ORVOPLUGIN_API OrvoPlugin {
+public:
+    /// A label of the plugin; the library stores and copies it, the meaning is the plugin's.
+    struct ORVOPLUGIN_API LabelEintrag {
+        LabelEintrag();
+        LabelEintrag(const LabelEintrag&);
+        LabelEintrag& operator=(const LabelEintrag&);
+        ~LabelEintrag();
+
+        std::int32_t zahl1 = 0;
+        std::string text1;
+        Veranlagungszeitraum zeitraum;
+        std::string text2;
+        std::int32_t zahl2 = 0;
+        std::string text3;
+        std::string text4;
+    };
+
+    /// Takes the library over. The record's type becomes the plugin's.
+    OrvoPlugin(const orvo_plugin_version_t& version, orvo::orvoutil::SharedLib* sharedLib);
+    OrvoPlugin(const OrvoPlugin&) = delete;
+    OrvoPlugin& operator=(const OrvoPlugin&) = delete;
+    virtual ~OrvoPlugin();
+
+    /// One user more; the first one opens the library.
+    virtual void notifyUse() = 0;
+    /// One user fewer; the last one closes the library unless the plugin is resident.
+    virtual void release() = 0;
+    /// Type, versions and library, a line each.
+    virtual std::string toString() const;
+    /// Lets the library describe itself; once, by the loader.
+    virtual void initialize() = 0;
+
+    void setProduktVersion(const std::string& version);
+    void setFileVersion(const std::string& version);
+    /// Appends a copy; equal labels are kept beside each other.
+    void addLabelInformation(const LabelEintrag& label);
+    /// A resident plugin is not closed by its last user, only when it is destroyed.
+    void setResident(bool resident);
+    void setStatus(const orvo_plugin_status_t& status);
+    /// Names the exported function to call after each opening for use; empty for none.
+    void setOnLoadFuncName(const std::string& name);
+    /// Names the exported function to call before each closing after use; empty for none.
+    void setOnUnloadFuncName(const std::string& name);
+
+    std::int32_t getTyp() const { return typ_; }
+    /// Owned by the plugin; may be null.
+    orvo::orvoutil::SharedLib* getSharedLib() const { return sharedLib_; }
+    orvo_plugin_status_t getStatus() const { return status_; }
+    bool isResident() const { return resident_; }
+    /// Number of users; below zero after a `release` too many.
+    std::int32_t getUseCount() const { return useCount_; }
+    const std::string& getOnLoadFuncName() const { return onLoadFuncName_; }
+    const std::string& getOnUnloadFuncName() const { return onUnloadFuncName_; }
+    const std::string& getProduktVersion() const { return produktVersion_; }
+    const std::string& getFileVersion() const { return fileVersion_; }
+    const std::list<LabelEintrag>& getLabels() const { return labels_; }
+
+protected:
+    /// The logger of category "orvo.plugin.<klasse>(<file name of the library>)"; null while nobody listens.
+    static orvo::orvoutil::Logger* loggerFuer(const char* klasse, const orvo::orvoutil::SharedLib* sharedLib);
+
+    /// Path of the library; empty without one.
+    const std::string& getBibliotheksname() const;
+    /// Hands the library to the caller; the plugin is left without one.
+    orvo::orvoutil::SharedLib* gibBibliothekAb();
+    /// Changes the state as `setStatus` does, but leaves no trace in the log.
+    void merkeStatus(orvo_plugin_status_t status) { status_ = status; }
+    std::int32_t zaehleNutzerHoch() { return ++useCount_; }
+    std::int32_t zaehleNutzerRunter() { return --useCount_; }
+
+private:
+    std::int32_t typ_;
+    orvo::orvoutil::SharedLib* sharedLib_;
+    orvo_plugin_status_t status_ = ORVO_PLUGIN_ERZEUGT;
+    std::string produktVersion_;
+    std::string fileVersion_;
+    std::list<LabelEintrag> labels_;
+    bool resident_ = false;
+    std::int32_t useCount_ = 0;
+    std::string onUnloadFuncName_;
+    std::string onLoadFuncName_;
+    std::string reserviert_; ///< kept for the layout; no operation uses it
+    orvo::orvoutil::Logger* logger_;
+};

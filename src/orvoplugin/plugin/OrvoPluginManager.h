@@ -1,0 +1,111 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoplugin/plugin/PluginObserver.h>
+#include <orvoutil/AenderungsBeobachter.h>
+#include <orvoutil/BeobachterListe.h>
+
+#include <cstdint>
+#include <list>
+#include <string>
+
+class OrvoPlugin;
+class OrvoPluginLoader;
+
+namespace orvo::orvoutil {
+class Logger;
+}
+
+/// Owner of all loaded plugins. It finds the plugin libraries below the subdirectory "plugins" of the home
+/// directory, loads each, and tells its observers; when the setting "basis.home_dir" changes it unloads them all
+/// and loads what lies below the new one.
+///
+/// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own.
+///
+/// A library that is no plugin is refused, with a log entry that says why, and costs no other plugin anything.
+/// While plugins or observers are running on the manager's behalf it takes no further orders: a call that would
+/// load or unload, and a change of the home directory (by a plugin that describes itself, say), is refused with a
+/// warning in the log.
+///
+/// Ownership: owns the plugins, not the observers; an observer removes itself before it goes.
+/// Errors: throws nothing but for want of memory, except where an operation says so.
+/// Threads: one thread at a time, as everywhere in this library. A settings change is handled on the thread that
+/// makes it.
+class ORVOPLUGIN_API OrvoPluginManager : public orvo::orvoutil::AenderungsBeobachter {
+public:
+    /// The process's manager. The first call makes it, with that observer (or none, for null), and so loads all
+    /// plugins; later calls do not look at the observer.
+    ///
+    /// Returns: the manager, owned by the `ObjectLifetimeManager`; null once the process's objects are being
+    /// destroyed.
+    /// Errors: `std::logic_error` from inside a plugin's entry point, and while the manager is being made.
+    static OrvoPluginManager* getInstanz(PluginObserver* observer);
+
+    /// Loads all plugins; the observer, unless null, hears of each.
+    explicit OrvoPluginManager(PluginObserver* observer);
+    OrvoPluginManager(const OrvoPluginManager&) = delete;
+    OrvoPluginManager& operator=(const OrvoPluginManager&) = delete;
+
+    /// Reloads everything when the home directory changed.
+    void empfangeAenderungsNachricht(const orvo::orvoutil::AenderungsNachricht& nachricht) override;
+    /// Unloads all plugins; the observers hear of each.
+    ~OrvoPluginManager() override;
+
+    /// Computes the search path and loads all plugins. Returns: as `ladePlugins`.
+    bool initialisiere();
+    /// Unloads every plugin, resident ones too, in the order in which they were loaded. Returns: true.
+    bool entladePlugins();
+    /// Unloads all plugins and loads what lies below the search path as it stands.
+    void reload();
+
+    /// Stores the absolute form of the path.
+    void setPluginSuchPfad(const std::string& pfad);
+    const std::string& getPluginSuchPfad() const { return pluginSuchPfad_; }
+    /// Takes the search path from the settings: "plugins" below the home directory.
+    void initPluginSuchPfad();
+
+    /// Loads everything below the search path. Returns: whether every plugin file found was loaded.
+    bool ladePlugins();
+    /// Loads the plugin files of a directory and then those of its subdirectories, each in bytewise order of
+    /// names. Returns: whether every plugin file found was loaded. A failure never ends the walk.
+    bool ladePluginsRekursiv(const std::string& verzeichnis);
+    /// Loads one library. Returns: whether it was loaded and every observer took it; the log says why not.
+    bool ladePlugin(const std::string& pfad);
+
+    /// Whether the file name is on the block list ("Sperrliste"), in any letter case.
+    bool isPluginGesperrt(const std::string& dateiname) const;
+    /// Whether the plugin of that file is to be resident. The list comes from the setting
+    /// "basis.resident_plugins", names each followed by a comma, and is read once for the process, as soon as it
+    /// holds an entry; the entries are echoed to the standard output. The entry "alle" makes every plugin resident.
+    bool isResidentPlugin(const std::string& pfad) const;
+
+    /// Appends an observer; null is ignored, one added twice is told twice.
+    void addObserver(PluginObserver* observer);
+    /// Takes the first entry of that observer out; null and unknown ones are ignored.
+    void removeObserver(PluginObserver* observer);
+    /// Tells every observer. Errors: the first exception that an observer threw, after all have been told.
+    void notifyLoad(OrvoPlugin* plugin);
+    /// Tells every observer. Errors: the first exception that an observer threw, after all have been told.
+    void notifyUnload(OrvoPlugin* plugin);
+
+    /// The plugins in the order in which they were loaded.
+    std::list<OrvoPlugin*>& getRegistriertePlugins() { return plugins_; }
+    /// 0 while the manager is being made, 1 from its first loading run on, 2 when it has unloaded all for good.
+    std::int32_t getStatus() const { return status_; }
+
+private:
+    class Fremdarbeit;
+
+    bool nimmtAuftragAn(const char* auftrag) const;
+    void sageAllen(void (PluginObserver::*was)(OrvoPlugin*), OrvoPlugin* plugin);
+    void ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad);
+    void protokolliere(const char* text) const;
+    void protokolliere(const char* vorspann, const std::string& wovon, const char* nachspann = "") const;
+
+    std::int32_t status_ = 0;
+    std::list<OrvoPlugin*> plugins_;
+    orvo::orvoutil::BeobachterListe<PluginObserver> observers_;
+    std::string pluginSuchPfad_;
+    orvo::orvoutil::Logger* logger_;
+    int fremdarbeit_ = 0; ///< how many calls into plugins and observers are running
+};

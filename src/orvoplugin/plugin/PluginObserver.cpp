@@ -1,0 +1,3 @@
+#include <orvoplugin/plugin/PluginObserver.h>
+
+PluginObserver::~PluginObserver() = default;

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
+#include <orvoplugin/service/Service.h>
+
+/// Offers a tax-office ("Finanzamt") data service; its interface is settled between client and plugin. It serves
+/// no sub-case types and periods: there is at most one in the registry, the first that was registered.
+///
+/// Threads: one thread at a time, as everywhere in this library.
+class ORVOPLUGIN_API OrvoFADatenServiceErweiterung : public OrvoServiceErweiterung {
+public:
+    OrvoFADatenServiceErweiterung();
+    OrvoFADatenServiceErweiterung(const OrvoFADatenServiceErweiterung& other);
+    ~OrvoFADatenServiceErweiterung() override;
+
+    OrvoErweiterung* clone() const override;
+
+    /// As `OrvoServiceErweiterung::holeService`.
+    Service* holeService();
+};

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+
+#include <map>
+#include <string>
+
+class Service;
+
+namespace orvo::orvoutil {
+class Logger;
+}
+
+/// An extension that hands out service objects, made by a factory function of the plugin library.
+///
+/// Each object handed out holds one use of the plugin, so the library stays open while any of its services is
+/// out; giving the object back lets the use go. An extension that belongs to no plugin hands out nothing.
+///
+/// Ownership: the caller gives each object back with `release`, once for each time it got it. Nobody deletes an
+/// object but the plugin, or, with `FLAG_SERVICE_LOESCHEN` set, `release`.
+/// Errors: neither `holeService` nor `release` throws; what went wrong stands in the log. An exception that
+/// leaves the factory counts as no object. When the library cannot be opened, the use that was never counted is
+/// given back all the same, and the plugin's count then stands below zero until the plugin is loaded anew.
+/// Threads: one thread at a time, as everywhere in this library.
+class ORVOPLUGIN_API OrvoServiceErweiterung : public OrvoErweiterung {
+public:
+    ~OrvoServiceErweiterung() override;
+
+    /// Returns: a service object, held by the caller until `release`; null when there is none.
+    Service* holeService();
+
+    /// Takes a service object back. With `FLAG_SERVICE_LOESCHEN` set it is deleted, and that at its first release
+    /// even if it was handed out several times: plugins that set the flag make a new object each time.
+    /// An object that is not out, or null, is reported in the log and changes nothing.
+    void release(Service* service);
+
+    void setServiceFactoryName(const std::string& name);
+
+    const std::string& getServiceFactoryName() const { return serviceFactoryName_; }
+    /// The objects that are out, and how many times each.
+    const std::map<Service*, int>& getInstanzen() const { return instanzen_; }
+
+protected:
+    OrvoServiceErweiterung(tag_erweiterung_typ typ, const std::string& factoryName);
+    /// A copy carries over how many objects the original has out, but none of the objects: it answers their
+    /// release with the warning. That is wanted, and binds whoever copies an extension in use.
+    OrvoServiceErweiterung(const OrvoServiceErweiterung& other);
+
+private:
+    Service* erzeugeService();
+
+    std::map<Service*, int> instanzen_;
+    std::string serviceFactoryName_;
+    orvo::orvoutil::Logger* logger_;
+};
