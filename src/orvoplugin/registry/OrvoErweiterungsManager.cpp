@@ -1,0 +1,325 @@
+#include <orvoplugin/registry/OrvoErweiterungsManager.h>
+
+#include <orvoplugin/plugin/Einzelinstanz.h>
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoFTDatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoFeldInfoDatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
+#include <orvoutil/Latin1.h>
+#include <orvoutil/Logger.h>
+#include <orvoutil/ObjectLifetimeManager.h>
+#include <orvoutil/OrvoVersion.h>
+#include <orvoutil/Spur.h>
+
+#include <sstream>
+#include <vector>
+
+using namespace orvo::orvoutil;
+
+namespace {
+
+constexpr std::int32_t kPluginTypEins = 1;
+constexpr int kOhneCode = 99;
+constexpr char kMarke[] = "ErweiterungsManager"; // tag of the registrations' log entries
+constexpr char kUeberschrift[] = "Aktuell Registrierte Erweiterungen: ";
+constexpr Latin1Text kSpeicherloch{u8"Noch Erweiterungen registriert. Speicherloch möglich!"};
+constexpr Latin1Text kHoehereVersion{u8" nutze die Erweiterung mit der höheren Version."};
+
+/// The plugin as one of interface 1; null if it is another.
+OrvoPluginV1* alsPluginV1(OrvoPlugin* plugin) {
+    return plugin && plugin->getTyp() == kPluginTypEins ? dynamic_cast<OrvoPluginV1*>(plugin) : nullptr;
+}
+
+OrvoVersion produktVersionVon(const OrvoErweiterung& erweiterung) {
+    const OrvoPlugin* const plugin = erweiterung.getPlugin();
+    return OrvoVersion(plugin ? plugin->getProduktVersion() : std::string());
+}
+
+/// "Registriere Erweiterung(<address>,<kind>)"
+void schreibeWen(std::ostream& text, const OrvoErweiterung* erweiterung) {
+    text << "Registriere Erweiterung(" << static_cast<const void*>(erweiterung) << ","
+         << erweiterung->getTyp() << ")";
+}
+
+void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung) {
+    if (!logger || !Logger::hatSenke())
+        return;
+    std::ostringstream text;
+    schreibeWen(text, erweiterung);
+    logger->tagged(kMarke, kOhneCode, text.str(), kOhneCode);
+}
+
+void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                        const std::list<Veranlagungszeitraum>& vzs) {
+    if (!logger || !Logger::hatSenke())
+        return;
+    std::ostringstream text;
+    schreibeWen(text, erweiterung);
+    text << " : ua=" << ua.getName() << " vz=";
+    const char* trenner = "";
+    for (const Veranlagungszeitraum& vz : vzs) {
+        text << trenner << vz.getJahr();
+        trenner = ",";
+    }
+    logger->tagged(kMarke, kOhneCode, text.str(), kOhneCode);
+}
+
+/// Beginning and end stand twice in the line. That is its wanted form: whoever reads the log looks for it.
+void meldeDoppelten(Logger* logger, const OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                    const Veranlagungszeitraum& vz) {
+    if (!logger || !Logger::hatSenke())
+        return;
+    const std::string anfang = "Es existiert schon eine Erweiterung mit dem Schluessel: ";
+    const std::string einfach = anfang + erweiterungTypName(erweiterung->getTyp()) + "/" + ua.getName() +
+                                "/" + vz.getText() + kHoehereVersion.c_str();
+    logger->tagged(kMarke, kOhneCode, anfang + einfach + kHoehereVersion.c_str(), kOhneCode);
+}
+
+} // namespace
+
+OrvoErweiterungsManager* OrvoErweiterungsManager::getInstanz() {
+    // "Manger" is the word that log readers look for.
+    static constexpr EinzelinstanzTexte texte{kErweiterungsManagerName, "OrvoErweiterungsManager::getInstanz",
+                                              "Hole OrvoErweiterungsManager",
+                                              "OrvoErweiterungsManger nicht gefunden. Starte Manager"};
+    return holeEinzelinstanz<OrvoErweiterungsManager>(texte, [] { return new OrvoErweiterungsManager; });
+}
+
+OrvoErweiterungsManager::OrvoErweiterungsManager() : logger_(Logger::getInstance(kErweiterungsManagerName)) {
+    const Spur spur(logger_, "OrvoErweiterungsManager::OrvoErweiterungsManager");
+    initialisiere();
+    spur.ende();
+}
+
+void OrvoErweiterungsManager::initialisiere() {
+    const Spur spur(logger_, "OrvoErweiterungsManager::initialisiere");
+    if (logger_) // tag and text stand the other way round, and only here; log readers know the line so
+        logger_->tagged("Registriere am PluginManager..", kOhneCode, "", kOhneCode);
+    OrvoPluginManager::getInstanz(this);
+    status_ = 2;
+    spur.ende();
+}
+
+OrvoErweiterungsManager::~OrvoErweiterungsManager() {
+    const Spur spur(logger_, "OrvoErweiterungsManager::~OrvoErweiterungsManager");
+    if (logger_)
+        logger_->tagged("OrvoErweiterungsManager", kOhneCode, "Deregistriere Instanz am PluginManager..",
+                        kOhneCode);
+    // Only an existing manager is asked: this must not start one.
+    if (ObjectLifetimeManager::instance().getObject<OrvoPluginManager>(kPluginManagerName))
+        OrvoPluginManager::getInstanz(nullptr)->removeObserver(this);
+    if (!registrierteErweiterungen_.empty() && logger_ && logger_->isWarnEnabled())
+        logger_->warn(kSpeicherloch.c_str());
+    registrierteErweiterungen_.clear();
+    spur.ende();
+}
+
+void OrvoErweiterungsManager::pluginErzeugt(OrvoPlugin* plugin) {
+    const Spur spur(logger_, "OrvoErweiterungsManager::pluginErzeugt");
+    if (OrvoPluginV1* const v1 = alsPluginV1(plugin)) {
+        const std::vector<OrvoErweiterung*>& erweiterungen = v1->listeErweiterungen();
+        alleErweiterungen_.insert(erweiterungen.begin(), erweiterungen.end());
+        for (OrvoErweiterung* const erweiterung : erweiterungen) {
+            if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG)
+                registriereFinanzamtsDaten(erweiterung);
+            else if (OrvoUaVzServiceErweiterung* const uaVz = alsUaVz(erweiterung))
+                registriere(uaVz);
+        }
+        checkAbhaengigkeiten();
+    }
+    spur.ende();
+}
+
+void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
+    const Spur spur(logger_, "OrvoErweiterungsManager::pluginZerstoert");
+    if (OrvoPluginV1* const v1 = alsPluginV1(plugin)) {
+        for (OrvoErweiterung* const erweiterung : v1->listeErweiterungen()) {
+            entferne(erweiterung);
+            alleErweiterungen_.erase(erweiterung);
+        }
+        checkAbhaengigkeiten();
+    }
+    spur.ende();
+}
+
+void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
+    meldeRegistrierung(logger_, erweiterung);
+    // The first one stays, whatever the versions. "Y" here and "YYYY" elsewhere give the same year, 2000.
+    registrierteErweiterungen_.insert(
+        {ErweiterungsSchluessel(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "Y")),
+         erweiterung});
+}
+
+void OrvoErweiterungsManager::registriere(OrvoUaVzServiceErweiterung* erweiterung) {
+    for (const auto& [ua, vzs] : erweiterung->getVeranlagungszeitraumUnterfallartMap()) {
+        meldeRegistrierung(logger_, erweiterung, ua, vzs);
+        for (const Veranlagungszeitraum& vz : vzs)
+            trageEin(erweiterung, ua, vz);
+    }
+}
+
+void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                                       const Veranlagungszeitraum& vz) {
+    const Register::value_type eintrag(ErweiterungsSchluessel(erweiterung->getTyp(), ua, vz), erweiterung);
+    const auto [bestehender, neu] = registrierteErweiterungen_.insert(eintrag);
+    if (neu)
+        return;
+    meldeDoppelten(logger_, erweiterung, ua, vz);
+    if (produktVersionVon(*erweiterung) > produktVersionVon(*bestehender->second)) {
+        registrierteErweiterungen_.erase(bestehender);
+        registrierteErweiterungen_.insert(eintrag);
+    }
+}
+
+/// Erases by key, whichever extension stands there; see the class comment.
+void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
+    if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG) {
+        suchSchluessel_.setze(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "YYYY"));
+        registrierteErweiterungen_.erase(suchSchluessel_);
+    } else if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung)) {
+        for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
+            for (const Veranlagungszeitraum& vz : vzs) {
+                suchSchluessel_.setze(erweiterung->getTyp(), ua, vz);
+                registrierteErweiterungen_.erase(suchSchluessel_);
+            }
+        }
+    }
+}
+
+OrvoUaVzServiceErweiterung* OrvoErweiterungsManager::alsUaVz(OrvoErweiterung* erweiterung) const {
+    auto* const uaVz = dynamic_cast<OrvoUaVzServiceErweiterung*>(erweiterung);
+    if (!uaVz && logger_ && logger_->isWarnEnabled())
+        logger_->warn("Cast auf UfaVzServiceErweiterung fehlgeschlagen");
+    return uaVz;
+}
+
+OrvoErweiterungsManager::Register::const_iterator
+OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                               const Veranlagungszeitraum& vz) const {
+    suchSchluessel_.setze(typ, ua, vz);
+    const auto genau = registrierteErweiterungen_.find(suchSchluessel_);
+    if (genau != registrierteErweiterungen_.end())
+        return genau;
+    suchSchluessel_.setzeVeranlagungszeitraum(Veranlagungszeitraum());
+    return registrierteErweiterungen_.find(suchSchluessel_);
+}
+
+template <class T>
+T* OrvoErweiterungsManager::finde(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                  const Veranlagungszeitraum& vz) const {
+    const auto gefunden = suche(typ, ua, vz);
+    return gefunden == registrierteErweiterungen_.end() ? nullptr : dynamic_cast<T*>(gefunden->second);
+}
+
+OrvoValidierungsServiceErweiterung*
+OrvoErweiterungsManager::findeValidierungsServiceErweiterung(const Unterfallart& ua,
+                                                             const Veranlagungszeitraum& vz) const {
+    const Spur spur(logger_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
+    spur.ende(); // both lines come before the search, and only this one of the look-ups writes any
+    return finde<OrvoValidierungsServiceErweiterung>(ORVO_CHECK_SERVICE_ERWEITERUNG, ua, vz);
+}
+
+OrvoFeldInfoDatenServiceErweiterung*
+OrvoErweiterungsManager::findeFeldInfoDatenServiceErweiterung(const Unterfallart& ua,
+                                                              const Veranlagungszeitraum& vz) const {
+    return finde<OrvoFeldInfoDatenServiceErweiterung>(ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, ua, vz);
+}
+
+OrvoFTDatenServiceErweiterung*
+OrvoErweiterungsManager::findeFehlertextDatenServiceErweiterung(const Unterfallart& ua,
+                                                                const Veranlagungszeitraum& vz) const {
+    return finde<OrvoFTDatenServiceErweiterung>(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, ua, vz);
+}
+
+OrvoXPathMappingServiceErweiterung*
+OrvoErweiterungsManager::findeXPathMappingServiceErweiterung(const Unterfallart& ua,
+                                                             const Veranlagungszeitraum& vz) const {
+    return finde<OrvoXPathMappingServiceErweiterung>(ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG, ua, vz);
+}
+
+OrvoDatensatzReaderErweiterung*
+OrvoErweiterungsManager::findeDatensatzReaderServiceErweiterung(const Unterfallart& ua,
+                                                                const Veranlagungszeitraum& vz) const {
+    return finde<OrvoDatensatzReaderErweiterung>(ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG, ua, vz);
+}
+
+OrvoFADatenServiceErweiterung* OrvoErweiterungsManager::findeFADatenServiceErweiterung() const {
+    return finde<OrvoFADatenServiceErweiterung>(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0),
+                                                Veranlagungszeitraum(0, "YYYY"));
+}
+
+bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ,
+                                                                 const Unterfallart& ua,
+                                                                 const Veranlagungszeitraum& vz) const {
+    const Spur spur(logger_, "OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt");
+    const bool unterstuetzt = suche(typ, ua, vz) != registrierteErweiterungen_.end();
+    spur.ende();
+    return unterstuetzt;
+}
+
+template <class T>
+std::list<T*> OrvoErweiterungsManager::sammle(const char* operation, tag_erweiterung_typ typ) const {
+    const Spur spur(logger_, operation);
+    std::list<T*> liste;
+    for (const auto& [schluessel, erweiterung] : registrierteErweiterungen_)
+        if (erweiterung->getTyp() == typ)
+            if (T* const passende = dynamic_cast<T*>(erweiterung))
+                liste.push_back(passende);
+    spur.ende();
+    return liste;
+}
+
+std::list<OrvoErweiterung*> OrvoErweiterungsManager::getRegistrierteErweiterungen() const {
+    const Spur spur(logger_, "OrvoErweiterungsManager::getRegistrierteErweiterungen");
+    std::list<OrvoErweiterung*> liste;
+    for (const auto& [schluessel, erweiterung] : registrierteErweiterungen_)
+        liste.push_back(erweiterung);
+    spur.ende();
+    return liste;
+}
+
+std::list<OrvoValidierungsServiceErweiterung*>
+OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen() const {
+    return sammle<OrvoValidierungsServiceErweiterung>(
+        "OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen",
+        ORVO_CHECK_SERVICE_ERWEITERUNG);
+}
+
+std::list<OrvoFeldInfoDatenServiceErweiterung*>
+OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen() const {
+    return sammle<OrvoFeldInfoDatenServiceErweiterung>(
+        "OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen",
+        ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG);
+}
+
+std::list<OrvoFTDatenServiceErweiterung*>
+OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen() const {
+    return sammle<OrvoFTDatenServiceErweiterung>(
+        "OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen",
+        ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG);
+}
+
+std::list<OrvoFADatenServiceErweiterung*>
+OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen() const {
+    return sammle<OrvoFADatenServiceErweiterung>(
+        "OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen",
+        ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG);
+}
+
+bool OrvoErweiterungsManager::checkAbhaengigkeiten() {
+    // The walk over all extensions would stand here; with nothing to look at, it would leave no trace either.
+    return true;
+}
+
+std::ostream& OrvoErweiterungsManager::dump(std::ostream& out) const {
+    return out << kUeberschrift << std::endl;
+}
+
+void OrvoErweiterungsManager::dump(Logger* logger) const {
+    if (logger && logger->isInfoEnabled())
+        logger->info(std::string(kUeberschrift) + "\n");
+}

@@ -1,0 +1,122 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+#include <orvoplugin/plugin/PluginObserver.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+#include <orvoplugin/registry/ErweiterungsSchluessel.h>
+#include <orvoplugin/registry/OrvoHashmap.h>
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <list>
+#include <set>
+
+class OrvoDatensatzReaderErweiterung;
+class OrvoFADatenServiceErweiterung;
+class OrvoFTDatenServiceErweiterung;
+class OrvoFeldInfoDatenServiceErweiterung;
+class OrvoUaVzServiceErweiterung;
+class OrvoValidierungsServiceErweiterung;
+class OrvoXPathMappingServiceErweiterung;
+
+namespace orvo::orvoutil {
+class Logger;
+}
+
+/// Registry of the extensions of all loaded plugins: answers which extension serves a sub-case type
+/// ("Unterfallart") for an assessment period ("Veranlagungszeitraum").
+///
+/// It observes the plugin manager and files each extension once per pair that it serves. Where two plugins offer
+/// the same, the one with the higher product version stays, and on equal versions the one registered first. When
+/// a plugin goes, everything under its keys goes, also what another plugin had won there: that is wanted, and
+/// binds whoever unloads a single plugin, to load the rest anew.
+///
+/// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own,
+/// which observes the process's plugin manager only if it is the one that starts it.
+///
+/// An extension that should serve pairs but is of another class is passed over with a warning.
+///
+/// Ownership: owns no extension. An extension found stays valid until its plugin is unloaded.
+/// Errors: a look-up that finds nothing gives null, false or an empty list.
+/// Threads: one thread at a time, as everywhere in this library; look-ups too, for they share a search key.
+class ORVOPLUGIN_API OrvoErweiterungsManager : public PluginObserver {
+public:
+    /// The process's registry. The first call makes it, starts the plugin manager and so loads all plugins.
+    ///
+    /// Returns: the registry, owned by the `ObjectLifetimeManager`; null once the process's objects are being
+    /// destroyed.
+    /// Errors: `std::logic_error` from inside a plugin's entry point, and while the registry is being made.
+    static OrvoErweiterungsManager* getInstanz();
+
+    OrvoErweiterungsManager();
+    OrvoErweiterungsManager(const OrvoErweiterungsManager&) = delete;
+    OrvoErweiterungsManager& operator=(const OrvoErweiterungsManager&) = delete;
+
+    /// Files the plugin's extensions.
+    void pluginErzeugt(OrvoPlugin* plugin) override;
+    /// Removes whatever stands under the keys of the plugin's extensions.
+    void pluginZerstoert(OrvoPlugin* plugin) override;
+    ~OrvoErweiterungsManager() override;
+
+    /// The extension for exactly that year, else the period-independent one, else null.
+    OrvoValidierungsServiceErweiterung*
+    findeValidierungsServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
+    OrvoFeldInfoDatenServiceErweiterung*
+    findeFeldInfoDatenServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
+    OrvoFTDatenServiceErweiterung*
+    findeFehlertextDatenServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
+    OrvoXPathMappingServiceErweiterung*
+    findeXPathMappingServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
+    OrvoDatensatzReaderErweiterung*
+    findeDatensatzReaderServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
+    /// The tax-office data extension; there is one at most.
+    OrvoFADatenServiceErweiterung* findeFADatenServiceErweiterung() const;
+
+    /// Whether a look-up of that kind would find an entry.
+    bool istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ, const Unterfallart& ua,
+                                            const Veranlagungszeitraum& vz) const;
+
+    /// Every extension once for each key that it holds, in the table's own order.
+    std::list<OrvoErweiterung*> getRegistrierteErweiterungen() const;
+    std::list<OrvoValidierungsServiceErweiterung*> getRegistrierteValidierungsServiceErweiterungen() const;
+    std::list<OrvoFeldInfoDatenServiceErweiterung*> getRegistrierteFeldInfoDatenServiceErweiterungen() const;
+    std::list<OrvoFTDatenServiceErweiterung*> getRegistrierteFehlertextDatenServiceErweiterungen() const;
+    std::list<OrvoFADatenServiceErweiterung*> getRegistrierteFinanzamtsDatenErweiterungen() const;
+
+    /// Would check the dependencies between extensions; none is checked. Returns: true.
+    bool checkAbhaengigkeiten();
+
+    /// Writes the heading of the report, which is all there is of it. Single registrations stand in the log.
+    std::ostream& dump(std::ostream& out) const;
+    /// Writes the same to a logger, as information; a null logger is ignored.
+    void dump(orvo::orvoutil::Logger* logger) const;
+
+    /// 0 while the registry is being made, 2 from then on.
+    std::int32_t getStatus() const { return status_; }
+
+private:
+    using Register = orvo::common::OrvoHashmap<ErweiterungsSchluessel, OrvoErweiterung*,
+                                               ErweiterungsSchluessel, std::equal_to<ErweiterungsSchluessel>>;
+
+    void initialisiere();
+
+    void registriereFinanzamtsDaten(OrvoErweiterung* erweiterung);
+    void registriere(OrvoUaVzServiceErweiterung* erweiterung);
+    void trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua, const Veranlagungszeitraum& vz);
+    void entferne(const OrvoErweiterung* erweiterung);
+    OrvoUaVzServiceErweiterung* alsUaVz(OrvoErweiterung* erweiterung) const;
+
+    Register::const_iterator suche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                   const Veranlagungszeitraum& vz) const;
+    template <class T>
+    T* finde(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
+    template <class T>
+    std::list<T*> sammle(const char* operation, tag_erweiterung_typ typ) const;
+
+    Register registrierteErweiterungen_;
+    std::set<OrvoErweiterung*> alleErweiterungen_;
+    std::int32_t status_ = 0;
+    orvo::orvoutil::Logger* logger_;
+    mutable ErweiterungsSchluessel suchSchluessel_; ///< used again for each look-up, for its memory
+};
