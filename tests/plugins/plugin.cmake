@@ -1,0 +1,13 @@
+# What the tests of the plugin room load.
+orvo_test_plugin(DescribedByFile Beschrieben.cpp)
+orvo_test_plugin(WithoutEntryPoints Leer.cpp)
+orvo_test_plugin(WithoutInitialize Typen.cpp "TYPEN={1}")
+orvo_test_plugin(DeclaresTypeTwo Typen.cpp "TYPEN={2}" MIT_INITIALIZE)
+orvo_test_plugin(DeclaresNoType Typen.cpp "TYPEN={}" MIT_INITIALIZE)
+orvo_test_plugin(DeclaresTypeOneTwice Typen.cpp "TYPEN={1, 1}" MIT_INITIALIZE)
+orvo_test_plugin(DeclaresTypesOneAndTwo Typen.cpp "TYPEN={1, 2}" MIT_INITIALIZE)
+foreach(ort Types Initialize)
+    foreach(was StandardException OwnStandardException OwnClass Int)
+        orvo_test_plugin(Throws${was}From${ort} Wirft.cpp WIRFT_${was} AUS_${ort})
+    endforeach()
+endforeach()
