@@ -40,4 +40,10 @@ function(orvo_library target)
                    VERSION ${PROJECT_VERSION}
                    SOVERSION ${PROJECT_VERSION_MAJOR}
                    INSTALL_RPATH "$<IF:$<PLATFORM_ID:Darwin>,@loader_path,$ORIGIN>")
+    # Instantiations of the standard library's templates are every library's own affair.
+    if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        set(exports "${PROJECT_SOURCE_DIR}/cmake/library.exports")
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
+        set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${exports}")
+    endif()
 endfunction()

@@ -7,7 +7,7 @@
 namespace orvo::orvoutil {
 
 /// The log of the process. Never destroyed: it is written until the process is gone.
-struct Logger::Zustand {
+struct __attribute__((visibility("hidden"))) Logger::Zustand {
     std::mutex sperre;
     std::shared_ptr<LogSink> senke;
     LogLevel stufe = LogLevel::Info;
@@ -20,7 +20,8 @@ struct Logger::Zustand {
 
     /// Call with the lock held.
     void stelleSchwelle() const {
-        schwelle_.store(senke ? static_cast<std::int32_t>(stufe) : AUS, std::memory_order_relaxed);
+        const auto niedrigste = static_cast<std::int32_t>(stufe);
+        schwelle_.store(senke ? niedrigste : std::int32_t{AUS}, std::memory_order_relaxed);
     }
 
     /// Hands the entry over while no lock is held: the sink may log, or install another.

@@ -4,6 +4,7 @@
 #include <orvoutil/LogSink.h>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,6 +27,7 @@ public:
     static Logger* getInstance(std::string_view kategorie);
     /// Installs the sink that all loggers write to; null for none. Entries under way on other threads may still
     /// reach the one before.
+    /// Ownership: shared; a sink that is not taken out again stays to the very end of the process.
     static void setSink(std::shared_ptr<LogSink> senke);
     /// Sets the lowest level that is written; at first `LogLevel::Info`.
     static void setLevel(LogLevel stufe);
@@ -59,7 +61,7 @@ public:
 
 private:
     struct Zustand;
-    static constexpr std::int32_t AUS = static_cast<std::int32_t>(LogLevel::Error) + 1;
+    enum : std::int32_t { AUS = static_cast<std::int32_t>(LogLevel::Error) + 1 };
 
     explicit Logger(std::string_view kategorie);
     ~Logger() = delete;

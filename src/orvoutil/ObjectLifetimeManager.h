@@ -37,7 +37,7 @@ public:
     /// `wirdAbgebaut`.
     template <class T>
     void addObject(std::string_view name, T* objekt) {
-        fuegeHinzu(name, objekt, typeid(T), [](void* o) noexcept { delete static_cast<T*>(o); });
+        fuegeHinzu(name, objekt, typeid(T), &loesche<T>);
     }
 
     /// Destroys all objects; later registrations start anew. A call made while another is at work, by a destructor
@@ -60,6 +60,11 @@ private:
 
     ObjectLifetimeManager();
     ~ObjectLifetimeManager() = delete;
+
+    template <class T>
+    static void loesche(void* objekt) noexcept {
+        delete static_cast<T*>(objekt);
+    }
 
     void* finde(std::string_view name, const std::type_info& typ) const;
     void fuegeHinzu(std::string_view name, void* objekt, const std::type_info& typ, Zerstoerer zerstoere);

@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace orvo::orvoutil {
@@ -64,7 +65,7 @@ std::string normalisiere(std::string_view pfad) {
         ergebnis += teil;
     }
     if (ergebnis.empty())
-        ergebnis = absolut ? "/" : ".";
+        ergebnis += absolut ? '/' : '.';
     return ergebnis;
 }
 

@@ -20,7 +20,7 @@ constexpr Latin1Text kKeinGrund{u8"Das System nennt keinen Grund."};
 
 bool hatNullbyte(const std::string& text) { return text.find('\0') != std::string::npos; }
 
-/// What stands against opening that file at all. Returns: the reason; empty when there is none.
+/// Looks at the file before the system opens it. Returns: why it must not; empty when it may.
 std::string hindernis(const std::string& pfad) {
     if (pfad.empty() || hatNullbyte(pfad))
         return kUngueltigerName;
@@ -32,6 +32,7 @@ std::string alsDateipfad(const std::string& pfad) {
     return pfad.find('/') == std::string::npos ? "./" + pfad : pfad;
 }
 
+/// Why the system's last call failed.
 std::string grundDesSystems() {
     const char* const grund = dlerror();
     return grund ? std::string(grund) : std::string(kKeinGrund);
@@ -124,6 +125,7 @@ bool SharedLib::unload() {
 
 void* SharedLib::getSymbol(const std::string& name) {
     fehler_.clear();
+    dlerror(); // forgets older errors: a symbol without an address is none
     if (!griff_)
         schlageFehl(kNichtGeoeffnet);
     else if (hatNullbyte(name))

@@ -7,7 +7,8 @@
 
 namespace orvo::orvoutil {
 
-/// Writes the log to a stream, one line for each entry, with local time, level and category.
+/// Writes the log to a stream, one line for each entry, with local time, level and category. Arrows mark where
+/// an operation begins and ends; of an event the line has tag and text.
 ///
 /// Ownership: the stream stays the caller's and outlives the sink.
 /// Errors: those of the stream.

@@ -43,8 +43,9 @@ std::vector<std::string> Mitschnitt::zeilen(const std::string& kategorie) const 
 }
 
 std::vector<std::string> Mitschnitt::meldungen() const {
-    return zeilenMit(eintraege(),
-                     [](const LogEntry& e) { return e.kind == LogKind::Tagged || e.level != LogLevel::Debug; });
+    return zeilenMit(eintraege(), [](const LogEntry& e) {
+        return e.kind == LogKind::Tagged || e.level != LogLevel::Debug;
+    });
 }
 
 int Mitschnitt::anzahl(const std::string& gesucht) const {
@@ -76,7 +77,8 @@ std::string Mitschnitt::zeile(const LogEntry& e) {
     case LogKind::DestructorLeave:
         return "~< " + e.text;
     case LogKind::Tagged:
-        return "[" + e.tag + "|" + std::to_string(e.code1) + "|" + e.text + "|" + std::to_string(e.code2) + "]";
+        return "[" + e.tag + "|" + std::to_string(e.code1) + "|" + e.text + "|" + std::to_string(e.code2) +
+               "]";
     case LogKind::Message:
         break;
     }

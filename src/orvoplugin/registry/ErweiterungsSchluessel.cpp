@@ -1,5 +1,8 @@
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
 
+#include <orvoplugin/plugin/erweiterung/ErweiterungTypName.h>
+
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <string_view>
@@ -9,25 +12,33 @@ namespace {
 /// Folds text into a hash, byte by byte; the bytes count as signed.
 class Streuwert {
 public:
-    void nimm(std::string_view text) {
+    constexpr Streuwert& nimm(std::string_view text) {
         for (const char c : text) {
-            const auto erweitert =
-                static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
+            const auto erweitert = static_cast<std::uint32_t>(static_cast<signed char>(c));
             wert_ ^= erweitert + 0x9E3779B9u + (wert_ << 6) + (wert_ >> 2);
         }
+        return *this;
     }
 
-    void nimm(std::int32_t zahl) {
+    Streuwert& nimm(std::int32_t zahl) {
         char ziffern[11]; // sign and ten digits
         const auto ende = std::to_chars(std::begin(ziffern), std::end(ziffern), zahl).ptr;
-        nimm(std::string_view(ziffern, static_cast<std::size_t>(ende - ziffern)));
+        return nimm(std::string_view(ziffern, static_cast<std::size_t>(ende - ziffern)));
     }
 
-    std::uint32_t wert() const { return wert_; }
+    constexpr std::uint32_t wert() const { return wert_; }
 
 private:
     std::uint32_t wert_ = 0;
 };
+
+/// The hashes of "kind#", on which those of the keys go on.
+constexpr auto kAnfaenge = [] {
+    std::array<Streuwert, std::size(kErweiterungTypNamen)> anfaenge;
+    for (std::size_t i = 0; i < anfaenge.size(); ++i)
+        anfaenge[i].nimm(kErweiterungTypNamen[i]).nimm("#");
+    return anfaenge;
+}();
 
 } // namespace
 
@@ -53,9 +64,7 @@ void ErweiterungsSchluessel::setzeVeranlagungszeitraum(const Veranlagungszeitrau
 }
 
 std::size_t ErweiterungsSchluessel::operator()(const ErweiterungsSchluessel& schluessel) const {
-    Streuwert streuwert;
-    streuwert.nimm(erweiterungTypName(schluessel.typ_));
-    streuwert.nimm("#");
+    Streuwert streuwert = kAnfaenge[erweiterungTypPlatz(schluessel.typ_)];
     streuwert.nimm(schluessel.unterfallart_.getNummer());
     streuwert.nimm("#");
     streuwert.nimm(schluessel.veranlagungszeitraum_.getJahr());

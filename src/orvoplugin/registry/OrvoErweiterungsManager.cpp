@@ -79,6 +79,20 @@ void meldeDoppelten(Logger* logger, const OrvoErweiterung* erweiterung, const Un
     logger->tagged(kMarke, kOhneCode, anfang + einfach + kHoehereVersion.c_str(), kOhneCode);
 }
 
+/// Every extension of that kind and class, once for each key that it holds.
+template <class T, class Register>
+std::list<T*> sammle(const Register& eintraege, tag_erweiterung_typ typ, Logger* logger,
+                     const char* operation) {
+    const Spur spur(logger, operation);
+    std::list<T*> liste;
+    for (const auto& [schluessel, erweiterung] : eintraege)
+        if (erweiterung->getTyp() == typ)
+            if (T* const passende = dynamic_cast<T*>(erweiterung))
+                liste.push_back(passende);
+    spur.ende();
+    return liste;
+}
+
 } // namespace
 
 OrvoErweiterungsManager* OrvoErweiterungsManager::getInstanz() {
@@ -197,22 +211,16 @@ OrvoUaVzServiceErweiterung* OrvoErweiterungsManager::alsUaVz(OrvoErweiterung* er
     return uaVz;
 }
 
-OrvoErweiterungsManager::Register::const_iterator
-OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
-                               const Veranlagungszeitraum& vz) const {
+/// The extension under the key itself, else under its period-independent one; null when there is neither.
+OrvoErweiterung* OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                                const Veranlagungszeitraum& vz) const {
     suchSchluessel_.setze(typ, ua, vz);
-    const auto genau = registrierteErweiterungen_.find(suchSchluessel_);
-    if (genau != registrierteErweiterungen_.end())
-        return genau;
-    suchSchluessel_.setzeVeranlagungszeitraum(Veranlagungszeitraum());
-    return registrierteErweiterungen_.find(suchSchluessel_);
-}
-
-template <class T>
-T* OrvoErweiterungsManager::finde(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                  const Veranlagungszeitraum& vz) const {
-    const auto gefunden = suche(typ, ua, vz);
-    return gefunden == registrierteErweiterungen_.end() ? nullptr : dynamic_cast<T*>(gefunden->second);
+    auto gefunden = registrierteErweiterungen_.find(suchSchluessel_);
+    if (gefunden == registrierteErweiterungen_.end()) {
+        suchSchluessel_.setzeVeranlagungszeitraum(Veranlagungszeitraum());
+        gefunden = registrierteErweiterungen_.find(suchSchluessel_);
+    }
+    return gefunden == registrierteErweiterungen_.end() ? nullptr : gefunden->second;
 }
 
 OrvoValidierungsServiceErweiterung*
@@ -220,57 +228,49 @@ OrvoErweiterungsManager::findeValidierungsServiceErweiterung(const Unterfallart&
                                                              const Veranlagungszeitraum& vz) const {
     const Spur spur(logger_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
     spur.ende(); // both lines come before the search, and only this one of the look-ups writes any
-    return finde<OrvoValidierungsServiceErweiterung>(ORVO_CHECK_SERVICE_ERWEITERUNG, ua, vz);
+    return dynamic_cast<OrvoValidierungsServiceErweiterung*>(suche(ORVO_CHECK_SERVICE_ERWEITERUNG, ua, vz));
 }
 
 OrvoFeldInfoDatenServiceErweiterung*
 OrvoErweiterungsManager::findeFeldInfoDatenServiceErweiterung(const Unterfallart& ua,
                                                               const Veranlagungszeitraum& vz) const {
-    return finde<OrvoFeldInfoDatenServiceErweiterung>(ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, ua, vz);
+    return dynamic_cast<OrvoFeldInfoDatenServiceErweiterung*>(
+        suche(ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, ua, vz));
 }
 
 OrvoFTDatenServiceErweiterung*
 OrvoErweiterungsManager::findeFehlertextDatenServiceErweiterung(const Unterfallart& ua,
                                                                 const Veranlagungszeitraum& vz) const {
-    return finde<OrvoFTDatenServiceErweiterung>(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, ua, vz);
+    return dynamic_cast<OrvoFTDatenServiceErweiterung*>(
+        suche(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, ua, vz));
 }
 
 OrvoXPathMappingServiceErweiterung*
 OrvoErweiterungsManager::findeXPathMappingServiceErweiterung(const Unterfallart& ua,
                                                              const Veranlagungszeitraum& vz) const {
-    return finde<OrvoXPathMappingServiceErweiterung>(ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG, ua, vz);
+    return dynamic_cast<OrvoXPathMappingServiceErweiterung*>(
+        suche(ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG, ua, vz));
 }
 
 OrvoDatensatzReaderErweiterung*
 OrvoErweiterungsManager::findeDatensatzReaderServiceErweiterung(const Unterfallart& ua,
                                                                 const Veranlagungszeitraum& vz) const {
-    return finde<OrvoDatensatzReaderErweiterung>(ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG, ua, vz);
+    return dynamic_cast<OrvoDatensatzReaderErweiterung*>(
+        suche(ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG, ua, vz));
 }
 
 OrvoFADatenServiceErweiterung* OrvoErweiterungsManager::findeFADatenServiceErweiterung() const {
-    return finde<OrvoFADatenServiceErweiterung>(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0),
-                                                Veranlagungszeitraum(0, "YYYY"));
+    return dynamic_cast<OrvoFADatenServiceErweiterung*>(
+        suche(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0), Veranlagungszeitraum(0, "YYYY")));
 }
 
 bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ,
                                                                  const Unterfallart& ua,
                                                                  const Veranlagungszeitraum& vz) const {
     const Spur spur(logger_, "OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt");
-    const bool unterstuetzt = suche(typ, ua, vz) != registrierteErweiterungen_.end();
+    const bool unterstuetzt = suche(typ, ua, vz) != nullptr;
     spur.ende();
     return unterstuetzt;
-}
-
-template <class T>
-std::list<T*> OrvoErweiterungsManager::sammle(const char* operation, tag_erweiterung_typ typ) const {
-    const Spur spur(logger_, operation);
-    std::list<T*> liste;
-    for (const auto& [schluessel, erweiterung] : registrierteErweiterungen_)
-        if (erweiterung->getTyp() == typ)
-            if (T* const passende = dynamic_cast<T*>(erweiterung))
-                liste.push_back(passende);
-    spur.ende();
-    return liste;
 }
 
 std::list<OrvoErweiterung*> OrvoErweiterungsManager::getRegistrierteErweiterungen() const {
@@ -285,29 +285,29 @@ std::list<OrvoErweiterung*> OrvoErweiterungsManager::getRegistrierteErweiterunge
 std::list<OrvoValidierungsServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen() const {
     return sammle<OrvoValidierungsServiceErweiterung>(
-        "OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen",
-        ORVO_CHECK_SERVICE_ERWEITERUNG);
+        registrierteErweiterungen_, ORVO_CHECK_SERVICE_ERWEITERUNG, logger_,
+        "OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen");
 }
 
 std::list<OrvoFeldInfoDatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen() const {
     return sammle<OrvoFeldInfoDatenServiceErweiterung>(
-        "OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen",
-        ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG);
+        registrierteErweiterungen_, ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, logger_,
+        "OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen");
 }
 
 std::list<OrvoFTDatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen() const {
     return sammle<OrvoFTDatenServiceErweiterung>(
-        "OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen",
-        ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG);
+        registrierteErweiterungen_, ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, logger_,
+        "OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen");
 }
 
 std::list<OrvoFADatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen() const {
     return sammle<OrvoFADatenServiceErweiterung>(
-        "OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen",
-        ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG);
+        registrierteErweiterungen_, ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, logger_,
+        "OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen");
 }
 
 bool OrvoErweiterungsManager::checkAbhaengigkeiten() {

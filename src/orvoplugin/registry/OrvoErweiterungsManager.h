@@ -107,12 +107,8 @@ private:
     void entferne(const OrvoErweiterung* erweiterung);
     OrvoUaVzServiceErweiterung* alsUaVz(OrvoErweiterung* erweiterung) const;
 
-    Register::const_iterator suche(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                   const Veranlagungszeitraum& vz) const;
-    template <class T>
-    T* finde(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
-    template <class T>
-    std::list<T*> sammle(const char* operation, tag_erweiterung_typ typ) const;
+    OrvoErweiterung* suche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                           const Veranlagungszeitraum& vz) const;
 
     Register registrierteErweiterungen_;
     std::set<OrvoErweiterung*> alleErweiterungen_;

@@ -1,5 +1,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 
+#include <orvoplugin/plugin/erweiterung/ErweiterungTypName.h>
+
 #include <ostream>
 #include <stdexcept>
 
@@ -16,23 +18,7 @@ std::size_t flagIndex(const std::bitset<N>&, orvo_erweiterung_flag_t flag) {
 } // namespace
 
 const char* erweiterungTypName(tag_erweiterung_typ typ) {
-    switch (typ) {
-    case NONE:
-        return "NONE";
-    case ORVO_CHECK_SERVICE_ERWEITERUNG:
-        return "ORVO_CHECK_SERVICE_ERWEITERUNG";
-    case ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG:
-        return "ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG";
-    case ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG:
-        return "ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG";
-    case ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG:
-        return "ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG";
-    case ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG:
-        return "ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG";
-    case ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG:
-        return "ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG";
-    }
-    return "UNBEKANNT";
+    return kErweiterungTypNamen[erweiterungTypPlatz(typ)];
 }
 
 std::ostream& operator<<(std::ostream& out, const tag_erweiterung_typ& typ) {

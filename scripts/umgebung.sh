@@ -1,0 +1,49 @@
+# shellcheck shell=bash
+# To be sourced: what the scripts of this folder share. Installs Debian packages that are missing, and says so.
+
+# brauche_pakete <command>:<package>...
+# Makes sure that each command is there, and installs its package when it is not.
+brauche_pakete() {
+    local paar fehlende=()
+    for paar in "$@"; do
+        command -v "${paar%%:*}" >/dev/null || fehlende+=("${paar#*:}")
+    done
+    installiere_pakete "${fehlende[@]}"
+}
+
+# brauche_bibliotheken <package>...
+# The same for packages that bring no command.
+brauche_bibliotheken() {
+    local paket fehlende=()
+    for paket in "$@"; do
+        ist_installiert "$paket" || fehlende+=("$paket")
+    done
+    installiere_pakete "${fehlende[@]}"
+}
+
+ist_installiert() {
+    dpkg -s "$1" 2>/dev/null | grep -q '^Status: .* installed$'
+}
+
+# installiere_pakete [<package>...]
+# Ends the script with status 3, and says what to install, when it cannot be done from here.
+installiere_pakete() {
+    (($#)) || return 0
+    local als_root=()
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null || verlange_pakete "$@"
+        als_root=(sudo)
+    fi
+    command -v apt-get >/dev/null || verlange_pakete "$@"
+    printf 'Installing what is missing: %s\n' "$*" >&2
+    if ! "${als_root[@]}" apt-get update -qq >&2 ||
+        ! "${als_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y -qq --no-install-recommends "$@" >&2; then
+        verlange_pakete "$@"
+    fi
+}
+
+verlange_pakete() {
+    printf 'Missing packages: %s\nInstall them as root, then start again:\n    apt-get install %s\n' "$*" "$*" >&2
+    exit 3
+}

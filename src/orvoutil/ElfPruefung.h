@@ -1,0 +1,18 @@
+#pragma once
+
+#include <orvoutil/Bytequelle.h>
+
+#include <string>
+
+namespace orvo::orvoutil {
+
+/// Checks that the bytes are a shared library in ELF for this machine, and that everything the loader follows in
+/// it stays inside: segments inside the file, tables inside the segments, references inside the tables.
+///
+/// Work is proportional to the tables' length at most, memory fixed, and both are bounded whatever the bytes say.
+///
+/// Returns: what is wrong; empty when nothing is.
+/// Errors: none but want of memory. Encoding: Latin-1. Threads: any, each with a source of its own.
+std::string pruefeElf(Bytequelle& quelle);
+
+} // namespace orvo::orvoutil
