@@ -1,18 +1,26 @@
 #pragma once
 
-// Internal: knows whether one of the two entry points of a plugin that describe it is running.
+// Internal: knows whether code of a plugin is running that must not ask for the registry or the manager.
 
-/// Stands for the time in which such an entry point runs. The registry and the manager refuse requests meanwhile:
-/// they are at work on that very plugin.
-class Einsprungpunkt {
+/// Counts what is running, for as long as it lives.
+template <class Was>
+class Laufend {
 public:
-    Einsprungpunkt() { ++laufende_; }
-    Einsprungpunkt(const Einsprungpunkt&) = delete;
-    Einsprungpunkt& operator=(const Einsprungpunkt&) = delete;
-    ~Einsprungpunkt() { --laufende_; }
+    Laufend() { ++laufende_; }
+    Laufend(const Laufend&) = delete;
+    Laufend& operator=(const Laufend&) = delete;
+    ~Laufend() { --laufende_; }
 
     static bool laeuft() { return laufende_ != 0; }
 
 private:
-    static int laufende_;
+    static inline int laufende_ = 0;
 };
+
+/// The time in which a plugin describes itself. The registry and the manager refuse requests meanwhile: they are at
+/// work on that very plugin.
+using Einsprungpunkt = Laufend<struct EinsprungpunktArt>;
+
+/// The time in which a library is opened, and so its start-up code runs. An exception must not leave that: it would
+/// have to pass through the system's loader.
+using Oeffnung = Laufend<struct OeffnungArt>;

@@ -26,7 +26,8 @@ struct EinzelinstanzTexte {
 /// The registered object, made by `erzeuge` when there is none.
 ///
 /// Returns: the object, owned by the `ObjectLifetimeManager`; null while that destroys its objects, and after the
-/// process has begun to end: nothing is made anew then.
+/// process has begun to end: nothing is made anew then. Null too for the start-up code of a library that is being
+/// opened while the object is being made.
 /// Errors: `std::logic_error` from inside a plugin's entry point, and from inside the making of the object:
 /// there is only half an object to give.
 template <class T, class Erzeuge>
@@ -43,6 +44,8 @@ T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
     if (Einsprungpunkt::laeuft())
         throw std::logic_error(std::string(texte.name) +
                                ": im Einsprungpunkt eines Plugins nicht verfuegbar.");
+    if (inArbeit && Oeffnung::laeuft())
+        return nullptr;
     if (inArbeit)
         throw std::logic_error(std::string(texte.name) +
                                ": wird gerade gestartet und ist noch nicht verfuegbar.");

@@ -43,6 +43,11 @@ constexpr int kOhneCode = 99;
 constexpr char kTypen[] = "orvo_plugin_get_types";
 constexpr Latin1Text kUngueltigeVersion{u8"Ungültige Pluginversion"};
 
+bool oeffne(SharedLib& bibliothek) {
+    const Oeffnung oeffnung;
+    return bibliothek.isLoaded() || bibliothek.load();
+}
+
 std::list<orvo_plugin_version_t> typenVon(void* einsprung) {
     using Funktion = void (*)(std::list<orvo_plugin_version_t>*);
     std::list<orvo_plugin_version_t> typen;
@@ -70,7 +75,7 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
 
     if (!uebergeben)
         Obhut::lehneAb(obhut_, BIBLIOTHEK_FEHLER, "");
-    if (!uebergeben->isLoaded() && !uebergeben->load())
+    if (!oeffne(*uebergeben))
         Obhut::lehneAb(obhut_, BIBLIOTHEK_FEHLER, uebergeben->getLastError());
 
     void* const einsprung = uebergeben->getSymbol(kTypen);

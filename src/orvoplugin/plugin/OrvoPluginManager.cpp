@@ -105,7 +105,7 @@ bool OrvoPluginManager::entladePlugins() {
         return true;
     const Spur spur(logger_, "entladePlugins()");
     while (!plugins_.empty()) {
-        const std::unique_ptr<OrvoPlugin> plugin(plugins_.front());
+        std::unique_ptr<OrvoPlugin> plugin(plugins_.front());
         if (plugin->getStatus() == ORVO_PLUGIN_GELADEN && plugin->getSharedLib())
             protokolliere("entlade Plugin ", plugin->getSharedLib()->getName());
         plugins_.pop_front();
@@ -114,7 +114,8 @@ bool OrvoPluginManager::entladePlugins() {
                             if (logger_ && logger_->isErrorEnabled())
                                 logger_->error(std::string("Ausnahme beim Abmelden eines Plugins: ") + grund);
                         });
-        const Fremdarbeit fremdarbeit(*this); // a service's or library's last code may run in here
+        const Fremdarbeit fremdarbeit(*this); // the library's last code runs in here
+        plugin.reset();
     }
     spur.ende();
     return true;

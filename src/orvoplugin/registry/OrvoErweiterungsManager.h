@@ -45,7 +45,7 @@ public:
     /// The process's registry. The first call makes it, starts the plugin manager and so loads all plugins.
     ///
     /// Returns: the registry, owned by the `ObjectLifetimeManager`; null once the process's objects are being
-    /// destroyed.
+    /// destroyed, and for the start-up code of a library opened while the registry is being made.
     /// Errors: `std::logic_error` from inside a plugin's entry point, and while the registry is being made.
     static OrvoErweiterungsManager* getInstanz();
 

@@ -1,3 +1,0 @@
-#include <orvoplugin/plugin/Einsprungpunkt.h>
-
-int Einsprungpunkt::laufende_ = 0;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <orvoutil/ElfDynamik.h>
+
+#include <cstdint>
+
+namespace orvo::orvoutil {
+
+// The tables behind a dynamic section, each checked by a walk as the loader would make it. Errors: `ElfMangel`.
+
+/// Checks the relocations, and that each start and end function of the library gets its address from one.
+/// Returns: how many entries a symbol table needs for them.
+std::uint64_t pruefeRelokationen(const ElfDynamik& dynamik);
+
+/// Checks the hash tables and the symbols that they or the relocations lead to, at least that many.
+/// Returns: how many symbols there are, as far as can be seen.
+std::uint64_t pruefeSymbole(const ElfDynamik& dynamik, std::uint64_t mindestens);
+
+/// Checks the versions that symbols have, are needed in and are defined in.
+void pruefeVersionen(const ElfDynamik& dynamik, std::uint64_t symbole);
+
+} // namespace orvo::orvoutil
