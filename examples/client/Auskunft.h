@@ -1,0 +1,44 @@
+#pragma once
+
+#include <orvoplugin/domain/Unterfallart.h>
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+
+#include <cstdint>
+#include <string>
+
+class OrvoErweiterungsManager;
+class OrvoPlugin;
+
+/// How an answer of the registry came about.
+enum class Treffer : std::uint8_t {
+    GENAU,         ///< the very period is declared
+    GLEICHES_JAHR, ///< another period of the same year is
+    UNABHAENGIG,   ///< the extension serves any period
+    EINZIGER,      ///< there is one for everybody
+    KEINER
+};
+
+/// Asks the registry who answers for a kind of service, a sub-case type ("Unterfallart") and an assessment period
+/// ("Veranlagungszeitraum").
+/// Returns: null for nobody.
+OrvoErweiterung* frage(const OrvoErweiterungsManager& registratur, tag_erweiterung_typ dienst,
+                       const Unterfallart& ua, const Veranlagungszeitraum& vz);
+
+Treffer ordneEin(const OrvoErweiterung* antwort, const Unterfallart& ua, const Veranlagungszeitraum& vz);
+
+/// The period that a person typed: 2009, or 2009-05 with a month or a code for the quarter, or 2009-05-31, each
+/// also without hyphens; nothing for any.
+/// Errors: `orvo::exception::InvalidFormatException`.
+Veranlagungszeitraum liesZeitraum(const std::string& text);
+
+/// What people call things, in UTF-8.
+std::string nameVon(tag_erweiterung_typ dienst);
+std::string nameVon(Treffer treffer);
+/// The kind of service that has this name in the log; `NONE` for none.
+tag_erweiterung_typ dienstNamens(const std::string& name);
+/// File name of the plugin's library, without its directory.
+std::string dateiVon(const OrvoPlugin& plugin);
+/// File name and product version; a dash for nobody.
+std::string dateiUndVersionVon(const OrvoErweiterung* erweiterung);
+std::string jaNein(bool wert);

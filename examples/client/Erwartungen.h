@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+/// Whether everything came as this client expects it.
+class Erwartungen {
+public:
+    /// Notes one expectation. `was` names it, for the report, should it fail.
+    /// Returns: the mark to print beside it.
+    const char* pruefe(bool erfuellt, const std::string& was);
+
+    bool sindErfuellt() const { return verfehlte_.empty(); }
+
+    /// Prints how many there were, and each that failed.
+    friend std::ostream& operator<<(std::ostream& aus, const Erwartungen& erwartungen);
+
+private:
+    std::size_t anzahl_ = 0;
+    std::vector<std::string> verfehlte_;
+};
