@@ -39,7 +39,9 @@ T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
         ~Arbeit() { inArbeit = false; }
     };
 
-    Logger* const logger = Logger::getInstance(texte.name);
+    static Logger* logger = nullptr; // stays valid once there is one
+    if (!logger)
+        logger = Logger::getInstance(texte.name);
     const Spur spur(logger, texte.operation);
     if (Einsprungpunkt::laeuft())
         throw std::logic_error(std::string(texte.name) +
