@@ -74,5 +74,5 @@ private:
     std::int32_t tag_ = 0;
     std::int32_t quartal_ = -1;
     std::string text_;
-    std::int32_t reserviert_ = 0; ///< carried along with the value; nothing here reads it
+    [[maybe_unused]] std::int32_t reserviert_ = 0; ///< carried along with the value; nothing here reads it
 };

@@ -110,6 +110,6 @@ private:
     std::int32_t useCount_ = 0;
     std::string onUnloadFuncName_;
     std::string onLoadFuncName_;
-    std::string reserviert_; ///< kept for the layout; no operation uses it
+    [[maybe_unused]] std::string reserviert_; ///< kept for the layout; no operation uses it
     orvo::orvoutil::Logger* logger_;
 };

@@ -57,5 +57,5 @@ private:
 
     std::set<Unterfallart> unterfallArten_;
     VzMap vzMap_;
-    std::int32_t reserviert_ = 0; ///< never copied; nothing here reads it
+    [[maybe_unused]] std::int32_t reserviert_ = 0; ///< never copied; nothing here reads it
 };
