@@ -3,6 +3,7 @@
 #include <orvoutil/StringUtil.h>
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -41,12 +42,8 @@ bool enthaelt(const Veranlagungszeitraum& angeboten, const Veranlagungszeitraum&
     }
 }
 
-bool enthaelt(const VzListe& angeboten, const Veranlagungszeitraum& gefragt) {
-    if (istBeliebig(gefragt))
-        return !angeboten.empty();
-    return std::any_of(angeboten.begin(), angeboten.end(),
-                       [&](const auto& vz) { return enthaelt(vz, gefragt); });
-}
+/// Periods of an extension, each once: of equal ones the first, whatever the kinds of the others.
+using Angebot = std::set<std::reference_wrapper<const Veranlagungszeitraum>, std::less<Veranlagungszeitraum>>;
 
 } // namespace
 
@@ -114,9 +111,16 @@ OrvoUaVzServiceErweiterung::getVeranlagungszeitraumUnterfallartMap() const {
 
 bool OrvoUaVzServiceErweiterung::istUnterfallartUndVeranlagungszeitraumUnterstuetzt(
     const Unterfallart& ua, const Veranlagungszeitraum& vz) {
-    if (istBeliebig(ua))
-        return istBeliebig(vz) || std::any_of(vzMap_.begin(), vzMap_.end(),
-                                              [&](const auto& e) { return enthaelt(e.second, vz); });
-    const auto gefunden = vzMap_.find(ua);
-    return gefunden != vzMap_.end() && enthaelt(gefunden->second, vz);
+    if (istBeliebig(ua) && istBeliebig(vz))
+        return true;
+    Angebot angebot;
+    if (istBeliebig(ua)) {
+        for (const auto& [jede, vzs] : vzMap_)
+            angebot.insert(vzs.begin(), vzs.end());
+    } else if (const auto gefunden = vzMap_.find(ua); gefunden != vzMap_.end()) {
+        angebot.insert(gefunden->second.begin(), gefunden->second.end());
+    }
+    return std::any_of(angebot.begin(), angebot.end(), [&](const Veranlagungszeitraum& angeboten) {
+        return istBeliebig(vz) || enthaelt(angeboten, vz);
+    });
 }
