@@ -43,20 +43,22 @@ T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
     if (!logger)
         logger = Logger::getInstance(texte.name);
     const Spur spur(logger, texte.operation);
-    if (Einsprungpunkt::laeuft())
+    ObjectLifetimeManager& lebenszeit = ObjectLifetimeManager::instance();
+    const bool abbau = lebenszeit.wirdAbgebaut(); // the plugin at work may be what ended the process
+    if (!abbau && Einsprungpunkt::laeuft())
         throw std::logic_error(std::string(texte.name) +
                                ": im Einsprungpunkt eines Plugins nicht verfuegbar.");
-    if (inArbeit && Oeffnung::laeuft())
-        return nullptr;
-    if (inArbeit)
+    if (!abbau && inArbeit) {
+        if (Oeffnung::laeuft())
+            return nullptr;
         throw std::logic_error(std::string(texte.name) +
                                ": wird gerade gestartet und ist noch nicht verfuegbar.");
+    }
 
-    ObjectLifetimeManager& lebenszeit = ObjectLifetimeManager::instance();
     if (logger && logger->isDebugEnabled())
         logger->debug(texte.suche);
     T* instanz = lebenszeit.getObject<T>(texte.name);
-    if (!instanz && !lebenszeit.wirdAbgebaut()) {
+    if (!instanz && !abbau) {
         if (logger && logger->isDebugEnabled())
             logger->debug(texte.start);
         const Arbeit arbeit;

@@ -29,6 +29,12 @@ struct OrvoPluginLoader::Obhut {
         return nachlass;
     }
 
+    /// Closes what was left behind, unless an exception is about that may need it.
+    static void raeumeNachlass() {
+        if (!std::current_exception() && std::uncaught_exceptions() == 0)
+            nachlass().clear();
+    }
+
     [[noreturn]] static void lehneAb(std::unique_ptr<Obhut>& obhut, orvo_plugin_loader_exception_typ_t typ,
                                      const std::string& text) {
         obhut.reset();
@@ -69,7 +75,7 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     std::unique_ptr<SharedLib> bibliothek(uebergeben);
     Logger* const logger = Logger::getInstance("orvo.plugin.loader.OrvoPluginLoader");
     const Spur spur(logger, "loadPlugin()");
-    Obhut::nachlass().clear();
+    Obhut::raeumeNachlass();
     obhut_ = std::make_unique<Obhut>();
     obhut_->bibliothek = std::move(bibliothek);
 

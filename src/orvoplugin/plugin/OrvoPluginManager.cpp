@@ -85,6 +85,7 @@ OrvoPluginManager::OrvoPluginManager(PluginObserver* observer)
 OrvoPluginManager::~OrvoPluginManager() {
     const DestruktorSpur spur(logger_, "OrvoPluginManager()");
     Einstellungen().beobachterAbmelden(this);
+    fremdarbeit_ = 0; // work still under way does not come back: a plugin ended the process
     entladePlugins();
     status_ = 2;
     spur.ende();
@@ -166,15 +167,16 @@ bool OrvoPluginManager::ladePlugins() {
 
 bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
     const Spur spur(logger_, "ladePluginsRekursiv()");
-    protokolliere("Suche Plugins im Verzeichnis: ", verzeichnis);
-    const DirReader leser(verzeichnis, "*.*");
+    const std::string ort = verzeichnis; // which may be the search path itself: an observer may set that
+    protokolliere("Suche Plugins im Verzeichnis: ", ort);
+    const DirReader leser(ort, "*.*");
     bool erfolg = true;
     for (const std::string& datei : leser.getFiles()) {
         if (isPluginGesperrt(datei)) {
             protokolliere("Plugin ", datei, " in Sperrliste. Wird ignoriert");
             continue;
         }
-        std::string voll = getFullFilename(verzeichnis, datei);
+        std::string voll = getFullFilename(ort, datei);
         std::string pfad, name, endung;
         if (extractPathFilenameExtension(voll, pfad, name, endung))
             voll = getFullFilename(pfad, name + "." + orvo::orvoutil::tolower(endung));
@@ -182,7 +184,7 @@ bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
             erfolg = false;
     }
     for (const std::string& unterverzeichnis : leser.getDirectories())
-        if (!ladePluginsRekursiv(getFullFilename(verzeichnis, unterverzeichnis)))
+        if (!ladePluginsRekursiv(getFullFilename(ort, unterverzeichnis)))
             erfolg = false;
     spur.ende();
     return erfolg;
@@ -209,6 +211,7 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
         return false;
     const Spur spur(logger_, "ladePlugin()");
     protokolliere("Lese Bibliothek: ", pfad);
+    const Fremdarbeit fremdarbeit(*this); // also while an exception is asked for its text, and a library closed
     OrvoPluginLoader
         loader; // outlives the exception that a plugin may throw, and so does the plugin's library
     const bool geladen =
@@ -222,7 +225,6 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
 }
 
 void OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad) {
-    const Fremdarbeit fremdarbeit(*this);
     std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(new SharedLib(pfad, false)));
     if (!plugin->isResident() && isResidentPlugin(pfad))
         plugin->setResident(true);

@@ -51,6 +51,7 @@ Service* OrvoServiceErweiterung::holeService() {
         service = erzeugeService();
         if (service) {
             ++instanzen_[service];
+            geloeschte_.erase(service); // a new object may stand where a deleted one stood
             zaehleAusgabe();
         } else {
             plugin->release();
@@ -90,9 +91,14 @@ void OrvoServiceErweiterung::release(Service* service) {
             logger_->warn("Unbekannte Serviceinstanz. Ignoriere sie.");
         return;
     }
-    if (--eintrag->second == 0)
+    const bool loeschen = istFlagGesetzt(FLAG_SERVICE_LOESCHEN) && !geloeschte_.contains(service);
+    if (--eintrag->second == 0) {
         instanzen_.erase(eintrag);
-    if (istFlagGesetzt(FLAG_SERVICE_LOESCHEN))
+        geloeschte_.erase(service);
+    } else if (loeschen) {
+        geloeschte_.insert(service);
+    }
+    if (loeschen)
         delete service;
     zaehleRueckgabe();
     if (OrvoPlugin* const plugin = getPlugin())

@@ -4,6 +4,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 
 #include <map>
+#include <set>
 #include <string>
 
 class Service;
@@ -31,7 +32,8 @@ public:
     Service* holeService();
 
     /// Takes a service object back. With `FLAG_SERVICE_LOESCHEN` set it is deleted, and that at its first release
-    /// even if it was handed out several times: plugins that set the flag make a new object each time.
+    /// even if it was handed out several times: plugins that set the flag make a new object each time. The
+    /// further releases of such an object count, and touch it no more.
     /// An object that is not out, or null, is reported in the log and changes nothing.
     void release(Service* service);
 
@@ -53,4 +55,5 @@ private:
     std::map<Service*, int> instanzen_;
     std::string serviceFactoryName_;
     orvo::orvoutil::Logger* logger_;
+    std::set<Service*> geloeschte_; ///< objects that are still out by count, and deleted
 };

@@ -143,11 +143,24 @@ TEST_F(OrvoServiceErweiterungTest, DeletesAServiceThatIsOutTwiceAtItsFirstReturn
     EXPECT_EQ(erweiterung.getAusgegeben(), 1);
     EXPECT_EQ(plugin.getUseCount(), 1);
 
-    // The other use is given back without a second deletion once the flag is off.
-    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, false);
     erweiterung.release(service);
-    EXPECT_THAT(seither(), ElementsAre("release"));
+    EXPECT_THAT(seither(), ElementsAre("release")) << "and never a second time";
     EXPECT_THAT(erweiterung.getInstanzen(), IsEmpty());
+    EXPECT_EQ(erweiterung.getAusgegeben(), 0);
+}
+
+TEST_F(OrvoServiceErweiterungTest, DeletesANewServiceThatStandsWhereADeletedOneStood) {
+    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    alignas(Ortsfest) unsigned char platz[sizeof(Ortsfest)];
+    naechster = new (platz) Ortsfest;
+    erweiterung.holeService();
+    erweiterung.holeService();
+    erweiterung.release(naechster);
+    naechster = new (platz) Ortsfest;
+    erweiterung.holeService();
+    seither();
+    erweiterung.release(naechster);
+    EXPECT_THAT(seither(), ElementsAre("delete", "release"));
 }
 
 TEST_F(OrvoServiceErweiterungTest, DeletesForTheFirstFlagOnly) {

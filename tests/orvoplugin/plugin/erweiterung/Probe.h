@@ -89,6 +89,14 @@ protected:
         ~Dienst() override { eine->ablauf.push_back("delete"); }
     };
 
+    /// One whose memory is the test's own.
+    class Ortsfest : public Dienst {
+    public:
+        static void* operator new(std::size_t, void* platz) { return platz; }
+        static void operator delete(void*) {}
+        static void operator delete(void*, void*) {}
+    };
+
     /// What was written down since the last time.
     Ablauf seither() {
         Ablauf bisher;
