@@ -23,6 +23,13 @@ constexpr Latin1Text kProgramm{u8"ausführbares Programm, keine Bibliothek"};
 constexpr std::uint64_t kSeite = 4096; // the smallest page of any system
 constexpr unsigned kMaxProgrammkoepfe = 512;
 
+#if (defined(__powerpc64__) && (!defined(_CALL_ELF) || _CALL_ELF != 2)) || defined(__hppa__) ||              \
+    defined(__ia64__)
+constexpr std::uint32_t kRechteVonFunktionen = 0; // a function's address is that of a record in the data
+#else
+constexpr std::uint32_t kRechteVonFunktionen = PF_X;
+#endif
+
 std::uint64_t abgerundet(std::uint64_t adresse) { return adresse & ~(kSeite - 1); }
 std::uint64_t aufgerundet(std::uint64_t adresse) { return abgerundet(adresse + kSeite - 1); }
 
@@ -38,7 +45,6 @@ ElfAbbild::ElfAbbild(Bytequelle& quelle) : sicht_(quelle) {
     verlange(dynamik_.has_value(), "kein dynamischer Abschnitt");
     for (unsigned i = 0; i < kopf_.e_phnum; ++i)
         pruefeLage(programmkopf(i), i);
-    pruefeAbschnitte();
 }
 
 void ElfAbbild::liesKopf() {
@@ -87,6 +93,13 @@ void ElfAbbild::nimm(const ElfW(Phdr) & kopf, unsigned nummer) {
     case PT_INTERP:
         hatInterpreter_ = true;
         break;
+    case PT_GNU_EH_FRAME:
+        hatAbwickeltabelle_ = true;
+        break;
+    case PT_GNU_RELRO:
+        verlange(!schreibschutz_, "mehrere Segmente mit Schreibschutz");
+        schreibschutz_ = kopf;
+        break;
     default:
         break;
     }
@@ -130,9 +143,16 @@ void ElfAbbild::pruefeLage(const ElfW(Phdr) & kopf, unsigned nummer) {
     const auto gilt = [&](bool erfuellt, std::string_view mangel) {
         verlange(erfuellt, "Segment ", nummer, mangel);
     };
+    if (kopf.p_type == PT_GNU_RELRO) { // memory to be write-protected; that of the file is not looked at
+        const Segment* const s = segment(kopf.p_vaddr);
+        gilt(s && (s->rechte & PF_W) &&
+                 kopf.p_memsz <= aufgerundet(s->adresse + s->imSpeicher) - kopf.p_vaddr,
+             kHinterDemSegment);
+        return;
+    }
     gilt(kopf.p_memsz >= kopf.p_filesz, kLaengerInDerDatei);
     gilt(kopf.p_filesz == 0 ||
-             (istInDatei(kopf.p_vaddr, kopf.p_filesz) && dateistelle(kopf.p_vaddr) == kopf.p_offset),
+             (istLesbar(kopf.p_vaddr, kopf.p_filesz) && dateistelle(kopf.p_vaddr) == kopf.p_offset),
          " liegt nicht im geladenen Teil der Datei");
     if (kopf.p_type == PT_PHDR) {
         gilt(kopf.p_offset == kopf_.e_phoff &&
@@ -144,50 +164,10 @@ void ElfAbbild::pruefeLage(const ElfW(Phdr) & kopf, unsigned nummer) {
         constexpr std::uint64_t kMaxTls = std::uint64_t{1} << 30;
         gilt(kopf.p_memsz <= kMaxTls && kopf.p_align <= kMaxTls, kHinterDemAdressraum);
         gilt(istZweierpotenz(kopf.p_align), kUngueltigeAusrichtung);
-    } else if (kopf.p_type == PT_GNU_RELRO) {
-        const Segment* const s = segment(kopf.p_vaddr);
-        gilt(s && kopf.p_memsz <= aufgerundet(s->adresse + s->imSpeicher) - kopf.p_vaddr, kHinterDemSegment);
     } else if (kopf.p_type == PT_GNU_EH_FRAME) {
         constexpr unsigned char kFassung = 1;
         gilt(kopf.p_filesz >= 8 && lies<unsigned char>(kopf.p_vaddr) == kFassung,
              " hat eine unbekannte Fassung");
-    }
-}
-
-void ElfAbbild::pruefeAbschnitte() {
-    if (kopf_.e_shoff == 0)
-        return;
-    verlange(kopf_.e_shentsize == sizeof(ElfW(Shdr)), kUngueltigeGroesse);
-    constexpr char kEnde[] = "abgeschnitten: Abschnittstabelle endet hinter der Datei";
-    verlange(sicht_.reichtFuer(kopf_.e_shoff, sizeof(ElfW(Shdr))), kEnde);
-    // A count that does not fit the header stands in the first section.
-    const std::uint64_t anzahl =
-        kopf_.e_shnum > 0 ? kopf_.e_shnum : liesStelle<ElfW(Shdr)>(kopf_.e_shoff).sh_size;
-    verlange(anzahl <= sicht_.groesse() / sizeof(ElfW(Shdr)) &&
-                 sicht_.reichtFuer(kopf_.e_shoff, anzahl * sizeof(ElfW(Shdr))),
-             kEnde);
-    verlange(kopf_.e_shstrndx < anzahl || kopf_.e_shstrndx == SHN_XINDEX, "kein Abschnitt mit Namen");
-    for (std::uint64_t i = 0; i < anzahl; ++i)
-        pruefeAbschnitt(liesStelle<ElfW(Shdr)>(kopf_.e_shoff + i * sizeof(ElfW(Shdr))), i);
-}
-
-/// The loader does not look at sections; but where they contradict the segments, one of the two is wrong.
-void ElfAbbild::pruefeAbschnitt(const ElfW(Shdr) & a, std::uint64_t nummer) const {
-    if (a.sh_type == SHT_NULL)
-        return;
-    const bool ausDatei = a.sh_type != SHT_NOBITS;
-    if (ausDatei && !sicht_.reichtFuer(a.sh_offset, a.sh_size))
-        verlange(false, "abgeschnitten: Abschnitt ", nummer, " endet hinter der Datei");
-    if (!(a.sh_flags & SHF_ALLOC) || a.sh_size == 0 || (!ausDatei && (a.sh_flags & SHF_TLS)))
-        return;
-    const std::uint32_t rechte =
-        ((a.sh_flags & SHF_WRITE) ? PF_W : 0u) | ((a.sh_flags & SHF_EXECINSTR) ? PF_X : 0u);
-    verlange(istGeladen(a.sh_addr, a.sh_size, rechte), "Abschnitt ", nummer, " liegt in keinem Segment");
-    if (ausDatei) {
-        const Segment& s = *segment(a.sh_addr);
-        verlange(a.sh_addr - s.adresse <= s.inDatei && a.sh_size <= s.inDatei - (a.sh_addr - s.adresse) &&
-                     dateistelle(a.sh_addr) == a.sh_offset,
-                 "Abschnitt ", nummer, " liegt anderswo als sein Segment");
     }
 }
 
@@ -203,10 +183,13 @@ bool ElfAbbild::istGeladen(std::uint64_t adresse, std::uint64_t laenge, std::uin
     return s && (s->rechte & rechte) == rechte && laenge <= s->imSpeicher - (adresse - s->adresse);
 }
 
-bool ElfAbbild::istInDatei(std::uint64_t adresse, std::uint64_t laenge) const {
+bool ElfAbbild::stammtAusDatei(std::uint64_t adresse, std::uint64_t laenge) const {
     const Segment* const s = segment(adresse);
-    return s && (s->rechte & PF_R) && adresse - s->adresse <= s->inDatei &&
-           laenge <= s->inDatei - (adresse - s->adresse);
+    return s && adresse - s->adresse <= s->inDatei && laenge <= s->inDatei - (adresse - s->adresse);
+}
+
+bool ElfAbbild::istLesbar(std::uint64_t adresse, std::uint64_t laenge) const {
+    return istGeladen(adresse, laenge, PF_R) && stammtAusDatei(adresse, laenge);
 }
 
 std::uint64_t ElfAbbild::dateistelle(std::uint64_t adresse) const {
@@ -220,8 +203,13 @@ void ElfAbbild::verlangeTabelle(const char* name, std::uint64_t adresse, std::ui
         return;
     if (adresse % ausrichtung != 0)
         throw ElfMangel(std::string(name) + " ist nicht ausgerichtet");
-    if (!istInDatei(adresse, laenge))
+    if (!istLesbar(adresse, laenge))
         throw ElfMangel(std::string(name) + " liegt nicht im geladenen Teil der Datei");
+}
+
+void ElfAbbild::verlangeFunktion(const char* name, std::uint64_t adresse) const {
+    if (!istGeladen(adresse, 1, kRechteVonFunktionen))
+        throw ElfMangel(std::string(name) + " liegt nicht im Code");
 }
 
 } // namespace orvo::orvoutil

@@ -18,9 +18,7 @@ ElfDynamik::ElfDynamik(ElfAbbild& abbild)
                 {DT_VERNEED, {}},
                 {DT_RELACOUNT, {}},
                 {DT_RELCOUNT, {}},
-                {DT_FLAGS_1, {}},
-                {DT_AUXILIARY, {}},
-                {DT_FILTER, {}}}} {
+                {DT_FLAGS_1, {}}}} {
     const ElfW(Phdr)& kopf = abbild.dynamik();
     abbild.verlangeTabelle("Der dynamische Abschnitt", kopf.p_vaddr, kopf.p_filesz, alignof(ElfW(Dyn)));
     // The loader puts addresses into the section, unless it is marked as not to be written.
@@ -42,21 +40,25 @@ ElfW(Dyn) ElfDynamik::eintrag(std::uint64_t nummer) const {
     return abbild_.lies<ElfW(Dyn)>(abbild_.dynamik().p_vaddr + nummer * sizeof(ElfW(Dyn)));
 }
 
+std::optional<std::uint64_t>* ElfDynamik::fach(std::int64_t tag) {
+    if (tag >= 0 && static_cast<std::uint64_t>(tag) < werte_.size())
+        return &werte_[static_cast<std::size_t>(tag)];
+    const auto stelle =
+        std::find_if(weitere_.begin(), weitere_.end(), [&](const auto& w) { return w.first == tag; });
+    return stelle == weitere_.end() ? nullptr : &stelle->second;
+}
+
 void ElfDynamik::merke(const ElfW(Dyn) & eintrag) {
-    if (eintrag.d_tag > 0 && static_cast<std::uint64_t>(eintrag.d_tag) < werte_.size())
-        werte_[static_cast<std::size_t>(eintrag.d_tag)] = eintrag.d_un.d_val;
-    for (auto& [tag, wert] : weitere_)
-        if (tag == eintrag.d_tag)
-            wert = eintrag.d_un.d_val;
+    std::optional<std::uint64_t>* const platz = fach(eintrag.d_tag);
+    if (!platz)
+        return;
+    verlange(!*platz || eintrag.d_tag == DT_NEEDED, "Der dynamische Abschnitt widerspricht sich");
+    *platz = eintrag.d_un.d_val;
 }
 
 std::optional<std::uint64_t> ElfDynamik::wert(std::int64_t tag) const {
-    if (tag >= 0 && static_cast<std::uint64_t>(tag) < werte_.size())
-        return werte_[static_cast<std::size_t>(tag)];
-    for (const auto& [bekannt, wert] : weitere_)
-        if (bekannt == tag)
-            return wert;
-    return std::nullopt;
+    const auto* const platz = const_cast<ElfDynamik*>(this)->fach(tag);
+    return platz ? *platz : std::nullopt;
 }
 
 std::uint64_t ElfDynamik::verlangter(std::int64_t tag, const char* name) const {
@@ -73,7 +75,7 @@ void ElfDynamik::pruefeTexttabelle() {
     abbild_.verlangeTabelle("DT_STRTAB", texte_, textlaenge_, 1);
     verlange(abbild_.lies<char>(texte_) == '\0' && abbild_.lies<char>(texte_ + textlaenge_ - 1) == '\0',
              "Die Texttabelle beginnt oder endet mitten im Text");
-    static constexpr std::int64_t kTexte[] = {DT_NEEDED, DT_SONAME,    DT_RPATH,
+    static constexpr std::int64_t kTexte[] = {DT_NEEDED,  DT_SONAME,    DT_RPATH,
                                               DT_RUNPATH, DT_AUXILIARY, DT_FILTER};
     for (std::uint64_t i = 0; i < anzahl_; ++i) {
         const ElfW(Dyn) e = eintrag(i);

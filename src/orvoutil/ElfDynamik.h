@@ -9,8 +9,8 @@
 
 namespace orvo::orvoutil {
 
-/// The dynamic section of an ELF file: what the loader looks up by tag. Of several entries of one tag the last
-/// counts, as it does for the loader.
+/// The dynamic section of an ELF file: what the loader looks up by tag. No tag but that of the needed
+/// libraries may stand in it twice.
 ///
 /// Errors: everything but the getters throws `ElfMangel`.
 class ElfDynamik {
@@ -36,13 +36,14 @@ public:
     bool istGleicherText(std::uint64_t a, std::uint64_t b) const;
 
 private:
+    std::optional<std::uint64_t>* fach(std::int64_t tag);
     void merke(const ElfW(Dyn) & eintrag);
     void pruefeTexttabelle();
 
     ElfAbbild& abbild_;
     std::uint64_t anzahl_ = 0;
     std::array<std::optional<std::uint64_t>, 38> werte_; // by tag
-    std::array<std::pair<std::int64_t, std::optional<std::uint64_t>>, 9> weitere_;
+    std::array<std::pair<std::int64_t, std::optional<std::uint64_t>>, 7> weitere_;
     std::uint64_t texte_ = 0, textlaenge_ = 0;
 };
 

@@ -26,10 +26,10 @@ struct Relokation {
 };
 
 Relokation gelesen(const ElfW(Rela) & r) {
-    if constexpr (kWort == 8)
-        return {r.r_offset, r.r_info >> 32, r.r_info & 0xFFFFFFFF, static_cast<std::uint64_t>(r.r_addend)};
-    else
-        return {r.r_offset, r.r_info >> 8, r.r_info & 0xFF, static_cast<std::uint64_t>(r.r_addend)};
+    constexpr unsigned kBitsDerArt = kWort == 8 ? 32 : 8;
+    const std::uint64_t info = r.r_info;
+    return {r.r_offset, info >> kBitsDerArt, info & ((std::uint64_t{1} << kBitsDerArt) - 1),
+            static_cast<ElfW(Addr)>(r.r_addend)};
 }
 
 class Pruefer {
@@ -43,14 +43,19 @@ public:
         start_ = funktionen(DT_INIT_ARRAY, "DT_INIT_ARRAY", DT_INIT_ARRAYSZ, "DT_INIT_ARRAYSZ");
         ende_ = funktionen(DT_FINI_ARRAY, "DT_FINI_ARRAY", DT_FINI_ARRAYSZ, "DT_FINI_ARRAYSZ");
         verlange(!dynamik_.hat(DT_PREINIT_ARRAY), "DT_PREINIT_ARRAY steht nur Programmen zu");
+        verlange(dynamik_.hat(DT_RELA) == dynamik_.hat(DT_RELASZ) &&
+                     dynamik_.hat(DT_REL) == dynamik_.hat(DT_RELSZ) &&
+                     dynamik_.hat(DT_JMPREL) == dynamik_.hat(DT_PLTRELSZ),
+                 "Relokationen ohne Tabelle oder ohne Anzahl");
         if (dynamik_.hat(DT_RELA)) {
             verlangeEintragsgroesse(DT_RELAENT, "DT_RELAENT", sizeof(ElfW(Rela)));
-            tabelle<ElfW(Rela)>("DT_RELA", *dynamik_.wert(DT_RELA), dynamik_.verlangter(DT_RELASZ, "DT_RELASZ"),
+            tabelle<ElfW(Rela)>("DT_RELA", *dynamik_.wert(DT_RELA),
+                                dynamik_.verlangter(DT_RELASZ, "DT_RELASZ"),
                                 dynamik_.wert(DT_RELACOUNT).value_or(0));
         }
         if (dynamik_.hat(DT_REL)) {
             verlangeEintragsgroesse(DT_RELENT, "DT_RELENT", sizeof(ElfW(Rel)));
-            tabelle<ElfW(Rel)>("DT_REL", *dynamik_.wert(DT_REL), dynamik_.verlangter(DT_RELSZ, "DT_RELSZ"),
+            tabelle<ElfW(Rel)>("DT_REL", *dynamik_.wert(DT_REL), *dynamik_.wert(DT_RELSZ),
                                dynamik_.wert(DT_RELCOUNT).value_or(0));
         }
         pruefeSpruenge();
@@ -62,10 +67,11 @@ public:
     }
 
 private:
-    Funktionen funktionen(std::int64_t tag, const char* name, std::int64_t groesse, const char* groessenname) {
-        if (!dynamik_.hat(tag))
+    Funktionen funktionen(std::int64_t tag, const char* name, std::int64_t groesse,
+                          const char* groessenname) {
+        if (!dynamik_.hat(tag) && !dynamik_.hat(groesse))
             return {};
-        const Funktionen f{*dynamik_.wert(tag), dynamik_.verlangter(groesse, groessenname)};
+        const Funktionen f{dynamik_.verlangter(tag, name), dynamik_.verlangter(groesse, groessenname)};
         verlange(f.laenge % kWort == 0, "Start- oder Endefunktionen mit halben Adressen");
         abbild_.verlangeTabelle(name, f.anfang, f.laenge, kWort);
         return f;
@@ -124,10 +130,21 @@ private:
         // Each processor has one kind only: that of the other table, if there is one.
         const bool mitSummand = dynamik_.hat(DT_RELA) || (!dynamik_.hat(DT_REL) && kArt == DT_RELA);
         verlange(gegeben == (mitSummand ? DT_RELA : DT_REL), "DT_PLTREL ist unbekannt");
+        verlangeGleicheTeilung(anfang, mitSummand ? DT_RELA : DT_REL, mitSummand ? DT_RELASZ : DT_RELSZ,
+                               mitSummand ? sizeof(ElfW(Rela)) : sizeof(ElfW(Rel)));
         if (mitSummand)
             tabelle<ElfW(Rela)>("DT_JMPREL", anfang, laenge, 0);
         else
             tabelle<ElfW(Rel)>("DT_JMPREL", anfang, laenge, 0);
+    }
+
+    /// The table may be the end of the other one, but then entry by entry.
+    void verlangeGleicheTeilung(std::uint64_t anfang, std::int64_t andere, std::int64_t laenge,
+                                std::uint64_t eintrag) {
+        const std::uint64_t ab = dynamik_.wert(andere).value_or(anfang);
+        verlange(anfang < ab || anfang - ab >= dynamik_.wert(laenge).value_or(0) ||
+                     (anfang - ab) % eintrag == 0,
+                 "Relokationen in zwei Tabellen, die sich widersprechen");
     }
 
     /// Relocations in packed form: addresses, each followed by bit masks of the words behind it.

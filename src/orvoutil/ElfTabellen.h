@@ -6,7 +6,11 @@
 
 namespace orvo::orvoutil {
 
-// The tables behind a dynamic section, each checked by a walk as the loader would make it. Errors: `ElfMangel`.
+// The tables of a library, each checked by a walk. Errors: `ElfMangel`.
+
+/// Checks the sections, if the file lists any. The loader does not look at them; but where they contradict what it
+/// looks at, one of the two is wrong.
+void pruefeAbschnitte(const ElfDynamik& dynamik);
 
 /// Checks the relocations, and that each start and end function of the library gets its address from one.
 /// Returns: how many entries a symbol table needs for them.

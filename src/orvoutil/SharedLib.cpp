@@ -1,5 +1,6 @@
 #include <orvoutil/SharedLib.h>
 
+#include <orvoutil/Ladepruefung.h>
 #include <orvoutil/Latin1.h>
 
 #include <dlfcn.h>
@@ -20,16 +21,16 @@ constexpr Latin1Text kKeinGrund{u8"Das System nennt keinen Grund."};
 
 bool hatNullbyte(const std::string& text) { return text.find('\0') != std::string::npos; }
 
+/// The path in a form that the system does not search for elsewhere.
+std::string alsDateipfad(const std::string& pfad) {
+    return pfad.find('/') == std::string::npos ? "./" + pfad : pfad;
+}
+
 /// Looks at the file before the system opens it. Returns: why it must not; empty when it may.
 std::string hindernis(const std::string& pfad) {
     if (pfad.empty() || hatNullbyte(pfad))
         return kUngueltigerName;
-    return {};
-}
-
-/// The path in a form that the system does not search for elsewhere.
-std::string alsDateipfad(const std::string& pfad) {
-    return pfad.find('/') == std::string::npos ? "./" + pfad : pfad;
+    return grundGegenLaden(alsDateipfad(pfad));
 }
 
 /// Why the system's last call failed.

@@ -49,8 +49,8 @@ int PruefService::checkSammeldatenKonsistenz(const SteuerfallListe& liste, const
     for (std::size_t i = 0; i < liste.getAnzahl(); ++i) {
         const auto gelesen = steuer::liesDatensatz(liste.getDatensatz(i));
         const auto* const satz = std::get_if<steuer::Datensatz>(&gelesen);
-        if (!satz || satz->wert(kIdNr).empty())
-            continue; // what is no record is for `pruefe` to tell
+        if (!satz || satz->wert(kIdNr).empty() || satz->wert(kBeginn).empty())
+            continue; // what is no record, or lacks a field, is for `pruefe` to tell
         if (!gesehen.emplace(satz->wert(kIdNr), satz->wert(kBeginn)).second) {
             ergebnis.fuegeHinzu(DATENSATZ_DOPPELT, kIdNr, vorspannFuer(liste, i) + kDoppelt.c_str());
             status = NICHT_KONSISTENT;

@@ -23,7 +23,7 @@ std::optional<Datum> liesDatum(std::string_view text) noexcept {
     const auto tag = zahl(text, 0, 2);
     const auto monat = zahl(text, 3, 2);
     const auto jahr = zahl(text, 6, 4);
-    if (!tag || !monat || !jahr)
+    if (!tag || !monat || !jahr || *jahr == 0) // there is no year 0
         return std::nullopt;
     const std::chrono::year_month_day datum{std::chrono::year(*jahr),
                                             std::chrono::month(static_cast<unsigned>(*monat)),

@@ -2,6 +2,7 @@
 
 #include <orvoplugin/plugin/Einzelinstanz.h>
 #include <orvoplugin/plugin/Fremdcode.h>
+#include <orvoplugin/plugin/Namensliste.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
 #include <orvoutil/DirReader.h>
@@ -17,6 +18,7 @@
 #include <iostream>
 #include <memory>
 #include <set>
+#include <string_view>
 
 using namespace orvo::orvoutil;
 
@@ -41,15 +43,12 @@ std::set<std::string>& residentePlugins() {
     return namen;
 }
 
-/// Takes each text that ends in a comma; what stands behind the last comma is no entry.
 void liesResidentePlugins(std::set<std::string>& namen) {
     const std::string liste = Einstellungen().basisResidentPlugins();
-    std::size_t beginn = 0;
-    for (std::size_t komma; (komma = liste.find(',', beginn)) != std::string::npos; beginn = komma + 1) {
-        std::string name = liste.substr(beginn, komma - beginn);
+    fuerJedenNamen(liste, [&](std::string_view name) {
         std::cout << "Resident Plugin: " << name << std::endl;
-        namen.insert(std::move(name));
-    }
+        namen.emplace(name);
+    });
 }
 
 } // namespace

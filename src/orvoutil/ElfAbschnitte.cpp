@@ -1,0 +1,145 @@
+#include <orvoutil/ElfTabellen.h>
+
+#include <array>
+#include <string_view>
+
+namespace orvo::orvoutil {
+
+namespace {
+
+constexpr std::int64_t kDtRelr = 36, kDtRelrSz = 35;
+constexpr std::uint32_t kShtRelr = 19;
+
+/// A table that the loader finds by tags, and whose parts are sections of one type.
+struct Tabelle {
+    std::uint32_t typ;
+    std::int64_t tagAnfang, tagLaenge;
+    const char* name;
+    std::uint64_t anfang = 0, laenge = 0;
+    bool hatAbschnitte = false, beginntMitEinem = false, endetMitEinem = false;
+
+    bool enthaelt(const ElfW(Shdr) & a) const {
+        return a.sh_addr >= anfang && a.sh_size <= laenge && a.sh_addr - anfang <= laenge - a.sh_size;
+    }
+};
+
+class Abschnitte {
+public:
+    explicit Abschnitte(const ElfDynamik& dynamik) : abbild_(dynamik.abbild()) {
+        for (Tabelle& t : tabellen_) {
+            t.anfang = dynamik.wert(t.tagAnfang).value_or(0);
+            t.laenge = dynamik.wert(t.tagLaenge).value_or(0);
+        }
+    }
+
+    void pruefe() {
+        const ElfW(Ehdr)& kopf = abbild_.kopf();
+        if (kopf.e_shoff == 0)
+            return;
+        verlange(kopf.e_shentsize == sizeof(ElfW(Shdr)), "unbekannte Form der Abschnittstabelle");
+        constexpr std::string_view kEnde = "abgeschnitten: Abschnittstabelle endet hinter der Datei";
+        verlange(abbild_.reichtFuer(kopf.e_shoff, sizeof(ElfW(Shdr))), kEnde);
+        // Numbers that do not fit the header stand in the first section.
+        const ElfW(Shdr) erster = abschnitt(0);
+        const std::uint64_t anzahl = kopf.e_shnum > 0 ? kopf.e_shnum : erster.sh_size;
+        constexpr std::uint64_t kMaxAbschnitte = 1u << 20;
+        verlange(anzahl <= kMaxAbschnitte, "zu viele Abschnitte");
+        verlange(abbild_.reichtFuer(kopf.e_shoff, anzahl * sizeof(ElfW(Shdr))), kEnde);
+        const std::uint64_t namen = kopf.e_shstrndx == SHN_XINDEX ? erster.sh_link : kopf.e_shstrndx;
+        verlange(namen < anzahl, "Abschnitte ohne Namen");
+        namen_ = abschnitt(namen);
+        for (std::uint64_t i = 0; i < anzahl; ++i)
+            pruefe(abschnitt(i), i);
+        for (const Tabelle& t : tabellen_)
+            if (t.laenge > 0 && t.hatAbschnitte && !(t.beginntMitEinem && t.endetMitEinem))
+                throw ElfMangel(std::string(t.name) + " widerspricht den Abschnitten");
+    }
+
+private:
+    ElfW(Shdr) abschnitt(std::uint64_t nummer) {
+        return abbild_.liesStelle<ElfW(Shdr)>(abbild_.kopf().e_shoff + nummer * sizeof(ElfW(Shdr)));
+    }
+
+    void pruefe(const ElfW(Shdr) & a, std::uint64_t nummer) {
+        if (a.sh_type == SHT_NULL)
+            return;
+        const bool ausDatei = a.sh_type != SHT_NOBITS;
+        verlange(!ausDatei || abbild_.reichtFuer(a.sh_offset, a.sh_size), "abgeschnitten: Abschnitt ", nummer,
+                 " endet hinter der Datei");
+        if (!(a.sh_flags & SHF_ALLOC) || a.sh_size == 0)
+            return;
+        if (a.sh_flags & SHF_TLS)
+            verlange(liegtIn(a, abbild_.tls()), "Abschnitt ", nummer, " liegt nicht im TLS-Segment");
+        if (ausDatei || !(a.sh_flags & SHF_TLS)) // those that begin as zeros take no room of their own
+            pruefeLage(a, nummer, ausDatei);
+        ordneZu(a, nummer);
+        if (heisst(a, ".eh_frame_hdr"))
+            verlange(abbild_.hatAbwickeltabelle(), "Abschnitt ", nummer, " liegt in keinem Segment");
+        if (heisst(a, ".data") || heisst(a, ".bss"))
+            verlange(!wirdGeschuetzt(a), "Abschnitt ", nummer, " verliert das Schreibrecht");
+    }
+
+    void pruefeLage(const ElfW(Shdr) & a, std::uint64_t nummer, bool ausDatei) {
+        const std::uint32_t rechte =
+            ((a.sh_flags & SHF_WRITE) ? PF_W : 0u) | ((a.sh_flags & SHF_EXECINSTR) ? PF_X : 0u);
+        verlange(abbild_.istGeladen(a.sh_addr, a.sh_size, rechte), "Abschnitt ", nummer,
+                 " liegt in keinem passenden Segment");
+        verlange(!ausDatei || (abbild_.stammtAusDatei(a.sh_addr, a.sh_size) &&
+                               abbild_.dateistelle(a.sh_addr) == a.sh_offset),
+                 "Abschnitt ", nummer, " liegt anderswo als sein Segment");
+    }
+
+    /// Each section with entries for the loader belongs to a table; each table begins and ends where one does.
+    void ordneZu(const ElfW(Shdr) & a, std::uint64_t nummer) {
+        bool gehoertZuTabelle = false, hatTabelle = false;
+        for (Tabelle& t : tabellen_) {
+            if (t.typ != a.sh_type)
+                continue;
+            gehoertZuTabelle = true;
+            hatTabelle = hatTabelle || t.enthaelt(a);
+            t.hatAbschnitte = true;
+            t.beginntMitEinem = t.beginntMitEinem || a.sh_addr == t.anfang;
+            t.endetMitEinem = t.endetMitEinem || a.sh_addr + a.sh_size == t.anfang + t.laenge;
+        }
+        verlange(!gehoertZuTabelle || hatTabelle, "Abschnitt ", nummer, " fehlt im dynamischen Abschnitt");
+    }
+
+    static bool liegtIn(const ElfW(Shdr) & a, const std::optional<ElfW(Phdr)>& segment) {
+        return segment && a.sh_addr >= segment->p_vaddr && a.sh_size <= segment->p_memsz &&
+               a.sh_addr - segment->p_vaddr <= segment->p_memsz - a.sh_size;
+    }
+
+    /// Only whole pages are write-protected.
+    bool wirdGeschuetzt(const ElfW(Shdr) & a) const {
+        const auto& schutz = abbild_.schreibschutz();
+        constexpr std::uint64_t kSeite = 4096;
+        return schutz && a.sh_addr < (schutz->p_vaddr + schutz->p_memsz) / kSeite * kSeite &&
+               a.sh_addr + a.sh_size > schutz->p_vaddr / kSeite * kSeite;
+    }
+
+    bool heisst(const ElfW(Shdr) & a, std::string_view name) {
+        for (std::size_t i = 0; i <= name.size(); ++i) {
+            const std::uint64_t stelle = namen_.sh_offset + a.sh_name + i;
+            if (!abbild_.reichtFuer(stelle, 1) ||
+                abbild_.liesStelle<char>(stelle) != (i < name.size() ? name[i] : '\0'))
+                return false;
+        }
+        return true;
+    }
+
+    ElfAbbild& abbild_;
+    ElfW(Shdr) namen_{};
+    std::array<Tabelle, 7> tabellen_{{{SHT_RELA, DT_RELA, DT_RELASZ, "DT_RELA"},
+                                      {SHT_RELA, DT_JMPREL, DT_PLTRELSZ, "DT_JMPREL"},
+                                      {SHT_REL, DT_REL, DT_RELSZ, "DT_REL"},
+                                      {SHT_REL, DT_JMPREL, DT_PLTRELSZ, "DT_JMPREL"},
+                                      {kShtRelr, kDtRelr, kDtRelrSz, "DT_RELR"},
+                                      {SHT_INIT_ARRAY, DT_INIT_ARRAY, DT_INIT_ARRAYSZ, "DT_INIT_ARRAY"},
+                                      {SHT_FINI_ARRAY, DT_FINI_ARRAY, DT_FINI_ARRAYSZ, "DT_FINI_ARRAY"}}};
+};
+
+} // namespace
+
+void pruefeAbschnitte(const ElfDynamik& dynamik) { Abschnitte(dynamik).pruefe(); }
+
+} // namespace orvo::orvoutil

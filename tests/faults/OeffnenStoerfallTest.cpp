@@ -1,0 +1,31 @@
+// Faults that show when the system's loader opens a plugin: what it needs is not there.
+
+#include "faults/Stoerfall.h"
+
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+
+#include "TestPlugins.h"
+
+#include <filesystem>
+
+namespace {
+
+class OeffnenStoerfall : public Stoerfall {};
+
+} // namespace
+
+TEST_F(OeffnenStoerfall, ALibraryThatItNeedsIsMissing) {
+    legeSchlechtes(test_plugins::NeedsAMissingLibrary);
+    erwarteAbgelehnt("BIBLIOTHEK_FEHLER: " + schlechtes +
+                     ": libgibtEsNicht.so: cannot open shared object file: No such file or directory");
+}
+
+TEST_F(OeffnenStoerfall, AnUnresolvedFunctionIsFoundAtOnceThoughLinkedLazily) {
+    legeSchlechtes(test_plugins::CallsAMissingFunction);
+    erwarteAbgelehnt("BIBLIOTHEK_FEHLER: " + schlechtes + ": undefined symbol: gibtEsNicht");
+}
+
+TEST_F(OeffnenStoerfall, TheSameLibraryUnderASecondNameIsAPluginOfItsOwn) {
+    std::filesystem::create_hard_link(vorher, schlechtes);
+    erwarteGeladen();
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "support/Mitschnitt.h"
+#include "support/Prozess.h"
+#include "support/Verzeichnis.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class OrvoErweiterungsManager;
+class OrvoPlugin;
+class OrvoPluginManager;
+class OrvoValidierungsServiceErweiterung;
+
+/// A fault ("Störfall"): a plugin directory with something bad in it, between two healthy plugins in load order.
+/// Whatever the bad one does, the process lives and the healthy ones are registered and usable; the bad library
+/// is out of the memory map afterwards, and no file descriptor stays open. Each test ends by unloading everything
+/// and looking once more.
+class Stoerfall : public testing::Test {
+protected:
+    using Zeilen = std::vector<std::string>;
+
+    /// What the healthy plugins and, where it is loaded at all, the bad one offer checks for, in the year 2009.
+    static constexpr int kVorher = 11;
+    static constexpr int kNachher = 99;
+    static constexpr int kDazwischen = 50;
+
+    Stoerfall();
+    ~Stoerfall() override;
+    void TearDown() override;
+
+    /// Path of something in the plugin directory.
+    std::string plugin(const std::string& name) const { return home.pfad("plugins/" + name); }
+    /// Lays a copy of a test plugin there, with the text that it follows. Returns: the copy's path.
+    std::string lege(const char* vorlage, const std::string& name,
+                     const std::string& beschreibung = "") const;
+    /// The same as the bad one.
+    void legeSchlechtes(const char* vorlage, const std::string& beschreibung = "") const;
+
+    /// Makes registry and manager, and so loads everything. Returns: what the first loading run returned.
+    bool starte();
+    /// Unloads everything and loads it again. Returns: what `ladePlugins` returned.
+    bool ladeNeu();
+
+    /// The three outcomes, each with everything that goes with it; `starte` included, and a second loading run.
+    /// Refused: the line "Plugin nicht geladen: " + `grund`, and no other line of that kind, no warning, no error.
+    void erwarteAbgelehnt(const std::string& grund);
+    /// Loaded like any other; the log has these warnings and errors and no others.
+    void erwarteGeladen(const Zeilen& warnungen = {});
+    /// Not taken for a plugin file: the log never speaks of it.
+    void erwarteUebergangen();
+
+    /// Their parts, for tests that go another way.
+    void erwarteHeileBrauchbar();
+    void erwarteBrauchbar(int unterfallart, const std::string& pfad);
+    /// Nothing of the plugin directory is mapped, no descriptor is open that was not before.
+    void erwarteSpurlos() const;
+
+    OrvoValidierungsServiceErweiterung* finde(int unterfallart) const;
+    /// The plugin loaded from that file; null when there is none.
+    OrvoPlugin* geladenes(const std::string& pfad) const;
+    /// Files of the plugins in the manager's list, below the plugin directory.
+    Zeilen geladene() const;
+    /// The log's lines "Plugin nicht geladen: ...", and its warnings and errors.
+    Zeilen ablehnungen() const;
+    Zeilen warnungen() const;
+    static std::string ablehnung(const std::string& grund);
+
+    /// Runs something in a child process, as another user if so wanted; its failures become this test's.
+    enum class Benutzer { DERSELBE, NIEMAND };
+    void imKindprozess(const std::function<void()>& was, Benutzer benutzer = Benutzer::DERSELBE) const;
+
+    const Verzeichnis home;
+    Mitschnitt log{orvo::orvoutil::LogLevel::Info};
+    std::string schlechtes = plugin("libmmm.dylib");
+    const std::string vorher;
+    const std::string nachher;
+    OrvoErweiterungsManager* registry = nullptr;
+    OrvoPluginManager* manager = nullptr;
+
+private:
+    void erwarteAusgang(bool erfolg, const Zeilen& plugins, const Zeilen& ablehnungen,
+                        const Zeilen& warnungen);
+
+    const int deskriptoren_;
+};

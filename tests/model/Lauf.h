@@ -1,0 +1,99 @@
+#pragma once
+
+#include "Modell.h"
+#include "Schritt.h"
+
+#include "support/Verzeichnis.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+class Mitschnitt;
+class OrvoErweiterung;
+class OrvoErweiterungsManager;
+class OrvoPluginManager;
+class OrvoPluginV1;
+class Service;
+
+namespace modell {
+
+/// The plugin files, laid out once for all sequences: two home directories with plugins, one without, and some files
+/// that lie in none.
+class Aufbau {
+public:
+    Aufbau();
+
+    const std::vector<std::string>& dateien() const { return dateien_; }
+    std::size_t anzahlHomes() const { return homes_.size(); }
+    const std::string& home(std::size_t n) const { return homes_[n].first; }
+    /// The files below that home directory, in the order in which they are to be loaded.
+    const std::vector<std::size_t>& dateienIn(std::size_t home) const { return homes_[home].second; }
+
+    /// Lays the text beside that file.
+    void beschreibe(std::size_t datei, const std::string& text);
+
+private:
+    std::vector<std::size_t> lege(const std::vector<std::string>& namen);
+
+    Verzeichnis verzeichnis_;
+    std::vector<std::string> dateien_;
+    std::vector<std::string> texte_; ///< what lies beside each
+    std::vector<std::pair<std::string, std::vector<std::size_t>>> homes_;
+};
+
+/// One sequence, run on the libraries and on the model side by side.
+class Lauf {
+public:
+    /// With a log of the libraries, what it says is compared too.
+    explicit Lauf(Aufbau& aufbau, const Mitschnitt* protokoll = nullptr);
+    Lauf(const Lauf&) = delete;
+    Lauf& operator=(const Lauf&) = delete;
+    ~Lauf();
+
+    /// Returns: the first difference between the libraries and the model; nothing when there is none.
+    std::optional<std::string> fuehreAus(const Folge& folge);
+
+private:
+    struct Ausgabe {
+        Erweiterung* erweiterung;
+        ::Service* service;
+    };
+
+    void fuehreAus(const Schritt& schritt);
+    void beginne();
+    void setzeHome(std::size_t home);
+    void ladeAlle();
+    void entlade(std::size_t plugin);
+    void entladeAlle();
+    void hole(Erweiterung* erweiterung);
+    void gib(Erweiterung* erweiterung, ::Service* service);
+    Erweiterung* waehle(std::size_t plugin, std::size_t erweiterung) const;
+
+    void vergleiche();
+    void vergleichePlugin(const Plugin& soll, const OrvoPluginV1& ist);
+    void vergleicheListen();
+    void vergleicheSuche(const Frage& frage);
+    void vergleicheAlleSuchen();
+    void vergleicheKarte();
+    void vergleicheProtokoll();
+    template <class T>
+    void gleich(const char* was, const T& soll, const T& ist);
+
+    OrvoPluginV1& echtes(const Plugin& plugin) const;
+    OrvoErweiterung* echte(const Erweiterung* erweiterung) const;
+
+    Aufbau& aufbau_;
+    const Mitschnitt* protokoll_;
+    std::vector<Beschreibung> beschreibungen_;
+    std::size_t home_ = 0;
+    Modell modell_;
+    OrvoErweiterungsManager* registry_ = nullptr;
+    OrvoPluginManager* manager_ = nullptr;
+    std::vector<Ausgabe> ausgaben_;
+    std::vector<Ausgabe> zurueckgegebene_;
+    std::optional<std::string> unterschied_;
+};
+
+} // namespace modell

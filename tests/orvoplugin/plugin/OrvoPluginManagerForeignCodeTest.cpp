@@ -1,0 +1,180 @@
+// Plugins that throw, or that change the settings, while the manager has them describe themselves or closes them.
+
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+
+#include <orvoutil/LogSink.h>
+#include <orvoutil/Logger.h>
+
+#include "orvoplugin/plugin/Faelle.h"
+#include "orvoplugin/plugin/Werkstatt.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+
+using orvo::orvoutil::Einstellungen;
+using orvo::orvoutil::LogEntry;
+using orvo::orvoutil::Logger;
+using orvo::orvoutil::LogLevel;
+using testing::ElementsAre;
+
+namespace {
+
+/// The text as it stands in the log.
+std::string imLog(const Bibliotheksfall& fall) {
+    return std::string("Plugin nicht geladen: ") + (fall.text ? fall.text : "unbekannte Ausnahme");
+}
+
+/// Notes whether a library is open at the moment at which its refusal is written.
+struct Horcher : orvo::orvoutil::LogSink {
+    explicit Horcher(std::string p) : pfad(std::move(p)) {}
+    void write(const LogEntry& eintrag) override {
+        if (eintrag.text.starts_with("Plugin nicht geladen: ")) {
+            text = eintrag.text;
+            offen = istEingeblendet(pfad);
+        }
+    }
+    std::string pfad;
+    std::string text;
+    bool offen = false;
+};
+
+class OrvoPluginManagerThrowing : public testing::TestWithParam<Bibliotheksfall> {};
+class OrvoPluginManagerHomeChanging : public testing::TestWithParam<Bibliotheksfall> {};
+
+} // namespace
+
+TEST_P(OrvoPluginManagerThrowing, LogsTheTextUnchangedWhileTheLibraryIsOpenAndClosesItThen) {
+    const Heimat heimat;
+    OrvoPluginManager manager(nullptr);
+    const std::string pfad = heimat.lege(GetParam().bibliothek, "libx.dylib");
+    const auto horcher = std::make_shared<Horcher>(pfad);
+    const int deskriptoren = offeneDeskriptoren();
+    Logger::setSink(horcher);
+    OrvoPluginManager mitLog(nullptr);
+    Logger::setSink(nullptr);
+
+    EXPECT_EQ(horcher->text, imLog(GetParam()));
+    EXPECT_TRUE(horcher->offen);
+    EXPECT_FALSE(istEingeblendet(pfad));
+    EXPECT_EQ(offeneDeskriptoren(), deskriptoren);
+    EXPECT_NO_THROW(EXPECT_FALSE(manager.ladePlugin(pfad)));
+    EXPECT_FALSE(istEingeblendet(pfad));
+}
+
+TEST_P(OrvoPluginManagerThrowing, CostsNoOtherPluginAnything) {
+    const Heimat heimat;
+    heimat.beschreibe("liba.dylib");
+    heimat.lege(GetParam().bibliothek, "libb.dylib");
+    heimat.beschreibe("libc.dylib");
+    Zeilen ereignisse;
+    Zeuge zeuge(ereignisse);
+    const Mitschnitt log;
+    OrvoPluginManager manager(&zeuge);
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib", "libc.dylib"));
+    manager.reload();
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib", "libc.dylib"));
+    EXPECT_THAT(ereignisse, ElementsAre("+liba.dylib", "+libc.dylib", "-liba.dylib", "-libc.dylib",
+                                        "+liba.dylib", "+libc.dylib"));
+    EXPECT_EQ(log.anzahl(markiert(imLog(GetParam()))), 2);
+    const Zeilen zeilen = log.zeilen();
+    EXPECT_EQ(std::count(zeilen.begin(), zeilen.end(), "+> OrvoPluginV1()"),
+              std::count(zeilen.begin(), zeilen.end(), "~> OrvoPluginV1") + 2)
+        << "no record of a refused plugin is left";
+}
+
+INSTANTIATE_TEST_SUITE_P(Plugins, OrvoPluginManagerThrowing, testing::ValuesIn(werfendePlugins()),
+                         nameDesFalls);
+
+TEST_P(OrvoPluginManagerHomeChanging, IsRefusedWithAWarningAndTheOtherPluginsKeepTheirPlace) {
+    const Heimat heimat;
+    heimat.beschreibe("liba.dylib");
+    heimat.lege(GetParam().bibliothek, "libb.dylib");
+    heimat.beschreibe("libc.dylib");
+    const Verzeichnis neues;
+    neues.kopiere(test_plugins::DescribedByFile, "plugins/libz.dylib");
+    Zeilen ereignisse;
+    Zeuge zeuge(ereignisse);
+    const Mitschnitt log(LogLevel::Info);
+    OrvoPluginManager manager(&zeuge);
+    const Zeilen erwartet = plugins(manager);
+    for (OrvoPlugin* const plugin : manager.getRegistriertePlugins()) {
+        plugin->notifyUse(); // leaves a resident plugin's library open
+        plugin->release();
+    }
+    ereignisse.clear();
+
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    manager.reload();
+
+    EXPECT_EQ(plugins(manager), erwartet);
+    EXPECT_EQ(ereignisse.size(), 2 * erwartet.size());
+    EXPECT_EQ(manager.getPluginSuchPfad(), heimat.ort());
+    EXPECT_EQ(log.anzahlMit(neues.pfad()), 0);
+    EXPECT_EQ(log.anzahl("W Plugins werden gerade geladen oder entladen. Abgelehnt: basis.home_dir"), 1);
+    EXPECT_EQ(Einstellungen().basisHomeDir(), neues.pfad()) << "the setting itself is another now";
+    EXPECT_FALSE(istEingeblendet(heimat.ort("libb.dylib")));
+}
+
+const Bibliotheksfall kAendernde[] = {
+    {"FromTypes", test_plugins::ChangesHomeFromTypes, nullptr},
+    {"FromInitialize", test_plugins::ChangesHomeFromInitialize, nullptr},
+    {"FromTheTextOfAnException", test_plugins::ChangesHomeFromWhat, nullptr},
+    {"WhenClosed", test_plugins::ChangesHomeWhenClosed, nullptr},
+};
+INSTANTIATE_TEST_SUITE_P(Plugins, OrvoPluginManagerHomeChanging, testing::ValuesIn(kAendernde), nameDesFalls);
+
+TEST(OrvoPluginManagerForeignCode, FollowsAHomeThatAPluginChangesDuringTheFirstRunOnlyWhenItChangesAgain) {
+    const Heimat heimat;
+    heimat.lege(test_plugins::ChangesHomeFromInitialize, "liba.dylib");
+    heimat.beschreibe("libb.dylib");
+    const Verzeichnis neues;
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    OrvoPluginManager manager(nullptr); // hears of settings only once it is made
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib", "libb.dylib"));
+    EXPECT_EQ(manager.getPluginSuchPfad(), heimat.ort());
+    Einstellungen().setze("basis.home_dir", heimat.ort("nirgends"));
+    EXPECT_EQ(manager.getPluginSuchPfad(), heimat.ort("nirgends/plugins"));
+}
+
+TEST(OrvoPluginManagerForeignCode, RefusesAnExtensionOfThePluginsOwnClassByItsName) {
+    const Heimat heimat;
+    const std::string pfad = heimat.lege(test_plugins::AddsExtensionOfItsOwnClass, "libx.dylib");
+    const Mitschnitt log(LogLevel::Info);
+    OrvoPluginManager manager(nullptr);
+    EXPECT_TRUE(manager.getRegistriertePlugins().empty());
+    EXPECT_EQ(
+        log.anzahl(markiert("Plugin nicht geladen: INITIALISIERUNGS_FEHLER: Klasse der Erweiterung liegt in "
+                            "der Plugin-Bibliothek: 21ErweiterungDesPlugins")),
+        1);
+    EXPECT_FALSE(istEingeblendet(pfad));
+}
+
+TEST(OrvoPluginManagerForeignCode, RefusesAPluginThatSaysNoWithTheMisspeltText) {
+    const Heimat heimat;
+    heimat.beschreibe("libx.dylib", "check 10 2009\nabgelehnt\n");
+    const Mitschnitt log(LogLevel::Info);
+    OrvoPluginManager manager(nullptr);
+    EXPECT_TRUE(manager.getRegistriertePlugins().empty());
+    EXPECT_EQ(log.anzahl(markiert("Plugin nicht geladen: INITIALISIERUNGS_FEHLER: Fehler im Aufruf von "
+                                  "orvo_plugin_initalize.")),
+              1);
+    EXPECT_FALSE(istEingeblendet(heimat.ort("libx.dylib")));
+}
+
+TEST(OrvoPluginManagerForeignCode, ClosesEveryLibraryThatItDescribedAndLeavesNoDescriptor) {
+    const Heimat heimat;
+    const int deskriptoren = offeneDeskriptoren();
+    heimat.beschreibe("liba.dylib", "finanzamt\n");
+    heimat.lege(test_plugins::DeclaresTypeTwo, "libb.dylib");
+    heimat.lege(test_plugins::WithoutInitialize, "libc.dylib");
+    heimat.lege(test_plugins::DeclaresTypesOneAndTwo, "libd.dylib");
+    heimat.lege(test_plugins::DeclaresTypeOneTwice, "libe.dylib");
+    OrvoPluginManager manager(nullptr);
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib", "libe.dylib"));
+    for (const char* const name : {"liba.dylib", "libb.dylib", "libc.dylib", "libd.dylib", "libe.dylib"})
+        EXPECT_FALSE(istEingeblendet(heimat.ort(name))) << name;
+    EXPECT_EQ(offeneDeskriptoren(), deskriptoren);
+}

@@ -1,0 +1,257 @@
+#include <orvoutil/SharedLib.h>
+
+#include "CurrentDirectory.h"
+#include "support/Prozess.h"
+#include "support/Verzeichnis.h"
+
+#include <gmock/gmock.h>
+
+#include <dlfcn.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+using orvo::orvoutil::SharedLib;
+using namespace testing;
+
+namespace {
+
+MATCHER_P(NamesOnce, text, "") {
+    const std::string gesucht = text;
+    const std::size_t stelle = arg.find(gesucht);
+    return stelle != std::string::npos && arg.find(gesucht, stelle + 1) == std::string::npos &&
+           arg.size() > gesucht.size() + 10; // and says something more
+}
+
+template <class Funktion>
+Funktion als(void* adresse) {
+    return reinterpret_cast<Funktion>(adresse);
+}
+
+} // namespace
+
+TEST(SharedLib, DoesNotTouchTheFileUntilAsked) {
+    const SharedLib lib("/gibt/es/nicht.so");
+    EXPECT_EQ(lib.getName(), "/gibt/es/nicht.so");
+    EXPECT_FALSE(lib.isLoaded());
+    EXPECT_EQ(lib.getLastError(), "");
+}
+
+TEST(SharedLib, OpensCallsAndCloses) {
+    SharedLib lib(HAS_SYMBOLS);
+    EXPECT_FALSE(istEingeblendet(HAS_SYMBOLS));
+    ASSERT_TRUE(lib.load()) << lib.getLastError();
+    EXPECT_TRUE(lib.isLoaded());
+    EXPECT_TRUE(istEingeblendet(HAS_SYMBOLS));
+    void* const symbol = lib.getSymbol("zweiundvierzig");
+    ASSERT_NE(symbol, nullptr);
+    EXPECT_EQ(als<int (*)()>(symbol)(), 42);
+    EXPECT_TRUE(lib.unload());
+    EXPECT_FALSE(lib.isLoaded());
+    EXPECT_FALSE(istEingeblendet(HAS_SYMBOLS));
+    EXPECT_EQ(lib.getLastError(), "");
+}
+
+TEST(SharedLib, OpensAtOnceWhenToldSo) {
+    const SharedLib lib(HAS_SYMBOLS, true);
+    EXPECT_TRUE(lib.isLoaded());
+    const SharedLib fehlt("/gibt/es/nicht.so", true);
+    EXPECT_FALSE(fehlt.isLoaded());
+    EXPECT_THAT(fehlt.getLastError(), NamesOnce("/gibt/es/nicht.so"));
+}
+
+TEST(SharedLib, OpensOnceHoweverOftenItIsAsked) {
+    SharedLib lib(HAS_SYMBOLS);
+    EXPECT_TRUE(lib.load());
+    EXPECT_TRUE(lib.load());
+    EXPECT_TRUE(lib.unload());
+    EXPECT_FALSE(istEingeblendet(HAS_SYMBOLS));
+    EXPECT_FALSE(lib.unload());
+    EXPECT_TRUE(lib.load());
+    EXPECT_NE(lib.getSymbol("zweiundvierzig"), nullptr);
+}
+
+TEST(SharedLib, StaysOpenWhenItsFileIsGone) {
+    const Verzeichnis verzeichnis;
+    SharedLib lib(verzeichnis.kopiere(HAS_SYMBOLS, "lib.so"));
+    ASSERT_TRUE(lib.load());
+    verzeichnis.entferne("lib.so");
+    EXPECT_TRUE(lib.load());
+    EXPECT_TRUE(lib.unload());
+    EXPECT_FALSE(lib.load());
+}
+
+TEST(SharedLib, ClosesWhenItGoes) {
+    { const SharedLib lib(HAS_SYMBOLS, true); }
+    EXPECT_FALSE(istEingeblendet(HAS_SYMBOLS));
+    std::unique_ptr<SharedLib> lib = std::make_unique<SharedLib>(HAS_SYMBOLS, true);
+    const SharedLib zweites(HAS_SYMBOLS, true);
+    lib.reset();
+    EXPECT_TRUE(istEingeblendet(HAS_SYMBOLS));
+}
+
+TEST(SharedLib, KeepsItsSymbolsToItself) {
+    const SharedLib lib(HAS_SYMBOLS, true);
+    EXPECT_EQ(dlsym(RTLD_DEFAULT, "zweiundvierzig"), nullptr);
+}
+
+TEST(SharedLib, RefusesALibraryWithAMissingSymbol) {
+    SharedLib lib(MISSES_A_SYMBOL);
+    EXPECT_FALSE(lib.load());
+    EXPECT_THAT(lib.getLastError(), NamesOnce(MISSES_A_SYMBOL));
+    EXPECT_THAT(lib.getLastError(), HasSubstr("gibt_es_nirgends"));
+    EXPECT_FALSE(istEingeblendet(MISSES_A_SYMBOL));
+}
+
+TEST(SharedLib, RefusesWhatIsNoLibrary) {
+    const Verzeichnis verzeichnis;
+    verzeichnis.legeAn("verzeichnis");
+    verzeichnis.schreibe("leer", "");
+    verzeichnis.schreibe("text", "kein ELF, aber lang genug, um wie etwas auszusehen");
+    for (const char* const name : {"verzeichnis", "leer", "text", "fehlt", "text/darunter"}) {
+        SharedLib lib(verzeichnis.pfad(name));
+        EXPECT_FALSE(lib.load());
+        EXPECT_FALSE(lib.isLoaded());
+        EXPECT_THAT(lib.getLastError(), NamesOnce(verzeichnis.pfad(name)));
+    }
+}
+
+TEST(SharedLib, RefusesAFileThatMustNotBeRead) {
+    const Verzeichnis verzeichnis;
+    const std::string zu = verzeichnis.kopiere(HAS_SYMBOLS, "zu.so");
+    ASSERT_EQ(chmod(verzeichnis.pfad().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(zu.c_str(), 0), 0);
+    const auto oeffneAlsNiemand = [&] {
+        constexpr uid_t kNiemand = 65534;
+        if (geteuid() == 0 && seteuid(kNiemand) != 0)
+            std::_Exit(2);
+        SharedLib lib(zu);
+        std::_Exit(!lib.load() && !lib.getLastError().empty() ? 0 : 1);
+    };
+    EXPECT_EXIT(oeffneAlsNiemand(), ExitedWithCode(0), "");
+}
+
+TEST(SharedLib, RefusesNamesThatNameNoFile) {
+    for (const std::string& name : {std::string(), HAS_SYMBOLS + std::string("\0", 1)}) {
+        SharedLib lib(name, true);
+        EXPECT_FALSE(lib.isLoaded());
+        EXPECT_EQ(lib.getName(), name);
+        EXPECT_THAT(lib.getLastError(), HasSubstr("Name ist ung\xFCltig"));
+    }
+}
+
+TEST(SharedLib, TakesANameWithoutASlashForAFile) {
+    const Verzeichnis verzeichnis;
+    verzeichnis.kopiere(HAS_SYMBOLS, "eigene.so");
+    const CurrentDirectory dort(verzeichnis.pfad());
+    SharedLib eigene("eigene.so");
+    EXPECT_TRUE(eigene.load()) << eigene.getLastError();
+    EXPECT_EQ(eigene.getName(), "eigene.so");
+
+    SharedLib desSystems("libc.so.6"); // there is one, but not here
+    EXPECT_FALSE(desSystems.load());
+    EXPECT_THAT(desSystems.getLastError(), NamesOnce("libc.so.6"));
+}
+
+TEST(SharedLib, SaysWhySymbolsAreNotFound) {
+    SharedLib lib(HAS_SYMBOLS, true);
+    for (const std::string name : {"", "fehlt", "zweiundvierzi", "zweiundvierzig2"}) {
+        EXPECT_EQ(lib.getSymbol(name), nullptr);
+        EXPECT_THAT(lib.getLastError(), StartsWith(HAS_SYMBOLS ": Symbol \"" + name + "\" nicht gefunden. "));
+    }
+    EXPECT_EQ(lib.getSymbol(std::string("zweiundvierzig\0x", 16)), nullptr);
+    EXPECT_THAT(lib.getLastError(), StartsWith(HAS_SYMBOLS));
+}
+
+TEST(SharedLib, TakesASymbolWithoutAnAddressAsNotFound) {
+    SharedLib lib(HAS_SYMBOLS, true);
+    dlsym(RTLD_DEFAULT, "hinterlaesst_einen_Fehlertext");
+    EXPECT_EQ(lib.getSymbol("ohne_adresse"), nullptr);
+    EXPECT_THAT(lib.getLastError(), HasSubstr("\"ohne_adresse\" nicht gefunden"));
+    EXPECT_THAT(lib.getLastError(), Not(HasSubstr("hinterlaesst")));
+}
+
+TEST(SharedLib, SaysThatItIsNotOpen) {
+    SharedLib lib(HAS_SYMBOLS);
+    EXPECT_FALSE(lib.unload());
+    EXPECT_THAT(lib.getLastError(), NamesOnce(HAS_SYMBOLS));
+    EXPECT_THAT(lib.getLastError(), HasSubstr("nicht ge\xF6"
+                                              "ffnet"));
+    EXPECT_EQ(lib.getSymbol("zweiundvierzig"), nullptr);
+    EXPECT_THAT(lib.getLastError(), HasSubstr("nicht ge\xF6"
+                                              "ffnet"));
+}
+
+TEST(SharedLib, ForgetsTheErrorWithTheNextSuccess) {
+    SharedLib lib(HAS_SYMBOLS);
+    const auto fehler = [&] {
+        lib.getSymbol("fehlt");
+        return !lib.getLastError().empty();
+    };
+    EXPECT_TRUE(fehler());
+    EXPECT_TRUE(lib.load());
+    EXPECT_EQ(lib.getLastError(), "");
+    EXPECT_TRUE(fehler());
+    EXPECT_TRUE(lib.load());
+    EXPECT_EQ(lib.getLastError(), "");
+    EXPECT_TRUE(fehler());
+    EXPECT_NE(lib.getSymbol("zweiundvierzig"), nullptr);
+    EXPECT_EQ(lib.getLastError(), "");
+    EXPECT_TRUE(fehler());
+    EXPECT_TRUE(lib.unload());
+    EXPECT_EQ(lib.getLastError(), "");
+}
+
+TEST(SharedLib, KnowsWhatLiesInItAndInWhatItBrought) {
+    SharedLib frueheres(HAS_SYMBOLS, true);
+    SharedLib lib(NEEDS_ANOTHER, true);
+    ASSERT_TRUE(lib.isLoaded()) << lib.getLastError();
+    void* const eigenes = lib.getSymbol("ort_des_mitgebrachten");
+    ASSERT_NE(eigenes, nullptr);
+    const void* const mitgebrachtes = als<const void* (*)()>(eigenes)();
+    ASSERT_TRUE(istEingeblendet(NEEDED_BY_ANOTHER));
+    static int eigeneVariable;
+    const auto aufHalde = std::make_unique<int>();
+
+    EXPECT_TRUE(lib.enthaelt(eigenes));
+    EXPECT_TRUE(lib.enthaelt(mitgebrachtes));
+    EXPECT_FALSE(lib.enthaelt(frueheres.getSymbol("zweiundvierzig")));
+    EXPECT_FALSE(lib.enthaelt(nullptr));
+    EXPECT_FALSE(lib.enthaelt(&eigeneVariable));
+    EXPECT_FALSE(lib.enthaelt(&lib));
+    EXPECT_FALSE(lib.enthaelt(aufHalde.get()));
+    EXPECT_FALSE(lib.enthaelt(reinterpret_cast<const void*>(&std::strlen)));
+
+    ASSERT_TRUE(lib.unload());
+    EXPECT_FALSE(lib.enthaelt(eigenes));
+}
+
+TEST(SharedLib, DoesNotCountWhatWasThereBeforeItAsBroughtAlong) {
+    const SharedLib gebraucht(NEEDED_BY_ANOTHER, true);
+    SharedLib lib(NEEDS_ANOTHER, true);
+    void* const eigenes = lib.getSymbol("ort_des_mitgebrachten");
+    ASSERT_NE(eigenes, nullptr);
+    const void* const schonDagewesenes = als<const void* (*)()>(eigenes)();
+    EXPECT_FALSE(lib.enthaelt(schonDagewesenes));
+    EXPECT_TRUE(gebraucht.enthaelt(schonDagewesenes));
+}
+
+TEST(SharedLib, HasItsOperationsInAFixedOrder) {
+    SharedLib lib(HAS_SYMBOLS);
+    void** const tabelle = *reinterpret_cast<void***>(&lib); // the destructor has two slots
+    EXPECT_EQ(als<const std::string& (*)(const SharedLib*)>(tabelle[2])(&lib), HAS_SYMBOLS);
+    EXPECT_FALSE(als<bool (*)(const SharedLib*)>(tabelle[3])(&lib));
+    EXPECT_TRUE(als<bool (*)(SharedLib*)>(tabelle[4])(&lib));
+    EXPECT_TRUE(lib.isLoaded());
+    void* const symbol =
+        als<void* (*)(SharedLib*, const std::string&)>(tabelle[6])(&lib, std::string("zweiundvierzig"));
+    EXPECT_NE(symbol, nullptr);
+    EXPECT_EQ(als<std::string (*)(const SharedLib*)>(tabelle[7])(&lib), "");
+    EXPECT_TRUE(als<bool (*)(const SharedLib*, const void*)>(tabelle[8])(&lib, symbol));
+    EXPECT_TRUE(als<bool (*)(SharedLib*)>(tabelle[5])(&lib));
+    EXPECT_FALSE(lib.isLoaded());
+}

@@ -1,0 +1,33 @@
+// A library with everything that a loader looks at: start and end functions, thread-local variables, functions of
+// other libraries, exceptions. Written so that a test that opened it finds out whether it still works.
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Vorrat {
+    Vorrat() : zahlen{1, 2, 3} {}
+    ~Vorrat() { zahlen.clear(); }
+    std::vector<int> zahlen;
+};
+
+Vorrat vorrat;
+thread_local int aufrufe = 0;
+volatile bool gestartet = false;
+
+} // namespace
+
+/// The start function of the library that is told to have this one.
+extern "C" void eigenerStart();
+extern "C" void eigenerStart() { gestartet = true; }
+
+/// 10 at the first call on a thread, one more at each following; by way of an exception.
+extern "C" __attribute__((visibility("default"))) int zaehle() {
+    try {
+        throw std::runtime_error(std::string(vorrat.zahlen.size() * 3, 'x'));
+    } catch (const std::exception& e) {
+        return static_cast<int>(std::string(e.what()).size()) + ++aufrufe;
+    }
+}

@@ -1,0 +1,3 @@
+// A program, and no library.
+
+int main() { return 0; }

@@ -1,0 +1,52 @@
+// Changes the home directory to the setting "test.neues_home" (unless that is empty), from one of: AUS_Types,
+// AUS_Initialize, AUS_What (of an exception that it throws from initialise), AUS_Ende (a static object's
+// destructor, which runs when the library is closed; the plugin is resident, so that this is when it goes).
+
+#include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/PluginEntryPoints.h>
+#include <orvoutil/Einstellungen.h>
+
+#include <exception>
+
+namespace {
+
+void aendere() {
+    const orvo::orvoutil::Einstellungen einstellungen;
+    const std::string neues = einstellungen.wert("test.neues_home");
+    if (!neues.empty())
+        einstellungen.setze("basis.home_dir", neues);
+}
+
+#if defined(AUS_What)
+class Gespraechige : public std::exception {
+public:
+    const char* what() const noexcept override {
+        aendere();
+        return "gespraechige Ausnahme";
+    }
+};
+#elif defined(AUS_Ende)
+const struct Ende {
+    ~Ende() { aendere(); }
+} ende;
+#endif
+
+} // namespace
+
+void orvo_plugin_get_types(std::list<orvo_plugin_version_t>* typen) {
+#ifdef AUS_Types
+    aendere();
+#endif
+    typen->push_back({1});
+}
+
+bool orvo_plugin_initialize([[maybe_unused]] OrvoPluginV1* plugin) {
+#if defined(AUS_Initialize)
+    aendere();
+#elif defined(AUS_What)
+    throw Gespraechige();
+#elif defined(AUS_Ende)
+    plugin->setResident(true);
+#endif
+    return true;
+}

@@ -1,0 +1,41 @@
+// Asks for one of the process-wide objects while it describes itself: FRAGT_Manager or FRAGT_Registry, from
+// AUS_Types or AUS_Initialize. With SCHLUCKT it keeps the refusal for itself, as its product version.
+
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/PluginEntryPoints.h>
+#include <orvoplugin/registry/OrvoErweiterungsManager.h>
+
+#include <stdexcept>
+
+namespace {
+
+[[maybe_unused]] void frage() {
+#ifdef FRAGT_Manager
+    OrvoPluginManager::getInstanz(nullptr);
+#else
+    OrvoErweiterungsManager::getInstanz();
+#endif
+}
+
+} // namespace
+
+void orvo_plugin_get_types(std::list<orvo_plugin_version_t>* typen) {
+#ifdef AUS_Types
+    frage();
+#endif
+    typen->push_back({1});
+}
+
+bool orvo_plugin_initialize([[maybe_unused]] OrvoPluginV1* plugin) {
+#if defined(AUS_Initialize) && defined(SCHLUCKT)
+    try {
+        frage();
+    } catch (const std::logic_error& ausnahme) {
+        plugin->setProduktVersion(ausnahme.what());
+    }
+#elif defined(AUS_Initialize)
+    frage();
+#endif
+    return true;
+}
