@@ -41,6 +41,19 @@ TEST(Datum, OfAnotherFormIsNone) {
     EXPECT_EQ(lies("31.12.2009" + std::string(100'000, '0')), std::nullopt);
 }
 
+TEST(Datum, HasDigitsAndPointsInTheirPlaces) {
+    const std::string muster = "11.11.1111";
+    for (std::size_t i = 0; i < muster.size(); ++i)
+        for (int c = 0; c <= 0xFF; ++c) {
+            std::string text = muster;
+            text[i] = static_cast<char>(c);
+            const bool istZiffer = c >= '0' && c <= '9';
+            if (muster[i] == '.' || !istZiffer) {
+                EXPECT_EQ(lies(text).has_value(), text == muster) << testing::PrintToString(text);
+            }
+        }
+}
+
 TEST(Datum, ThatTheCalendarDoesNotHaveIsNone) {
     for (const std::string text :
          {"00.01.2009", "32.01.2009", "01.00.2009", "01.13.2009", "31.04.2009", "31.06.2009", "31.09.2009",
