@@ -38,8 +38,7 @@ function(orvo_library target)
                    VISIBILITY_INLINES_HIDDEN ON
                    VERIFY_INTERFACE_HEADER_SETS ON
                    VERSION ${PROJECT_VERSION}
-                   SOVERSION ${PROJECT_VERSION_MAJOR}
-                   INSTALL_RPATH "$<IF:$<PLATFORM_ID:Darwin>,@loader_path,$ORIGIN>")
+                   SOVERSION ${PROJECT_VERSION_MAJOR})
     # Instantiations of the standard library's templates are every library's own affair.
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         set(exports "${PROJECT_SOURCE_DIR}/cmake/library.exports")

@@ -84,8 +84,10 @@ private:
             ((a.sh_flags & SHF_WRITE) ? PF_W : 0u) | ((a.sh_flags & SHF_EXECINSTR) ? PF_X : 0u);
         verlange(abbild_.istGeladen(a.sh_addr, a.sh_size, rechte), "Abschnitt ", nummer,
                  " liegt in keinem passenden Segment");
-        verlange(!ausDatei || (abbild_.stammtAusDatei(a.sh_addr, a.sh_size) &&
-                               abbild_.dateistelle(a.sh_addr) == a.sh_offset),
+        // What begins as zeros must not begin with what the file happens to have there.
+        verlange(ausDatei ? abbild_.stammtAusDatei(a.sh_addr, a.sh_size) &&
+                                abbild_.dateistelle(a.sh_addr) == a.sh_offset
+                          : !abbild_.stammtAusDatei(a.sh_addr, 1),
                  "Abschnitt ", nummer, " liegt anderswo als sein Segment");
     }
 

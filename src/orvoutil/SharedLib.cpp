@@ -145,9 +145,7 @@ bool SharedLib::enthaelt(const void* adresse) const { return griff_ && liegtInOd
 /// Says the file's name once, also when the system's reason begins with it.
 bool SharedLib::schlageFehl(const std::string& grund) {
     const std::string anfang = name_ + ": ";
-    fehler_ = name_.empty() || grund.starts_with(anfang) || grund.starts_with(alsDateipfad(anfang))
-                  ? grund
-                  : anfang + grund;
+    fehler_ = name_.empty() || grund.starts_with(alsDateipfad(anfang)) ? grund : anfang + grund;
     return false;
 }
 

@@ -166,7 +166,7 @@ TEST_F(BeobachterStoerfall, OneThatOrdersLoadingWhileToldIsRefused) {
     });
     EXPECT_TRUE(ladeNeuMit({&befehlender}));
     EXPECT_EQ(befehlender.gehoert, alles);
-    const std::string abgelehnt = "W Plugins werden gerade geladen oder entladen. Abgelehnt: ";
+    const std::string abgelehnt = "W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ";
     for (const char* const auftrag : {"reload()", "ladePlugins()", "ladePlugin()", "entladePlugins()"})
         EXPECT_EQ(log.anzahl(abgelehnt + auftrag), 4) << auftrag;
     EXPECT_EQ(warnungen().size(), 16u);

@@ -1,12 +1,9 @@
-// Faults in the plugin directory: what lies there in place of a plugin, how it is named, and what becomes of it
-// between listing and opening.
+// Faults in the plugin directory: what lies there in place of a plugin, and how it is named.
 
 #include "faults/Stoerfall.h"
 
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
-#include <orvoplugin/plugin/PluginObserver.h>
-#include <orvoutil/SharedLib.h>
 
 #include "TestPlugins.h"
 
@@ -24,18 +21,8 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char kFehlt[] = "kann nicht ge\xF6"
-                          "ffnet werden: No such file or directory";
-constexpr char kKeineDatei[] = "keine gew\xF6hnliche Datei";
-
 class DateiStoerfall : public Stoerfall {
 protected:
-    static constexpr char kEinCheck[] = "produktversion 1.0\nloeschen\ncheck 50 2009\n";
-
-    void erwarteFehler(const std::string& grund) {
-        erwarteAbgelehnt("BIBLIOTHEK_FEHLER: " + schlechtes + ": " + grund);
-    }
-
     /// A healthy plugin under a name of its own.
     void erwarteGeladenAls(const std::string& name) {
         schlechtes = plugin(name);
@@ -229,8 +216,8 @@ TEST_F(DateiStoerfall, AFileThatMayNotBeReadIsRefused) {
     fs::permissions(schlechtes, fs::perms::none);
     imKindprozess(
         [&] {
-            erwarteFehler("kann nicht ge\xF6"
-                          "ffnet werden: Permission denied");
+            erwarteNichtGeoeffnet("kann nicht ge\xF6"
+                                  "ffnet werden: Permission denied");
         },
         Benutzer::NIEMAND);
 }
@@ -239,7 +226,7 @@ TEST_F(DateiStoerfall, ASuffixInCapitalsIsLookedForInSmallLettersAndRefused) {
     schlechtes = plugin("libmmm.DYLIB");
     legeSchlechtes(test_plugins::DescribedByFile, kEinCheck);
     schlechtes = plugin("libmmm.dylib");
-    erwarteFehler(kFehlt);
+    erwarteNichtGeoeffnet(kFehlt);
 }
 
 TEST_F(DateiStoerfall, ASuffixInBothSpellingsLoadsTheSmallOneTwice) {
@@ -255,92 +242,5 @@ TEST_F(DateiStoerfall, ASuffixInBothSpellingsLoadsTheSmallOneTwice) {
 TEST_F(DateiStoerfall, ANameWithAPlaceholderOfTheLoaderIsRefused) {
     schlechtes = plugin("lib$ORIGIN.dylib");
     legeSchlechtes(test_plugins::DescribedByFile, kEinCheck);
-    erwarteFehler("Platzhalter im Namen: $ORIGIN");
-}
-
-namespace {
-
-/// Does something to the bad file once it is told of the plugin before it: after the listing, before the opening.
-class Eingriff : public PluginObserver {
-public:
-    Eingriff(std::string davor, std::function<void()> tat) : davor_(std::move(davor)), tat_(std::move(tat)) {}
-    void pluginErzeugt(OrvoPlugin* plugin) override {
-        if (plugin->getSharedLib()->getName() == davor_)
-            tat_();
-    }
-    void pluginZerstoert(OrvoPlugin*) override {}
-
-private:
-    std::string davor_;
-    std::function<void()> tat_;
-};
-
-class EingriffStoerfall : public DateiStoerfall {
-protected:
-    /// Loads with a healthy plugin in the bad one's place, to which that is done in the midst of it.
-    bool ladeMit(const std::function<void()>& tat) {
-        legeSchlechtes(test_plugins::DescribedByFile, kEinCheck);
-        EXPECT_TRUE(starte());
-        Eingriff eingriff(vorher, [&] {
-            fs::remove_all(schlechtes);
-            tat();
-        });
-        manager->addObserver(&eingriff);
-        const bool erfolg = ladeNeu();
-        manager->removeObserver(&eingriff);
-        EXPECT_EQ(warnungen(), Zeilen{});
-        erwarteSpurlos();
-        erwarteHeileBrauchbar();
-        return erfolg;
-    }
-
-    void erwarteFehlerNach(const std::function<void()>& tat, const std::string& grund) {
-        EXPECT_FALSE(ladeMit(tat));
-        EXPECT_EQ(ablehnungen(), Zeilen{ablehnung("BIBLIOTHEK_FEHLER: " + schlechtes + ": " + grund)});
-        EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libzzz.dylib"}));
-        EXPECT_EQ(finde(kDazwischen), nullptr);
-    }
-};
-
-} // namespace
-
-TEST_F(EingriffStoerfall, AFileRemovedAfterTheListingIsRefused) {
-    erwarteFehlerNach([] {}, kFehlt);
-}
-
-TEST_F(EingriffStoerfall, AFileReplacedByATextAfterTheListingIsRefused) {
-    erwarteFehlerNach([&] { home.schreibe("plugins/libmmm.dylib", "kein Plugin"); }, "keine ELF-Datei");
-}
-
-TEST_F(EingriffStoerfall, AFileReplacedByADirectoryAfterTheListingIsRefused) {
-    erwarteFehlerNach([&] { home.legeAn("plugins/libmmm.dylib"); }, kKeineDatei);
-}
-
-TEST_F(EingriffStoerfall, AFileReplacedByAFifoAfterTheListingIsRefusedAndNotWaitedFor) {
-    erwarteFehlerNach([&] { ASSERT_EQ(mkfifo(schlechtes.c_str(), 0666), 0); }, kKeineDatei);
-}
-
-TEST_F(EingriffStoerfall, AFileReplacedByALinkToItselfAfterTheListingIsRefused) {
-    erwarteFehlerNach([&] { fs::create_symlink("libmmm.dylib", schlechtes); },
-                      "kann nicht ge\xF6"
-                      "ffnet werden: Too many levels of symbolic links");
-}
-
-TEST_F(EingriffStoerfall, AFileReplacedByAnotherPluginAfterTheListingIsThatOne) {
-    EXPECT_TRUE(ladeMit([&] {
-        home.kopiere(test_plugins::DescribedByFile, "plugins/libmmm.dylib");
-        home.schreibe("plugins/libmmm.dylib.txt", "produktversion 2.0\nloeschen\ncheck 50 2009\n");
-    }));
-    ASSERT_NE(geladenes(schlechtes), nullptr);
-    EXPECT_EQ(geladenes(schlechtes)->getProduktVersion(), "2.0");
-    erwarteBrauchbar(kDazwischen, schlechtes);
-}
-
-TEST_F(EingriffStoerfall, ADirectoryRemovedAfterTheListingHasNoPlugins) {
-    lege(test_plugins::DescribedByFile, "unten/libnnn.dylib");
-    EXPECT_TRUE(ladeMit([&] {
-        fs::remove_all(plugin("unten"));
-        home.kopiere(vorher, "plugins/libmmm.dylib");
-    }));
-    EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libmmm.dylib", "libzzz.dylib"}));
+    erwarteNichtGeoeffnet("Platzhalter im Namen: $ORIGIN");
 }

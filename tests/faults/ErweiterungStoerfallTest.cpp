@@ -18,8 +18,6 @@ namespace {
 
 class ErweiterungStoerfall : public Stoerfall {};
 
-constexpr char kEineErweiterung[] = "produktversion 1.0\nloeschen\ncheck 50 2009\n";
-
 /// An extension class of the host's, as the order "host" of the misbehaving plugin wants it.
 class HostErweiterung : public OrvoValidierungsServiceErweiterung {
 public:
@@ -50,7 +48,7 @@ TEST_F(ErweiterungStoerfall, APluginWithoutExtensionsIsLoaded) {
 }
 
 TEST_F(ErweiterungStoerfall, TheSameExtensionTwiceIsKeptTwiceAndServesOnce) {
-    legeSchlechtes(test_plugins::DescribedByFile, std::string(kEineErweiterung) + "check 50 2009\n");
+    legeSchlechtes(test_plugins::DescribedByFile, std::string(kEinCheck) + "check 50 2009\n");
     erwarteGeladen();
     erwarteBrauchbar(kDazwischen, schlechtes);
     auto* const plugin = dynamic_cast<OrvoPluginV1*>(geladenes(schlechtes));
@@ -168,7 +166,7 @@ TEST_F(ErweiterungStoerfall, AVersionOfAHugeNumberIsTheHigherOne) {
 }
 
 TEST_F(ErweiterungStoerfall, AStatusThatThePluginSetIsKeptUntilItsFirstUse) {
-    legeSchlechtes(test_plugins::DescribedByFile, "status 7\n" + std::string(kEineErweiterung));
+    legeSchlechtes(test_plugins::DescribedByFile, "status 7\n" + std::string(kEinCheck));
     erwarteGeladen();
     EXPECT_EQ(geladenes(schlechtes)->getStatus(), 7);
     erwarteBrauchbar(kDazwischen, schlechtes);
@@ -176,14 +174,14 @@ TEST_F(ErweiterungStoerfall, AStatusThatThePluginSetIsKeptUntilItsFirstUse) {
 }
 
 TEST_F(ErweiterungStoerfall, APluginThatSaysItIsInUseIsNot) {
-    legeSchlechtes(test_plugins::DescribedByFile, "status 2\n" + std::string(kEineErweiterung));
+    legeSchlechtes(test_plugins::DescribedByFile, "status 2\n" + std::string(kEinCheck));
     erwarteGeladen();
     EXPECT_EQ(geladenes(schlechtes)->getUseCount(), 0);
     erwarteBrauchbar(kDazwischen, schlechtes);
 }
 
 TEST_F(ErweiterungStoerfall, APluginThatMakesItselfResidentStaysOpenFromItsFirstUseOn) {
-    legeSchlechtes(test_plugins::DescribedByFile, "resident\n" + std::string(kEineErweiterung));
+    legeSchlechtes(test_plugins::DescribedByFile, "resident\n" + std::string(kEinCheck));
     erwarteGeladen();
     erwarteBrauchbar(kDazwischen, schlechtes);
     EXPECT_TRUE(istEingeblendet(schlechtes));
@@ -203,7 +201,7 @@ TEST_F(ErweiterungStoerfall, AHomeDirectoryThatAPluginSetsCountsFromTheNextStart
 
     Einstellungen().setze("basis.home_dir", home.pfad()); // loads anew, and so is asked to in the midst of it
     EXPECT_EQ(warnungen(),
-              Zeilen{"W Plugins werden gerade geladen oder entladen. Abgelehnt: basis.home_dir"});
+              Zeilen{"W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: basis.home_dir"});
     EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libmmm.dylib", "libzzz.dylib"}));
     EXPECT_EQ(Einstellungen().wert("basis.home_dir"), anderes);
     erwarteHeileBrauchbar();

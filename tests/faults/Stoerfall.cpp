@@ -123,6 +123,10 @@ void Stoerfall::erwarteAbgelehnt(const std::string& grund) {
     erwarteAusgang(false, {"libaaa.dylib", "libzzz.dylib"}, {ablehnung(grund)}, {});
 }
 
+void Stoerfall::erwarteNichtGeoeffnet(const std::string& grund) {
+    erwarteAbgelehnt("BIBLIOTHEK_FEHLER: " + schlechtes + ": " + grund);
+}
+
 void Stoerfall::erwarteGeladen(const Zeilen& erwarteteWarnungen) {
     const std::string name = schlechtes.substr(plugin("").size());
     erwarteAusgang(true, {"libaaa.dylib", name, "libzzz.dylib"}, {}, erwarteteWarnungen);

@@ -27,6 +27,11 @@ protected:
     static constexpr int kVorher = 11;
     static constexpr int kNachher = 99;
     static constexpr int kDazwischen = 50;
+    /// What makes the bad one healthy, for the plugin that does what a text says.
+    static constexpr char kEinCheck[] = "produktversion 1.0\nloeschen\ncheck 50 2009\n";
+    /// Why a file that is not there is refused.
+    static constexpr char kFehlt[] = "kann nicht ge\xF6"
+                                     "ffnet werden: No such file or directory";
 
     Stoerfall();
     ~Stoerfall() override;
@@ -48,6 +53,8 @@ protected:
     /// The three outcomes, each with everything that goes with it; `starte` included, and a second loading run.
     /// Refused: the line "Plugin nicht geladen: " + `grund`, and no other line of that kind, no warning, no error.
     void erwarteAbgelehnt(const std::string& grund);
+    /// The same, for a file that the library itself or the system's loader does not open.
+    void erwarteNichtGeoeffnet(const std::string& grund);
     /// Loaded like any other; the log has these warnings and errors and no others.
     void erwarteGeladen(const Zeilen& warnungen = {});
     /// Not taken for a plugin file: the log never speaks of it.

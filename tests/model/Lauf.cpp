@@ -29,7 +29,14 @@ namespace {
 constexpr std::size_t kHoechstzahl = 30; // so that loading all once more, again and again, ends
 
 /// Services that nobody deletes any more, in a list that keeps them from counting as lost.
-auto& verwaiste = *new std::vector<::Service*>;
+auto& verwaiste = *new std::vector<const void*>;
+
+/// What is out goes with its plugin, and is not touched any more.
+void lassVerwaisen(const Plugin& plugin) {
+    for (const auto& erweiterung : plugin.erweiterungen)
+        for (const auto& [service, anzahl] : erweiterung->instanzen)
+            verwaiste.push_back(service);
+}
 
 /// The service as the extension's own class hands it out, which may be null though an object was made.
 ::Service* holeTypisiert(OrvoErweiterung* erweiterung) {
@@ -83,6 +90,7 @@ Lauf::Lauf(Aufbau& aufbau, const Mitschnitt* protokoll)
 }
 
 Lauf::~Lauf() {
+    entladeAlle();
     ObjectLifetimeManager::instance().destroyAll();
     Einstellungen().setze("basis.home_dir", "");
 }
@@ -213,11 +221,14 @@ void Lauf::entlade(std::size_t welches) {
     const auto gehtMit = [&](const Ausgabe& ausgabe) { return ausgabe.erweiterung->plugin == gehendes; };
     std::erase_if(ausgaben_, gehtMit);
     std::erase_if(zurueckgegebene_, gehtMit);
+    lassVerwaisen(*gehendes);
     modell_.entlade(welches);
 }
 
-/// In the model only. Services that are out with the plugins are not touched any more.
+/// In the model only.
 void Lauf::entladeAlle() {
+    for (const auto& plugin : modell_.plugins())
+        lassVerwaisen(*plugin);
     ausgaben_.clear();
     zurueckgegebene_.clear();
     modell_.entladeAlle();

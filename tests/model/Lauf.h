@@ -39,7 +39,7 @@ private:
 
     Verzeichnis verzeichnis_;
     std::vector<std::string> dateien_;
-    std::vector<std::string> texte_; ///< what lies beside each
+    std::vector<std::string> texte_; ///< what this process has laid beside each; nothing at first
     std::vector<std::pair<std::string, std::vector<std::size_t>>> homes_;
 };
 

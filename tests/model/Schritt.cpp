@@ -6,8 +6,7 @@ namespace {
 
 using Art = Schritt::Art;
 
-constexpr const char* kVersionen[] = {"",    "0.9",  "1", "1.0", "1.0.0", "1.2.0",
-                                      "1.9", "1.10", "2", "x",   "2.x"};
+constexpr const char* kVersionen[] = {"", "0.9", "1", "1.0.0", "1.2.0", "1.9", "1.10", "2", "10", "x", "2.x"};
 constexpr const char* kArten[] = {"check",      "check",     "check", "feldinfo",
                                   "fehlertext", "finanzamt", "xpath", "reader"};
 constexpr const char* kUnterfallarten[] = {"10",   "010",  "12",   "0",      "LSTB",

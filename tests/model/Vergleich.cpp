@@ -117,6 +117,8 @@ void Lauf::vergleicheListen() {
         nachTyp[erweiterung->typ].insert(echte(erweiterung));
     }
     gleich("alle registrierten", alle, menge(registry_->getRegistrierteErweiterungen()));
+    if (unterschied_)
+        return;
     gleich("registrierte Art 1", nachTyp[1],
            menge(registry_->getRegistrierteValidierungsServiceErweiterungen()));
     gleich("registrierte Art 2", nachTyp[2],

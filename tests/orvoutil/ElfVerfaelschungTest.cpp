@@ -3,14 +3,18 @@
 // process.
 
 #include "ElfDatei.h"
+#include "Valgrind.h"
 
 #include "support/Verzeichnis.h"
 
 #include <dlfcn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <set>
+#include <string>
 #include <vector>
 
 namespace {
@@ -25,18 +29,36 @@ void benutze(const std::string& pfad) {
     dlclose(griff);
 }
 
-/// Whether a child process survives that.
-bool ueberlebt(const std::string& pfad) {
+/// A number that a child process shares with its parent.
+class GemeinsameZahl {
+public:
+    GemeinsameZahl()
+        : zahl_(static_cast<std::size_t*>(mmap(nullptr, sizeof(std::size_t), PROT_READ | PROT_WRITE,
+                                               MAP_SHARED | MAP_ANONYMOUS, -1, 0))) {}
+    GemeinsameZahl(const GemeinsameZahl&) = delete;
+    GemeinsameZahl& operator=(const GemeinsameZahl&) = delete;
+    ~GemeinsameZahl() { munmap(zahl_, sizeof(std::size_t)); }
+    std::size_t& operator*() const { return *zahl_; }
+
+private:
+    std::size_t* zahl_;
+};
+
+/// Lets a child process use libraries one after the other. Returns: the number of the one that killed it; the number
+/// of all when it survived.
+std::size_t benutzeImKind(const std::vector<std::string>& pfade) {
+    const GemeinsameZahl erledigte;
     const pid_t kind = fork();
     if (kind == 0) {
-        alarm(10); // a loader that never comes back is no better than one that falls
         (void)!freopen("/dev/null", "w", stderr);
-        benutze(pfad);
+        for (; *erledigte < pfade.size(); ++*erledigte) {
+            alarm(20); // a loader that never comes back is no better than one that falls
+            benutze(pfade[*erledigte]);
+        }
         _exit(0);
     }
-    int ausgang = 0;
-    waitpid(kind, &ausgang, 0);
-    return WIFEXITED(ausgang) && WEXITSTATUS(ausgang) == 0;
+    waitpid(kind, nullptr, 0);
+    return *erledigte;
 }
 
 /// Values that a byte may have got by some misfortune.
@@ -69,28 +91,52 @@ protected:
             return;
         ++erlaubte;
         // A new file each time: the loader takes one that it already has for the same library.
-        const std::string name = std::to_string(versuche) + ".so";
-        EXPECT_TRUE(ueberlebt(verzeichnis.schreibe(name, datei.bytes))) << was;
-        verzeichnis.entferne(name);
+        pfade.push_back(verzeichnis.schreibe(std::to_string(versuche) + ".so", datei.bytes));
+        beschreibungen.push_back(was);
+        if (pfade.size() == 64)
+            ladeAlle();
+    }
+
+    void ladeAlle() {
+        while (!pfade.empty()) {
+            const std::size_t erledigte = benutzeImKind(pfade);
+            const bool ueberlebt = erledigte == pfade.size();
+            EXPECT_TRUE(ueberlebt) << beschreibungen[erledigte];
+            const auto anzahl = static_cast<std::ptrdiff_t>(ueberlebt ? erledigte : erledigte + 1);
+            for (auto pfad = pfade.begin(); pfad != pfade.begin() + anzahl; ++pfad)
+                unlink(pfad->c_str());
+            pfade.erase(pfade.begin(), pfade.begin() + anzahl);
+            beschreibungen.erase(beschreibungen.begin(), beschreibungen.begin() + anzahl);
+        }
+    }
+
+    void SetUp() override {
+        if (laeuftUnterValgrind())
+            GTEST_SKIP() << "valgrind itself falls over such files";
+    }
+
+    void TearDown() override {
+        if (IsSkipped())
+            return;
+        ladeAlle();
+        EXPECT_GT(versuche, erlaubte);
+        EXPECT_GT(erlaubte, 0);
     }
 
     Verzeichnis verzeichnis;
     ElfDatei datei{HAS_EVERYTHING};
     int versuche = 0, erlaubte = 0;
+    std::vector<std::string> pfade, beschreibungen; // of what is still to be loaded
 };
 
 } // namespace
 
-TEST_F(ElfVerfaelschung, TheLibraryWorksUnchanged) { EXPECT_TRUE(ueberlebt(HAS_EVERYTHING)); }
+TEST(ElfVerfaelschungOhneFehler, TheLibraryWorksUnchanged) { EXPECT_EQ(benutzeImKind({HAS_EVERYTHING}), 1u); }
 
-TEST_F(ElfVerfaelschung, NoByteOfTheFileHeaderKillsTheProcess) {
-    verfaelsche(0, sizeof(ElfW(Ehdr)));
-    EXPECT_GT(versuche, erlaubte);
-}
+TEST_F(ElfVerfaelschung, NoByteOfTheFileHeaderKillsTheProcess) { verfaelsche(0, sizeof(ElfW(Ehdr))); }
 
 TEST_F(ElfVerfaelschung, NoByteOfASegmentHeaderKillsTheProcess) {
     verfaelsche(datei.kopf().e_phoff, datei.kopf().e_phnum * sizeof(ElfW(Phdr)));
-    EXPECT_GT(versuche, erlaubte);
 }
 
 // Where in the code the general start and end functions begin cannot be seen from outside, so their values are left
@@ -102,17 +148,14 @@ TEST_F(ElfVerfaelschung, NoByteOfTheDynamicSectionKillsTheProcess) {
         const bool istFunktion = tag == DT_INIT || tag == DT_FINI;
         verfaelsche(s.p_offset + i, istFunktion ? sizeof(tag) : sizeof(ElfW(Dyn)));
     }
-    EXPECT_GT(versuche, erlaubte);
 }
 
 TEST_F(ElfVerfaelschung, NoTruncationKillsTheProcess) {
-    datei
-        .ohneAbschnitte(); // whose table would stand at the end, so that the check refused every shorter file
+    // Whose table would stand at the end, so that the check refused every shorter file.
+    datei.ohneAbschnitte();
     const std::string ganz = datei.bytes;
     for (std::size_t i = 0; i < ganz.size(); i += 64) {
         datei.bytes = ganz.substr(0, i);
         ladeWennErlaubt(std::to_string(i) + " bytes");
     }
-    EXPECT_GT(versuche, erlaubte);
-    EXPECT_GT(erlaubte, 0);
 }

@@ -2,6 +2,7 @@
 
 #include <orvoutil/SharedLib.h>
 
+#include "Valgrind.h"
 #include "support/Prozess.h"
 #include "support/Verzeichnis.h"
 
@@ -135,6 +136,8 @@ TEST(Ladepruefung, NamesWithADollarThatTheLoaderLeavesAlonePass) {
          {"$", "a$", "$ORIGINAL", "${ORIGIN", "$origin", "$LIB_", "${}", "$PLATFORM2", "${LIB"}) {
         const std::string pfad = verzeichnis.kopiere(HAS_EVERYTHING, name);
         EXPECT_EQ(grundGegenLaden(pfad), "") << name;
+        if (laeuftUnterValgrind()) // which takes the way the loader compares names for an error
+            continue;
         SharedLib bibliothek(pfad);
         EXPECT_TRUE(bibliothek.load()) << bibliothek.getLastError();
     }

@@ -59,9 +59,15 @@ TEST(ToUtf8, TakesWhatIsNotUtf8AsLatin1) {
              "\xED\xBF\xBF",     // half of a pair
              "\xF4\x90\x80\x80", // beyond the last character
              "\xF8\x88\x80\x80", // no beginning
+             "\xF9\x80\x80\x80", // no beginning
              "\xFF\xBF\xBF\xBF", // no beginning
          })
         EXPECT_EQ(toUtf8(text), latin1ToUtf8(text));
+}
+
+TEST(ToUtf8, ReadsNothingBehindTheText) {
+    const std::string_view text = "\xC3\xBC";
+    EXPECT_EQ(toUtf8(text.substr(0, 1)), "\xC3\x83");
 }
 
 TEST(ToUtf8, DecidesSequenceBySequence) {

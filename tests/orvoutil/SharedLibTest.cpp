@@ -152,6 +152,11 @@ TEST(SharedLib, TakesANameWithoutASlashForAFile) {
     EXPECT_TRUE(eigene.load()) << eigene.getLastError();
     EXPECT_EQ(eigene.getName(), "eigene.so");
 
+    verzeichnis.kopiere(MISSES_A_SYMBOL, "unvollstaendige.so");
+    SharedLib unvollstaendige("unvollstaendige.so");
+    EXPECT_FALSE(unvollstaendige.load());
+    EXPECT_THAT(unvollstaendige.getLastError(), NamesOnce("unvollstaendige.so"));
+
     SharedLib desSystems("libc.so.6"); // there is one, but not here
     EXPECT_FALSE(desSystems.load());
     EXPECT_THAT(desSystems.getLastError(), NamesOnce("libc.so.6"));

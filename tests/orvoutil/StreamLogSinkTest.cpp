@@ -136,7 +136,14 @@ TEST(StreamLogSink, LosesNoMoreThanTheLogWhenTheStreamFails) {
 
 TEST(StreamLogSink, KeepsTheLinesOfSeveralThreadsApart) {
     constexpr int kRunden = 200;
-    std::ostringstream ausgabe;
+    struct Traege : std::stringbuf { // leaves others time to write in between
+        std::streamsize xsputn(const char* text, std::streamsize laenge) override {
+            const std::streamsize erster = std::stringbuf::xsputn(text, laenge / 2);
+            std::this_thread::yield();
+            return erster + std::stringbuf::xsputn(text + laenge / 2, laenge - laenge / 2);
+        }
+    } puffer;
+    std::ostream ausgabe(&puffer);
     StreamLogSink senke(ausgabe);
     {
         std::vector<std::jthread> threads;
@@ -146,7 +153,7 @@ TEST(StreamLogSink, KeepsTheLinesOfSeveralThreadsApart) {
                     senke.write(eintrag(LogKind::Message, LogLevel::Info, "ganze Zeile"));
             });
     }
-    std::istringstream zeilen(ausgabe.str());
+    std::istringstream zeilen(puffer.str());
     int anzahl = 0;
     std::string vorige;
     for (std::string eine; std::getline(zeilen, eine); ++anzahl) {

@@ -89,6 +89,8 @@ TEST(CompareIgnoreCase, OrdersByUnsignedLowerCaseBytes) {
     EXPECT_EQ(compareIgnoreCase("B", "a"), 1);
     EXPECT_EQ(compareIgnoreCase("Z", "_"), 1);
     EXPECT_EQ(compareIgnoreCase("z", "\xE4"), -1);
+    EXPECT_EQ(compareIgnoreCase("\xE4", "z"), 1);
+    EXPECT_EQ(compareIgnoreCase("\xE4", "\xE4"), 0);
     EXPECT_EQ(compareIgnoreCase("ab", "abc"), -1);
     EXPECT_EQ(compareIgnoreCase("abc", "AB"), 1);
     EXPECT_EQ(compareIgnoreCase("", "a"), -1);

@@ -1,6 +1,6 @@
 #pragma once
 
-// Internal: knows whether code of a plugin is running that must not ask for the registry or the manager.
+// Internal: knows whether code of a plugin is running that not everything may be done under.
 
 /// Counts what is running, for as long as it lives.
 template <class Was>
@@ -24,3 +24,7 @@ using Einsprungpunkt = Laufend<struct EinsprungpunktArt>;
 /// The time in which a library is opened, and so its start-up code runs. An exception must not leave that: it would
 /// have to pass through the system's loader.
 using Oeffnung = Laufend<struct OeffnungArt>;
+
+/// The time in which a plugin's hook or factory runs, or a service of it is deleted. The manager must not unload
+/// plugins meanwhile: it would take away the very code that runs.
+using Pluginaufruf = Laufend<struct PluginaufrufArt>;

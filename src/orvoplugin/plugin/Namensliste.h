@@ -7,6 +7,7 @@
 /// comma is no entry.
 template <class Nehmer>
 void fuerJedenNamen(std::string_view liste, Nehmer nimm) {
-    for (std::size_t komma; (komma = liste.find(',')) != std::string_view::npos; liste.remove_prefix(komma + 1))
+    for (std::size_t komma; (komma = liste.find(',')) != std::string_view::npos;
+         liste.remove_prefix(komma + 1))
         nimm(liste.substr(0, komma));
 }

@@ -1,5 +1,6 @@
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
+#include <orvoplugin/plugin/Einsprungpunkt.h>
 #include <orvoplugin/plugin/Einzelinstanz.h>
 #include <orvoplugin/plugin/Fremdcode.h>
 #include <orvoplugin/plugin/Namensliste.h>
@@ -140,10 +141,11 @@ void OrvoPluginManager::empfangeAenderungsNachricht(const AenderungsNachricht& n
 }
 
 bool OrvoPluginManager::nimmtAuftragAn(const char* auftrag) const {
-    if (fremdarbeit_ == 0)
+    if (fremdarbeit_ == 0 && !Pluginaufruf::laeuft())
         return true;
     if (logger_ && logger_->isWarnEnabled())
-        logger_->warn(std::string("Plugins werden gerade geladen oder entladen. Abgelehnt: ") + auftrag);
+        logger_->warn(std::string("Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ") +
+                      auftrag);
     return false;
 }
 
@@ -210,7 +212,8 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
         return false;
     const Spur spur(logger_, "ladePlugin()");
     protokolliere("Lese Bibliothek: ", pfad);
-    const Fremdarbeit fremdarbeit(*this); // also while an exception is asked for its text, and a library closed
+    const Fremdarbeit fremdarbeit(
+        *this); // also while an exception is asked for its text, and a library closed
     OrvoPluginLoader
         loader; // outlives the exception that a plugin may throw, and so does the plugin's library
     const bool geladen =

@@ -23,9 +23,9 @@ class Logger;
 /// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own.
 ///
 /// A library that is no plugin is refused, with a log entry that says why, and costs no other plugin anything.
-/// While plugins or observers are running on the manager's behalf it takes no further orders: a call that would
-/// load or unload, and a change of the home directory (by a plugin that describes itself, say), is refused with a
-/// warning in the log.
+/// While plugins or observers are running on the manager's behalf, and while a hook or a factory of a plugin is
+/// running, it takes no orders: a call that would load or unload, and a change of the home directory (by a plugin
+/// that describes itself, say), is refused with a warning in the log.
 ///
 /// Ownership: owns the plugins, not the observers; an observer removes itself before it goes.
 /// Errors: throws nothing but for want of memory, except where an operation says so.

@@ -141,6 +141,7 @@ void OrvoPluginV1::rufeHook(const std::string& name, const char* nichtGefunden, 
     SharedLib* const bibliothek = getSharedLib();
     using Hook = void (*)();
     if (const auto hook = bibliothek ? reinterpret_cast<Hook>(bibliothek->getSymbol(name)) : nullptr) {
+        const Pluginaufruf aufruf;
         fremdcode::rufe(hook, [&](const char* grund) {
             if (logger_ && logger_->isWarnEnabled())
                 logger_->warn(std::string(ausnahme) + grund);

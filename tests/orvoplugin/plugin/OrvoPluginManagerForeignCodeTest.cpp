@@ -2,6 +2,8 @@
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
+#include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
 #include <orvoutil/LogSink.h>
 #include <orvoutil/Logger.h>
 
@@ -113,7 +115,8 @@ TEST_P(OrvoPluginManagerHomeChanging, IsRefusedWithAWarningAndTheOtherPluginsKee
     EXPECT_EQ(ereignisse.size(), 2 * erwartet.size());
     EXPECT_EQ(manager.getPluginSuchPfad(), heimat.ort());
     EXPECT_EQ(log.anzahlMit(neues.pfad()), 0);
-    EXPECT_EQ(log.anzahl("W Plugins werden gerade geladen oder entladen. Abgelehnt: basis.home_dir"), 1);
+    EXPECT_EQ(log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: basis.home_dir"),
+              1);
     EXPECT_EQ(Einstellungen().basisHomeDir(), neues.pfad()) << "the setting itself is another now";
     EXPECT_FALSE(istEingeblendet(heimat.ort("libb.dylib")));
 }
@@ -125,6 +128,41 @@ const Bibliotheksfall kAendernde[] = {
     {"WhenClosed", test_plugins::ChangesHomeWhenClosed, nullptr},
 };
 INSTANTIATE_TEST_SUITE_P(Plugins, OrvoPluginManagerHomeChanging, testing::ValuesIn(kAendernde), nameDesFalls);
+
+class OrvoPluginManagerHomeChangingInUse : public testing::TestWithParam<Bibliotheksfall> {};
+
+TEST_P(OrvoPluginManagerHomeChangingInUse, IsRefusedWhileItsCodeRunsAndTheServiceIsUsable) {
+    const Heimat heimat;
+    heimat.lege(GetParam().bibliothek, "liba.dylib");
+    const Verzeichnis neues;
+    const Mitschnitt log(LogLevel::Info);
+    OrvoPluginManager manager(nullptr);
+    ASSERT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    auto* const plugin = dynamic_cast<OrvoPluginV1*>(manager.getRegistriertePlugins().front());
+    auto* const erweiterung = dynamic_cast<OrvoServiceErweiterung*>(plugin->listeErweiterungen().front());
+
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    Service* const service = erweiterung->holeService();
+    ASSERT_NE(service, nullptr);
+    erweiterung->release(service);
+
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    EXPECT_EQ(log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: basis.home_dir"),
+              1);
+    EXPECT_FALSE(istEingeblendet(heimat.ort("liba.dylib")));
+
+    Einstellungen().setze("basis.home_dir", heimat.ort("nirgends"));
+    EXPECT_TRUE(manager.getRegistriertePlugins().empty()) << "the next change is acted on";
+}
+
+const Bibliotheksfall kAenderndeImGebrauch[] = {
+    {"FromOnLoad", test_plugins::ChangesHomeFromOnLoad, nullptr},
+    {"FromOnUnload", test_plugins::ChangesHomeFromOnUnload, nullptr},
+    {"FromFactory", test_plugins::ChangesHomeFromFactory, nullptr},
+    {"WhenItsServiceEnds", test_plugins::ChangesHomeWhenItsServiceEnds, nullptr},
+};
+INSTANTIATE_TEST_SUITE_P(Plugins, OrvoPluginManagerHomeChangingInUse, testing::ValuesIn(kAenderndeImGebrauch),
+                         nameDesFalls);
 
 TEST(OrvoPluginManagerForeignCode, FollowsAHomeThatAPluginChangesDuringTheFirstRunOnlyWhenItChangesAgain) {
     const Heimat heimat;

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 namespace {
 
 std::string abgelehnt(const std::string& auftrag) {
-    return "W Plugins werden gerade geladen oder entladen. Abgelehnt: " + auftrag;
+    return "W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: " + auftrag;
 }
 
 /// A manager with the plugins liba.dylib and libb.dylib, loaded before anybody observes, and observers for it.

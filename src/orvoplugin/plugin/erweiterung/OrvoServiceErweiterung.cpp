@@ -1,5 +1,6 @@
 #include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
 
+#include <orvoplugin/plugin/Einsprungpunkt.h>
 #include <orvoplugin/plugin/Fremdcode.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/service/Service.h>
@@ -74,6 +75,7 @@ Service* OrvoServiceErweiterung::erzeugeService() {
         return nullptr;
     }
     Service* service = nullptr;
+    const Pluginaufruf aufruf;
     fremdcode::rufe([&] { service = factory(); },
                     [&](const char* grund) {
                         if (logger_ && logger_->isErrorEnabled())
@@ -98,8 +100,10 @@ void OrvoServiceErweiterung::release(Service* service) {
     } else if (loeschen) {
         geloeschte_.insert(service);
     }
-    if (loeschen)
+    if (loeschen) {
+        const Pluginaufruf aufruf;
         delete service;
+    }
     zaehleRueckgabe();
     if (OrvoPlugin* const plugin = getPlugin())
         plugin->release();

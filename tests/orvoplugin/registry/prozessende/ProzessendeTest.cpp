@@ -8,6 +8,7 @@
 
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <ostream>
@@ -16,14 +17,6 @@
 #include <vector>
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kMitSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool kMitSanitizer = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kMitSanitizer = false;
-#endif
 
 struct Szenario {
     const char* name;
@@ -139,7 +132,7 @@ TEST_P(ProzessendeTest, IsClean) {
 }
 
 TEST_P(ProzessendeTest, LosesNoMemoryAndTouchesNoneThatIsGone) {
-    if (kMitSanitizer || std::string(VALGRIND).empty())
+    if (std::string(VALGRIND).empty())
         GTEST_SKIP() << "no valgrind here";
     const Ergebnis ergebnis =
         lass(VALGRIND " --quiet --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite");
@@ -157,6 +150,12 @@ std::vector<std::string> abbau(const std::string& bibliotheken) {
     std::vector<std::string> zeilen = kAbbau;
     zeilen.insert(zeilen.end(),
                   {"-- zuletzt", "Registry: keine", "Manager: keiner", "Bibliotheken: " + bibliotheken});
+    return zeilen;
+}
+
+/// Those lines of the end, with that of a plugin between those of the manager.
+std::vector<std::string> mitPlugin(std::vector<std::string> zeilen) {
+    zeilen.insert(std::find(zeilen.begin(), zeilen.end(), "~< OrvoPluginManager()"), "~< OrvoPluginV1");
     return zeilen;
 }
 
@@ -203,8 +202,8 @@ const Szenario kSzenarien[] = {
      2},
     // The plugin that ends the process from its entry point is never closed: its code is still under way.
     {"exit beim Start", "e", {"-- zuletzt", "Registry: keine", "Manager: keiner", "Bibliotheken: offen"}, 2},
-    {"exit beim Nachladen aus types", "pe", abbau("offen"), 2},
-    {"exit beim Nachladen aus initialize", "pe", abbau("offen"), 2},
+    {"exit beim Nachladen aus types", "pe", mitPlugin(abbau("offen")), 2},
+    {"exit beim Nachladen aus initialize", "pe", mitPlugin(abbau("offen")), 2},
     {"exit aus onload", "e", abbau("zu"), 2},
     {"exit aus factory", "e", abbau("zu"), 2},
 };

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <cstdlib>
+#include <cstring>
+
+/// Whether the process runs under valgrind, which reads the debug information of every library that is loaded and
+/// does not stand what is wrong in it.
+inline bool laeuftUnterValgrind() {
+    const char* const vorab = std::getenv("LD_PRELOAD");
+    return vorab && std::strstr(vorab, "vgpreload");
+}
