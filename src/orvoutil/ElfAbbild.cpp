@@ -2,7 +2,6 @@
 
 #include <orvoutil/Latin1.h>
 
-#include <limits>
 
 namespace orvo::orvoutil {
 
@@ -106,7 +105,8 @@ void ElfAbbild::nimm(const ElfW(Phdr) & kopf, unsigned nummer) {
 }
 
 void ElfAbbild::nimmSegment(const ElfW(Phdr) & kopf, unsigned nummer) {
-    constexpr std::uint64_t kEnde = std::numeric_limits<ElfW(Addr)>::max() - kSeite;
+    // Where the loader cannot reserve the room, it leaves the file mapped; no library comes near this much.
+    constexpr std::uint64_t kEnde = std::uint64_t{1} << 31;
     verlange(kopf.p_filesz <= kopf.p_memsz, "Segment ", nummer, kLaengerInDerDatei);
     verlange(kopf.p_memsz <= kEnde && kopf.p_vaddr <= kEnde - kopf.p_memsz, "Segment ", nummer,
              kHinterDemAdressraum);

@@ -85,8 +85,7 @@ OrvoPluginManager::OrvoPluginManager(PluginObserver* observer)
 OrvoPluginManager::~OrvoPluginManager() {
     const DestruktorSpur spur(logger_, "OrvoPluginManager()");
     Einstellungen().beobachterAbmelden(this);
-    fremdarbeit_ = 0; // work still under way does not come back: a plugin ended the process
-    entladePlugins();
+    entladeAlle(); // also while a plugin is at work: then it has ended the process, and does not come back
     status_ = 2;
     spur.ende();
 }
@@ -102,8 +101,12 @@ bool OrvoPluginManager::initialisiere() {
 }
 
 bool OrvoPluginManager::entladePlugins() {
-    if (!nimmtAuftragAn("entladePlugins()"))
-        return true;
+    if (nimmtAuftragAn("entladePlugins()"))
+        entladeAlle();
+    return true;
+}
+
+void OrvoPluginManager::entladeAlle() {
     const Spur spur(logger_, "entladePlugins()");
     while (!plugins_.empty()) {
         std::unique_ptr<OrvoPlugin> plugin(plugins_.front());
@@ -119,7 +122,6 @@ bool OrvoPluginManager::entladePlugins() {
         plugin.reset();
     }
     spur.ende();
-    return true;
 }
 
 void OrvoPluginManager::reload() {

@@ -97,6 +97,7 @@ private:
     class Fremdarbeit;
 
     bool nimmtAuftragAn(const char* auftrag) const;
+    void entladeAlle();
     void sageAllen(void (PluginObserver::*was)(OrvoPlugin*), OrvoPlugin* plugin);
     void ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad);
     void protokolliere(const char* text) const;
