@@ -12,6 +12,8 @@ target_compile_options(
               -Wshadow
               -Wnon-virtual-dtor
               $<$<BOOL:${ORVO_HAS_NO_GNU_UNIQUE}>:-fno-gnu-unique>
+              # valgrind does not read Clang's newer form of debug information
+              $<$<AND:$<CXX_COMPILER_ID:Clang>,$<CONFIG:Debug,RelWithDebInfo>>:-gdwarf-4>
               $<$<BOOL:${ORVO_WERROR}>:-Werror>)
 
 # orvo_library(<target> HEADERS <public headers>... SOURCES <sources>...)
