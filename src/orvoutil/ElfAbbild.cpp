@@ -2,7 +2,6 @@
 
 #include <orvoutil/Latin1.h>
 
-
 namespace orvo::orvoutil {
 
 /// The header of the library that this code is in: the measure for class, byte order and processor.
