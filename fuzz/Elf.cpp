@@ -1,7 +1,7 @@
 // The check of a library's file: the input is the file. It never reads beyond the end, and always comes to the same
 // result.
 
-#include <orvoutil/ElfPruefung.h>
+#include <orvoutil/ladepruefung/ElfPruefung.h>
 
 #include "Eingabe.h"
 

@@ -1,7 +1,7 @@
 #include <orvoutil/SharedLib.h>
 
-#include <orvoutil/Ladepruefung.h>
 #include <orvoutil/Latin1.h>
+#include <orvoutil/ladepruefung/Ladepruefung.h>
 
 #include <dlfcn.h>
 #ifdef __ELF__

@@ -164,7 +164,11 @@ ORVO_PLUGIN_EXPORT Service* falscherService() { return new Service; }
 ORVO_PLUGIN_EXPORT Service* werfenderService() { throw std::runtime_error("Factory kann nicht"); }
 
 /// The hooks count their calls in a file beside the library, so that a test sees them after the library is gone.
-ORVO_PLUGIN_EXPORT void zaehleOnLoad() { std::ofstream(beschreibung() + ".hooks", std::ios::app) << "load\n"; }
-ORVO_PLUGIN_EXPORT void zaehleOnUnload() { std::ofstream(beschreibung() + ".hooks", std::ios::app) << "unload\n"; }
+ORVO_PLUGIN_EXPORT void zaehleOnLoad() {
+    std::ofstream(beschreibung() + ".hooks", std::ios::app) << "load\n";
+}
+ORVO_PLUGIN_EXPORT void zaehleOnUnload() {
+    std::ofstream(beschreibung() + ".hooks", std::ios::app) << "unload\n";
+}
 ORVO_PLUGIN_EXPORT void werfenderHook() { throw std::runtime_error("Hook kann nicht"); }
 }

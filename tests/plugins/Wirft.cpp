@@ -22,7 +22,8 @@ public:
     const char* what() const noexcept override { return text_.c_str(); }
 
 private:
-    std::string text_ = "Ausnahme einer Klasse des Plugins, mit einem langen Text: \xFC" "ber alle Grenzen";
+    std::string text_ = "Ausnahme einer Klasse des Plugins, mit einem langen Text: \xFC"
+                        "ber alle Grenzen";
 };
 
 [[noreturn]] void wirf() {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <orvoutil/ElfAbbild.h>
+#include <orvoutil/ladepruefung/ElfAbbild.h>
 
 #include <array>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include <orvoutil/ElfAbbild.h>
+#include <orvoutil/ladepruefung/ElfAbbild.h>
 
 #include <orvoutil/Latin1.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <orvoutil/Bytequelle.h>
+#include <orvoutil/ladepruefung/Bytequelle.h>
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include <orvoutil/Ladepruefung.h>
+#include <orvoutil/ladepruefung/Ladepruefung.h>
 
 #include <orvoutil/SharedLib.h>
 

@@ -1,4 +1,4 @@
-#include <orvoutil/ElfTabellen.h>
+#include <orvoutil/ladepruefung/ElfTabellen.h>
 
 #include <array>
 #include <string_view>

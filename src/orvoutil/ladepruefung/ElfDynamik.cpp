@@ -1,4 +1,4 @@
-#include <orvoutil/ElfDynamik.h>
+#include <orvoutil/ladepruefung/ElfDynamik.h>
 
 #include <iterator>
 

@@ -1,4 +1,4 @@
-#include <orvoutil/MachOPruefung.h>
+#include <orvoutil/ladepruefung/MachOPruefung.h>
 
 #include <mach-o/fat.h>
 #include <mach-o/loader.h>

@@ -1,11 +1,11 @@
-#include <orvoutil/Ladepruefung.h>
+#include <orvoutil/ladepruefung/Ladepruefung.h>
 
-#include <orvoutil/Bytequelle.h>
 #include <orvoutil/Latin1.h>
+#include <orvoutil/ladepruefung/Bytequelle.h>
 #if defined(__APPLE__)
-#include <orvoutil/MachOPruefung.h>
+#include <orvoutil/ladepruefung/MachOPruefung.h>
 #elif defined(__linux__)
-#include <orvoutil/ElfPruefung.h>
+#include <orvoutil/ladepruefung/ElfPruefung.h>
 #endif
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-#include <orvoutil/ElfPruefung.h>
+#include <orvoutil/ladepruefung/ElfPruefung.h>
 
 #include "ElfFall.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <orvoutil/ElfDynamik.h>
+#include <orvoutil/ladepruefung/ElfDynamik.h>
 
 #include <cstdint>
 

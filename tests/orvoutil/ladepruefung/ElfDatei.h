@@ -1,6 +1,6 @@
 #pragma once
 
-#include <orvoutil/ElfPruefung.h>
+#include <orvoutil/ladepruefung/ElfPruefung.h>
 
 #include <gtest/gtest.h>
 #include <link.h>

@@ -1,7 +1,7 @@
-#include <orvoutil/ElfPruefung.h>
+#include <orvoutil/ladepruefung/ElfPruefung.h>
 
-#include <orvoutil/ElfTabellen.h>
 #include <orvoutil/Latin1.h>
+#include <orvoutil/ladepruefung/ElfTabellen.h>
 
 namespace orvo::orvoutil {
 
