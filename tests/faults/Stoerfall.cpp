@@ -205,7 +205,7 @@ std::string Stoerfall::ablehnung(const std::string& grund) {
     return "[OrvoPluginManager|99|Plugin nicht geladen: " + grund + "|99]";
 }
 
-void Stoerfall::imKindprozess(const std::function<void()>& was, Benutzer benutzer) const {
+void Stoerfall::imKindprozess(const std::function<void()>& was, Benutzer benutzer) {
     if (benutzer == Benutzer::NIEMAND)
         std::filesystem::permissions(home.pfad(), std::filesystem::perms(0755));
     std::cout.flush();
@@ -213,6 +213,8 @@ void Stoerfall::imKindprozess(const std::function<void()>& was, Benutzer benutze
     const pid_t kind = fork();
     ASSERT_NE(kind, -1);
     if (kind == 0) {
+        deskriptoren_ =
+            offeneDeskriptoren(); // a tool that watches the process may keep its own from the child
         // A user who is not root is one already from whom permissions can be taken.
         if (benutzer == Benutzer::NIEMAND && geteuid() == 0 && (setgid(kNiemand) || setuid(kNiemand)))
             ADD_FAILURE() << "root cannot become nobody here, so nothing is proved about permissions";

@@ -78,7 +78,7 @@ protected:
 
     /// Runs something in a child process, as another user if so wanted; its failures become this test's.
     enum class Benutzer { DERSELBE, NIEMAND };
-    void imKindprozess(const std::function<void()>& was, Benutzer benutzer = Benutzer::DERSELBE) const;
+    void imKindprozess(const std::function<void()>& was, Benutzer benutzer = Benutzer::DERSELBE);
 
     const Verzeichnis home;
     Mitschnitt log{orvo::orvoutil::LogLevel::Info};
@@ -92,5 +92,5 @@ private:
     void erwarteAusgang(bool erfolg, const Zeilen& plugins, const Zeilen& ablehnungen,
                         const Zeilen& warnungen);
 
-    const int deskriptoren_;
+    int deskriptoren_; // open before anything was loaded
 };
