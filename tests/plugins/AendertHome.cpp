@@ -1,7 +1,8 @@
 // Changes the home directory to the setting "test.neues_home" (unless that is empty), from one of: AUS_Types,
 // AUS_Initialize, AUS_What (of an exception that it throws from initialise), AUS_Ende (a static object's
 // destructor, which runs when the library is closed; the plugin is resident, so that this is when it goes),
-// AUS_OnLoad and AUS_OnUnload (its hooks), AUS_Factory, AUS_Loeschen (the end of its service).
+// AUS_OnLoad and AUS_OnUnload (its hooks), AUS_Factory, AUS_Loeschen (the end of its service), AUS_Anfang (a static
+// object's constructor, which runs when the library is opened).
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -34,6 +35,10 @@ public:
         return "gespraechige Ausnahme";
     }
 };
+#elif defined(AUS_Anfang)
+const struct Anfang {
+    Anfang() { aendere(); }
+} anfang;
 #elif defined(AUS_Ende)
 const struct Ende {
     ~Ende() { aendere(); }

@@ -25,6 +25,6 @@ using Einsprungpunkt = Laufend<struct EinsprungpunktArt>;
 /// have to pass through the system's loader.
 using Oeffnung = Laufend<struct OeffnungArt>;
 
-/// The time in which a plugin's hook or factory runs, or a service of it is deleted. The manager must not unload
-/// plugins meanwhile: it would take away the very code that runs.
+/// The time in which a plugin's hook, factory, start-up or last code runs for a use of it, or a service of it is
+/// deleted. The manager must not unload plugins meanwhile: it would take away the very code that runs.
 using Pluginaufruf = Laufend<struct PluginaufrufArt>;

@@ -214,10 +214,10 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
         return false;
     const Spur spur(logger_, "ladePlugin()");
     protokolliere("Lese Bibliothek: ", pfad);
-    const Fremdarbeit fremdarbeit(
-        *this); // also while an exception is asked for its text, and a library closed
-    OrvoPluginLoader
-        loader; // outlives the exception that a plugin may throw, and so does the plugin's library
+    // Lasts while an exception is asked for its text, and while a library that was refused is closed.
+    const Fremdarbeit fremdarbeit(*this);
+    // Outlives the exception that a plugin may throw, and with it the plugin's library does.
+    OrvoPluginLoader loader;
     const bool geladen =
         fremdcode::rufe([&] { ladeBibliothek(loader, pfad); },
                         [&](const char* grund) { protokolliere("Plugin nicht geladen: ", grund); });

@@ -114,11 +114,7 @@ void OrvoPluginV1::release() {
             logger_->tagged("Plugin", kOhneCode, "Entlade Plugin: " + getBibliotheksname(), kOhneCode);
         rufeHook(getOnUnloadFuncName(), "Konnte OnUnload Funktion in Plugin nicht laden",
                  "Ausnahme in OnUnload Funktion: ");
-        SharedLib* const bibliothek = getSharedLib();
-        // No blank behind this colon, unlike the message of a failed load; scripts split the line there.
-        if ((!bibliothek || !bibliothek->unload()) && logger_ && logger_->isWarnEnabled())
-            logger_->warn("Konnte Plugin nicht entladen:" +
-                          (bibliothek ? bibliothek->getLastError() : std::string()));
+        schliesse();
         merkeStatus(ORVO_PLUGIN_ENTLADEN);
     }
     if (logger_ && logger_->isDebugEnabled())
@@ -126,6 +122,7 @@ void OrvoPluginV1::release() {
 }
 
 bool OrvoPluginV1::oeffne() {
+    const Pluginaufruf aufruf; // the library's start-up code runs
     SharedLib* const bibliothek = getSharedLib();
     if (bibliothek && (bibliothek->isLoaded() || bibliothek->load()))
         return true;
@@ -133,6 +130,15 @@ bool OrvoPluginV1::oeffne() {
         logger_->error("Konnte Plugin nicht laden: " +
                        (bibliothek ? bibliothek->getLastError() : std::string()));
     return false;
+}
+
+void OrvoPluginV1::schliesse() {
+    const Pluginaufruf aufruf; // the library's last code runs
+    SharedLib* const bibliothek = getSharedLib();
+    // No blank behind this colon, unlike the message of a failed load; scripts split the line there.
+    if ((!bibliothek || !bibliothek->unload()) && logger_ && logger_->isWarnEnabled())
+        logger_->warn("Konnte Plugin nicht entladen:" +
+                      (bibliothek ? bibliothek->getLastError() : std::string()));
 }
 
 void OrvoPluginV1::rufeHook(const std::string& name, const char* nichtGefunden, const char* ausnahme) {

@@ -67,6 +67,7 @@ private:
     void behalteFrueheres(std::unique_ptr<OrvoPluginV1> frueheres);
 
     bool oeffne();
+    void schliesse();
     void rufeHook(const std::string& name, const char* nichtGefunden, const char* ausnahme);
 
     std::map<tag_erweiterung_typ, std::int32_t> erweiterungsZaehler_;

@@ -156,6 +156,7 @@ TEST_P(OrvoPluginManagerHomeChangingInUse, IsRefusedWhileItsCodeRunsAndTheServic
 }
 
 const Bibliotheksfall kAenderndeImGebrauch[] = {
+    {"WhenOpened", test_plugins::ChangesHomeWhenOpened, nullptr},
     {"FromOnLoad", test_plugins::ChangesHomeFromOnLoad, nullptr},
     {"FromOnUnload", test_plugins::ChangesHomeFromOnUnload, nullptr},
     {"FromFactory", test_plugins::ChangesHomeFromFactory, nullptr},
