@@ -1,5 +1,6 @@
 // Asks for one of the process-wide objects while it describes itself: FRAGT_Manager or FRAGT_Registry, from
-// AUS_Types or AUS_Initialize. With SCHLUCKT it keeps the refusal for itself, as its product version.
+// AUS_Types or AUS_Initialize. With SCHLUCKT it keeps the refusal for itself, as its product version. AUS_Anfang is a
+// static object's constructor, which runs when the library is opened; the answer is the product version then.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -10,13 +11,17 @@
 
 namespace {
 
-[[maybe_unused]] void frage() {
+[[maybe_unused]] const void* frage() {
 #ifdef FRAGT_Manager
-    OrvoPluginManager::getInstanz(nullptr);
+    return OrvoPluginManager::getInstanz(nullptr);
 #else
-    OrvoErweiterungsManager::getInstanz();
+    return OrvoErweiterungsManager::getInstanz();
 #endif
 }
+
+#ifdef AUS_Anfang
+const void* const beimOeffnen = frage();
+#endif
 
 } // namespace
 
@@ -36,6 +41,8 @@ bool orvo_plugin_initialize([[maybe_unused]] OrvoPluginV1* plugin) {
     }
 #elif defined(AUS_Initialize)
     frage();
+#elif defined(AUS_Anfang)
+    plugin->setProduktVersion(beimOeffnen ? "there" : "null");
 #endif
     return true;
 }

@@ -110,6 +110,22 @@ TEST_F(EinzelinstanzTest, IsRefusedWhileItIsBeingMadeWithAClearText) {
     zeuge.beimErzeugen = nullptr;
 }
 
+TEST_F(EinzelinstanzTest, GivesTheStartUpCodeOfALibraryNullWhileItIsBeingMadeAndItselfLater) {
+    heimat.lege(test_plugins::AsksForManagerWhenOpened, "liba.dylib");
+    heimat.lege(test_plugins::AsksForRegistryWhenOpened, "libb.dylib");
+    ASSERT_NE(OrvoErweiterungsManager::getInstanz(), nullptr);
+    OrvoPluginManager* const manager = registriert();
+    const auto antworten = [&] {
+        Zeilen versionen;
+        for (const OrvoPlugin* const plugin : manager->getRegistriertePlugins())
+            versionen.push_back(plugin->getProduktVersion());
+        return versionen;
+    };
+    EXPECT_THAT(antworten(), ElementsAre("null", "null"));
+    manager->reload();
+    EXPECT_THAT(antworten(), ElementsAre("there", "there"));
+}
+
 TEST_F(EinzelinstanzTest, IsAvailableToAnObserverOnceItIsMade) {
     heimat.beschreibe("liba.dylib");
     OrvoPluginManager* const manager = OrvoPluginManager::getInstanz(&zeuge);
