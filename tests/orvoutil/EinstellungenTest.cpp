@@ -103,7 +103,7 @@ TEST_F(EinstellungenTest, FindsTheLibrarysDirectoryAlsoWhenItWasNamedRelativeToO
     const Verzeichnis verzeichnis;
     verzeichnis.kopiere(LIBORVOUTIL, "lib/" + std::filesystem::path(LIBORVOUTIL).filename().string());
     const CurrentDirectory dort(verzeichnis.pfad());
-    EXPECT_EQ(ausgabe("LD_LIBRARY_PATH=lib " PRINTS_HOME_DIR), verzeichnis.pfad("lib"));
+    EXPECT_EQ(ausgabe("LD_LIBRARY_PATH=lib '" PRINTS_HOME_DIR "'"), verzeichnis.pfad("lib"));
 }
 
 TEST_F(EinstellungenTest, TellsObserversInTheOrderOfRegistrationAfterTheChange) {
