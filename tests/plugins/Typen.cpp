@@ -1,4 +1,4 @@
-// Declares the interfaces listed in TYPEN; initialises, if at all, with its number of runs as file version.
+// Declares the interfaces listed in TYPEN; has an initialisation, which succeeds, only with MIT_INITIALIZE.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>

@@ -115,8 +115,8 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
 
     std::unique_ptr<OrvoPluginV1> plugin = std::move(obhut_->plugin);
     obhut_.reset();
-    if (logger &&
-        Logger::hatSenke()) // the message stands in the tag, the text is empty: log readers know it so
+    // The message stands in the tag, and the text is empty: log readers know it so.
+    if (logger && Logger::hatSenke())
         logger->tagged("Kompatibles Plugin gefunden : Type=1,Version=" + plugin->getProduktVersion() +
                            " Fileversion=" + plugin->getFileVersion(),
                        kOhneCode, std::string(), kOhneCode);
