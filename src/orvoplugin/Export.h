@@ -1,5 +1,7 @@
 #pragma once
 
+#include <orvoutil/Standardbibliothek.h>
+
 /// Marks what `liborvoplugin` exports; everything else stays inside the library.
 #define ORVOPLUGIN_API __attribute__((visibility("default")))
 
