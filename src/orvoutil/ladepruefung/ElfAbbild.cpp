@@ -35,7 +35,14 @@ bool istZweierpotenz(std::uint64_t zahl) { return (zahl & (zahl - 1)) == 0; }
 
 } // namespace
 
+void beanstande(std::string_view mangel) { throw ElfMangel(std::string(mangel)); }
+
+void beanstande(const char* was, std::uint64_t nummer, std::string_view mangel) {
+    throw ElfMangel(was + std::to_string(nummer).append(mangel));
+}
+
 ElfAbbild::ElfAbbild(Bytequelle& quelle) : sicht_(quelle) {
+    segmente_[0] = {};
     liesKopf();
     for (unsigned i = 0; i < kopf_.e_phnum; ++i)
         nimm(programmkopf(i), i);
@@ -168,32 +175,6 @@ void ElfAbbild::pruefeLage(const ElfW(Phdr) & kopf, unsigned nummer) {
         gilt(kopf.p_filesz >= 8 && lies<unsigned char>(kopf.p_vaddr) == kFassung,
              " hat eine unbekannte Fassung");
     }
-}
-
-const ElfAbbild::Segment* ElfAbbild::segment(std::uint64_t adresse) const {
-    for (std::size_t i = 0; i < anzahl_; ++i)
-        if (adresse >= segmente_[i].adresse && adresse - segmente_[i].adresse < segmente_[i].imSpeicher)
-            return &segmente_[i];
-    return nullptr;
-}
-
-bool ElfAbbild::istGeladen(std::uint64_t adresse, std::uint64_t laenge, std::uint32_t rechte) const {
-    const Segment* const s = segment(adresse);
-    return s && (s->rechte & rechte) == rechte && laenge <= s->imSpeicher - (adresse - s->adresse);
-}
-
-bool ElfAbbild::stammtAusDatei(std::uint64_t adresse, std::uint64_t laenge) const {
-    const Segment* const s = segment(adresse);
-    return s && adresse - s->adresse <= s->inDatei && laenge <= s->inDatei - (adresse - s->adresse);
-}
-
-bool ElfAbbild::istLesbar(std::uint64_t adresse, std::uint64_t laenge) const {
-    return istGeladen(adresse, laenge, PF_R) && stammtAusDatei(adresse, laenge);
-}
-
-std::uint64_t ElfAbbild::dateistelle(std::uint64_t adresse) const {
-    const Segment* const s = segment(adresse);
-    return s ? s->stelle + (adresse - s->adresse) : 0;
 }
 
 void ElfAbbild::verlangeTabelle(const char* name, std::uint64_t adresse, std::uint64_t laenge,

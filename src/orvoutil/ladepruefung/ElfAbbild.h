@@ -19,14 +19,20 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+[[noreturn]] void beanstande(std::string_view mangel);
+[[noreturn]] void beanstande(const char* was, std::uint64_t nummer, std::string_view mangel);
+
 inline void verlange(bool erfuellt, std::string_view mangel) {
     if (!erfuellt)
-        throw ElfMangel(std::string(mangel));
+        beanstande(mangel);
 }
 inline void verlange(bool erfuellt, const char* was, std::uint64_t nummer, std::string_view mangel) {
     if (!erfuellt)
-        throw ElfMangel(was + std::to_string(nummer).append(mangel));
+        beanstande(was, nummer, mangel);
 }
+
+template <class T>
+class ElfTabelle;
 
 /// An ELF file as the loader would map it: its segments, and reading by address through them.
 ///
@@ -35,6 +41,8 @@ class ElfAbbild {
 public:
     /// Checks the header of the file and those of the segments.
     explicit ElfAbbild(Bytequelle& quelle);
+    ElfAbbild(const ElfAbbild&) = delete;
+    ElfAbbild& operator=(const ElfAbbild&) = delete;
 
     const ElfW(Ehdr) & kopf() const { return kopf_; }
     const ElfW(Phdr) & dynamik() const { return *dynamik_; }
@@ -46,12 +54,23 @@ public:
     bool hatInterpreter() const { return hatInterpreter_; }
 
     /// Whether the range lies in one segment's memory, and the segment has these rights (`PF_R` and so on).
-    bool istGeladen(std::uint64_t adresse, std::uint64_t laenge, std::uint32_t rechte) const;
+    bool istGeladen(std::uint64_t adresse, std::uint64_t laenge, std::uint32_t rechte) const {
+        const Segment* const s = segment(adresse);
+        return s && (s->rechte & rechte) == rechte && laenge <= s->imSpeicher - (adresse - s->adresse);
+    }
     /// Whether the range lies in that part of one segment that comes from the file; and the segment is readable.
-    bool stammtAusDatei(std::uint64_t adresse, std::uint64_t laenge) const;
-    bool istLesbar(std::uint64_t adresse, std::uint64_t laenge) const;
+    bool stammtAusDatei(std::uint64_t adresse, std::uint64_t laenge) const {
+        const Segment* const s = segment(adresse);
+        return s && adresse - s->adresse <= s->inDatei && laenge <= s->inDatei - (adresse - s->adresse);
+    }
+    bool istLesbar(std::uint64_t adresse, std::uint64_t laenge) const {
+        return istGeladen(adresse, laenge, PF_R) && stammtAusDatei(adresse, laenge);
+    }
     /// Where in the file it stands then.
-    std::uint64_t dateistelle(std::uint64_t adresse) const;
+    std::uint64_t dateistelle(std::uint64_t adresse) const {
+        const Segment* const s = segment(adresse);
+        return s ? s->stelle + (adresse - s->adresse) : 0;
+    }
 
     /// Demands that a table of that name is aligned, readable, and comes from the file. An empty one may be anywhere.
     void verlangeTabelle(const char* name, std::uint64_t adresse, std::uint64_t laenge,
@@ -65,6 +84,11 @@ public:
         verlange(istLesbar(adresse, sizeof(T)), "Verweis hinter den geladenen Teil der Datei");
         return liesStelle<T>(dateistelle(adresse));
     }
+    /// A table at an address that was demanded in its full length.
+    template <class T>
+    ElfTabelle<T> tabelle(std::uint64_t adresse, std::uint64_t anzahl) {
+        return {*this, dateistelle(adresse), anzahl};
+    }
 
     /// The same by position in the file.
     bool reichtFuer(std::uint64_t stelle, std::uint64_t anzahl) const {
@@ -76,11 +100,14 @@ public:
         verlange(sicht_.lies(stelle, &wert, sizeof(T)), "nicht lesbar");
         return wert;
     }
+    const unsigned char* imSpeicher(std::uint64_t stelle, std::uint64_t anzahl) const {
+        return sicht_.imSpeicher(stelle, anzahl);
+    }
 
 private:
     struct Segment {
-        std::uint64_t adresse = 0, imSpeicher = 0, inDatei = 0, stelle = 0;
-        std::uint32_t rechte = 0;
+        std::uint64_t adresse, imSpeicher, inDatei, stelle;
+        std::uint32_t rechte;
     };
 
     void liesKopf();
@@ -88,15 +115,52 @@ private:
     void nimm(const ElfW(Phdr) & kopf, unsigned nummer);
     void nimmSegment(const ElfW(Phdr) & kopf, unsigned nummer);
     void pruefeLage(const ElfW(Phdr) & kopf, unsigned nummer);
-    const Segment* segment(std::uint64_t adresse) const;
+    const Segment* segment(std::uint64_t adresse) const {
+        if (enthaelt(*zuletzt_, adresse)) // mostly the one of the address before
+            return zuletzt_;
+        for (std::size_t i = 0; i < anzahl_; ++i)
+            if (enthaelt(segmente_[i], adresse))
+                return zuletzt_ = &segmente_[i];
+        return nullptr;
+    }
+    static bool enthaelt(const Segment& s, std::uint64_t adresse) {
+        return adresse - s.adresse < s.imSpeicher; // not below it either: then the difference is huge
+    }
 
     Sicht sicht_;
     ElfW(Ehdr) kopf_;
-    std::array<Segment, 64> segmente_;
+    std::array<Segment, 64> segmente_; // the first one, empty at first, and as many as `anzahl_`
     std::size_t anzahl_ = 0;
+    mutable const Segment* zuletzt_ = segmente_.data();
     std::optional<ElfW(Phdr)> dynamik_, tls_, schreibschutz_;
     bool hatAbwickeltabelle_ = false;
     bool hatInterpreter_ = false;
+};
+
+/// The entries of a table, by number. It lies inside the file; where the file is in memory, so does the table, and
+/// an entry costs no search.
+template <class T>
+class ElfTabelle {
+public:
+    ElfTabelle(ElfAbbild& abbild, std::uint64_t stelle, std::uint64_t anzahl)
+        : abbild_(abbild), stelle_(stelle), bytes_(abbild.imSpeicher(stelle, anzahl * sizeof(T))) {}
+
+    T operator[](std::uint64_t nummer) const {
+        if (!bytes_)
+            return gelesen(nummer);
+        T wert;
+        std::memcpy(&wert, bytes_ + nummer * sizeof(T), sizeof(T));
+        return wert;
+    }
+
+private:
+    [[gnu::noinline]] T gelesen(std::uint64_t nummer) const {
+        return abbild_.liesStelle<T>(stelle_ + nummer * sizeof(T));
+    }
+
+    ElfAbbild& abbild_;
+    std::uint64_t stelle_;
+    const unsigned char* bytes_;
 };
 
 } // namespace orvo::orvoutil

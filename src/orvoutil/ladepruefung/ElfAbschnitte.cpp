@@ -40,26 +40,23 @@ public:
         constexpr std::string_view kEnde = "abgeschnitten: Abschnittstabelle endet hinter der Datei";
         verlange(abbild_.reichtFuer(kopf.e_shoff, sizeof(ElfW(Shdr))), kEnde);
         // Numbers that do not fit the header stand in the first section.
-        const ElfW(Shdr) erster = abschnitt(0);
+        const auto erster = abbild_.liesStelle<ElfW(Shdr)>(kopf.e_shoff);
         const std::uint64_t anzahl = kopf.e_shnum > 0 ? kopf.e_shnum : erster.sh_size;
         constexpr std::uint64_t kMaxAbschnitte = 1u << 20;
         verlange(anzahl <= kMaxAbschnitte, "zu viele Abschnitte");
         verlange(abbild_.reichtFuer(kopf.e_shoff, anzahl * sizeof(ElfW(Shdr))), kEnde);
         const std::uint64_t namen = kopf.e_shstrndx == SHN_XINDEX ? erster.sh_link : kopf.e_shstrndx;
         verlange(namen < anzahl, "Abschnitte ohne Namen");
-        namen_ = abschnitt(namen);
+        const ElfTabelle<ElfW(Shdr)> abschnitte(abbild_, kopf.e_shoff, anzahl);
+        namen_ = abschnitte[namen];
         for (std::uint64_t i = 0; i < anzahl; ++i)
-            pruefe(abschnitt(i), i);
+            pruefe(abschnitte[i], i);
         for (const Tabelle& t : tabellen_)
             if (t.laenge > 0 && t.hatAbschnitte && !(t.beginntMitEinem && t.endetMitEinem))
                 throw ElfMangel(std::string(t.name) + " widerspricht den Abschnitten");
     }
 
 private:
-    ElfW(Shdr) abschnitt(std::uint64_t nummer) {
-        return abbild_.liesStelle<ElfW(Shdr)>(abbild_.kopf().e_shoff + nummer * sizeof(ElfW(Shdr)));
-    }
-
     void pruefe(const ElfW(Shdr) & a, std::uint64_t nummer) {
         if (a.sh_type == SHT_NULL)
             return;
@@ -72,11 +69,13 @@ private:
             verlange(liegtIn(a, abbild_.tls()), "Abschnitt ", nummer, " liegt nicht im TLS-Segment");
         if (ausDatei || !(a.sh_flags & SHF_TLS)) // those that begin as zeros take no room of their own
             pruefeLage(a, nummer, ausDatei);
-        ordneZu(a, nummer);
-        if (heisst(a, ".eh_frame_hdr"))
-            verlange(abbild_.hatAbwickeltabelle(), "Abschnitt ", nummer, " liegt in keinem Segment");
-        if (heisst(a, ".data") || heisst(a, ".bss"))
-            verlange(!wirdGeschuetzt(a), "Abschnitt ", nummer, " verliert das Schreibrecht");
+        if (hatFormEinerTabelle(a.sh_type))
+            ordneZu(a, nummer);
+        // Names are looked at last: that is the dearest part.
+        if (!abbild_.hatAbwickeltabelle() && heisst(a, ".eh_frame_hdr"))
+            verlange(false, "Abschnitt ", nummer, " liegt in keinem Segment");
+        if (wirdGeschuetzt(a) && (heisst(a, ".data") || heisst(a, ".bss")))
+            verlange(false, "Abschnitt ", nummer, " verliert das Schreibrecht");
     }
 
     void pruefeLage(const ElfW(Shdr) & a, std::uint64_t nummer, bool ausDatei) {
@@ -91,19 +90,23 @@ private:
                  "Abschnitt ", nummer, " liegt anderswo als sein Segment");
     }
 
+    static bool hatFormEinerTabelle(std::uint32_t typ) {
+        return typ == SHT_RELA || typ == SHT_REL || typ == kShtRelr || typ == SHT_INIT_ARRAY ||
+               typ == SHT_FINI_ARRAY;
+    }
+
     /// Each section with entries for the loader belongs to a table; each table begins and ends where one does.
     void ordneZu(const ElfW(Shdr) & a, std::uint64_t nummer) {
-        bool gehoertZuTabelle = false, hatTabelle = false;
+        bool hatTabelle = false;
         for (Tabelle& t : tabellen_) {
             if (t.typ != a.sh_type)
                 continue;
-            gehoertZuTabelle = true;
             hatTabelle = hatTabelle || t.enthaelt(a);
             t.hatAbschnitte = true;
             t.beginntMitEinem = t.beginntMitEinem || a.sh_addr == t.anfang;
             t.endetMitEinem = t.endetMitEinem || a.sh_addr + a.sh_size == t.anfang + t.laenge;
         }
-        verlange(!gehoertZuTabelle || hatTabelle, "Abschnitt ", nummer, " fehlt im dynamischen Abschnitt");
+        verlange(hatTabelle, "Abschnitt ", nummer, " fehlt im dynamischen Abschnitt");
     }
 
     static bool liegtIn(const ElfW(Shdr) & a, const std::optional<ElfW(Phdr)>& segment) {
@@ -120,8 +123,11 @@ private:
     }
 
     bool heisst(const ElfW(Shdr) & a, std::string_view name) {
+        const std::uint64_t anfang = namen_.sh_offset + a.sh_name;
+        if (const unsigned char* const text = abbild_.imSpeicher(anfang, name.size() + 1))
+            return std::memcmp(text, name.data(), name.size()) == 0 && text[name.size()] == '\0';
         for (std::size_t i = 0; i <= name.size(); ++i) {
-            const std::uint64_t stelle = namen_.sh_offset + a.sh_name + i;
+            const std::uint64_t stelle = anfang + i;
             if (!abbild_.reichtFuer(stelle, 1) ||
                 abbild_.liesStelle<char>(stelle) != (i < name.size() ? name[i] : '\0'))
                 return false;

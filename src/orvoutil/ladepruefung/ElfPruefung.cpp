@@ -29,6 +29,7 @@ std::string pruefeElf(Bytequelle& quelle) {
         ElfAbbild abbild(quelle);
         const ElfDynamik dynamik(abbild);
         verlange(!istProgramm(dynamik), kProgramm);
+        pruefeBedarf(dynamik);
         pruefeAbschnitte(dynamik);
         pruefeFunktionen(dynamik);
         const std::uint64_t benutzt = pruefeRelokationen(dynamik);

@@ -18,7 +18,7 @@ constexpr std::uint64_t kWort = sizeof(ElfW(Addr));
 struct Funktionen {
     std::uint64_t anfang = 0, laenge = 0, gefuellt = 0;
 
-    bool enthaelt(std::uint64_t adresse) const { return adresse >= anfang && adresse - anfang < laenge; }
+    bool enthaelt(std::uint64_t adresse) const { return adresse - anfang < laenge; }
 };
 
 struct Relokation {
@@ -37,7 +37,7 @@ public:
     explicit Pruefer(const ElfDynamik& dynamik)
         : dynamik_(dynamik),
           abbild_(dynamik.abbild()),
-          auchInText_(dynamik.hat(DT_TEXTREL) || dynamik.hatBit(DT_FLAGS, DF_TEXTREL)) {}
+          noetigeRechte_(dynamik.hat(DT_TEXTREL) || dynamik.hatBit(DT_FLAGS, DF_TEXTREL) ? 0 : PF_W) {}
 
     std::uint64_t pruefe() {
         start_ = funktionen(DT_INIT_ARRAY, "DT_INIT_ARRAY", DT_INIT_ARRAYSZ, "DT_INIT_ARRAYSZ");
@@ -89,10 +89,11 @@ private:
         verlange(laenge % sizeof(Eintrag) == 0 && relative <= anzahl, "Relokationen von falscher Anzahl");
         abbild_.verlangeTabelle(name, anfang, laenge, kWort);
         if constexpr (kUebliches) {
+            const ElfTabelle<Eintrag> eintraege = abbild_.tabelle<Eintrag>(anfang, anzahl);
             std::uint64_t artDerRelativen = 0;
             for (std::uint64_t i = 0; i < anzahl; ++i) {
                 ElfW(Rela) roh{};
-                const auto eintrag = abbild_.lies<Eintrag>(anfang + i * sizeof(Eintrag));
+                const Eintrag eintrag = eintraege[i];
                 std::memcpy(&roh, &eintrag, sizeof(eintrag)); // one without a summand is the other's front
                 const Relokation r = gelesen(roh);
                 if (i == 0)
@@ -107,16 +108,19 @@ private:
     void pruefe(const Relokation& r, bool mitSummand) {
         if (r.art == 0)
             return;
-        verlange(abbild_.istGeladen(r.ziel, 1, auchInText_ ? 0 : PF_W),
+        verlange(abbild_.istGeladen(r.ziel, 1, noetigeRechte_),
                  "Eine Relokation zielt aus den beschreibbaren Segmenten hinaus");
         symbole_ = std::max(symbole_, r.symbol + 1);
-        for (Funktionen* f : {&start_, &ende_}) {
-            if (!f->enthaelt(r.ziel))
-                continue;
-            ++f->gefuellt;
-            if (mitSummand && r.symbol == 0)
-                abbild_.verlangeFunktion("Eine Start- oder Endefunktion", r.summand);
-        }
+        if (start_.enthaelt(r.ziel))
+            fuelle(start_, r, mitSummand);
+        if (ende_.enthaelt(r.ziel))
+            fuelle(ende_, r, mitSummand);
+    }
+
+    void fuelle(Funktionen& funktionen, const Relokation& r, bool mitSummand) {
+        ++funktionen.gefuellt;
+        if (mitSummand && r.symbol == 0)
+            abbild_.verlangeFunktion("Eine Start- oder Endefunktion", r.summand);
     }
 
     void pruefeSpruenge() {
@@ -157,9 +161,10 @@ private:
         const std::uint64_t anfang = *dynamik_.wert(kTabelle);
         const std::uint64_t laenge = dynamik_.verlangter(kLaenge, "DT_RELRSZ");
         abbild_.verlangeTabelle("DT_RELR", anfang, laenge, kWort);
+        const ElfTabelle<ElfW(Addr)> eintraege = abbild_.tabelle<ElfW(Addr)>(anfang, laenge / kWort);
         std::uint64_t naechste = 0;
         for (std::uint64_t i = 0; i < laenge / kWort; ++i) {
-            const std::uint64_t eintrag = abbild_.lies<ElfW(Addr)>(anfang + i * kWort);
+            const std::uint64_t eintrag = eintraege[i];
             const bool istMaske = eintrag & 1;
             if (!istMaske) {
                 verlangeGepacktes(eintrag);
@@ -176,13 +181,13 @@ private:
     }
 
     void verlangeGepacktes(std::uint64_t adresse) {
-        verlange(abbild_.istGeladen(adresse, kWort, auchInText_ ? 0 : PF_W),
+        verlange(abbild_.istGeladen(adresse, kWort, noetigeRechte_),
                  "Eine Relokation zielt aus den beschreibbaren Segmenten hinaus");
     }
 
     const ElfDynamik& dynamik_;
     ElfAbbild& abbild_;
-    const bool auchInText_;
+    const std::uint32_t noetigeRechte_;
     bool gepackte_ = false;
     Funktionen start_, ende_;
     std::uint64_t symbole_ = 0;

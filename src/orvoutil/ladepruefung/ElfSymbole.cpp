@@ -36,9 +36,10 @@ std::uint64_t pruefeGnuHash(ElfAbbild& abbild, std::uint64_t adresse) {
     abbild.verlangeTabelle("DT_GNU_HASH", adresse, kKopf + filterlaenge + faecher * sizeof(Wort),
                            sizeof(Wort));
     const std::uint64_t tabelle = adresse + kKopf + filterlaenge;
+    const ElfTabelle<Wort> erste = abbild.tabelle<Wort>(tabelle, faecher);
     std::uint64_t letztes = 0;
     for (std::uint64_t i = 0; i < faecher; ++i) {
-        const std::uint64_t symbol = wort<Wort>(abbild, tabelle, i);
+        const std::uint64_t symbol = erste[i];
         verlange(symbol == 0 || symbol >= erstes, "DT_GNU_HASH mit unsinnigem Fach");
         letztes = std::max(letztes, symbol);
     }
@@ -60,10 +61,10 @@ std::uint64_t pruefeHash(ElfAbbild& abbild, std::uint64_t adresse, bool wirdBenu
     if (!wirdBenutzt)
         return symbole;
     verlange(faecher > 0, "DT_HASH mit unsinnigem Kopf");
+    const ElfTabelle<Hashwort> worte = abbild.tabelle<Hashwort>(adresse, 2 + faecher + symbole);
     std::uint64_t schritte = 0; // no symbol stands in two chains, so more of them mean a circle
     for (std::uint64_t i = 0; i < faecher; ++i) {
-        for (std::uint64_t symbol = wort<Hashwort>(abbild, adresse, 2 + i); symbol != 0;
-             symbol = wort<Hashwort>(abbild, adresse, 2 + faecher + symbol))
+        for (std::uint64_t symbol = worte[2 + i]; symbol != 0; symbol = worte[2 + faecher + symbol])
             verlange(symbol < symbole && ++schritte < symbole, "DT_HASH mit unsinniger Kette");
     }
     return symbole;
@@ -176,8 +177,9 @@ std::uint64_t pruefeSymbole(const ElfDynamik& dynamik, std::uint64_t mindestens)
     verlange(erstes.st_name == 0 && erstes.st_value == 0 && erstes.st_info == 0 &&
                  erstes.st_shndx == SHN_UNDEF,
              "Die Symboltabelle beginnt mit einem Symbol");
+    const ElfTabelle<ElfW(Sym)> symbole = abbild.tabelle<ElfW(Sym)>(tabelle, anzahl);
     for (std::uint64_t i = 1; i < anzahl; ++i)
-        pruefeSymbol(dynamik, wort<ElfW(Sym)>(abbild, tabelle, i));
+        pruefeSymbol(dynamik, symbole[i]);
     return anzahl;
 }
 
@@ -190,8 +192,9 @@ void pruefeVersionen(const ElfDynamik& dynamik, std::uint64_t symbole) {
         return;
     ElfAbbild& abbild = dynamik.abbild();
     abbild.verlangeTabelle("DT_VERSYM", *tabelle, symbole * sizeof(ElfW(Half)), sizeof(ElfW(Half)));
+    const ElfTabelle<ElfW(Half)> versionen = abbild.tabelle<ElfW(Half)>(*tabelle, symbole);
     for (std::uint64_t i = 0; i < symbole; ++i)
-        verlange((wort<ElfW(Half)>(abbild, *tabelle, i) & kOhneVerborgen) <= hoechste,
+        verlange((versionen[i] & kOhneVerborgen) <= hoechste,
                  "Ein Symbol mit einer Version, die es nicht gibt");
 }
 

@@ -12,6 +12,10 @@ namespace orvo::orvoutil {
 /// looks at, one of the two is wrong.
 void pruefeAbschnitte(const ElfDynamik& dynamik);
 
+/// Checks that the library was not built for another release of this one: that would come into the process beside this
+/// one, if it can be found at all, and each would take the other's classes for its own.
+void pruefeBedarf(const ElfDynamik& dynamik);
+
 /// Checks the relocations, and that each start and end function of the library gets its address from one.
 /// Returns: how many entries a symbol table needs for them.
 std::uint64_t pruefeRelokationen(const ElfDynamik& dynamik);

@@ -4,6 +4,9 @@
 
 namespace orvo::orvoutil {
 
+struct Bibliotheksinhalt;
+struct Vorwissen;
+
 /// Looks at a library's file before the system's loader does. The loader trusts what it maps: a truncated file, or
 /// one whose headers point astray, can end the process instead of failing to load.
 ///
@@ -18,5 +21,12 @@ namespace orvo::orvoutil {
 /// Errors: none but want of memory.
 /// Encoding: Latin-1, without the path. Threads: any.
 std::string grundGegenLaden(const std::string& pfad);
+
+/// The same with fewer system calls: a file that has not changed since it passed is not read again. Takes down what it
+/// found.
+std::string grundGegenLaden(const std::string& pfad, Vorwissen& vorwissen);
+
+/// The same as the first; and when nothing speaks against the file, takes down what stands in it for the loader.
+std::string grundGegenLaden(const std::string& pfad, Bibliotheksinhalt& inhalt);
 
 } // namespace orvo::orvoutil

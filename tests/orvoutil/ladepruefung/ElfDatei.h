@@ -9,6 +9,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -73,25 +74,36 @@ public:
 
     void ohneAbschnitte() { kopf().e_shoff = kopf().e_shnum = kopf().e_shstrndx = 0; }
 
-    /// What the check says of the first bytes.
+    /// What the check says of the first bytes: the same however many of them are in memory.
     std::string pruefung(std::size_t anzahl = std::string::npos) const {
-        Speicher speicher(std::string_view(bytes).substr(0, anzahl));
-        return orvo::orvoutil::pruefeElf(speicher);
+        const std::string_view inhalt = std::string_view(bytes).substr(0, anzahl);
+        Speicher datei(inhalt, 0);
+        std::string grund = orvo::orvoutil::pruefeElf(datei);
+        for (const std::size_t imSpeicher : {inhalt.size(), inhalt.size() / 2, inhalt.size() / 3}) {
+            Speicher zumTeilGelesen(inhalt, imSpeicher);
+            EXPECT_EQ(orvo::orvoutil::pruefeElf(zumTeilGelesen), grund) << imSpeicher << " bytes in memory";
+        }
+        return grund;
     }
 
 private:
     class Speicher final : public orvo::orvoutil::Bytequelle {
     public:
-        explicit Speicher(std::string_view inhalt) : bytes_(inhalt) {}
+        Speicher(std::string_view inhalt, std::size_t anfang) : bytes_(inhalt), anfang_(anfang) {}
         std::uint64_t groesse() const override { return bytes_.size(); }
         bool lies(std::uint64_t ab, void* ziel, std::size_t anzahl) override {
             EXPECT_TRUE(anzahl <= bytes_.size() && ab <= bytes_.size() - anzahl) << "reads behind the end";
+            EXPECT_FALSE(ab + anzahl <= anfang_) << "reads what is in memory";
             std::memcpy(ziel, bytes_.data() + ab, anzahl);
             return true;
+        }
+        std::span<const unsigned char> anfang() const override {
+            return {reinterpret_cast<const unsigned char*>(bytes_.data()), anfang_};
         }
 
     private:
         std::string_view bytes_;
+        std::size_t anfang_; // so many bytes of it the check may look at without reading
     };
 
     ElfW(Dyn) * suche(std::int64_t tag) {
