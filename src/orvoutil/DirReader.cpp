@@ -37,7 +37,8 @@ bool passt(std::string_view name, std::string_view muster) {
 
 enum class Art { DATEI, VERZEICHNIS, ANDERES };
 
-Art artVon(int verzeichnis, const char* name) {
+/// For entries that do not say it themselves.
+Art nachgesehen(int verzeichnis, const char* name) {
     struct stat angaben;
     if (fstatat(verzeichnis, name, &angaben, AT_SYMLINK_NOFOLLOW) != 0)
         return Art::ANDERES;
@@ -46,6 +47,20 @@ Art artVon(int verzeichnis, const char* name) {
     if (S_ISLNK(angaben.st_mode) && fstatat(verzeichnis, name, &angaben, 0) != 0)
         return Art::ANDERES;
     return S_ISREG(angaben.st_mode) ? Art::DATEI : Art::ANDERES;
+}
+
+Art artVon(int verzeichnis, const dirent& eintrag) {
+    switch (eintrag.d_type) {
+    case DT_REG:
+        return Art::DATEI;
+    case DT_DIR:
+        return Art::VERZEICHNIS;
+    case DT_LNK:
+    case DT_UNKNOWN:
+        return nachgesehen(verzeichnis, eintrag.d_name);
+    default:
+        return Art::ANDERES;
+    }
 }
 
 struct Schliesser {
@@ -65,7 +80,7 @@ DirReader::DirReader(const std::string& verzeichnis, const std::string& muster) 
     while (const dirent* const eintrag = readdir(offen.get())) {
         const char* const name = eintrag->d_name;
         if (name[0] != '.') {
-            const Art art = artVon(dirfd(offen.get()), name);
+            const Art art = artVon(dirfd(offen.get()), *eintrag);
             if (art == Art::VERZEICHNIS)
                 verzeichnisse_.emplace_back(name);
             else if (art == Art::DATEI && passt(name, muster))

@@ -7,6 +7,7 @@
 
 namespace orvo::orvoutil {
 
+/// How much an entry matters, in rising order.
 enum class LogLevel : std::int32_t { Debug, Info, Warn, Error };
 
 /// What a log entry stands for.

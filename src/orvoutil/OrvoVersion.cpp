@@ -14,16 +14,22 @@ std::string_view ab(std::string_view text, std::size_t stelle) {
     return stelle == std::string_view::npos ? std::string_view() : text.substr(stelle);
 }
 
-/// Takes the next number off the text. Returns: its digits without leading zeros, so none for 0.
-std::string_view nimmZahl(std::string_view& text) {
+/// Takes the next part off the text. Returns: the part without blanks around it.
+std::string_view nimmTeil(std::string_view& text) {
     const std::size_t ende = text.find_first_of(kTrenner);
     std::string_view teil = text.substr(0, ende);
     text = ende == std::string_view::npos ? std::string_view() : text.substr(ende + 1);
 
     teil = ab(teil, teil.find_first_not_of(kLeer));
-    teil = teil.substr(0, teil.find_last_not_of(kLeer) + 1);
-    const bool zahl = teil.find_first_not_of(kZiffern) == std::string_view::npos;
-    return zahl ? ab(teil, teil.find_first_not_of('0')) : std::string_view();
+    return teil.substr(0, teil.find_last_not_of(kLeer) + 1);
+}
+
+bool istZahl(std::string_view teil) { return teil.find_first_not_of(kZiffern) == std::string_view::npos; }
+
+/// Takes the next number off the text. Returns: its digits without leading zeros, so none for 0.
+std::string_view nimmZahl(std::string_view& text) {
+    const std::string_view teil = nimmTeil(text);
+    return istZahl(teil) ? ab(teil, teil.find_first_not_of('0')) : std::string_view();
 }
 
 std::strong_ordering vergleicheZahlen(std::string_view a, std::string_view b) {
@@ -33,6 +39,17 @@ std::strong_ordering vergleicheZahlen(std::string_view a, std::string_view b) {
 } // namespace
 
 OrvoVersion::OrvoVersion(const std::string& text) : text_(text) {}
+
+bool OrvoVersion::hatNurZahlen() const noexcept {
+    const bool endetMitten =
+        !text_.empty() && std::string_view(kTrenner).find(text_.back()) != std::string_view::npos;
+    if (text_.empty() || endetMitten)
+        return false;
+    for (std::string_view rest = text_; !rest.empty();)
+        if (const std::string_view teil = nimmTeil(rest); teil.empty() || !istZahl(teil))
+            return false;
+    return true;
+}
 
 bool OrvoVersion::operator==(const OrvoVersion& andere) const noexcept {
     return (*this <=> andere) == std::strong_ordering::equal;

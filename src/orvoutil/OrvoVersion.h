@@ -17,6 +17,9 @@ class ORVOUTIL_API OrvoVersion {
 public:
     explicit OrvoVersion(const std::string& text);
 
+    /// Whether every part is a number, so that nothing of the text is lost in comparing; not so for an empty text.
+    bool hatNurZahlen() const noexcept;
+
     bool operator==(const OrvoVersion& andere) const noexcept;
     std::strong_ordering operator<=>(const OrvoVersion& andere) const noexcept;
 

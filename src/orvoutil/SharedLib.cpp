@@ -21,17 +21,8 @@ constexpr Latin1Text kKeinGrund{u8"Das System nennt keinen Grund."};
 
 bool hatNullbyte(const std::string& text) { return text.find('\0') != std::string::npos; }
 
-/// The path in a form that the system does not search for elsewhere.
-std::string alsDateipfad(const std::string& pfad) {
-    return pfad.find('/') == std::string::npos ? "./" + pfad : pfad;
-}
-
-/// Looks at the file before the system opens it. Returns: why it must not; empty when it may.
-std::string hindernis(const std::string& pfad) {
-    if (pfad.empty() || hatNullbyte(pfad))
-        return kUngueltigerName;
-    return grundGegenLaden(alsDateipfad(pfad));
-}
+/// Whether the system would search for that path elsewhere.
+bool wirdGesucht(const std::string& pfad) { return pfad.find('/') == std::string::npos; }
 
 /// Why the system's last call failed.
 std::string grundDesSystems() {
@@ -107,12 +98,24 @@ bool SharedLib::isLoaded() const { return griff_ != nullptr; }
 
 bool SharedLib::load() {
     fehler_.clear();
+    scheiterteVorDemOeffnen_ = false;
     if (griff_)
         return true;
-    if (const std::string grund = hindernis(name_); !grund.empty())
+    const std::string hier = wirdGesucht(name_) ? "./" + name_ : std::string();
+    const std::string& dateipfad = hier.empty() ? name_ : hier;
+    if (const std::string grund = hindernis(dateipfad); !grund.empty()) {
+        scheiterteVorDemOeffnen_ = true;
         return schlageFehl(grund);
-    griff_ = dlopen(alsDateipfad(name_).c_str(), RTLD_NOW | RTLD_LOCAL);
+    }
+    griff_ = dlopen(dateipfad.c_str(), RTLD_NOW | RTLD_LOCAL);
     return griff_ || schlageFehl(grundDesSystems());
+}
+
+/// Looks at the file before the system opens it. Returns: why it must not; empty when it may.
+std::string SharedLib::hindernis(const std::string& dateipfad) {
+    if (name_.empty() || hatNullbyte(name_))
+        return kUngueltigerName;
+    return grundGegenLaden(dateipfad, vorwissen_);
 }
 
 bool SharedLib::unload() {
@@ -121,21 +124,36 @@ bool SharedLib::unload() {
         return schlageFehl(kNichtGeoeffnet);
     const bool geschlossen = dlclose(griff_) == 0;
     griff_ = nullptr;
+    gefundene_.clear();
     return geschlossen || schlageFehl(grundDesSystems());
 }
 
 void* SharedLib::getSymbol(const std::string& name) {
     fehler_.clear();
+    for (const Symbol& symbol : gefundene_)
+        if (symbol.name == name)
+            return symbol.adresse;
     dlerror(); // forgets older errors: a symbol without an address is none
     if (!griff_)
         schlageFehl(kNichtGeoeffnet);
     else if (hatNullbyte(name))
         schlageFehl(kUngueltigerName);
     else if (void* const adresse = dlsym(griff_, name.c_str()))
-        return adresse;
+        return merke(name, adresse);
     else
         schlageFehl("Symbol \"" + name + "\" nicht gefunden. " + grundDesSystems());
     return nullptr;
+}
+
+/// Keeps the address while the library is open. The first few are enough: a plugin has about as many factories and
+/// hooks, and who asks for ever new names gets no slower.
+void* SharedLib::merke(const std::string& name, void* adresse) {
+    constexpr std::size_t kHoechstens = 8;
+    if (gefundene_.empty())
+        gefundene_.reserve(kHoechstens / 2);
+    if (gefundene_.size() < kHoechstens)
+        gefundene_.push_back({name, adresse});
+    return adresse;
 }
 
 std::string SharedLib::getLastError() const { return fehler_; }
@@ -145,7 +163,8 @@ bool SharedLib::enthaelt(const void* adresse) const { return griff_ && liegtInOd
 /// Says the file's name once, also when the system's reason begins with it.
 bool SharedLib::schlageFehl(const std::string& grund) {
     const std::string anfang = name_ + ": ";
-    fehler_ = name_.empty() || grund.starts_with(alsDateipfad(anfang)) ? grund : anfang + grund;
+    const bool genannt = grund.starts_with(wirdGesucht(name_) ? "./" + anfang : anfang);
+    fehler_ = name_.empty() || genannt ? grund : anfang + grund;
     return false;
 }
 

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <orvoutil/Export.h>
+#include <orvoutil/Vorwissen.h>
 
 #include <string>
+#include <vector>
 
 namespace orvo::orvoutil {
 
 /// A shared library's file, open or not. It is opened with all its symbols bound at once and visible to nobody
-/// else.
+/// else. Before that its file is checked; one that has not changed since it passed is not read again.
 ///
 /// Ownership: holds one use of the library while it is open, and gives it back when destroyed.
 /// Errors: every operation that fails leaves a text for `getLastError`; one that succeeds clears it. None throws,
@@ -32,7 +34,8 @@ public:
     virtual bool load();
     /// Closes the library. Returns: false also when it was not open.
     virtual bool unload();
-    /// Returns: the address of an exported symbol; null when there is none.
+    /// Returns: the address of an exported symbol; null when there is none. Addresses once found are remembered
+    /// until the library is closed.
     virtual void* getSymbol(const std::string& name);
     /// Why the last operation failed, with the name of the file; empty when it did not.
     virtual std::string getLastError() const;
@@ -40,12 +43,31 @@ public:
     /// along. False when the library is not open.
     virtual bool enthaelt(const void* adresse) const;
 
+    /// Whether the last `load` failed before the system's loader saw the file: its name or what is in it is at
+    /// fault.
+    bool scheiterteVorDemOeffnen() const { return scheiterteVorDemOeffnen_; }
+
+    /// Tells that a listing of the directory has just shown the path as a regular file (see `DirReader`): the next
+    /// opening then does not ask the system for that again.
+    void merkeListung() noexcept { vorwissen_.gelistet = true; }
+
 private:
+    /// A symbol of the open library.
+    struct Symbol {
+        std::string name;
+        void* adresse;
+    };
+
+    std::string hindernis(const std::string& dateipfad);
+    void* merke(const std::string& name, void* adresse);
     bool schlageFehl(const std::string& grund);
 
     std::string name_;
     void* griff_ = nullptr; // null while closed
     std::string fehler_;
+    bool scheiterteVorDemOeffnen_ = false;
+    std::vector<Symbol> gefundene_;
+    Vorwissen vorwissen_;
 };
 
 } // namespace orvo::orvoutil

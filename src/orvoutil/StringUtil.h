@@ -13,6 +13,7 @@ namespace orvo::orvoutil {
 
 /// The number in decimal.
 ORVOUTIL_API std::string int2String(int zahl);
+/// The number in decimal.
 ORVOUTIL_API std::string long2String(long zahl);
 
 /// The number that the whole text is: digits, with a sign if need be.
@@ -25,8 +26,9 @@ ORVOUTIL_API bool isNumeric(std::string_view text) noexcept;
 /// The text with zeros on its left up to that many bytes. It is never cut.
 ORVOUTIL_API std::string formatNumeric(std::string_view text, std::size_t breite);
 
-/// The text, or the letter, in lower case.
+/// The text in lower case; only the letters of ASCII change.
 ORVOUTIL_API std::string tolower(std::string_view text);
+/// The letter in lower case; any other character as it is.
 constexpr char tolower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }

@@ -91,3 +91,12 @@ TEST(OrvoVersion, ComparesWithoutThrowing) {
     static_assert(noexcept(std::declval<const OrvoVersion&>() > std::declval<const OrvoVersion&>()));
     static_assert(noexcept(std::declval<const OrvoVersion&>() == std::declval<const OrvoVersion&>()));
 }
+
+TEST(OrvoVersion, KnowsWhetherEveryPartOfTheTextIsANumber) {
+    for (const char* const text :
+         {"1", "17.4.6", "17, 4, 6, 64001", " 1 . 2 ", "007", "99999999999999999999"})
+        EXPECT_TRUE(OrvoVersion(text).hatNurZahlen()) << text;
+    for (const char* const text :
+         {"", " ", ".", "1.", ".1", "1..2", "1.x", "1.2b", "-1", "1 2", "1.2.", "v1", "1,"})
+        EXPECT_FALSE(OrvoVersion(text).hatNurZahlen()) << text;
+}

@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <string>
 
@@ -30,6 +31,13 @@ MATCHER_P(NamesOnce, text, "") {
 template <class Funktion>
 Funktion als(void* adresse) {
     return reinterpret_cast<Funktion>(adresse);
+}
+
+/// The library that a function of this process lies in.
+std::string dateiMit(const void* funktion) {
+    Dl_info bibliothek{};
+    dladdr(funktion, &bibliothek);
+    return bibliothek.dli_fname;
 }
 
 } // namespace
@@ -191,6 +199,32 @@ TEST(SharedLib, SaysThatItIsNotOpen) {
                                               "ffnet"));
 }
 
+TEST(SharedLib, ForgetsSymbolsWhenItIsClosed) {
+    SharedLib lib(HAS_SYMBOLS, true);
+    EXPECT_NE(lib.getSymbol("zweiundvierzig"), nullptr);
+    EXPECT_TRUE(lib.unload());
+    EXPECT_EQ(lib.getSymbol("zweiundvierzig"), nullptr);
+    EXPECT_TRUE(lib.load());
+    void* const symbol = lib.getSymbol("zweiundvierzig");
+    ASSERT_NE(symbol, nullptr);
+    EXPECT_EQ(als<int (*)()>(symbol)(), 42);
+}
+
+TEST(SharedLib, FindsManySymbolsAgainAndAgain) {
+    SharedLib lib(dateiMit(dlsym(RTLD_DEFAULT, "confstr")), true); // the system's own, which has many
+    ASSERT_TRUE(lib.isLoaded()) << lib.getLastError();
+    const char* const namen[] = {"confstr", "sysconf", "nice", "getpid", "getuid",  "labs",
+                                 "ldiv",    "a64l",    "l64a", "ffs",    "hcreate", "hdestroy"};
+    std::map<std::string, void*> gefundene;
+    for (const char* name : namen)
+        EXPECT_NE(gefundene[name] = lib.getSymbol(name), nullptr) << name;
+    EXPECT_EQ(lib.getSymbol("fehlt"), nullptr);
+    for (const char* name : namen) {
+        EXPECT_EQ(lib.getSymbol(name), gefundene[name]) << name;
+        EXPECT_EQ(lib.getLastError(), "") << name;
+    }
+}
+
 TEST(SharedLib, ForgetsTheErrorWithTheNextSuccess) {
     SharedLib lib(HAS_SYMBOLS);
     const auto fehler = [&] {
@@ -259,4 +293,13 @@ TEST(SharedLib, HasItsOperationsInAFixedOrder) {
     EXPECT_TRUE(als<bool (*)(const SharedLib*, const void*)>(tabelle[8])(&lib, symbol));
     EXPECT_TRUE(als<bool (*)(SharedLib*)>(tabelle[5])(&lib));
     EXPECT_FALSE(lib.isLoaded());
+}
+
+TEST(SharedLib, TellsAFaultOfTheFileFromARefusalByTheSystem) {
+    SharedLib fehlend("/gibt/es/nicht.dylib");
+    EXPECT_FALSE(fehlend.load());
+    EXPECT_TRUE(fehlend.scheiterteVorDemOeffnen());
+    SharedLib ohneSymbol(MISSES_A_SYMBOL);
+    EXPECT_FALSE(ohneSymbol.load());
+    EXPECT_FALSE(ohneSymbol.scheiterteVorDemOeffnen());
 }
