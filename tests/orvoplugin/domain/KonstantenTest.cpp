@@ -70,10 +70,10 @@ TEST(Konstanten, HaveTheNumbersAndNamesOfTheTable) {
     }
 }
 
-TEST(Konstanten, AreMadeInTheOrderOfTheTableAndNoneBesides) {
+TEST(Konstanten, StandInTheOrderOfTheTableAndNoneBesides) {
     std::ifstream kopfdatei(KONSTANTEN_H);
     ASSERT_TRUE(kopfdatei.is_open()) << KONSTANTEN_H;
-    const std::regex definition("const Unterfallart (\\w+)\\(.*");
+    const std::regex definition(".*const Unterfallart& (\\w+) =.*");
     std::vector<std::string> definiert, erwartet;
     std::smatch treffer;
     for (std::string zeile; std::getline(kopfdatei, zeile);)
@@ -98,10 +98,15 @@ TEST(Konstanten, AreFoundByTextsWithoutRegardToCase) {
     EXPECT_EQ(UFA_10.compare(UFA_LSTB), -1);
 }
 
-TEST(Konstanten, AreEachUnitsOwn) {
-    EXPECT_NE(&UFA_LSTB, &lstbAnderswo());
-    EXPECT_EQ(UFA_LSTB, lstbAnderswo());
+TEST(Konstanten, AreTheSameValuesInEveryUnit) {
+    EXPECT_EQ(&UFA_LSTB, &lstbAnderswo());
+    EXPECT_EQ(UFA_LSTB.getName(), "LSTB");
 }
+
+/// Made before `main`, and maybe before anything else of this unit.
+const Unterfallart kVorMain = UFA_ZUWENDUNGSBESTAETIGUNG;
+
+TEST(Konstanten, AreThereBeforeMain) { EXPECT_EQ(kVorMain.getName(), "Zuwendungsbestaetigung"); }
 
 TEST(Konstanten, NameThePeriodIndependentCase) { EXPECT_EQ(VZ_UNABHAENGIG, "VZ_UNABHAENGIG"); }
 

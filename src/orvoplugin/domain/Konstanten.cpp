@@ -1,0 +1,3 @@
+#include <orvoplugin/domain/Konstanten.h>
+
+const NieZerstoert<VordefinierteUnterfallarten> kVordefinierteUnterfallarten;

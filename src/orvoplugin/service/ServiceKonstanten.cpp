@@ -1,0 +1,3 @@
+#include <orvoplugin/service/ServiceKonstanten.h>
+
+const NieZerstoert<VordefinierteServiceTexte> kVordefinierteServiceTexte;
