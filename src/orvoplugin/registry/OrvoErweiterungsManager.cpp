@@ -9,6 +9,8 @@
 #include <orvoplugin/plugin/erweiterung/OrvoFeldInfoDatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
+#include <orvoplugin/registry/RegisterBeobachter.h>
+#include <orvoplugin/registry/Suchtafel.h>
 #include <orvoutil/Latin1.h>
 #include <orvoutil/Logger.h>
 #include <orvoutil/ObjectLifetimeManager.h>
@@ -16,6 +18,7 @@
 #include <orvoutil/Spur.h>
 
 #include <sstream>
+#include <utility>
 #include <vector>
 
 using namespace orvo::orvoutil;
@@ -24,10 +27,13 @@ namespace {
 
 constexpr std::int32_t kPluginTypEins = 1;
 constexpr int kOhneCode = 99;
+constexpr std::int32_t kOhneJahr = 0;            // of the period-independent period
 constexpr char kMarke[] = "ErweiterungsManager"; // tag of the registrations' log entries
 constexpr char kUeberschrift[] = "Aktuell Registrierte Erweiterungen: ";
 constexpr Latin1Text kSpeicherloch{u8"Noch Erweiterungen registriert. Speicherloch möglich!"};
 constexpr Latin1Text kHoehereVersion{u8" nutze die Erweiterung mit der höheren Version."};
+
+RegisterBeobachter* registerBeobachter = nullptr;
 
 /// The plugin as one of interface 1; null if it is another.
 OrvoPluginV1* alsPluginV1(OrvoPlugin* plugin) {
@@ -103,7 +109,8 @@ OrvoErweiterungsManager* OrvoErweiterungsManager::getInstanz() {
     return holeEinzelinstanz<OrvoErweiterungsManager>(texte, [] { return new OrvoErweiterungsManager; });
 }
 
-OrvoErweiterungsManager::OrvoErweiterungsManager() : logger_(Logger::getInstance(kErweiterungsManagerName)) {
+OrvoErweiterungsManager::OrvoErweiterungsManager()
+    : logger_(Logger::getInstance(kErweiterungsManagerName)), suchtafel_(std::make_unique<Suchtafel>()) {
     const Spur spur(logger_, "OrvoErweiterungsManager::OrvoErweiterungsManager");
     initialisiere();
     spur.ende();
@@ -128,6 +135,7 @@ OrvoErweiterungsManager::~OrvoErweiterungsManager() {
         OrvoPluginManager::getInstanz(nullptr)->removeObserver(this);
     if (!registrierteErweiterungen_.empty() && logger_ && logger_->isWarnEnabled())
         logger_->warn(kSpeicherloch.c_str());
+    suchtafel_->leere();
     registrierteErweiterungen_.clear();
     spur.ende();
 }
@@ -163,9 +171,16 @@ void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
 void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
     meldeRegistrierung(logger_, erweiterung);
     // The first one stays, whatever the versions. "Y" here and "YYYY" elsewhere give the same year, 2000.
-    registrierteErweiterungen_.insert(
+    const auto [bestehender, neu] = trageEinWennFrei(
         {ErweiterungsSchluessel(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "Y")),
          erweiterung});
+    if (!registerBeobachter)
+        return;
+    if (neu)
+        registerBeobachter->eingetragen(bestehender->first, *erweiterung);
+    else
+        registerBeobachter->abgewiesen(bestehender->first, *erweiterung, *bestehender->second,
+                                       REGEL_ERSTER_BLEIBT);
 }
 
 void OrvoErweiterungsManager::registriere(OrvoUaVzServiceErweiterung* erweiterung) {
@@ -179,41 +194,91 @@ void OrvoErweiterungsManager::registriere(OrvoUaVzServiceErweiterung* erweiterun
 void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua,
                                        const Veranlagungszeitraum& vz) {
     const Register::value_type eintrag(ErweiterungsSchluessel(erweiterung->getTyp(), ua, vz), erweiterung);
-    const auto [bestehender, neu] = registrierteErweiterungen_.insert(eintrag);
-    if (neu)
+    const auto [bestehender, neu] = trageEinWennFrei(eintrag);
+    if (neu) {
+        if (registerBeobachter)
+            registerBeobachter->eingetragen(eintrag.first, *erweiterung);
         return;
-    meldeDoppelten(logger_, erweiterung, ua, vz);
-    if (produktVersionVon(*erweiterung) > produktVersionVon(*bestehender->second)) {
-        registrierteErweiterungen_.erase(bestehender);
-        registrierteErweiterungen_.insert(eintrag);
     }
+    meldeDoppelten(logger_, erweiterung, ua, vz);
+    const OrvoErweiterung& bisherige = *bestehender->second;
+    const OrvoVersion neueVersion = produktVersionVon(*erweiterung);
+    const OrvoVersion bisherigeVersion = produktVersionVon(bisherige);
+    if (neueVersion > bisherigeVersion) {
+        suchtafel_->streiche(bestehender->first);
+        registrierteErweiterungen_.erase(bestehender);
+        trageEinWennFrei(eintrag);
+        if (registerBeobachter)
+            registerBeobachter->verdraengt(eintrag.first, *erweiterung, bisherige, REGEL_HOEHERE_VERSION);
+    } else if (registerBeobachter) {
+        registerBeobachter->abgewiesen(eintrag.first, *erweiterung, bisherige,
+                                       bisherigeVersion > neueVersion ? REGEL_NIEDRIGERE_VERSION
+                                                                      : REGEL_GLEICHE_VERSION);
+    }
+}
+
+/// Enters the pair in the map and in the table beside it, if the key is absent.
+std::pair<OrvoErweiterungsManager::Register::iterator, bool>
+OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
+    const auto ergebnis = registrierteErweiterungen_.insert(eintrag);
+    if (ergebnis.second)
+        suchtafel_->trageEin(ergebnis.first->first, eintrag.second);
+    return ergebnis;
 }
 
 /// Erases by key, whichever extension stands there; see the class comment.
 void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG) {
-        suchSchluessel_.setze(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "YYYY"));
-        registrierteErweiterungen_.erase(suchSchluessel_);
+        streiche(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "YYYY"));
     } else if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung)) {
-        for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
-            for (const Veranlagungszeitraum& vz : vzs) {
-                suchSchluessel_.setze(erweiterung->getTyp(), ua, vz);
-                registrierteErweiterungen_.erase(suchSchluessel_);
-            }
-        }
+        for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap())
+            for (const Veranlagungszeitraum& vz : vzs)
+                streiche(erweiterung->getTyp(), ua, vz);
     }
+}
+
+void OrvoErweiterungsManager::streiche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                       const Veranlagungszeitraum& vz) {
+    const ErweiterungsSchluessel schluessel(typ, ua, vz);
+    const auto eintrag = registrierteErweiterungen_.find(schluessel);
+    if (eintrag == registrierteErweiterungen_.end())
+        return;
+    if (registerBeobachter)
+        registerBeobachter->entfernt(eintrag->first, *eintrag->second);
+    suchtafel_->streiche(eintrag->first);
+    registrierteErweiterungen_.erase(eintrag);
 }
 
 OrvoUaVzServiceErweiterung* OrvoErweiterungsManager::alsUaVz(OrvoErweiterung* erweiterung) const {
     auto* const uaVz = dynamic_cast<OrvoUaVzServiceErweiterung*>(erweiterung);
     if (!uaVz && logger_ && logger_->isWarnEnabled())
         logger_->warn("Cast auf UfaVzServiceErweiterung fehlgeschlagen");
+    if (!uaVz && registerBeobachter)
+        registerBeobachter->uebergangen(*erweiterung);
     return uaVz;
 }
 
 /// The extension under the key itself, else under its period-independent one; null when there is neither.
 OrvoErweiterung* OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
                                                 const Veranlagungszeitraum& vz) const {
+    if (!Suchtafel::traegt(ua))
+        return sucheImRegister(typ, ua, vz);
+    const Suchtafel::Platz* const platz = suchtafel_->finde(typ, ua, vz.getJahr(), kOhneJahr);
+    return platz ? platz->erweiterung : nullptr;
+}
+
+/// The same, as an extension of the class that a look-up of its kind gives; null too when it is of another one.
+template <class Klasse>
+Klasse* OrvoErweiterungsManager::sucheAls(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                          const Veranlagungszeitraum& vz) const {
+    if (!Suchtafel::traegt(ua))
+        return dynamic_cast<Klasse*>(sucheImRegister(typ, ua, vz));
+    const Suchtafel::Platz* const platz = suchtafel_->finde(typ, ua, vz.getJahr(), kOhneJahr);
+    return platz && platz->vonIhrerKlasse ? static_cast<Klasse*>(platz->erweiterung) : nullptr;
+}
+
+OrvoErweiterung* OrvoErweiterungsManager::sucheImRegister(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                                          const Veranlagungszeitraum& vz) const {
     suchSchluessel_.setze(typ, ua, vz);
     auto gefunden = registrierteErweiterungen_.find(suchSchluessel_);
     if (gefunden == registrierteErweiterungen_.end()) {
@@ -228,40 +293,36 @@ OrvoErweiterungsManager::findeValidierungsServiceErweiterung(const Unterfallart&
                                                              const Veranlagungszeitraum& vz) const {
     const Spur spur(logger_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
     spur.ende(); // both lines come before the search, and only this one of the look-ups writes any
-    return dynamic_cast<OrvoValidierungsServiceErweiterung*>(suche(ORVO_CHECK_SERVICE_ERWEITERUNG, ua, vz));
+    return sucheAls<OrvoValidierungsServiceErweiterung>(ORVO_CHECK_SERVICE_ERWEITERUNG, ua, vz);
 }
 
 OrvoFeldInfoDatenServiceErweiterung*
 OrvoErweiterungsManager::findeFeldInfoDatenServiceErweiterung(const Unterfallart& ua,
                                                               const Veranlagungszeitraum& vz) const {
-    return dynamic_cast<OrvoFeldInfoDatenServiceErweiterung*>(
-        suche(ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, ua, vz));
+    return sucheAls<OrvoFeldInfoDatenServiceErweiterung>(ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, ua, vz);
 }
 
 OrvoFTDatenServiceErweiterung*
 OrvoErweiterungsManager::findeFehlertextDatenServiceErweiterung(const Unterfallart& ua,
                                                                 const Veranlagungszeitraum& vz) const {
-    return dynamic_cast<OrvoFTDatenServiceErweiterung*>(
-        suche(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, ua, vz));
+    return sucheAls<OrvoFTDatenServiceErweiterung>(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, ua, vz);
 }
 
 OrvoXPathMappingServiceErweiterung*
 OrvoErweiterungsManager::findeXPathMappingServiceErweiterung(const Unterfallart& ua,
                                                              const Veranlagungszeitraum& vz) const {
-    return dynamic_cast<OrvoXPathMappingServiceErweiterung*>(
-        suche(ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG, ua, vz));
+    return sucheAls<OrvoXPathMappingServiceErweiterung>(ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG, ua, vz);
 }
 
 OrvoDatensatzReaderErweiterung*
 OrvoErweiterungsManager::findeDatensatzReaderServiceErweiterung(const Unterfallart& ua,
                                                                 const Veranlagungszeitraum& vz) const {
-    return dynamic_cast<OrvoDatensatzReaderErweiterung*>(
-        suche(ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG, ua, vz));
+    return sucheAls<OrvoDatensatzReaderErweiterung>(ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG, ua, vz);
 }
 
 OrvoFADatenServiceErweiterung* OrvoErweiterungsManager::findeFADatenServiceErweiterung() const {
-    return dynamic_cast<OrvoFADatenServiceErweiterung*>(
-        suche(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0), Veranlagungszeitraum(0, "YYYY")));
+    return sucheAls<OrvoFADatenServiceErweiterung>(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0),
+                                                   Veranlagungszeitraum(0, "YYYY"));
 }
 
 bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ,
@@ -271,6 +332,29 @@ bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erwei
     const bool unterstuetzt = suche(typ, ua, vz) != nullptr;
     spur.ende();
     return unterstuetzt;
+}
+
+RegisterAuskunft OrvoErweiterungsManager::schlageNach(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                                      const Veranlagungszeitraum& vz) const {
+    RegisterAuskunft auskunft;
+    auskunft.erweiterung = suche(typ, ua, vz);
+    if (!auskunft.erweiterung)
+        return auskunft;
+    // The answer came from the key itself if that has an entry, else from the period-independent one.
+    auto eintrag = registrierteErweiterungen_.find(ErweiterungsSchluessel(typ, ua, vz));
+    if (eintrag != registrierteErweiterungen_.end()) {
+        const bool genau = eintrag->first.getVeranlagungszeitraum() == vz;
+        auskunft.treffer = genau ? RegisterAuskunft::GENAU : RegisterAuskunft::GLEICHES_JAHR;
+    } else {
+        eintrag = registrierteErweiterungen_.find(ErweiterungsSchluessel(typ, ua, Veranlagungszeitraum()));
+        auskunft.treffer = RegisterAuskunft::UNABHAENGIG;
+    }
+    auskunft.schluessel = &eintrag->first;
+    return auskunft;
+}
+
+RegisterBeobachter* OrvoErweiterungsManager::setRegisterBeobachter(RegisterBeobachter* beobachter) {
+    return std::exchange(registerBeobachter, beobachter);
 }
 
 std::list<OrvoErweiterung*> OrvoErweiterungsManager::getRegistrierteErweiterungen() const {

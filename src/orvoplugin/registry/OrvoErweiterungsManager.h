@@ -5,12 +5,15 @@
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
 #include <orvoplugin/registry/OrvoHashmap.h>
+#include <orvoplugin/registry/RegisterAuskunft.h>
 
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
 #include <list>
+#include <memory>
 #include <set>
+#include <utility>
 
 class OrvoDatensatzReaderErweiterung;
 class OrvoFADatenServiceErweiterung;
@@ -19,6 +22,8 @@ class OrvoFeldInfoDatenServiceErweiterung;
 class OrvoUaVzServiceErweiterung;
 class OrvoValidierungsServiceErweiterung;
 class OrvoXPathMappingServiceErweiterung;
+class RegisterBeobachter;
+class Suchtafel;
 
 namespace orvo::orvoutil {
 class Logger;
@@ -77,6 +82,16 @@ public:
     bool istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ, const Unterfallart& ua,
                                             const Veranlagungszeitraum& vz) const;
 
+    /// The same look-up for any kind, with the key that answered. The extension is of that kind, but not told to
+    /// be of the kind's class.
+    RegisterAuskunft schlageNach(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                 const Veranlagungszeitraum& vz) const;
+
+    /// Has an observer told, for all registries, which extension gets which key; null for none. Set it before the
+    /// first `getInstanz`: that registers all extensions.
+    /// Returns: the observer before. Ownership: stays with the caller, who takes it out before it goes.
+    static RegisterBeobachter* setRegisterBeobachter(RegisterBeobachter* beobachter);
+
     /// Every extension once for each key that it holds, in the table's own order.
     std::list<OrvoErweiterung*> getRegistrierteErweiterungen() const;
     std::list<OrvoValidierungsServiceErweiterung*> getRegistrierteValidierungsServiceErweiterungen() const;
@@ -104,15 +119,23 @@ private:
     void registriereFinanzamtsDaten(OrvoErweiterung* erweiterung);
     void registriere(OrvoUaVzServiceErweiterung* erweiterung);
     void trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua, const Veranlagungszeitraum& vz);
+    std::pair<Register::iterator, bool> trageEinWennFrei(const Register::value_type& eintrag);
     void entferne(const OrvoErweiterung* erweiterung);
+    void streiche(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz);
     OrvoUaVzServiceErweiterung* alsUaVz(OrvoErweiterung* erweiterung) const;
 
     OrvoErweiterung* suche(tag_erweiterung_typ typ, const Unterfallart& ua,
                            const Veranlagungszeitraum& vz) const;
+    template <class Klasse>
+    __attribute__((visibility("hidden"))) Klasse* sucheAls(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                                           const Veranlagungszeitraum& vz) const;
+    OrvoErweiterung* sucheImRegister(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                     const Veranlagungszeitraum& vz) const;
 
     Register registrierteErweiterungen_;
     std::set<OrvoErweiterung*> alleErweiterungen_;
     std::int32_t status_ = 0;
     orvo::orvoutil::Logger* logger_;
-    mutable ErweiterungsSchluessel suchSchluessel_; ///< used again for each look-up, for its memory
+    mutable ErweiterungsSchluessel suchSchluessel_; ///< of look-ups in the map, for its memory
+    std::unique_ptr<Suchtafel> suchtafel_;          ///< holds what the map holds, for look-ups
 };

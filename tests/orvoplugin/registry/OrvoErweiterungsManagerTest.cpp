@@ -5,6 +5,8 @@
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoutil/Einstellungen.h>
+#include <orvoutil/LogSink.h>
+#include <orvoutil/Logger.h>
 #include <orvoutil/ObjectLifetimeManager.h>
 
 #include "TestPlugins.h"
@@ -14,6 +16,7 @@
 #include <algorithm>
 #include <memory>
 #include <type_traits>
+#include <vector>
 
 using orvo::orvoutil::Einstellungen;
 using orvo::orvoutil::LogLevel;
@@ -152,6 +155,31 @@ TEST_F(OrvoErweiterungsManagerTest, WarnsWhenItGoesWhileExtensionsAreFiled) {
     starte();
     ObjectLifetimeManager::instance().destroyAll(); // the registry goes first, while the plugins are loaded
     EXPECT_EQ(mitschnitt.anzahl(kSpeicherloch), 1);
+}
+
+TEST_F(OrvoErweiterungsManagerTest, FindsNothingOnceItHasForgottenAllAtItsEnd) {
+    /// A log that looks something up when the registry says its last line.
+    class Frager : public orvo::orvoutil::LogSink {
+    public:
+        void write(const orvo::orvoutil::LogEntry& eintrag) override {
+            if (eintrag.kind == orvo::orvoutil::LogKind::Leave &&
+                eintrag.text == "OrvoErweiterungsManager::~OrvoErweiterungsManager")
+                antworten.push_back(registry->findeValidierungsServiceErweiterung("LSTB", jahr(2009)));
+        }
+
+        OrvoErweiterungsManager* registry = nullptr;
+        std::vector<OrvoErweiterung*> antworten;
+    };
+    lege("eins", "check LSTB 2009\n");
+    const auto frager = std::make_shared<Frager>();
+    orvo::orvoutil::Logger::setLevel(LogLevel::Debug);
+    orvo::orvoutil::Logger::setSink(frager);
+    auto registry = std::make_unique<OrvoErweiterungsManager>();
+    frager->registry = registry.get();
+    ASSERT_NE(registry->findeValidierungsServiceErweiterung("LSTB", jahr(2009)), nullptr);
+    registry.reset();
+    orvo::orvoutil::Logger::setSink(nullptr);
+    EXPECT_EQ(frager->antworten, std::vector<OrvoErweiterung*>{nullptr});
 }
 
 TEST_F(OrvoErweiterungsManagerTest, DoesNotWarnWhenItGoesEmpty) {

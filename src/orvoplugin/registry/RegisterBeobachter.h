@@ -1,0 +1,45 @@
+#pragma once
+
+#include <orvoplugin/Export.h>
+
+#include <cstdint>
+
+class ErweiterungsSchluessel;
+class OrvoErweiterung;
+
+/// The rule that settled which of two extensions stands under a key. Values are never reused.
+enum orvo_register_regel_t : std::int32_t {
+    REGEL_HOEHERE_VERSION = 1,    ///< the newcomer's product version is higher: it takes the place
+    REGEL_GLEICHE_VERSION = 2,    ///< the versions are equal: the first one stays
+    REGEL_NIEDRIGERE_VERSION = 3, ///< the newcomer's product version is lower: the first one stays
+    REGEL_ERSTER_BLEIBT = 4,      ///< tax-office data: the first one stays, whatever the versions
+};
+
+/// Whoever wants to know which extension got which key of the registry, and by which rule: tools that show an
+/// operator who answers, and why not another. A client needs none; see
+/// `OrvoErweiterungsManager::setRegisterBeobachter`.
+///
+/// Every operation may be left as it is. It must not throw.
+/// Ownership: everything handed over stays the library's. Keys are valid until the operation returns, extensions
+/// until their plugin is unloaded.
+/// Threads: called on the thread that loads or unloads.
+class ORVOPLUGIN_API RegisterBeobachter {
+public:
+    virtual ~RegisterBeobachter();
+
+    /// The extension got a key that was free.
+    virtual void eingetragen(const ErweiterungsSchluessel& schluessel,
+                             const OrvoErweiterung& erweiterung) noexcept;
+    /// The extension took a key over from another one.
+    virtual void verdraengt(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
+                            const OrvoErweiterung& bisherige, orvo_register_regel_t regel) noexcept;
+    /// The extension did not get a key, for another one stands there.
+    virtual void abgewiesen(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
+                            const OrvoErweiterung& bestehende, orvo_register_regel_t regel) noexcept;
+    /// The extension is of no class that serves sub-case types, and gets no key at all.
+    virtual void uebergangen(const OrvoErweiterung& erweiterung) noexcept;
+    /// A key was taken out of the registry, as a plugin goes that had offered it. Parameters: `erweiterung` stood
+    /// there, and may be another plugin's.
+    virtual void entfernt(const ErweiterungsSchluessel& schluessel,
+                          const OrvoErweiterung& erweiterung) noexcept;
+};
