@@ -1,5 +1,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 
+#include <orvoplugin/plugin/erweiterung/HoleServiceAls.h>
+
 namespace {
 
 constexpr tag_erweiterung_typ kTyp = ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG;
@@ -31,7 +33,7 @@ OrvoErweiterung* OrvoDatensatzReaderErweiterung::clone() const {
 }
 
 orvo::service::DatensatzReaderService* OrvoDatensatzReaderErweiterung::holeService() {
-    return dynamic_cast<orvo::service::DatensatzReaderService*>(OrvoServiceErweiterung::holeService());
+    return holeServiceAls<orvo::service::DatensatzReaderService>();
 }
 
 void OrvoDatensatzReaderErweiterung::addVorbedingung(const Bedingung& bedingung) {

@@ -3,6 +3,7 @@
 #include <orvoplugin/plugin/Einsprungpunkt.h>
 #include <orvoplugin/plugin/Fremdcode.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
 #include <orvoplugin/service/Service.h>
 #include <orvoutil/Latin1.h>
 #include <orvoutil/Logger.h>
@@ -15,6 +16,8 @@ namespace {
 
 constexpr char kKategorie[] = "orvo.plugin.erweiterung.OrvoServiceErweiterung";
 constexpr Latin1Text kOhnePlugin{u8"Erweiterung gehört zu keinem Plugin. Kein Service."};
+constexpr Latin1Text kUeberlebt{
+    u8"Ein ServiceGriff hält einen Service über das Ende seines Plugins hinaus. Factory: "};
 
 void spureBau(Logger* logger) {
     const KonstruktorSpur spur(logger, "OrvoServiceErweiterung::OrvoServiceErweiterung");
@@ -24,6 +27,14 @@ void spureBau(Logger* logger) {
 /// "<vorspann> <factory> in Plugin <name of the library>"
 std::string woran(const char* vorspann, const std::string& factory, const SharedLib* bibliothek) {
     return vorspann + factory + " in Plugin " + (bibliothek ? bibliothek->getName() : std::string());
+}
+
+void meldeVerwaiste(Logger* logger, const std::string& factory) noexcept {
+    try {
+        if (logger && logger->isErrorEnabled())
+            logger->error(kUeberlebt.c_str() + factory);
+    } catch (...) { // no memory for the text: then there is no entry
+    }
 }
 
 } // namespace
@@ -40,7 +51,12 @@ OrvoServiceErweiterung::OrvoServiceErweiterung(const OrvoServiceErweiterung& oth
     spureBau(logger_);
 }
 
-OrvoServiceErweiterung::~OrvoServiceErweiterung() = default;
+OrvoServiceErweiterung::~OrvoServiceErweiterung() {
+    if (griffe_)
+        meldeVerwaiste(logger_, serviceFactoryName_);
+    while (griffe_)
+        griffe_->verwaise();
+}
 
 void OrvoServiceErweiterung::setServiceFactoryName(const std::string& name) { serviceFactoryName_ = name; }
 
@@ -48,11 +64,12 @@ Service* OrvoServiceErweiterung::holeService() {
     const Spur spur(logger_, "OrvoServiceErweiterung::holeService");
     Service* service = nullptr;
     if (OrvoPlugin* const plugin = getPlugin()) {
+        if (instanzen_.empty() || plugin->getUseCount() == 0)
+            gepruefteTabelle_ = nullptr; // no object kept the library open: it may be another than before
         plugin->notifyUse();
         service = erzeugeService();
         if (service) {
-            ++instanzen_[service];
-            geloeschte_.erase(service); // a new object may stand where a deleted one stood
+            merkeAusgabe(service);
             zaehleAusgabe();
         } else {
             plugin->release();
@@ -62,6 +79,20 @@ Service* OrvoServiceErweiterung::holeService() {
     }
     spur.ende();
     return service;
+}
+
+void OrvoServiceErweiterung::merkeAusgabe(Service* service) {
+    if (freierEintrag_) {
+        freierEintrag_.key() = service;
+        freierEintrag_.mapped() = 0;
+        auto ergebnis = instanzen_.insert(std::move(freierEintrag_));
+        freierEintrag_ = std::move(ergebnis.node); // still free if the object was out already
+        ++ergebnis.position->second;
+    } else {
+        ++instanzen_[service];
+    }
+    if (!geloeschte_.empty())
+        geloeschte_.erase(service); // a new object may stand where a deleted one stood
 }
 
 Service* OrvoServiceErweiterung::erzeugeService() {
@@ -93,10 +124,12 @@ void OrvoServiceErweiterung::release(Service* service) {
             logger_->warn("Unbekannte Serviceinstanz. Ignoriere sie.");
         return;
     }
-    const bool loeschen = istFlagGesetzt(FLAG_SERVICE_LOESCHEN) && !geloeschte_.contains(service);
+    const bool geloescht = !geloeschte_.empty() && geloeschte_.contains(service);
+    const bool loeschen = !geloescht && istFlagGesetzt(FLAG_SERVICE_LOESCHEN);
     if (--eintrag->second == 0) {
-        instanzen_.erase(eintrag);
-        geloeschte_.erase(service);
+        freierEintrag_ = instanzen_.extract(eintrag);
+        if (geloescht)
+            geloeschte_.erase(service);
     } else if (loeschen) {
         geloeschte_.insert(service);
     }

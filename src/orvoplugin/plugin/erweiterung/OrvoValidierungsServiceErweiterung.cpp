@@ -1,5 +1,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
+#include <orvoplugin/plugin/erweiterung/HoleServiceAls.h>
+
 namespace {
 
 constexpr tag_erweiterung_typ kTyp = ORVO_CHECK_SERVICE_ERWEITERUNG;
@@ -31,7 +33,7 @@ OrvoErweiterung* OrvoValidierungsServiceErweiterung::clone() const {
 }
 
 orvo::service::ValidierungsService* OrvoValidierungsServiceErweiterung::holeService() {
-    return dynamic_cast<orvo::service::ValidierungsService*>(OrvoServiceErweiterung::holeService());
+    return holeServiceAls<orvo::service::ValidierungsService>();
 }
 
 void OrvoValidierungsServiceErweiterung::addVorbedingung(const Bedingung& bedingung) {

@@ -1,5 +1,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
 
+#include <orvoplugin/plugin/erweiterung/HoleServiceAls.h>
+
 namespace {
 
 constexpr tag_erweiterung_typ kTyp = ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG;
@@ -31,5 +33,5 @@ OrvoErweiterung* OrvoXPathMappingServiceErweiterung::clone() const {
 }
 
 orvo::service::IXPathMappingService* OrvoXPathMappingServiceErweiterung::holeService() {
-    return dynamic_cast<orvo::service::IXPathMappingService*>(OrvoServiceErweiterung::holeService());
+    return holeServiceAls<orvo::service::IXPathMappingService>();
 }

@@ -1,8 +1,13 @@
 #include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
 
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/service/ValidierungsService.h>
+
 #include "orvoplugin/plugin/erweiterung/Probe.h"
 
+#include <cstddef>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace {
 
@@ -240,6 +245,46 @@ TEST_F(OrvoServiceErweiterungTest, LeavesServicesThatAreOutAloneWhenItEnds) {
     }
     EXPECT_THAT(seither(), IsEmpty()) << "neither deleted nor given back to the plugin";
     EXPECT_EQ(plugin.getUseCount(), 1);
+}
+
+/// An object of a library, with the table of its virtual functions where another library of the same layout has that
+/// of another class.
+struct Gegenstand {
+    struct {
+        std::ptrdiff_t anfang = 0;
+        const std::type_info* klasse = nullptr;
+        void* funktionen[8] = {};
+    } tabelle;
+    const void* verweis = tabelle.funktionen;
+
+    Service* alsService() { return reinterpret_cast<Service*>(&verweis); }
+};
+
+/// Complete, as only a class of a plugin is.
+class EinePruefung : public orvo::service::ValidierungsService {
+    int pruefe(const orvo::data::SteuerfallListe&, const Unterfallart&, const Veranlagungszeitraum&,
+               PruefErgebnis&) override {
+        return 0;
+    }
+};
+
+TEST_F(OrvoServiceErweiterungTest, ChecksTheClassAnewWhenTheLibraryMayHaveBeenAnotherMeanwhile) {
+    Gegenstand gegenstand;
+    OrvoValidierungsServiceErweiterung pruefung(10, Veranlagungszeitraum(2009, "YYYY"));
+    pruefung.setServiceFactoryName("fabrik");
+    pruefung.setPlugin(&plugin);
+    naechster = gegenstand.alsService();
+    gegenstand.tabelle.klasse = &typeid(EinePruefung);
+    ASSERT_NE(pruefung.holeService(), nullptr);
+    pruefung.release(naechster); // nobody holds the library: it closes, and its file is exchanged
+
+    Dienst anderer;
+    naechster = &anderer;
+    erweiterung.holeService(); // opens the new one
+    naechster = gegenstand.alsService();
+    gegenstand.tabelle.klasse = &typeid(Dienst);
+    EXPECT_EQ(pruefung.holeService(), nullptr) << "the object is of no check service any more";
+    EXPECT_EQ(plugin.getUseCount(), 2) << "held by `anderer`, and by the object that stays entered";
 }
 
 TEST_F(OrvoServiceErweiterungTest, WithoutAPluginHandsOutNothing) {
