@@ -8,6 +8,8 @@
 
 extern "C" {
 
+/// The product version, such as "17, 4, 6, 64001".
 ORVOPLUGIN_API void getOrvoSharedLibProductversion(char* puffer);
+/// The file version, such as "2013, 3, 15, 0".
 ORVOPLUGIN_API void getOrvoSharedLibFileversion(char* puffer);
 }

@@ -1,6 +1,7 @@
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
 
 #include <orvoplugin/plugin/Einsprungpunkt.h>
+#include <orvoplugin/plugin/Ladeschritt.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginInitException.h>
 #include <orvoplugin/plugin/PluginLoaderException.h>
@@ -79,22 +80,30 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     obhut_ = std::make_unique<Obhut>();
     obhut_->bibliothek = std::move(bibliothek);
 
+    Ladeschritt::ist(ABLEHNUNG_OEFFNEN);
     if (!uebergeben)
         Obhut::lehneAb(obhut_, BIBLIOTHEK_FEHLER, "");
-    if (!oeffne(*uebergeben))
+    if (!oeffne(*uebergeben)) {
+        if (uebergeben->scheiterteVorDemOeffnen())
+            Ladeschritt::ist(ABLEHNUNG_DATEIPRUEFUNG);
         Obhut::lehneAb(obhut_, BIBLIOTHEK_FEHLER, uebergeben->getLastError());
+    }
 
+    Ladeschritt::ist(ABLEHNUNG_OHNE_TYPEN);
     void* const einsprung = uebergeben->getSymbol(kTypen);
     if (!einsprung)
         Obhut::lehneAb(obhut_, STRUKTUR_FEHLER,
                        "Einsprungpunkt(orvo_plugin_get_types) in Bibliothek nicht gefunden.");
 
+    Ladeschritt::ist(ABLEHNUNG_AUSNAHME_TYPEN);
     const std::list<orvo_plugin_version_t> typen = typenVon(einsprung);
+    Ladeschritt::ist(ABLEHNUNG_LEERE_TYPEN);
     if (typen.empty())
         Obhut::lehneAb(obhut_, STRUKTUR_FEHLER,
                        "Einsprungpunkt(orvo_plugin_get_types) nennt keine Pluginversion.");
 
     for (const orvo_plugin_version_t& version : typen) {
+        Ladeschritt::ist(ABLEHNUNG_PLUGINVERSION);
         if (version.type != kUnterstuetzterTyp)
             Obhut::lehneAb(obhut_, UNGUELTIGE_PLUGIN_VERSION, kUngueltigeVersion.c_str());
 

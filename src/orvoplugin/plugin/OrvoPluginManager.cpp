@@ -3,6 +3,8 @@
 #include <orvoplugin/plugin/Einsprungpunkt.h>
 #include <orvoplugin/plugin/Einzelinstanz.h>
 #include <orvoplugin/plugin/Fremdcode.h>
+#include <orvoplugin/plugin/LadeBeobachter.h>
+#include <orvoplugin/plugin/Ladeschritt.h>
 #include <orvoplugin/plugin/Namensliste.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
@@ -16,10 +18,21 @@
 
 #include <algorithm>
 #include <exception>
-#include <iostream>
 #include <memory>
 #include <set>
 #include <string_view>
+#include <utility>
+
+#ifdef __GLIBCXX__
+// <iostream> would set up the standard streams whenever a process starts with this library, a twentieth of what that
+// takes. Here it waits until there is something to write.
+#include <ostream>
+namespace std {
+extern ostream cout;
+}
+#else
+#include <iostream>
+#endif
 
 using namespace orvo::orvoutil;
 
@@ -33,10 +46,12 @@ constexpr char kPluginVerzeichnis[] = "plugins";
 constexpr char kPluginEndung[] = ".dylib";
 
 /// Libraries that once lay among the plugins and are none.
-constexpr const char* kSperrliste[] = {
+constexpr std::string_view kSperrliste[] = {
     "libquarvelin2009.dylib", "libquorbis2009.dylib", "libzelmak98.dylib",
     "libfrendolin.dylib",     "libbrosmat.dylib",     "libwendrup.dylib",
 };
+
+LadeBeobachter* ladeBeobachter = nullptr; // asked for at each step: it may take itself out at any of them
 
 /// The resident plugins' names. Never destroyed: plugins may still be loaded while the process ends.
 std::set<std::string>& residentePlugins() {
@@ -47,9 +62,18 @@ std::set<std::string>& residentePlugins() {
 void liesResidentePlugins(std::set<std::string>& namen) {
     const std::string liste = Einstellungen().basisResidentPlugins();
     fuerJedenNamen(liste, [&](std::string_view name) {
+        static const std::ios_base::Init ausgabe;
         std::cout << "Resident Plugin: " << name << std::endl;
         namen.emplace(name);
     });
+}
+
+/// Where a listed file is, with what follows its last dot in lower case. Each name in the listing has a dot.
+std::string pfadMitKleinerEndung(const std::string& verzeichnis, const std::string& datei) {
+    std::string pfad = getFullFilename(verzeichnis, datei);
+    for (std::size_t i = pfad.rfind('.'); i < pfad.size(); ++i)
+        pfad[i] = orvo::orvoutil::tolower(pfad[i]);
+    return pfad;
 }
 
 } // namespace
@@ -172,18 +196,29 @@ bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
     const Spur spur(logger_, "ladePluginsRekursiv()");
     const std::string ort = verzeichnis; // which may be the search path itself: an observer may set that
     protokolliere("Suche Plugins im Verzeichnis: ", ort);
+    const auto melde = [&](auto was) {
+        if (!ladeBeobachter)
+            return;
+        const Fremdarbeit fremdarbeit(*this); // the walk goes on from here: no orders meanwhile
+        was(*ladeBeobachter);
+    };
+    melde([&](LadeBeobachter& b) { b.betrittVerzeichnis(ort); });
     const DirReader leser(ort, "*.*");
     bool erfolg = true;
     for (const std::string& datei : leser.getFiles()) {
         if (isPluginGesperrt(datei)) {
             protokolliere("Plugin ", datei, " in Sperrliste. Wird ignoriert");
+            melde([&](LadeBeobachter& b) {
+                b.findetDatei(ort, datei, LadeBeobachter::GESPERRT, getFullFilename(ort, datei));
+            });
             continue;
         }
-        std::string voll = getFullFilename(ort, datei);
-        std::string pfad, name, endung;
-        if (extractPathFilenameExtension(voll, pfad, name, endung))
-            voll = getFullFilename(pfad, name + "." + orvo::orvoutil::tolower(endung));
-        if (endsWith(voll, kPluginEndung) && !ladePlugin(voll))
+        const std::string voll = pfadMitKleinerEndung(ort, datei);
+        const bool istPlugin = endsWith(voll, kPluginEndung);
+        melde([&](LadeBeobachter& b) {
+            b.findetDatei(ort, datei, istPlugin ? LadeBeobachter::PLUGIN : LadeBeobachter::UEBERGANGEN, voll);
+        });
+        if (istPlugin && !ladePlugin(voll, voll.ends_with(datei)))
             erfolg = false;
     }
     for (const std::string& unterverzeichnis : leser.getDirectories())
@@ -194,8 +229,9 @@ bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
 }
 
 bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
-    return std::any_of(std::begin(kSperrliste), std::end(kSperrliste),
-                       [&](const char* gesperrt) { return compareIgnoreCase(dateiname, gesperrt) == 0; });
+    return std::any_of(std::begin(kSperrliste), std::end(kSperrliste), [&](std::string_view gesperrt) {
+        return dateiname.size() == gesperrt.size() && compareIgnoreCase(dateiname, gesperrt) == 0;
+    });
 }
 
 bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {
@@ -209,31 +245,49 @@ bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {
     return resident.contains(orvo::orvoutil::tolower(name)) || resident.contains("alle");
 }
 
-bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
+bool OrvoPluginManager::ladePlugin(const std::string& pfad) { return ladePlugin(pfad, false); }
+
+bool OrvoPluginManager::ladePlugin(const std::string& pfad, bool gelistet) {
     if (!nimmtAuftragAn("ladePlugin()"))
+        return false;
+    // Lasts while an exception is asked for its text, and while a library that was refused is closed.
+    const Fremdarbeit fremdarbeit(*this);
+    if (ladeBeobachter && !ladeBeobachter->ladeDatei(pfad))
         return false;
     const Spur spur(logger_, "ladePlugin()");
     protokolliere("Lese Bibliothek: ", pfad);
-    // Lasts while an exception is asked for its text, and while a library that was refused is closed.
-    const Fremdarbeit fremdarbeit(*this);
     // Outlives the exception that a plugin may throw, and with it the plugin's library does.
     OrvoPluginLoader loader;
     const bool geladen =
-        fremdcode::rufe([&] { ladeBibliothek(loader, pfad); },
-                        [&](const char* grund) { protokolliere("Plugin nicht geladen: ", grund); });
+        fremdcode::rufe([&] { ladeBibliothek(loader, pfad, gelistet); },
+                        [&](const char* grund) {
+                            protokolliere("Plugin nicht geladen: ", grund);
+                            if (ladeBeobachter)
+                                ladeBeobachter->dateiAbgelehnt(pfad, Ladeschritt::aktueller(), grund);
+                        });
     if (!geladen)
         return false;
+    if (ladeBeobachter)
+        ladeBeobachter->pluginGeladen(pfad, *plugins_.back());
     protokolliere("Plugin erfolgreich geladen");
     spur.ende();
     return true;
 }
 
-void OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad) {
-    std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(new SharedLib(pfad, false)));
+void OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad, bool gelistet) {
+    auto bibliothek = std::make_unique<SharedLib>(pfad, false);
+    if (gelistet)
+        bibliothek->merkeListung();
+    std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(bibliothek.release()));
     if (!plugin->isResident() && isResidentPlugin(pfad))
         plugin->setResident(true);
     plugins_.push_back(plugin.get());
+    Ladeschritt::ist(ABLEHNUNG_BEOBACHTER);
     notifyLoad(plugin.release());
+}
+
+LadeBeobachter* OrvoPluginManager::setLadeBeobachter(LadeBeobachter* beobachter) {
+    return std::exchange(ladeBeobachter, beobachter);
 }
 
 void OrvoPluginManager::addObserver(PluginObserver* observer) { observers_.anhaengen(observer); }

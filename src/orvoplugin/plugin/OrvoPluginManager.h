@@ -9,6 +9,7 @@
 #include <list>
 #include <string>
 
+class LadeBeobachter;
 class OrvoPlugin;
 class OrvoPluginLoader;
 
@@ -88,6 +89,12 @@ public:
     /// Tells every observer. Errors: the first exception that an observer threw, after all have been told.
     void notifyUnload(OrvoPlugin* plugin);
 
+    /// Has an observer told, for all managers, what becomes of each file while plugins are loaded; null for none.
+    /// Set it before the first `getInstanz`: that loads all plugins.
+    /// Returns: the observer before. Ownership: stays with the caller, who takes it out before it goes; it may do so
+    /// in the middle of a loading.
+    static LadeBeobachter* setLadeBeobachter(LadeBeobachter* beobachter);
+
     /// The plugins in the order in which they were loaded.
     std::list<OrvoPlugin*>& getRegistriertePlugins() { return plugins_; }
     /// 0 while the manager is being made, 1 from its first loading run on, 2 when it has unloaded all for good.
@@ -99,7 +106,9 @@ private:
     bool nimmtAuftragAn(const char* auftrag) const;
     void entladeAlle();
     void sageAllen(void (PluginObserver::*was)(OrvoPlugin*), OrvoPlugin* plugin);
-    void ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad);
+    /// Parameters: `gelistet` says that a listing has just shown the path as a regular file.
+    bool ladePlugin(const std::string& pfad, bool gelistet);
+    void ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad, bool gelistet);
     void protokolliere(const char* text) const;
     void protokolliere(const char* vorspann, const std::string& wovon, const char* nachspann = "") const;
 

@@ -2,6 +2,7 @@
 
 #include <orvoplugin/plugin/Einsprungpunkt.h>
 #include <orvoplugin/plugin/Fremdcode.h>
+#include <orvoplugin/plugin/Ladeschritt.h>
 #include <orvoplugin/plugin/PluginInitException.h>
 #include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
 #include <orvoutil/Latin1.h>
@@ -62,12 +63,17 @@ OrvoPluginV1::~OrvoPluginV1() {
 void OrvoPluginV1::initialize() {
     const Spur spur(logger_, "OrvoPluginV1::initialize"); // has no exit line
     SharedLib* const bibliothek = getSharedLib();
-    if (!bibliothek || (!bibliothek->isLoaded() && !bibliothek->load()))
+    Ladeschritt::ist(ABLEHNUNG_OEFFNEN);
+    if (!bibliothek || (!bibliothek->isLoaded() && !bibliothek->load())) {
+        if (bibliothek && bibliothek->scheiterteVorDemOeffnen())
+            Ladeschritt::ist(ABLEHNUNG_DATEIPRUEFUNG);
         throw PluginInitException(PluginInitException::GENERELL,
                                   "Bibliothek " + getBibliotheksname() +
                                       " konnte nicht geladen werden! Grund: " +
                                       (bibliothek ? bibliothek->getLastError() : std::string()));
+    }
 
+    Ladeschritt::ist(ABLEHNUNG_OHNE_INITIALISIERUNG);
     using Funktion = bool (*)(OrvoPluginV1*);
     const auto funktion = reinterpret_cast<Funktion>(bibliothek->getSymbol(kInitialisierung));
     if (!funktion) {
@@ -76,11 +82,13 @@ void OrvoPluginV1::initialize() {
                                   "Initialisierungsfunktion \"orvo_plugin_initialize\" nicht gefunden.");
     }
 
+    Ladeschritt::ist(ABLEHNUNG_AUSNAHME_INITIALISIERUNG);
     bool erfolg = false;
     {
         const Einsprungpunkt einsprungpunkt;
         erfolg = funktion(this);
     }
+    Ladeschritt::ist(ABLEHNUNG_INITIALISIERUNG);
     bibliothek->unload();
     if (!erfolg) // misspelt for good: scripts look for this text
         throw PluginInitException(PluginInitException::INITIALISIERUNGS_FEHLER,

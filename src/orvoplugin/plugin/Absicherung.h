@@ -1,0 +1,64 @@
+#pragma once
+
+#include <orvoutil/Logger.h>
+
+#include <exception>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+/// \file
+/// For plugin authors, and optional: keeps what a plugin's own code throws inside the plugin.
+///
+///     bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
+///         return abgesichert([&] {
+///             plugin->setProduktVersion("1.0.0");
+///             ...
+///             return true;
+///         });
+///     }
+///
+///     Service* orvo_plugin_get_check_service() {
+///         return abgesichert([] { return new Pruefung; });
+///     }
+
+/// Writes the exception that is being handled to the log, at level error. Swallows want of memory.
+__attribute__((visibility("hidden"))) inline void protokolliereAusnahme(const char* wo) noexcept {
+    try {
+        auto* const logger = orvo::orvoutil::Logger::getInstance("orvo.plugin.Absicherung");
+        if (!logger || !logger->isErrorEnabled())
+            return;
+        std::string grund = "unbekannte Ausnahme";
+        try {
+            throw;
+        } catch (const std::exception& ausnahme) {
+            const char* const text = ausnahme.what();
+            grund = text ? text : "";
+        } catch (...) { // keeps its text
+        }
+        logger->error(std::string("Ausnahme in ") + wo + ": " + grund);
+    } catch (...) { // nothing is left to be said
+    }
+}
+
+/// Calls `ruf` and returns what it returns. If it throws, the log says "Ausnahme in <function>: <text>" at level
+/// error, and the result is `false`, null or 0, whatever its type has for nothing: an entry point refuses the plugin,
+/// a factory gives no service. Without it the library catches and reports the exception all the same; with it the
+/// exception is gone before it leaves the plugin, and its line names the function.
+///
+/// Parameters: `wo` names the function in the log; it is the calling one unless given.
+/// Threads: any.
+template <class Ruf>
+__attribute__((visibility("hidden"))) auto abgesichert(Ruf&& ruf,
+                                                       const char* wo = __builtin_FUNCTION()) noexcept
+    -> std::invoke_result_t<Ruf> {
+    using Ergebnis = std::invoke_result_t<Ruf>;
+    static_assert(std::is_void_v<Ergebnis> || std::is_scalar_v<Ergebnis>,
+                  "abgesichert: the function called returns bool, a pointer, a number or nothing");
+    try {
+        return std::forward<Ruf>(ruf)();
+    } catch (...) {
+        protokolliereAusnahme(wo);
+    }
+    return Ergebnis();
+}
