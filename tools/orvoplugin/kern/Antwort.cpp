@@ -1,0 +1,44 @@
+#include "kern/Antwort.h"
+
+#include "kern/Berichtsteile.h"
+#include "kern/Gruende.h"
+
+namespace werkzeug {
+
+Json schluesselAlsJson(const SchluesselFakt& schluessel) {
+    return {{"type", typAlsJson(schluessel.typ, schluessel.typName)},
+            {"sub_case_type", alsJson(schluessel.unterfallart)},
+            {"period", alsJson(schluessel.zeitraum)}};
+}
+
+Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, std::int32_t treffer) {
+    Json antwort = schluesselAlsJson(schluessel);
+    antwort["match"] = treffer == RegisterAuskunft::KEINER ? Json(nullptr) : Json(treffercode(treffer));
+    antwort["plugin"] = anbieterAlsJson(bestand, schluessel.inhaber);
+    antwort["factory"] = jsonText(bestand.erweiterung(schluessel.inhaber).factory);
+    Json verdraengte = Json::array();
+    for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
+        if (ereignis.art == SchluesselEreignis::Art::EINGETRAGEN)
+            continue;
+        const bool neuerGewann = ereignis.art == SchluesselEreignis::Art::VERDRAENGT;
+        const ErweiterungsOrt& verlierer = neuerGewann ? ereignis.gegen : ereignis.wer;
+        verdraengte.push_back(
+            {{"plugin", anbieterAlsJson(bestand, verlierer)},
+             {"lost_to", anbieterAlsJson(bestand, neuerGewann ? ereignis.wer : ereignis.gegen)},
+             {"rule", regelcode(ereignis.regel)},
+             {"explanation", regelsatz(ereignis.regel)}});
+    }
+    antwort["displaced"] = std::move(verdraengte);
+    return antwort;
+}
+
+std::string schluesselAlsText(const Json& schluessel) {
+    return zeige(schluessel["type"]["label"]) + " " + zeige(schluessel["sub_case_type"]["name"]) + " " +
+           zeige(schluessel["period"]["label"]);
+}
+
+std::string anbieterAlsText(const Json& plugin) {
+    return zeige(plugin["file"]) + " (" + zeige(plugin["product_version"]) + ")";
+}
+
+} // namespace werkzeug

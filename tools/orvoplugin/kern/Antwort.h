@@ -1,0 +1,23 @@
+#pragma once
+
+// What the commands that ask for keys share: who answers under a key, and who does not.
+
+#include "kern/Anzeige.h"
+#include "kern/Fakten.h"
+
+#include <string>
+
+namespace werkzeug {
+
+/// Who answers under a key: "type", "sub_case_type", "period", "match", "plugin", "factory", "displaced".
+/// Parameters: `treffer` as `RegisterAuskunft::Treffer`; "match" is null for `KEINER`.
+Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, std::int32_t treffer);
+
+/// "type", "sub_case_type" and "period" of a key.
+Json schluesselAlsJson(const SchluesselFakt& schluessel);
+/// "CHECK 10 2009", of such a part of a document.
+std::string schluesselAlsText(const Json& schluessel);
+/// "libx.dylib (1.2.0)", of a plugin as `anbieterAlsJson` has it.
+std::string anbieterAlsText(const Json& plugin);
+
+} // namespace werkzeug

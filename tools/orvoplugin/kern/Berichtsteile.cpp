@@ -1,0 +1,102 @@
+#include "kern/Berichtsteile.h"
+
+#include "kern/Eingabe.h"
+#include "kern/Gruende.h"
+
+#include <orvoplugin/domain/Unterfallart.h>
+
+#include <cstring>
+
+namespace werkzeug {
+
+Json alsJson(const ZeitraumFakt& zeitraum) {
+    return {{"kind", zeitraumcode(zeitraum.typ)}, {"year", zeitraum.jahr},
+            {"code", zeitraum.zeitraum},          {"day", zeitraum.tag},
+            {"quarter", zeitraum.quartal},        {"text", jsonText(zeitraum.text)},
+            {"label", anzeige(zeitraum)}};
+}
+
+Json alsJson(const UnterfallartFakt& unterfallart) {
+    Json json{{"number", nullptr}, {"name", jsonText(unterfallart.name)}};
+    if (unterfallart.nummer != Unterfallart::OHNE_NUMMER)
+        json["number"] = unterfallart.nummer;
+    return json;
+}
+
+Json typAlsJson(std::int32_t typ, const std::string& name) {
+    return {{"number", typ}, {"name", name}, {"label", kurzerTypName(name)}};
+}
+
+std::string kurzerPfad(const Bestand& bestand, const DateiFakt& datei) {
+    const std::string voll = bestand.fundort(datei);
+    const std::string anfang = bestand.suchpfad + "/";
+    return voll.starts_with(anfang) ? voll.substr(anfang.size()) : voll;
+}
+
+Json zeileAlsJson(const Bestand& bestand, const DateiFakt& datei) {
+    Json zeile;
+    zeile["file"] = jsonText(kurzerPfad(bestand, datei));
+    zeile["path"] = jsonText(bestand.fundort(datei));
+    zeile["state"] = code(datei.zustand);
+    zeile["reason"] = nullptr;
+    if (datei.grund != Grund::KEINER)
+        zeile["reason"] = {{"code", code(datei.grund)},
+                           {"stage", stufe(datei.grund)},
+                           {"message", datei.meldung.empty() ? Json(nullptr) : jsonText(datei.meldung)},
+                           {"explanation", erklaerung(datei.grund)},
+                           {"advice", rat(datei.grund)}};
+    zeile["signal"] = datei.grund == Grund::SIGNAL ? Json(datei.zahl) : Json(nullptr);
+    zeile["exit_status"] = datei.grund == Grund::PROZESSENDE ? Json(datei.zahl) : Json(nullptr);
+    zeile["output"] = datei.ausgabe.empty() ? Json(nullptr) : jsonText(datei.ausgabe);
+    return zeile;
+}
+
+Json anbieterAlsJson(const Bestand& bestand, const ErweiterungsOrt& ort) {
+    const PluginFakt& plugin = bestand.plugin(ort);
+    return {{"file", jsonText(kurzerPfad(bestand, bestand.datei(ort)))},
+            {"product_version", jsonText(plugin.produktVersion)},
+            {"file_version", jsonText(plugin.fileVersion)},
+            {"resident", plugin.resident}};
+}
+
+Json unlesbareAlsJson(const Bestand& bestand) {
+    Json liste = Json::array();
+    for (const VerzeichnisFakt& verzeichnis : bestand.verzeichnisse)
+        if (verzeichnis.fehler != 0)
+            liste.push_back(
+                {{"path", jsonText(verzeichnis.pfad)}, {"reason", std::strerror(verzeichnis.fehler)}});
+    return liste;
+}
+
+std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben) {
+    std::string text;
+    for (const Json& verzeichnis : verzeichnisse)
+        text += farben(Farbe::ROT, "cannot be read") + "  " + zeige(verzeichnis["path"]) + ": " +
+                zeige(verzeichnis["reason"]) + "\n";
+    return text.empty() ? text : text + "\n";
+}
+
+Farbe farbe(const std::string& zustand) {
+    if (zustand == "loaded")
+        return Farbe::GRUEN;
+    if (zustand == "ignored")
+        return Farbe::BLASS;
+    return zustand == "blocked" ? Farbe::GELB : Farbe::ROT;
+}
+
+std::string begruendung(const Json& zeile) {
+    const Json& grund = zeile["reason"];
+    if (grund.is_null())
+        return {};
+    const Json& text = grund["message"].is_null() ? grund["explanation"] : grund["message"];
+    return grund["code"].get<std::string>() + ": " + zeige(text);
+}
+
+std::string zeige(const Json& wert) {
+    if (wert.is_null())
+        return "-";
+    const std::string text = wert.is_string() ? einzeilig(wert.get_ref<const std::string&>()) : wert.dump();
+    return text.empty() ? "-" : text;
+}
+
+} // namespace werkzeug

@@ -1,0 +1,115 @@
+#include "kern/Eingabe.h"
+
+#include "kern/Anzeige.h"
+
+#include <orvoplugin/domain/InvalidFormatException.h>
+#include <orvoplugin/domain/Konstanten.h>
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+#include <orvoutil/Latin1.h>
+#include <orvoutil/StringUtil.h>
+
+#include <string_view>
+#include <vector>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug {
+
+namespace {
+
+constexpr std::string_view kVorne = "ORVO_";
+constexpr std::string_view kHinten[] = {"_ERWEITERUNG", "_SERVICE"};
+
+std::string ohneVorne(const std::string& name) {
+    return name.starts_with(kVorne) ? name.substr(kVorne.size()) : name;
+}
+
+bool gleichtDemMuster(const std::string& text, const std::string& muster) {
+    if (text.size() != muster.size())
+        return false;
+    for (std::size_t i = 0; i < text.size(); ++i)
+        if (muster[i] == '9' ? text[i] < '0' || text[i] > '9' : text[i] != muster[i])
+            return false;
+    return true;
+}
+
+} // namespace
+
+std::string kurzerTypName(const std::string& name) {
+    std::string kurz = ohneVorne(name);
+    for (const std::string_view ende : kHinten)
+        if (kurz.ends_with(ende))
+            kurz.resize(kurz.size() - ende.size());
+    return kurz;
+}
+
+std::int32_t liesTyp(const std::string& text) {
+    if (isNumeric(text))
+        return string2Int(text);
+    std::string gesucht = orvo::orvoutil::tolower(text);
+    if (gesucht.starts_with(orvo::orvoutil::tolower(kVorne)))
+        gesucht.erase(0, kVorne.size());
+    std::vector<int> anfang;
+    std::vector<int> teil;
+    std::string namen;
+    for (int typ = ORVO_CHECK_SERVICE_ERWEITERUNG; typ <= ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG; ++typ) {
+        const std::string name = ohneVorne(erweiterungTypName(static_cast<tag_erweiterung_typ>(typ)));
+        const std::size_t stelle = orvo::orvoutil::tolower(name).find(gesucht);
+        if (stelle == 0)
+            anfang.push_back(typ);
+        if (stelle != std::string::npos)
+            teil.push_back(typ);
+        namen += "\n  " + std::to_string(typ) + "  " + kurzerTypName(name);
+    }
+    const std::vector<int>& passende = anfang.empty() ? teil : anfang;
+    if (passende.size() != 1)
+        throw AufrufFehler((passende.empty() ? "there is no kind of extension \""
+                                             : "several kinds of extension are meant by \"") +
+                           einzeilig(text) + "\"; they are" + namen);
+    return passende.front();
+}
+
+Zeitraumtext liesZeitraum(const std::string& text) {
+    if (compareIgnoreCase(text, VZ_UNABHAENGIG) == 0)
+        return {};
+    Zeitraumtext gelesen{text, {}};
+    if (text.size() == 6 && (text[4] == 'Q' || text[4] == 'q') && text[5] >= '1' && text[5] <= '4') {
+        gelesen.text = text.substr(0, 4) + "-4" + text[5]; // the library's code of the quarter
+        gelesen.format = "YYYY-MM";
+    } else if (gleichtDemMuster(text, "9999-99-99")) {
+        gelesen.format = "YYYY-MM-TT";
+    } else if (gleichtDemMuster(text, "9999-99")) {
+        gelesen.format = "YYYY-MM";
+    } else if (gleichtDemMuster(text, "9999")) {
+        gelesen.format = "YYYY";
+    } else {
+        throw AufrufFehler("\"" + einzeilig(text) +
+                           "\" is no period; write 2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
+    }
+    try {
+        Veranlagungszeitraum::parse(gelesen.text, gelesen.format.c_str());
+    } catch (const orvo::exception::InvalidFormatException& fehler) {
+        throw AufrufFehler("\"" + einzeilig(text) + "\" is no period: " + toUtf8(fehler.what()));
+    }
+    return gelesen;
+}
+
+std::string liesUnterfallart(const std::string& text) {
+    std::string latin1;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto erstes = static_cast<unsigned char>(text[i]);
+        if (erstes < 0x80) {
+            latin1 += text[i];
+        } else if ((erstes == 0xC2 || erstes == 0xC3) && i + 1 < text.size() &&
+                   (static_cast<unsigned char>(text[i + 1]) & 0xC0) == 0x80) {
+            latin1 +=
+                static_cast<char>((erstes & 0x03) << 6 | (static_cast<unsigned char>(text[++i]) & 0x3F));
+        } else {
+            return text;
+        }
+    }
+    return latin1;
+}
+
+} // namespace werkzeug

@@ -1,0 +1,222 @@
+#pragma once
+
+// What the tool knows of a plugin directory. The child process gathers it through the library, the parent gets it
+// whole and shows it; see Sammler.h for how a command comes by it. Plain data: everything here can be copied,
+// compared and sent, and nothing points into the library.
+//
+// Encoding: texts are bytes, as plugins and the file system gave them; what goes to a person or into JSON passes
+// through Anzeige.h. Numbers are those of the library's own types.
+
+#include <orvoplugin/plugin/LadeBeobachter.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+#include <orvoplugin/registry/RegisterAuskunft.h>
+#include <orvoplugin/registry/RegisterBeobachter.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace werkzeug {
+
+/// A period, `Veranlagungszeitraum`.
+struct ZeitraumFakt {
+    std::int32_t typ = 0;
+    std::int32_t jahr = 0;
+    std::int32_t zeitraum = 0;
+    std::int32_t tag = 0;
+    std::int32_t quartal = 0;
+    std::string text;
+};
+
+/// A sub-case type, `Unterfallart`.
+struct UnterfallartFakt {
+    std::int32_t nummer = 0;
+    std::string name;
+};
+
+/// Whether a plugin's library exports a function that the plugin names.
+enum class Export : std::int32_t {
+    UNGEPRUEFT = 0, ///< not looked at; see `Auftrag::exporteVon`
+    JA = 1,
+    NEIN = 2,
+};
+
+struct ErweiterungFakt {
+    std::int32_t typ = 0;
+    std::string typName;
+    std::string factory;
+    Export factoryExport = Export::UNGEPRUEFT;
+    bool bedientUnterfallarten = false; ///< false for tax-office data, and for classes that serve no pairs
+    bool uebergangen = false; ///< the registry passed it over: its class serves no pairs, but its kind should
+    std::vector<std::pair<UnterfallartFakt, std::vector<ZeitraumFakt>>> angebot; ///< in the library's order
+    std::vector<std::int32_t> flags;                                             ///< those that are set
+    std::vector<std::int32_t> abhaengigkeiten;                                   ///< the kind of each
+    std::vector<std::int32_t> vorbedingungen;                                    ///< the kind of each
+    std::vector<std::int32_t> nachbedingungen;                                   ///< the kind of each
+};
+
+struct LabelFakt {
+    std::int32_t zahl1 = 0;
+    std::string text1;
+    ZeitraumFakt zeitraum;
+    std::string text2;
+    std::int32_t zahl2 = 0;
+    std::string text3;
+    std::string text4;
+};
+
+/// What a plugin says of itself.
+struct PluginFakt {
+    std::int32_t typ = 0;
+    std::int32_t status = 0;
+    std::string produktVersion;
+    std::string fileVersion;
+    bool resident = false;
+    std::string onLoad;
+    Export onLoadExport = Export::UNGEPRUEFT;
+    std::string onUnload;
+    Export onUnloadExport = Export::UNGEPRUEFT;
+    std::vector<LabelFakt> labels;
+    std::vector<ErweiterungFakt> erweiterungen;
+};
+
+/// What became of a file.
+enum class Zustand : std::int32_t {
+    GELADEN = 0,
+    GESPERRT = 1,    ///< on the block list
+    UEBERGANGEN = 2, ///< not taken for a plugin; `grund` says why
+    ABGELEHNT = 3,   ///< refused; `grund` says at which step, `meldung` why
+    ABGESTUERZT = 4, ///< its code ended the process by a signal, `zahl`; 0 for the reason KANAL
+    BEENDET = 5,     ///< its code ended the process with the exit code `zahl`
+    ZEIT = 6,        ///< its code did not come back in time
+};
+
+/// Why a file is in its state: codes of the JSON output, see `grundcode`. Values beyond 100 are the tool's own.
+enum class Grund : std::int32_t {
+    KEINER = 0,
+    DATEIPRUEFUNG = ABLEHNUNG_DATEIPRUEFUNG,
+    OEFFNEN = ABLEHNUNG_OEFFNEN,
+    OHNE_TYPEN = ABLEHNUNG_OHNE_TYPEN,
+    AUSNAHME_TYPEN = ABLEHNUNG_AUSNAHME_TYPEN,
+    LEERE_TYPEN = ABLEHNUNG_LEERE_TYPEN,
+    PLUGINVERSION = ABLEHNUNG_PLUGINVERSION,
+    OHNE_INITIALISIERUNG = ABLEHNUNG_OHNE_INITIALISIERUNG,
+    AUSNAHME_INITIALISIERUNG = ABLEHNUNG_AUSNAHME_INITIALISIERUNG,
+    INITIALISIERUNG = ABLEHNUNG_INITIALISIERUNG,
+    BEOBACHTER = ABLEHNUNG_BEOBACHTER,
+    SPERRLISTE = 101,      ///< on the block list
+    KEINE_ENDUNG = 102,    ///< it has not the suffix of plugins
+    VERSTECKT = 103,       ///< its name begins with a dot
+    OHNE_PUNKT = 104,      ///< its name has no dot, so the walk never gets to see it
+    KEINE_DATEI = 105,     ///< neither a regular file nor a link to one
+    VERZEICHNISLINK = 106, ///< a link to a directory
+    SIGNAL = 107,          ///< a signal ended the process
+    PROZESSENDE = 108,     ///< its code ended the process
+    ZEITLIMIT = 109,       ///< it took too long
+    KANAL = 110,           ///< its code interfered with the tool's own way of reporting
+};
+
+struct DateiFakt {
+    std::uint32_t verzeichnis = 0; ///< place in `Bestand::verzeichnisse`
+    std::string name;              ///< as it stands in the directory
+    std::string pfad;              ///< under which it is loaded, its suffix in lower case
+    Zustand zustand = Zustand::UEBERGANGEN;
+    Grund grund = Grund::KEINER;
+    std::string
+        meldung; ///< for ABGELEHNT what the log says; for the last three states what happened, in English
+    std::int32_t zahl = 0;
+    std::string
+        ausgabe; ///< for ABGESTUERZT, BEENDET and ZEIT: the last that was written to the standard streams
+    std::optional<PluginFakt> plugin; ///< whenever the manager has the plugin on its list
+};
+
+struct VerzeichnisFakt {
+    std::string pfad;
+    std::int32_t fehler = 0; ///< errno when it cannot be read, else 0
+};
+
+/// An extension of a plugin: places in `Bestand::dateien` and in that plugin's `erweiterungen`.
+struct ErweiterungsOrt {
+    std::uint32_t datei = 0;
+    std::uint32_t erweiterung = 0;
+
+    friend bool operator==(const ErweiterungsOrt&, const ErweiterungsOrt&) = default;
+};
+
+/// One event in the life of a key.
+struct SchluesselEreignis {
+    enum class Art : std::int32_t {
+        EINGETRAGEN = 0, ///< `wer` got the free key
+        VERDRAENGT = 1,  ///< `wer` took the key over from `gegen`
+        ABGEWIESEN = 2,  ///< `wer` did not get the key, for `gegen` stands there
+    };
+    Art art = Art::EINGETRAGEN;
+    ErweiterungsOrt wer;
+    ErweiterungsOrt gegen;  ///< unused for EINGETRAGEN
+    std::int32_t regel = 0; ///< `orvo_register_regel_t`; 0 for EINGETRAGEN
+    ZeitraumFakt zeitraum;  ///< under which `wer` came; within one year it may be another than the key's
+};
+
+/// A key of the registry, with all that happened to it, in the order in which it did.
+struct SchluesselFakt {
+    std::int32_t typ = 0;
+    std::string typName;
+    UnterfallartFakt unterfallart;
+    ZeitraumFakt zeitraum;
+    ErweiterungsOrt inhaber; ///< who answers
+    std::vector<SchluesselEreignis> ereignisse;
+    std::optional<ErweiterungsOrt>
+        zweiter; ///< who would if the holder's plugin were not there; `Auftrag::deckung`
+};
+
+/// The answer to `Auftrag::frage`.
+struct AntwortFakt {
+    std::int32_t treffer = RegisterAuskunft::KEINER; ///< `RegisterAuskunft::Treffer`
+    std::uint32_t schluessel = 0; ///< place in `Bestand::schluessel`, when something was found
+    ZeitraumFakt gefragt;         ///< the period, as the library read it
+};
+
+/// Years for which the registry gives one and the same answer.
+struct SpanneFakt {
+    std::int32_t von = 0;
+    std::int32_t bis = 0;                            ///< the last of them; `kOffen`: and all later ones
+    std::int32_t treffer = RegisterAuskunft::KEINER; ///< `RegisterAuskunft::Treffer`
+    std::uint32_t schluessel = 0; ///< place in `Bestand::schluessel`, when something was found
+
+    static constexpr std::int32_t kErstesJahr = 1000; ///< years of fewer digits are completed to more
+    static constexpr std::int32_t kOffen = 0x7FFFFFFF;
+};
+
+/// What the registry answers for a sub-case type, year by year.
+struct ZeileFakt {
+    std::int32_t typ = 0;
+    std::string typName;
+    UnterfallartFakt unterfallart;
+    std::vector<SpanneFakt> spannen;           ///< by year, from the first to the last without a hole
+    std::optional<std::uint32_t> ohneZeitraum; ///< the key that answers when no period is asked for
+};
+
+/// All that is known of a plugin directory.
+struct Bestand {
+    std::string suchpfad;
+    std::vector<VerzeichnisFakt> verzeichnisse; ///< in the order of the walk; the first is the search path
+    std::vector<DateiFakt> dateien;             ///< by directory in that order, then bytewise by name
+    std::vector<SchluesselFakt> schluessel;     ///< by kind, sub-case type (numbers before names) and year
+    std::optional<AntwortFakt> antwort;         ///< when something was asked
+    std::vector<AntwortFakt> antworten;         ///< one to each of `Auftrag::fragen`
+    std::vector<ZeileFakt> zeilen;              ///< in the order of the keys; only with `Auftrag::deckung`
+
+    const ErweiterungFakt& erweiterung(const ErweiterungsOrt& ort) const {
+        return dateien.at(ort.datei).plugin.value().erweiterungen.at(ort.erweiterung);
+    }
+    const DateiFakt& datei(const ErweiterungsOrt& ort) const { return dateien.at(ort.datei); }
+    const PluginFakt& plugin(const ErweiterungsOrt& ort) const { return datei(ort).plugin.value(); }
+    /// Full path of a file as it stands in its directory.
+    std::string fundort(const DateiFakt& datei) const {
+        return verzeichnisse.at(datei.verzeichnis).pfad + "/" + datei.name;
+    }
+};
+
+} // namespace werkzeug

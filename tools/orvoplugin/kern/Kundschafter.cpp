@@ -1,0 +1,489 @@
+#include "kern/Kundschafter.h"
+
+#include "kern/Kindprozess.h"
+#include "kern/Nachfrage.h"
+#include "kern/Ordnung.h"
+#include "kern/Protokoll.h"
+
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/registry/ErweiterungsSchluessel.h>
+#include <orvoplugin/registry/OrvoErweiterungsManager.h>
+#include <orvoutil/Bibliotheksbild.h>
+#include <orvoutil/Einstellungen.h>
+#include <orvoutil/Logger.h>
+#include <orvoutil/PathUtil.h>
+#include <orvoutil/SharedLib.h>
+#include <orvoutil/StringUtil.h>
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <memory>
+#include <numeric>
+#include <tuple>
+#include <unordered_map>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug {
+
+namespace {
+
+constexpr char kHomeDir[] = "basis.home_dir";
+constexpr char kResidente[] = "basis.resident_plugins";
+/// A home directory below which nothing can lie.
+constexpr char kNirgends[] = "/dev/null";
+
+// --- The library's values as facts ---
+
+ZeitraumFakt alsFakt(const Veranlagungszeitraum& vz) {
+    return {vz.getTyp(), vz.getJahr(), vz.getZeitraum(), vz.getTag(), vz.getQuartal(), vz.getText()};
+}
+
+UnterfallartFakt alsFakt(const Unterfallart& ua) { return {ua.getNummer(), ua.getName()}; }
+
+template <class Liste>
+std::vector<std::int32_t> typenVon(const Liste& liste) {
+    std::vector<std::int32_t> typen;
+    for (const auto& eintrag : liste)
+        typen.push_back(eintrag.getTyp());
+    return typen;
+}
+
+ErweiterungFakt alsFakt(const OrvoErweiterung& erweiterung) {
+    ErweiterungFakt fakt;
+    fakt.typ = erweiterung.getTyp();
+    fakt.typName = erweiterungTypName(erweiterung.getTyp());
+    for (int flag = FLAG_SERVICE_LOESCHEN; flag <= FLAG_RESERVIERT_4; ++flag)
+        if (erweiterung.istFlagGesetzt(static_cast<orvo_erweiterung_flag_t>(flag)))
+            fakt.flags.push_back(flag);
+    fakt.abhaengigkeiten = typenVon(erweiterung.getAbhaengigkeiten());
+    if (const auto* const service = dynamic_cast<const OrvoServiceErweiterung*>(&erweiterung))
+        fakt.factory = service->getServiceFactoryName();
+    if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(&erweiterung)) {
+        fakt.bedientUnterfallarten = true;
+        for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
+            auto& [unterfallart, zeitraeume] = fakt.angebot.emplace_back();
+            unterfallart = alsFakt(ua);
+            for (const Veranlagungszeitraum& vz : vzs)
+                zeitraeume.push_back(alsFakt(vz));
+        }
+    }
+    if (const auto* const pruefung = dynamic_cast<const OrvoValidierungsServiceErweiterung*>(&erweiterung)) {
+        fakt.vorbedingungen = typenVon(pruefung->getVorbedingungen());
+        fakt.nachbedingungen = typenVon(pruefung->getNachbedingungen());
+    } else if (const auto* const leser = dynamic_cast<const OrvoDatensatzReaderErweiterung*>(&erweiterung)) {
+        fakt.vorbedingungen = typenVon(leser->getVorbedingungen());
+        fakt.nachbedingungen = typenVon(leser->getNachbedingungen());
+    }
+    return fakt;
+}
+
+PluginFakt alsFakt(const OrvoPlugin& plugin) {
+    PluginFakt fakt;
+    fakt.typ = plugin.getTyp();
+    fakt.status = plugin.getStatus();
+    fakt.produktVersion = plugin.getProduktVersion();
+    fakt.fileVersion = plugin.getFileVersion();
+    fakt.resident = plugin.isResident();
+    fakt.onLoad = plugin.getOnLoadFuncName();
+    fakt.onUnload = plugin.getOnUnloadFuncName();
+    for (const OrvoPlugin::LabelEintrag& label : plugin.getLabels())
+        fakt.labels.push_back({label.zahl1, label.text1, alsFakt(label.zeitraum), label.text2, label.zahl2,
+                               label.text3, label.text4});
+    if (const auto* const v1 = dynamic_cast<const OrvoPluginV1*>(&plugin))
+        for (const OrvoErweiterung* const erweiterung : v1->listeErweiterungen())
+            fakt.erweiterungen.push_back(alsFakt(*erweiterung));
+    return fakt;
+}
+
+// --- What the manager and the registry tell ---
+
+/// A file of the walk, until the rows are put into their order.
+struct Fund {
+    DateiFakt fakt;
+    const OrvoPlugin* plugin = nullptr;
+};
+
+std::string verzeichnisVon(const std::string& pfad) {
+    return pfad.substr(0, std::max<std::size_t>(pfad.rfind('/'), 1));
+}
+
+/// All names in a directory. Returns: 0, or the number of the error why it cannot be read.
+int liesNamen(const std::string& verzeichnis, std::vector<std::string>& namen) {
+    struct Schliesser {
+        void operator()(DIR* offenes) const { closedir(offenes); }
+    };
+    const std::unique_ptr<DIR, Schliesser> offen(opendir(verzeichnis.c_str()));
+    if (!offen)
+        return errno;
+    while (const dirent* const eintrag = readdir(offen.get()))
+        if (const std::string_view name = eintrag->d_name; name != "." && name != "..")
+            namen.emplace_back(name);
+    return 0;
+}
+
+class Ladenotizen : public LadeBeobachter {
+public:
+    Ladenotizen(const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
+                const std::function<void(const std::string&)>& bevor)
+        : auftrag_(auftrag), ueberspringe_(ueberspringe), bevor_(bevor) {}
+
+    void betrittVerzeichnis(const std::string& verzeichnis) noexcept override {
+        const int fehler = liesNamen(verzeichnis, eintraege.emplace_back());
+        verzeichnisse.push_back({verzeichnis, fehler});
+    }
+    void findetDatei(const std::string&, const std::string& name, Dateiart art,
+                     const std::string& pfad) noexcept override {
+        gesehen.insert(verzeichnisse.back().pfad + "/" + name);
+        if (auftrag_.ohne.contains(pfad))
+            return;
+        DateiFakt& datei = funde.emplace_back().fakt;
+        datei.verzeichnis = static_cast<std::uint32_t>(verzeichnisse.size() - 1);
+        datei.name = name;
+        datei.pfad = pfad;
+        if (art == GESPERRT) {
+            datei.zustand = Zustand::GESPERRT;
+            datei.grund = Grund::SPERRLISTE;
+        } else if (art == UEBERGANGEN) {
+            datei.grund = Grund::KEINE_ENDUNG;
+        }
+    }
+    bool ladeDatei(const std::string& pfad) noexcept override {
+        if (funde.empty() && pfad == auftrag_.einzeln) { // of which no walk told
+            DateiFakt& datei = funde.emplace_back().fakt;
+            verzeichnisse.push_back({verzeichnisVon(pfad), 0});
+            datei.name = getOnlyFilenameOfFullFilename(pfad);
+            datei.pfad = pfad;
+        }
+        if (auftrag_.ohne.contains(pfad) || ueberspringe_.contains(pfad) ||
+            (auftrag_.nur && !auftrag_.nur->contains(pfad)))
+            return false;
+        bevor_(pfad);
+        return true;
+    }
+    void pluginGeladen(const std::string&, const OrvoPlugin& plugin) noexcept override {
+        funde.back().plugin = &plugin;
+        funde.back().fakt.zustand = Zustand::GELADEN;
+    }
+    void dateiAbgelehnt(const std::string&, orvo_plugin_ablehnung_t schritt,
+                        const char* grund) noexcept override {
+        DateiFakt& datei = funde.back().fakt;
+        datei.zustand = Zustand::ABGELEHNT;
+        datei.grund = static_cast<Grund>(schritt);
+        datei.meldung = grund;
+        if (schritt == ABLEHNUNG_BEOBACHTER) // it is loaded all the same, as the last one
+            funde.back().plugin = OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().back();
+    }
+
+    std::vector<VerzeichnisFakt> verzeichnisse;
+    /// What lies in each of them; read before the code of its plugins runs, which may leave no descriptor to read by.
+    std::vector<std::vector<std::string>> eintraege;
+    std::vector<Fund> funde;
+    std::set<std::string> gesehen; ///< full names of all files that the manager told of
+
+private:
+    const Auftrag& auftrag_;
+    const std::set<std::string>& ueberspringe_;
+    const std::function<void(const std::string&)>& bevor_;
+};
+
+class Registernotizen : public RegisterBeobachter {
+public:
+    struct Ereignis {
+        SchluesselEreignis::Art art;
+        const OrvoErweiterung* wer;
+        const OrvoErweiterung* gegen;
+        std::int32_t regel;
+        ZeitraumFakt zeitraum;
+    };
+    struct Eintrag {
+        const OrvoErweiterung* inhaber = nullptr;
+        std::vector<Ereignis> ereignisse;
+    };
+
+    void eingetragen(const ErweiterungsSchluessel& schluessel,
+                     const OrvoErweiterung& erweiterung) noexcept override {
+        merke(schluessel, {SchluesselEreignis::Art::EINGETRAGEN, &erweiterung, nullptr, 0, {}}, true);
+    }
+    void verdraengt(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
+                    const OrvoErweiterung& bisherige, orvo_register_regel_t regel) noexcept override {
+        merke(schluessel, {SchluesselEreignis::Art::VERDRAENGT, &neue, &bisherige, regel, {}}, true);
+    }
+    void abgewiesen(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
+                    const OrvoErweiterung& bestehende, orvo_register_regel_t regel) noexcept override {
+        merke(schluessel, {SchluesselEreignis::Art::ABGEWIESEN, &neue, &bestehende, regel, {}}, false);
+    }
+    void uebergangen(const OrvoErweiterung& erweiterung) noexcept override {
+        uebergangene.insert(&erweiterung);
+    }
+    void entfernt(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung&) noexcept override {
+        eintraege.erase(schluessel);
+    }
+
+    std::unordered_map<ErweiterungsSchluessel, Eintrag, ErweiterungsSchluessel> eintraege;
+    std::set<const OrvoErweiterung*> uebergangene;
+
+private:
+    void merke(const ErweiterungsSchluessel& schluessel, Ereignis ereignis, bool gewonnen) {
+        ereignis.zeitraum = alsFakt(schluessel.getVeranlagungszeitraum());
+        Eintrag& eintrag = eintraege[schluessel];
+        if (gewonnen)
+            eintrag.inhaber = ereignis.wer;
+        eintrag.ereignisse.push_back(std::move(ereignis));
+    }
+};
+
+// --- What the library passes over without a word ---
+
+/// Why the walk did not come by an entry of a directory; `KEINER` for a directory, which it came by.
+Grund grundFuerSchweigen(const std::string& pfad, const char* name) {
+    struct stat eigenes;
+    struct stat ziel;
+    if (lstat(pfad.c_str(), &eigenes) != 0)
+        return Grund::KEINE_DATEI;
+    if (name[0] == '.')
+        return Grund::VERSTECKT;
+    if (S_ISDIR(eigenes.st_mode))
+        return Grund::KEINER;
+    if (stat(pfad.c_str(), &ziel) == 0) {
+        if (S_ISDIR(ziel.st_mode))
+            return Grund::VERZEICHNISLINK;
+        if (S_ISREG(ziel.st_mode))
+            return Grund::OHNE_PUNKT;
+    }
+    return Grund::KEINE_DATEI;
+}
+
+/// Adds a row for each entry of the directories that the manager did not tell of.
+void ergaenze(Ladenotizen& notizen) {
+    for (std::size_t i = 0; i < notizen.verzeichnisse.size(); ++i) {
+        for (const std::string& name : notizen.eintraege[i]) {
+            const std::string voll = notizen.verzeichnisse[i].pfad + "/" + name;
+            if (notizen.gesehen.contains(voll))
+                continue;
+            const Grund grund = grundFuerSchweigen(voll, name.c_str());
+            if (grund == Grund::KEINER)
+                continue;
+            DateiFakt& datei = notizen.funde.emplace_back().fakt;
+            datei.verzeichnis = static_cast<std::uint32_t>(i);
+            datei.name = name;
+            datei.pfad = voll;
+            datei.grund = grund;
+        }
+    }
+}
+
+// --- All of it put together ---
+
+using Orte = std::unordered_map<const OrvoErweiterung*, ErweiterungsOrt>;
+
+/// The rows in their order, and where each extension stands in them.
+Orte uebernimmDateien(Bestand& bestand, Ladenotizen& laden, const Registernotizen& register_) {
+    std::stable_sort(laden.funde.begin(), laden.funde.end(), [](const Fund& a, const Fund& b) {
+        return std::tie(a.fakt.verzeichnis, a.fakt.name) < std::tie(b.fakt.verzeichnis, b.fakt.name);
+    });
+    Orte orte;
+    bestand.verzeichnisse = std::move(laden.verzeichnisse);
+    for (Fund& fund : laden.funde) {
+        const auto platz = static_cast<std::uint32_t>(bestand.dateien.size());
+        DateiFakt& datei = bestand.dateien.emplace_back(std::move(fund.fakt));
+        if (!fund.plugin)
+            continue;
+        datei.plugin = alsFakt(*fund.plugin);
+        const auto* const v1 = dynamic_cast<const OrvoPluginV1*>(fund.plugin);
+        for (std::uint32_t i = 0; i < datei.plugin->erweiterungen.size(); ++i) {
+            const OrvoErweiterung* const erweiterung = v1->listeErweiterungen()[i];
+            datei.plugin->erweiterungen[i].uebergangen = register_.uebergangene.contains(erweiterung);
+            orte[erweiterung] = {platz, i};
+        }
+    }
+    return orte;
+}
+
+/// The keys of the facts, in their order.
+using Schluesselreihe = std::vector<const ErweiterungsSchluessel*>;
+
+Schluesselreihe uebernimmSchluessel(Bestand& bestand, const Registernotizen& register_, const Orte& orte) {
+    std::vector<std::pair<SchluesselFakt, const ErweiterungsSchluessel*>> gesammelt;
+    for (const auto& [schluessel, eintrag] : register_.eintraege) {
+        SchluesselFakt fakt;
+        fakt.typ = schluessel.getTyp();
+        fakt.typName = erweiterungTypName(schluessel.getTyp());
+        fakt.unterfallart = alsFakt(schluessel.getUnterfallart());
+        fakt.inhaber = orte.at(eintrag.inhaber);
+        for (const Registernotizen::Ereignis& e : eintrag.ereignisse) {
+            const ErweiterungsOrt wer = orte.at(e.wer);
+            fakt.ereignisse.push_back({e.art, wer, e.gegen ? orte.at(e.gegen) : wer, e.regel, e.zeitraum});
+            if (e.wer == eintrag.inhaber && e.art != SchluesselEreignis::Art::ABGEWIESEN)
+                fakt.zeitraum = e.zeitraum;
+        }
+        gesammelt.emplace_back(std::move(fakt), &schluessel);
+    }
+    std::sort(gesammelt.begin(), gesammelt.end(),
+              [](const auto& a, const auto& b) { return schluesselrang(a.first) < schluesselrang(b.first); });
+    Schluesselreihe reihe;
+    for (auto& [fakt, schluessel] : gesammelt) {
+        bestand.schluessel.push_back(std::move(fakt));
+        reihe.push_back(schluessel);
+    }
+    return reihe;
+}
+
+JeSchluessel<std::uint32_t> plaetze(const Schluesselreihe& reihe) {
+    JeSchluessel<std::uint32_t> plaetze;
+    for (const ErweiterungsSchluessel* const schluessel : reihe)
+        plaetze.emplace(*schluessel, static_cast<std::uint32_t>(plaetze.size()));
+    return plaetze;
+}
+
+AntwortFakt beantworte(const OrvoErweiterungsManager& registratur, const Frage& frage,
+                       const JeSchluessel<std::uint32_t>& plaetze) {
+    const Veranlagungszeitraum vz = frage.format.empty()
+                                        ? Veranlagungszeitraum()
+                                        : Veranlagungszeitraum::parse(frage.zeitraum, frage.format.c_str());
+    const RegisterAuskunft auskunft = registratur.schlageNach(static_cast<tag_erweiterung_typ>(frage.typ),
+                                                              Unterfallart(frage.unterfallart.c_str()), vz);
+    return {auskunft.treffer, auskunft.schluessel ? plaetze.at(*auskunft.schluessel) : 0, alsFakt(vz)};
+}
+
+void uebernimmZeilen(Bestand& bestand, const OrvoErweiterungsManager& registratur,
+                     const Schluesselreihe& reihe, const JeSchluessel<std::uint32_t>& plaetze) {
+    for (std::size_t von = 0, bis = 0; von < reihe.size(); von = bis) {
+        const SchluesselFakt& erster = bestand.schluessel[von];
+        while (bis < reihe.size() && zeilenrang(bestand.schluessel[bis]) == zeilenrang(erster))
+            ++bis;
+        ZeileFakt& zeile = bestand.zeilen.emplace_back(
+            frageAlleJahre(registratur,
+                           Schluesselreihe(reihe.begin() + static_cast<std::ptrdiff_t>(von),
+                                           reihe.begin() + static_cast<std::ptrdiff_t>(bis)),
+                           plaetze));
+        zeile.typ = erster.typ;
+        zeile.typName = erster.typName;
+        zeile.unterfallart = erster.unterfallart;
+    }
+}
+
+/// Changes the registry for a while, and so comes last.
+void uebernimmZweite(Bestand& bestand, OrvoErweiterungsManager& registratur, const Registernotizen& register_,
+                     const Schluesselreihe& reihe, const Orte& orte,
+                     const std::function<void(const std::string&)>& bevor) {
+    std::vector<Umstritten> umstrittene;
+    for (const ErweiterungsSchluessel* const schluessel : reihe) {
+        const Registernotizen::Eintrag& eintrag = register_.eintraege.at(*schluessel);
+        if (eintrag.ereignisse.size() < 2)
+            continue;
+        Umstritten& einer = umstrittene.emplace_back();
+        einer.schluessel = schluessel;
+        einer.inhaber = eintrag.inhaber;
+        for (const Registernotizen::Ereignis& ereignis : eintrag.ereignisse)
+            einer.bewerber.push_back(ereignis.wer);
+    }
+    const JeSchluessel<const OrvoErweiterung*> zweite =
+        frageNachZweiten(registratur, umstrittene, [&] { bevor(std::string()); });
+    for (std::size_t i = 0; i < reihe.size(); ++i)
+        if (const auto zweiter = zweite.find(*reihe[i]); zweiter != zweite.end())
+            bestand.schluessel[i].zweiter = orte.at(zweiter->second);
+}
+
+Export exportiert(const Bibliotheksbild& bild, const std::string& name) {
+    return bild.exportiertFunktion(name) ? Export::JA : Export::NEIN;
+}
+
+void pruefeExporte(DateiFakt& datei) {
+    const Bibliotheksbild bild(datei.pfad);
+    if (!bild.istLadbar()) // it was, and cannot be read any more: nothing can be said
+        return;
+    if (!datei.plugin->onLoad.empty())
+        datei.plugin->onLoadExport = exportiert(bild, datei.plugin->onLoad);
+    if (!datei.plugin->onUnload.empty())
+        datei.plugin->onUnloadExport = exportiert(bild, datei.plugin->onUnload);
+    for (ErweiterungFakt& erweiterung : datei.plugin->erweiterungen)
+        erweiterung.factoryExport = exportiert(bild, erweiterung.factory);
+}
+
+/// Has the library load the plugins that the options name. Without the home directory of an ordinary client, the
+/// manager starts below a place where nothing lies, and is sent to the right one then.
+OrvoErweiterungsManager* lade(const Optionen& optionen, Protokoll* protokoll, Ladenotizen& laden,
+                              Registernotizen& register_, const std::string& einzeln) {
+    const Einstellungen einstellungen;
+    einstellungen.setze(kResidente, optionen.resident);
+    const auto beobachte = [&] {
+        OrvoPluginManager::setLadeBeobachter(&laden);
+        OrvoErweiterungsManager::setRegisterBeobachter(&register_);
+    };
+    if (optionen.dir.empty() && einzeln.empty()) {
+        if (!optionen.home.empty())
+            einstellungen.setze(kHomeDir, optionen.home);
+        beobachte();
+        return OrvoErweiterungsManager::getInstanz();
+    }
+
+    einstellungen.setze(kHomeDir, kNirgends);
+    if (protokoll)
+        protokoll->gewollt = false;
+    OrvoErweiterungsManager* const registratur = OrvoErweiterungsManager::getInstanz();
+    if (protokoll)
+        protokoll->gewollt = true;
+    beobachte();
+    OrvoPluginManager* const manager = OrvoPluginManager::getInstanz(nullptr);
+    if (!einzeln.empty()) {
+        manager->setPluginSuchPfad(verzeichnisVon(einzeln));
+        manager->ladePlugin(einzeln);
+    } else {
+        manager->setPluginSuchPfad(optionen.dir);
+        manager->ladePlugins();
+    }
+    return registratur;
+}
+
+} // namespace
+
+Bestand erkunde(const Optionen& optionen, const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
+                const std::function<void(const std::string&)>& bevor) {
+    std::cout.rdbuf(nullptr); // the library echoes the resident plugins' names there
+    const std::shared_ptr<Protokoll> protokoll = Protokoll::beginne(optionen.log);
+
+    Ladenotizen laden(auftrag, ueberspringe, bevor);
+    Registernotizen register_;
+    OrvoErweiterungsManager* const registratur =
+        lade(optionen, protokoll.get(), laden, register_, auftrag.einzeln);
+    if (OrvoPluginManager::setLadeBeobachter(nullptr) != &laden ||
+        OrvoErweiterungsManager::setRegisterBeobachter(nullptr) != &register_)
+        meldeKanalVerloren(); // code of a plugin took them out
+    bevor(std::string());
+
+    Bestand bestand;
+    bestand.suchpfad = OrvoPluginManager::getInstanz(nullptr)->getPluginSuchPfad();
+    if (auftrag.einzeln.empty())
+        ergaenze(laden);
+    const Orte orte = uebernimmDateien(bestand, laden, register_);
+    const Schluesselreihe reihe = uebernimmSchluessel(bestand, register_, orte);
+    if (auftrag.frage || !auftrag.fragen.empty() || auftrag.deckung) {
+        const JeSchluessel<std::uint32_t> wo = plaetze(reihe);
+        if (auftrag.frage)
+            bestand.antwort = beantworte(*registratur, *auftrag.frage, wo);
+        for (const Frage& frage : auftrag.fragen)
+            bestand.antworten.push_back(beantworte(*registratur, frage, wo));
+        if (auftrag.deckung)
+            uebernimmZeilen(bestand, *registratur, reihe, wo);
+    }
+    for (DateiFakt& datei : bestand.dateien)
+        if (datei.plugin && (auftrag.exporteVon == "*" || auftrag.exporteVon == datei.pfad))
+            pruefeExporte(datei);
+    Logger::setSink(nullptr);
+    if (auftrag.deckung)
+        uebernimmZweite(bestand, *registratur, register_, reihe, orte, bevor);
+    return bestand;
+}
+
+} // namespace werkzeug

@@ -1,0 +1,46 @@
+#include "kern/Optionen.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <cstdlib>
+#include <string>
+
+namespace werkzeug {
+
+void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen) {
+    constexpr char kGruppe[] = "Options of all commands";
+    CLI::Option* const home = app.add_option("--home", optionen.home,
+                                             "Home directory; plugins lie below its subdirectory \"plugins\"")
+                                  ->type_name("DIR");
+    app.add_option("--dir", optionen.dir, "Plugin directory itself")
+        ->type_name("DIR")
+        ->excludes(home)
+        ->group(kGruppe);
+    home->group(kGruppe);
+    app.add_option(
+           "--resident", optionen.resident,
+           "Resident plugins: names in lower case without \"lib\" and \".dylib\", each followed by a comma")
+        ->type_name("LIST")
+        ->group(kGruppe);
+    app.add_flag("--json", optionen.json, "Results as JSON")->group(kGruppe);
+    app.add_flag("--quiet", optionen.quiet, "No results, only the exit code and errors")->group(kGruppe);
+    app.add_option("--log", optionen.log,
+                   "The library's own log on standard error: debug, info, warn or error")
+        ->type_name("LEVEL")
+        ->check(CLI::IsMember({"debug", "info", "warn", "error"}))
+        ->group(kGruppe);
+    app.add_option("--timeout", optionen.zeitlimit, "Seconds that one plugin may take before it is killed")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.01, 86400.0))
+        ->check(CLI::Validator(
+            [](std::string& wert) {
+                return std::isnan(std::strtod(wert.c_str(), nullptr)) ? std::string("must be a number")
+                                                                      : std::string();
+            },
+            ""))
+        ->capture_default_str()
+        ->group(kGruppe);
+}
+
+} // namespace werkzeug

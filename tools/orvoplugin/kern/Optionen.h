@@ -1,0 +1,35 @@
+#pragma once
+
+#include "kern/Ausgang.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace werkzeug {
+
+/// What every command takes.
+struct Optionen {
+    std::string home;      ///< --home: home directory, plugins lie below its "plugins"; empty when not given
+    std::string dir;       ///< --dir: the plugin directory itself; empty when not given
+    std::string resident;  ///< --resident: the resident plugins' names, as the setting has them
+    std::string log;       ///< --log: "debug", "info", "warn" or "error"; empty for none
+    bool json = false;     ///< --json
+    bool quiet = false;    ///< --quiet: no results in text form, no progress; the exit code tells
+    double zeitlimit = 10; ///< --timeout: seconds that a plugin may take before its process is killed
+};
+
+/// Adds the options to a command or to the program.
+void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen);
+
+/// The command line was understood by its grammar, but what it says makes no sense (a period that is none, say).
+/// The program tells the user and ends with `Ausgang::FALSCHER_AUFRUF`. The text is UTF-8.
+class AufrufFehler : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+} // namespace werkzeug

@@ -1,0 +1,33 @@
+#pragma once
+
+// The order in which people read keys, and by which those of two directories are matched. It is a total one, unlike
+// that of the library's keys, and holds equal what they do.
+
+#include "kern/Fakten.h"
+
+#include <orvoplugin/domain/Unterfallart.h>
+#include <orvoutil/StringUtil.h>
+
+#include <cstdint>
+#include <string>
+#include <tuple>
+
+namespace werkzeug {
+
+/// Kind, then sub-case type: those with a number first, by number; then the others by name, in any letter case.
+using Zeilenrang = std::tuple<std::int32_t, bool, std::int32_t, std::string>;
+
+inline Zeilenrang zeilenrang(std::int32_t typ, const UnterfallartFakt& unterfallart) {
+    const bool ohneNummer = unterfallart.nummer == Unterfallart::OHNE_NUMMER;
+    return {typ, ohneNummer, unterfallart.nummer,
+            ohneNummer ? orvo::orvoutil::tolower(unterfallart.name) : std::string()};
+}
+inline Zeilenrang zeilenrang(const SchluesselFakt& s) { return zeilenrang(s.typ, s.unterfallart); }
+inline Zeilenrang zeilenrang(const ZeileFakt& z) { return zeilenrang(z.typ, z.unterfallart); }
+
+/// The same, and then the year.
+using Schluesselrang = std::pair<Zeilenrang, std::int32_t>;
+
+inline Schluesselrang schluesselrang(const SchluesselFakt& s) { return {zeilenrang(s), s.zeitraum.jahr}; }
+
+} // namespace werkzeug
