@@ -1,0 +1,39 @@
+#pragma once
+
+#include "kern/Ausgang.h"
+#include "kern/Optionen.h"
+
+#include <memory>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace werkzeug {
+
+/// One command of the program. It lives as long as the program; the command line is read into its fields.
+class Befehl {
+public:
+    virtual ~Befehl() = default;
+
+    /// Adds the command's own arguments and options; the common ones are added by the program.
+    virtual void beschreibe(CLI::App& unterbefehl) = 0;
+    /// Runs the command: results go to standard output, messages to standard error.
+    /// Errors: `AufrufFehler` for a command line that makes no sense; anything else ends the program with
+    /// `Ausgang::NICHT_LESBAR` and its text.
+    virtual Ausgang fuehreAus(const Optionen& optionen) = 0;
+};
+
+/// A line in the table of commands.
+struct BefehlEintrag {
+    const char* name;
+    const char* kurz; ///< one line for --help and the man page
+    std::unique_ptr<Befehl> (*mache)();
+};
+
+/// All commands, in the order of the help. A new one is a file in befehle/ (or a folder beside it) and one line in
+/// the table in befehle/Befehle.cpp.
+const std::vector<BefehlEintrag>& alleBefehle();
+
+} // namespace werkzeug

@@ -1,0 +1,100 @@
+// orvoplugin find TYPE [SUB-CASE-TYPE [PERIOD]]: who answers.
+
+#include "befehle/Befehl.h"
+#include "befehle/Befehle.h"
+#include "kern/Antwort.h"
+#include "kern/Berichtsteile.h"
+#include "kern/Eingabe.h"
+#include "kern/Sammler.h"
+
+#include <orvoplugin/domain/Unterfallart.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+namespace werkzeug {
+
+namespace {
+
+Unterfallart alsUnterfallart(const UnterfallartFakt& fakt) {
+    return fakt.nummer < 0 && fakt.nummer != Unterfallart::OHNE_NUMMER ? Unterfallart(fakt.nummer)
+                                                                       : Unterfallart(fakt.name.c_str());
+}
+
+std::string alsText(const Json& dokument, const Farben& farben) {
+    if (dokument["answers"].empty())
+        return "nobody answers\n";
+    Tabelle tabelle({"TYPE", "SUB-CASE TYPE", "PERIOD", "KEY", "VERSION", "FILE", "FACTORY"});
+    for (const Json& antwort : dokument["answers"]) {
+        tabelle.zeile({zeige(antwort["type"]["label"]), zeige(antwort["sub_case_type"]["name"]),
+                       zeige(antwort["period"]["label"]), zeige(antwort["match"]),
+                       zeige(antwort["plugin"]["product_version"]), zeige(antwort["plugin"]["file"]),
+                       zeige(antwort["factory"])});
+        for (const Json& verdraengter : antwort["displaced"])
+            tabelle.bemerkung("instead of " + anbieterAlsText(verdraengter["plugin"]) + ": " +
+                              zeige(verdraengter["explanation"]));
+    }
+    return tabelle.alsText(farben);
+}
+
+class Find : public Befehl {
+public:
+    void beschreibe(CLI::App& unterbefehl) override {
+        unterbefehl.add_option("TYPE", typ_, "Kind of extension: number, name or the name's beginning")
+            ->required();
+        unterbefehl.add_option("SUB-CASE-TYPE", unterfallart_, "Sub-case type: number or name");
+        unterbefehl.add_option("PERIOD", zeitraum_, "2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
+    }
+
+    Ausgang fuehreAus(const Optionen& optionen) override {
+        const std::int32_t typ = liesTyp(typ_);
+        const std::string unterfallart = liesUnterfallart(unterfallart_);
+        Auftrag auftrag;
+        if (!zeitraum_.empty()) {
+            const Zeitraumtext zeitraum = liesZeitraum(zeitraum_);
+            auftrag.frage = Frage{typ, unterfallart, zeitraum.text, zeitraum.format};
+        }
+        const Bestand bestand = sammle(optionen, auftrag);
+
+        Json antworten = Json::array();
+        if (bestand.antwort) {
+            if (bestand.antwort->treffer != RegisterAuskunft::KEINER)
+                antworten.push_back(antwortAlsJson(bestand, bestand.schluessel[bestand.antwort->schluessel],
+                                                   bestand.antwort->treffer));
+        } else {
+            for (const SchluesselFakt& schluessel : bestand.schluessel)
+                if (schluessel.typ == typ &&
+                    (unterfallart_.empty() ||
+                     alsUnterfallart(schluessel.unterfallart) == Unterfallart(unterfallart.c_str())))
+                    antworten.push_back(antwortAlsJson(bestand, schluessel, RegisterAuskunft::KEINER));
+        }
+
+        Json dokument = jsonKopf("find", bestand.suchpfad);
+        dokument["query"] = {
+            {"type", typAlsJson(typ, erweiterungTypName(static_cast<tag_erweiterung_typ>(typ)))},
+            {"sub_case_type", unterfallart_.empty() ? Json(nullptr) : jsonText(unterfallart)},
+            {"period", bestand.antwort ? alsJson(bestand.antwort->gefragt) : Json(nullptr)}};
+        const bool gefunden = !antworten.empty();
+        dokument["found"] = gefunden;
+        dokument["answers"] = std::move(antworten);
+        gibAus(optionen, dokument, alsText);
+
+        // Files that were refused are no findings here, but without those that crashed the answer may be another.
+        const Ausgang umstaende = ausgangVon(bestand);
+        const Ausgang ausgang = gefunden ? Ausgang::GUT : Ausgang::BEFUNDE;
+        return umstaende == Ausgang::BEFUNDE ? ausgang : schwerster(ausgang, umstaende);
+    }
+
+private:
+    std::string typ_;
+    std::string unterfallart_;
+    std::string zeitraum_;
+};
+
+} // namespace
+
+std::unique_ptr<Befehl> macheFind() { return std::make_unique<Find>(); }
+
+} // namespace werkzeug

@@ -1,0 +1,286 @@
+// orvoplugin show FILE: one plugin whole.
+
+#include "befehle/Befehl.h"
+#include "befehle/Befehle.h"
+#include "befehle/Dateisuche.h"
+#include "kern/Berichtsteile.h"
+#include "kern/Gruende.h"
+#include "kern/Sammler.h"
+
+#include <orvoplugin/domain/Abhaengigkeit.h>
+#include <orvoplugin/domain/Bedingung.h>
+#include <orvoplugin/plugin/OrvoPlugin.h>
+#include <orvoutil/PathUtil.h>
+
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace werkzeug {
+
+namespace {
+
+// --- The document ---
+
+Json art(std::int32_t typ, const char* name) { return {{"number", typ}, {"code", name}}; }
+
+Json flagAlsJson(std::int32_t flag) {
+    constexpr const char* kNamen[] = {"delete_service", "reserved_1", "reserved_2", "reserved_3",
+                                      "reserved_4"};
+    return art(flag, flag >= 0 && flag < 5 ? kNamen[flag] : "other");
+}
+
+Json abhaengigkeitAlsJson(std::int32_t typ) {
+    return art(typ, typ == Abhaengigkeit::UFA_VZ ? "sub_case_type_and_period" : "other");
+}
+
+Json bedingungAlsJson(std::int32_t typ) {
+    constexpr const char* kNamen[] = {"sub_case_type_check", "formal_check", "sums", "leading_record_check"};
+    return art(typ,
+               typ >= Bedingung::UFA_PRUEFUNG && typ <= Bedingung::VORSATZ_PRUEFUNG ? kNamen[typ] : "other");
+}
+
+Json statusAlsJson(std::int32_t status) {
+    switch (status) {
+    case ORVO_PLUGIN_ERZEUGT:
+        return art(status, "made");
+    case ORVO_PLUGIN_GELADEN:
+        return art(status, "in_use");
+    case ORVO_PLUGIN_ENTLADEN:
+        return art(status, "given_back");
+    default:
+        return art(status, "other");
+    }
+}
+
+Json funktionAlsJson(const std::string& name, Export exportiert) {
+    return {{"name", jsonText(name)}, {"exported", code(exportiert)}};
+}
+
+template <class Liste, class Wie>
+Json listeAlsJson(const Liste& liste, Wie&& wie) {
+    Json json = Json::array();
+    for (const auto& eintrag : liste)
+        json.push_back(wie(eintrag));
+    return json;
+}
+
+Json erweiterungAlsJson(const ErweiterungFakt& erweiterung) {
+    const auto zeitraum = [](const ZeitraumFakt& z) { return alsJson(z); };
+    const auto angebot = [&](const auto& paar) {
+        return Json{{"sub_case_type", alsJson(paar.first)}, {"periods", listeAlsJson(paar.second, zeitraum)}};
+    };
+    return {{"type", typAlsJson(erweiterung.typ, erweiterung.typName)},
+            {"factory", funktionAlsJson(erweiterung.factory, erweiterung.factoryExport)},
+            {"serves_sub_case_types", erweiterung.bedientUnterfallarten},
+            {"passed_over", erweiterung.uebergangen},
+            {"offers", listeAlsJson(erweiterung.angebot, angebot)},
+            {"flags", listeAlsJson(erweiterung.flags, flagAlsJson)},
+            {"preconditions", listeAlsJson(erweiterung.vorbedingungen, bedingungAlsJson)},
+            {"postconditions", listeAlsJson(erweiterung.nachbedingungen, bedingungAlsJson)},
+            {"dependencies", listeAlsJson(erweiterung.abhaengigkeiten, abhaengigkeitAlsJson)}};
+}
+
+Json labelAlsJson(const LabelFakt& label) {
+    return {{"number1", label.zahl1},
+            {"text1", jsonText(label.text1)},
+            {"period", alsJson(label.zeitraum)},
+            {"text2", jsonText(label.text2)},
+            {"number2", label.zahl2},
+            {"text3", jsonText(label.text3)},
+            {"text4", jsonText(label.text4)}};
+}
+
+Json pluginAlsJson(const PluginFakt& plugin) {
+    const auto hook = [](const std::string& name, Export exportiert) {
+        return name.empty() ? Json(nullptr) : funktionAlsJson(name, exportiert);
+    };
+    return {{"interface", plugin.typ},
+            {"product_version", jsonText(plugin.produktVersion)},
+            {"file_version", jsonText(plugin.fileVersion)},
+            {"resident", plugin.resident},
+            {"status", statusAlsJson(plugin.status)},
+            {"on_load", hook(plugin.onLoad, plugin.onLoadExport)},
+            {"on_unload", hook(plugin.onUnload, plugin.onUnloadExport)},
+            {"labels", listeAlsJson(plugin.labels, labelAlsJson)},
+            {"extensions", listeAlsJson(plugin.erweiterungen, erweiterungAlsJson)}};
+}
+
+/// Functions that the plugin names and its library lacks.
+std::vector<std::string> fehlendeFunktionen(const PluginFakt& plugin) {
+    std::vector<std::string> fehlende;
+    if (plugin.onLoadExport == Export::NEIN)
+        fehlende.push_back(plugin.onLoad);
+    if (plugin.onUnloadExport == Export::NEIN)
+        fehlende.push_back(plugin.onUnload);
+    for (const ErweiterungFakt& erweiterung : plugin.erweiterungen)
+        if (erweiterung.factoryExport == Export::NEIN)
+            fehlende.push_back(erweiterung.factory);
+    return fehlende;
+}
+
+Json bericht(const Bestand& bestand, const DateiFakt& datei) {
+    Json dokument = jsonKopf("show", bestand.suchpfad);
+    dokument["file"] = zeileAlsJson(bestand, datei);
+    dokument["plugin"] = datei.plugin ? pluginAlsJson(*datei.plugin) : Json(nullptr);
+    dokument["missing_functions"] =
+        datei.plugin
+            ? listeAlsJson(fehlendeFunktionen(*datei.plugin), [](const auto& name) { return jsonText(name); })
+            : Json::array();
+    return dokument;
+}
+
+// --- Its text ---
+
+constexpr std::size_t kSpalte = 18;
+
+std::string feld(const std::string& name, const std::string& wert, const char* einzug = "") {
+    std::string text = einzug + name + ":";
+    text.resize(std::max(text.size() + 1, kSpalte), ' ');
+    return text + wert + "\n";
+}
+
+std::string funktion(const Json& json, const Farben& farben) {
+    if (json.is_null())
+        return "-";
+    const std::string exportiert = json["exported"];
+    return zeige(json["name"]) + (exportiert == "no"    ? " " + farben(Farbe::ROT, "(not exported)")
+                                  : exportiert == "yes" ? " (exported)"
+                                                        : "");
+}
+
+std::string codes(const Json& liste) {
+    std::string text;
+    for (const Json& eintrag : liste) {
+        const std::string name = eintrag["code"];
+        text += (text.empty() ? "" : ", ") + (name == "other" ? eintrag["number"].dump() : name);
+    }
+    return text;
+}
+
+std::string erweiterungAlsText(const Json& erweiterung, std::size_t nummer, const Farben& farben) {
+    constexpr char kEin[] = "  ";
+    std::string text = "\n" +
+                       farben(Farbe::FETT, "Extension " + std::to_string(nummer) + ": " +
+                                               zeige(erweiterung["type"]["name"])) +
+                       " (" + erweiterung["type"]["number"].dump() + ")\n";
+    text += feld("factory", funktion(erweiterung["factory"], farben), kEin);
+    if (erweiterung["passed_over"])
+        text += feld("registry", farben(Farbe::ROT, "passed over: its class serves no sub-case types"), kEin);
+    for (const auto& [name, titel] :
+         {std::pair("flags", "flags"), std::pair("preconditions", "preconditions"),
+          std::pair("postconditions", "postconditions"), std::pair("dependencies", "dependencies")})
+        if (const std::string liste = codes(erweiterung[name]); !liste.empty())
+            text += feld(titel, liste, kEin);
+    for (const Json& angebot : erweiterung["offers"]) {
+        std::string zeitraeume;
+        for (const Json& zeitraum : angebot["periods"])
+            zeitraeume += (zeitraeume.empty() ? "" : ", ") + zeitraum["label"].get<std::string>();
+        text += feld("serves " + zeige(angebot["sub_case_type"]["name"]),
+                     zeitraeume.empty() ? "no period" : zeitraeume, kEin);
+    }
+    return text;
+}
+
+std::string labelAlsText(const Json& label) {
+    return label["number1"].dump() + ", " + zeige(label["text1"]) + ", " +
+           label["period"]["label"].get<std::string>() + ", " + zeige(label["text2"]) + ", " +
+           label["number2"].dump() + ", " + zeige(label["text3"]) + ", " + zeige(label["text4"]);
+}
+
+std::string alsText(const Json& dokument, const Farben& farben) {
+    const Json& datei = dokument["file"];
+    const std::string zustand = datei["state"];
+    std::string text = feld("file", zeige(datei["path"])) + feld("state", farben(farbe(zustand), zustand));
+    if (const Json& grund = datei["reason"]; !grund.is_null()) {
+        text += feld("reason", begruendung(datei));
+        if (!grund["message"].is_null())
+            text += feld("that means", zeige(grund["explanation"]));
+        text += feld("what to do", zeige(grund["advice"]));
+    }
+    if (!datei["output"].is_null())
+        text += feld("last output", zeige(datei["output"]));
+    const Json& plugin = dokument["plugin"];
+    if (plugin.is_null())
+        return text;
+    text += feld("interface", plugin["interface"].dump()) +
+            feld("product version", zeige(plugin["product_version"])) +
+            feld("file version", zeige(plugin["file_version"])) +
+            feld("resident", plugin["resident"] ? "yes" : "no") + feld("status", plugin["status"]["code"]) +
+            feld("OnLoad", funktion(plugin["on_load"], farben)) +
+            feld("OnUnload", funktion(plugin["on_unload"], farben));
+    for (const Json& label : plugin["labels"])
+        text += feld("label", labelAlsText(label));
+    if (plugin["extensions"].empty())
+        text += feld("extensions", "none");
+    std::size_t nummer = 0;
+    for (const Json& erweiterung : plugin["extensions"])
+        text += erweiterungAlsText(erweiterung, ++nummer, farben);
+    return text;
+}
+
+// --- The command ---
+
+class Show : public Befehl {
+public:
+    void beschreibe(CLI::App& unterbefehl) override {
+        unterbefehl
+            .add_option(
+                "FILE", datei_,
+                "Path of a plugin's file; or, below the plugin directory, its path or name, also without "
+                "\"lib\" and \".dylib\"")
+            ->required();
+    }
+
+    Ausgang fuehreAus(const Optionen& optionen) override {
+        Auftrag auftrag;
+        auftrag.einzeln = pfadDerDatei(optionen);
+        if (auftrag.einzeln.empty()) // its row says why it is not loaded
+            return zeige(optionen, bestand_, bestand_.dateien.at(platz_));
+        auftrag.exporteVon = auftrag.einzeln;
+        const Bestand bestand = sammle(optionen, auftrag);
+        return zeige(optionen, bestand, bestand.dateien.at(0));
+    }
+
+private:
+    static Ausgang zeige(const Optionen& optionen, const Bestand& bestand, const DateiFakt& datei) {
+        gibAus(optionen, bericht(bestand, datei), alsText);
+        if (datei.zustand >= Zustand::ABGESTUERZT)
+            return Ausgang::ABGESTUERZT;
+        const bool gut = datei.zustand == Zustand::GELADEN && fehlendeFunktionen(*datei.plugin).empty();
+        return gut ? Ausgang::GUT : Ausgang::BEFUNDE;
+    }
+
+    /// The path of the file to load. Empty for one that the library would not load; it is noted then.
+    std::string pfadDerDatei(const Optionen& optionen) {
+        const bool ortGenannt = !optionen.dir.empty() || !optionen.home.empty();
+        if (!ortGenannt && datei_.find('/') != std::string::npos) {
+            if (access(datei_.c_str(), R_OK) != 0)
+                throw Unlesbar(einzeilig(datei_) + ": " + std::strerror(errno));
+            return orvo::orvoutil::getAbsolutePath(datei_);
+        }
+        Auftrag nurSehen;
+        nurSehen.nur.emplace();
+        bestand_ = sammle(optionen, nurSehen);
+        const std::optional<std::uint32_t> platz = findeDatei(bestand_, datei_);
+        if (!platz)
+            throw Unlesbar("there is no file " + einzeilig(datei_) + " below " +
+                           einzeilig(bestand_.suchpfad));
+        platz_ = *platz;
+        const DateiFakt& datei = bestand_.dateien[platz_];
+        return datei.grund == Grund::KEINER ? datei.pfad : std::string();
+    }
+
+    std::string datei_;
+    Bestand bestand_;
+    std::uint32_t platz_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<Befehl> macheShow() { return std::make_unique<Show>(); }
+
+} // namespace werkzeug

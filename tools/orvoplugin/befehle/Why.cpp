@@ -1,0 +1,402 @@
+// orvoplugin why: the chain of decisions about a file, or about a look-up.
+
+#include "befehle/Befehl.h"
+#include "befehle/Befehle.h"
+#include "befehle/Dateisuche.h"
+#include "kern/Antwort.h"
+#include "kern/Berichtsteile.h"
+#include "kern/Eingabe.h"
+#include "kern/Gruende.h"
+#include "kern/Sammler.h"
+
+#include <orvoplugin/domain/Unterfallart.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+#include <orvoutil/PathUtil.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <set>
+
+namespace werkzeug {
+
+namespace {
+
+/// The chain: steps that went well, and the one that did not, if any.
+class Kette {
+public:
+    void ja(const char* schritt, const std::string& text) { nimmAuf(schritt, true, text); }
+    void nein(const char* schritt, const std::string& text) { nimmAuf(schritt, false, text); }
+    Json json() && { return std::move(schritte_); }
+
+private:
+    void nimmAuf(const char* schritt, bool gut, const std::string& text) {
+        schritte_.push_back({{"step", schritt}, {"ok", gut}, {"text", text}});
+    }
+    Json schritte_ = Json::array();
+};
+
+Json schluss(const char* code, const std::string& text, const std::string& rat) {
+    return {{"code", code}, {"text", text}, {"advice", rat}};
+}
+
+// --- Why a file ---
+
+/// The steps of loading, in their order, with what each means when it went well.
+struct Ladestufe {
+    const char* name;
+    const char* gelungen;
+    Grund gruende[2]; ///< with which a file ends there
+};
+constexpr Ladestufe kLadestufen[] = {
+    {"walk", "the walk through the plugin directory comes by it", {Grund::KEINER, Grund::KEINER}},
+    {"filter",
+     "its name is that of a plugin, and not on the block list",
+     {Grund::SPERRLISTE, Grund::KEINE_ENDUNG}},
+    {"file_check",
+     "the file is a whole library for this system and release",
+     {Grund::DATEIPRUEFUNG, Grund::KEINER}},
+    {"open", "the system's loader opens it", {Grund::OEFFNEN, Grund::KEINER}},
+    {"types_entry", "it exports orvo_plugin_get_types", {Grund::OHNE_TYPEN, Grund::KEINER}},
+    {"types", "which names its interfaces", {Grund::AUSNAHME_TYPEN, Grund::LEERE_TYPEN}},
+    {"interface", "and these are known here", {Grund::PLUGINVERSION, Grund::KEINER}},
+    {"initialize_entry", "it exports orvo_plugin_initialize", {Grund::OHNE_INITIALISIERUNG, Grund::KEINER}},
+    {"initialize",
+     "with which it describes itself",
+     {Grund::AUSNAHME_INITIALISIERUNG, Grund::INITIALISIERUNG}},
+    {"register", "its extensions are filed in the registry", {Grund::BEOBACHTER, Grund::KEINER}},
+};
+
+/// The text of a reason: what the library says, or what the reason means.
+std::string text(const DateiFakt& datei) {
+    return datei.meldung.empty() ? std::string(erklaerung(datei.grund)) : einzeilig(datei.meldung);
+}
+
+/// Returns: whether the file came to its end as a loaded plugin.
+bool verfolge(Kette& kette, const DateiFakt& datei) {
+    const bool imWeg = std::string_view(stufe(datei.grund)) == "walk";
+    const bool imProzess = std::string_view(stufe(datei.grund)) == "process";
+    for (const Ladestufe& s : kLadestufen) {
+        const bool hier =
+            datei.grund != Grund::KEINER &&
+            (std::find(std::begin(s.gruende), std::end(s.gruende), datei.grund) != std::end(s.gruende) ||
+             (imWeg && std::string_view(s.name) == "walk"));
+        if (hier) {
+            kette.nein(s.name, text(datei));
+            return false;
+        }
+        if (imProzess && std::string_view(s.name) == "open") { // from there on its own code may run
+            kette.nein("process", text(datei));
+            return false;
+        }
+        kette.ja(s.name, s.gelungen);
+    }
+    return true;
+}
+
+struct Schluessellage {
+    Json gehalten = Json::array();
+    Json verloren = Json::array();
+};
+
+Schluessellage schluesselVon(const Bestand& bestand, std::uint32_t datei) {
+    Schluessellage lage;
+    for (const SchluesselFakt& schluessel : bestand.schluessel) {
+        if (schluessel.inhaber.datei == datei)
+            lage.gehalten.push_back(schluesselAlsJson(schluessel));
+        for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
+            const bool abgewiesen = ereignis.art == SchluesselEreignis::Art::ABGEWIESEN;
+            const bool verdraengt = ereignis.art == SchluesselEreignis::Art::VERDRAENGT;
+            const ErweiterungsOrt& verlierer = verdraengt ? ereignis.gegen : ereignis.wer;
+            if ((!abgewiesen && !verdraengt) || verlierer.datei != datei)
+                continue;
+            Json verloren = schluesselAlsJson(schluessel);
+            verloren["lost_to"] = anbieterAlsJson(bestand, verdraengt ? ereignis.wer : ereignis.gegen);
+            verloren["rule"] = regelcode(ereignis.regel);
+            verloren["explanation"] = regelsatz(ereignis.regel);
+            lage.verloren.push_back(std::move(verloren));
+        }
+    }
+    return lage;
+}
+
+Json schlussFuerGeladene(const DateiFakt& datei, const Schluessellage& lage) {
+    if (datei.plugin->erweiterungen.empty())
+        return schluss("no_extensions", "The plugin is loaded, but offers nothing.",
+                       "Ask its author whether that is meant; orvo_plugin_initialize adds no extension.");
+    const bool uebergangen =
+        std::any_of(datei.plugin->erweiterungen.begin(), datei.plugin->erweiterungen.end(),
+                    [](const ErweiterungFakt& e) { return e.uebergangen; });
+    if (lage.gehalten.empty() && lage.verloren.empty())
+        return uebergangen
+                   ? schluss("passed_over",
+                             "The plugin is loaded, but the registry passed its extensions over: "
+                             "their class serves no sub-case types.",
+                             "Report this to the plugin's author.")
+                   : schluss("no_keys",
+                             "The plugin is loaded, but its extensions name no period, and so get no key.",
+                             "Report this to the plugin's author: each sub-case type needs its periods.");
+    if (lage.gehalten.empty())
+        return schluss(
+            "all_keys_lost",
+            "The plugin is loaded, but never answers: it lost all its keys to other plugins.",
+            "If it should answer, give it a higher product version than theirs, or take the others away.");
+    if (!lage.verloren.empty())
+        return schluss("some_keys_lost", "The plugin is loaded and answers, but not for all that it offers.",
+                       "If it should answer for the keys it lost, give it a higher product version than the "
+                       "plugins that "
+                       "hold them, or take those away.");
+    return schluss("answers", "The plugin is loaded and answers for all that it offers.",
+                   "Nothing needs to be done.");
+}
+
+// --- Why a look-up ---
+
+/// The other years and kinds that are served for the sub-case type.
+struct Nachbarschaft {
+    std::set<std::string> zeitraeume;
+    std::set<std::string> arten;
+};
+
+Nachbarschaft nachbarn(const Bestand& bestand, std::int32_t typ, const std::string& unterfallart) {
+    Nachbarschaft nachbarn;
+    const Unterfallart gesucht(unterfallart.c_str());
+    for (const SchluesselFakt& schluessel : bestand.schluessel) {
+        if (Unterfallart(schluessel.unterfallart.name.c_str()) != gesucht)
+            continue;
+        if (schluessel.typ == typ)
+            nachbarn.zeitraeume.insert(anzeige(schluessel.zeitraum));
+        else
+            nachbarn.arten.insert(kurzerTypName(schluessel.typName));
+    }
+    return nachbarn;
+}
+
+std::string aufgezaehlt(const std::set<std::string>& texte) {
+    std::string liste;
+    for (const std::string& eintrag : texte)
+        liste += (liste.empty() ? "" : ", ") + eintrag;
+    return liste;
+}
+
+/// The files that might have answered, had they been loaded.
+Json nichtGeladene(const Bestand& bestand) {
+    Json liste = Json::array();
+    for (const DateiFakt& datei : bestand.dateien)
+        if (datei.zustand >= Zustand::ABGELEHNT)
+            liste.push_back(zeileAlsJson(bestand, datei));
+    return liste;
+}
+
+Json schlussOhneAntwort(const Bestand& bestand, const Nachbarschaft& nachbarschaft,
+                        std::size_t nichtGeladen) {
+    const std::string rat = nichtGeladen == 0
+                                ? "Install a plugin that serves it."
+                                : "See to the files that were not loaded first; one of them may serve "
+                                  "it. Else install a plugin that does.";
+    if (!nachbarschaft.zeitraeume.empty())
+        return schluss("other_periods",
+                       "No loaded plugin serves that period; served are " +
+                           aufgezaehlt(nachbarschaft.zeitraeume) + ".",
+                       rat);
+    if (!nachbarschaft.arten.empty())
+        return schluss("other_types",
+                       "No loaded plugin serves that sub-case type with this kind of extension; it is served "
+                       "by " +
+                           aufgezaehlt(nachbarschaft.arten) + ".",
+                       rat);
+    if (bestand.schluessel.empty())
+        return schluss("nothing_registered", "No plugin is loaded that serves anything.",
+                       nichtGeladen == 0 ? "Put plugins into " + einzeilig(bestand.suchpfad) +
+                                               ", or name another directory with "
+                                               "--home or --dir."
+                                         : rat);
+    return schluss("unknown_sub_case_type", "No loaded plugin serves that sub-case type.", rat);
+}
+
+// --- The text ---
+
+constexpr std::size_t kHoechstens = 40; ///< keys that the text shows; all are in the JSON output
+
+std::string alsText(const Json& dokument, const Farben& farben) {
+    std::string text;
+    std::size_t nummer = 0;
+    for (const Json& schritt : dokument["steps"]) {
+        const bool gut = schritt["ok"];
+        text += std::to_string(++nummer) + ". " +
+                (gut ? farben(Farbe::GRUEN, "yes") : farben(Farbe::ROT, "no ")) + "  " +
+                zeige(schritt["text"]) + "\n";
+    }
+    const auto liste = [&](const Json& schluessel, const std::string& titel, auto&& zeile) {
+        if (schluessel.is_null() || schluessel.empty())
+            return;
+        text += "\n" + farben(Farbe::FETT, titel) + "\n";
+        for (std::size_t i = 0; i < schluessel.size(); ++i) {
+            if (i == kHoechstens) {
+                text += "  and " + std::to_string(schluessel.size() - i) + " more; --json has them all\n";
+                break;
+            }
+            text += "  " + zeile(schluessel[i]) + "\n";
+        }
+    };
+    liste(dokument["keys_held"], "Answers for", schluesselAlsText);
+    liste(dokument["keys_lost"], "Does not answer for", [](const Json& verloren) {
+        return schluesselAlsText(verloren) + ", but " + anbieterAlsText(verloren["lost_to"]) +
+               " does: " + zeige(verloren["explanation"]);
+    });
+    if (const Json& antwort = dokument["answer"]; !antwort.is_null())
+        liste(antwort["displaced"], "Offer it too, and lost", [](const Json& verdraengter) {
+            return anbieterAlsText(verdraengter["plugin"]) + " to " +
+                   anbieterAlsText(verdraengter["lost_to"]) + ": " + zeige(verdraengter["explanation"]);
+        });
+    liste(dokument["not_loaded"], "Not loaded", [](const Json& zeile) {
+        return zeige(zeile["file"]) + ", " + zeige(zeile["state"]) + ": " + begruendung(zeile);
+    });
+    return text + "\n" + farben(Farbe::FETT, zeige(dokument["conclusion"]["text"])) + "\n" +
+           zeige(dokument["conclusion"]["advice"]) + "\n";
+}
+
+// --- The command ---
+
+class Why : public Befehl {
+public:
+    void beschreibe(CLI::App& unterbefehl) override {
+        unterbefehl.add_option("FILE|TYPE", erstes_, "A file, as for \"show\"; or a kind of extension")
+            ->required();
+        unterbefehl.add_option("SUB-CASE-TYPE", unterfallart_, "Sub-case type: number or name");
+        unterbefehl.add_option("PERIOD", zeitraum_, "2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
+    }
+
+    Ausgang fuehreAus(const Optionen& optionen) override {
+        if (!unterfallart_.empty() && zeitraum_.empty())
+            throw AufrufFehler("why takes a file, or a kind of extension, a sub-case type and a period");
+        return unterfallart_.empty() ? warumDatei(optionen) : warumSchluessel(optionen);
+    }
+
+private:
+    Ausgang warumDatei(const Optionen& optionen) const {
+        const Bestand bestand = sammle(optionen);
+        const std::optional<std::uint32_t> platz = findeDatei(bestand, erstes_);
+        Json dokument = jsonKopf("why", bestand.suchpfad);
+        dokument["question"] = {{"file", jsonText(erstes_)}};
+        Kette kette;
+        Ausgang ausgang = Ausgang::BEFUNDE;
+        Schluessellage lage;
+        Json ende;
+        if (!platz) {
+            kette.nein("found",
+                       "there is no file " + einzeilig(erstes_) + " below " + einzeilig(bestand.suchpfad));
+            ende = schluss(
+                "not_found",
+                "The library never sees the file: it looks below " + einzeilig(bestand.suchpfad) + " only.",
+                "Copy the file there, or name the directory that it lies in with --home or --dir.");
+        } else {
+            const DateiFakt& datei = bestand.dateien[*platz];
+            kette.ja("found", "there is a file " + einzeilig(bestand.fundort(datei)));
+            if (verfolge(kette, datei)) {
+                lage = schluesselVon(bestand, *platz);
+                ende = schlussFuerGeladene(datei, lage);
+                if (lage.gehalten.empty())
+                    kette.nein("keys", "it holds no key, and so answers for nothing");
+                else
+                    kette.ja("keys", "it holds " + anzahl(lage.gehalten.size(), "key", "keys") +
+                                         " and lost " + std::to_string(lage.verloren.size()));
+                ausgang = lage.gehalten.empty() || !lage.verloren.empty() ? Ausgang::BEFUNDE : Ausgang::GUT;
+            } else {
+                ende = schluss(code(datei.grund), erklaerung(datei.grund), rat(datei.grund));
+                ausgang = datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
+            }
+        }
+        dokument["steps"] = std::move(kette).json();
+        dokument["conclusion"] = std::move(ende);
+        dokument["file"] = platz ? zeileAlsJson(bestand, bestand.dateien[*platz]) : Json(nullptr);
+        dokument["keys_held"] = std::move(lage.gehalten);
+        dokument["keys_lost"] = std::move(lage.verloren);
+        dokument["answer"] = nullptr;
+        dokument["not_loaded"] = nullptr;
+        gibAus(optionen, dokument, alsText);
+        return ausgang;
+    }
+
+    Ausgang warumSchluessel(const Optionen& optionen) const {
+        const std::int32_t typ = liesTyp(erstes_);
+        const std::string typName = erweiterungTypName(static_cast<tag_erweiterung_typ>(typ));
+        const std::string unterfallart = liesUnterfallart(unterfallart_);
+        const Zeitraumtext zeitraum = liesZeitraum(zeitraum_);
+        Auftrag auftrag;
+        auftrag.frage = Frage{typ, unterfallart, zeitraum.text, zeitraum.format};
+        auftrag.exporteVon = "*";
+        const Bestand bestand = sammle(optionen, auftrag);
+        const AntwortFakt& antwort = bestand.antwort.value();
+        const bool gefunden = antwort.treffer != RegisterAuskunft::KEINER;
+
+        Json dokument = jsonKopf("why", bestand.suchpfad);
+        dokument["question"] = {{"type", typAlsJson(typ, typName)},
+                                {"sub_case_type", jsonText(unterfallart)},
+                                {"period", alsJson(antwort.gefragt)}};
+        Kette kette;
+        Json geladene = nichtGeladene(bestand);
+        Json ende;
+        const std::string wonach = kurzerTypName(typName) + " " + einzeilig(unterfallart);
+        const bool ohneZeitraum = antwort.gefragt.jahr == 0;
+        if (!ohneZeitraum) {
+            const std::string jahr = wonach + " " + std::to_string(antwort.gefragt.jahr);
+            if (antwort.treffer == RegisterAuskunft::GENAU ||
+                antwort.treffer == RegisterAuskunft::GLEICHES_JAHR)
+                kette.ja("key_of_the_year", "there is a key for " + jahr);
+            else
+                kette.nein("key_of_the_year", "there is no key for " + jahr);
+        }
+        if (ohneZeitraum || antwort.treffer == RegisterAuskunft::UNABHAENGIG || !gefunden) {
+            if (gefunden)
+                kette.ja("period_independent_key", "there is a key for " + wonach + " for any period");
+            else
+                kette.nein("period_independent_key", "there is no key for " + wonach + " for any period");
+        }
+        Ausgang ausgang = Ausgang::BEFUNDE;
+        dokument["answer"] = nullptr;
+        if (gefunden) {
+            const SchluesselFakt& schluessel = bestand.schluessel[antwort.schluessel];
+            const ErweiterungFakt& erweiterung = bestand.erweiterung(schluessel.inhaber);
+            dokument["answer"] = antwortAlsJson(bestand, schluessel, antwort.treffer);
+            const std::string wer = anbieterAlsText(dokument["answer"]["plugin"]);
+            kette.ja("holder", "it is held by " + wer);
+            if (erweiterung.factoryExport == Export::NEIN) {
+                kette.nein("factory",
+                           "its library does not export the factory " + einzeilig(erweiterung.factory));
+                ende = schluss("no_factory", wer + " answers, but can make no service.",
+                               "Report this to the plugin's author.");
+            } else {
+                kette.ja("factory", "its library exports the factory " + einzeilig(erweiterung.factory));
+                ende = schluss("answered",
+                               wer + " answers" +
+                                   (antwort.treffer == RegisterAuskunft::UNABHAENGIG && !ohneZeitraum
+                                        ? ", for any period: no plugin serves that year by name."
+                                        : "."),
+                               "Nothing needs to be done.");
+                ausgang = Ausgang::GUT;
+            }
+        } else {
+            ende = schlussOhneAntwort(bestand, nachbarn(bestand, typ, unterfallart), geladene.size());
+        }
+        dokument["steps"] = std::move(kette).json();
+        dokument["conclusion"] = std::move(ende);
+        dokument["file"] = nullptr;
+        dokument["keys_held"] = nullptr;
+        dokument["keys_lost"] = nullptr;
+        dokument["not_loaded"] = gefunden ? Json(nullptr) : std::move(geladene);
+        gibAus(optionen, dokument, alsText);
+        const Ausgang umstaende = ausgangVon(bestand);
+        return umstaende == Ausgang::BEFUNDE ? ausgang : schwerster(ausgang, umstaende);
+    }
+
+    std::string erstes_;
+    std::string unterfallart_;
+    std::string zeitraum_;
+};
+
+} // namespace
+
+std::unique_ptr<Befehl> macheWhy() { return std::make_unique<Why>(); }
+
+} // namespace werkzeug
