@@ -1,0 +1,290 @@
+// The coverage document in text form: a table for each kind, in as many blocks as the terminal is too narrow for.
+
+#include "deckung/Deckungsbericht.h"
+
+#include "kern/Berichtsteile.h"
+
+#include <algorithm>
+#include <map>
+
+namespace werkzeug {
+
+namespace {
+
+constexpr std::size_t kAbstand = 2;           // between columns, as `Tabelle` has it
+constexpr std::size_t kBreitesterName = 28;   // of a sub-case type
+constexpr std::size_t kSchmalster = 12;       // to which a plugin's name is shortened
+constexpr std::size_t kMeisteZellen = 500000; // beyond which nobody reads a table
+
+/// Which marks occur, so that those alone are explained.
+struct Zeichenkunde {
+    bool ersatz = false;
+    bool zweiter = false;
+    bool teiljahr = false;
+    bool luecke = false;
+};
+
+class Zellentext {
+public:
+    explicit Zellentext(const Json& plugins) {
+        for (const Json& plugin : plugins)
+            zeichen_.emplace(plugin["file"].get<std::string>(), plugin["mark"].get<std::string>());
+    }
+
+    /// "A", "A 1.2.0", "~A>B", "A(05)" or "-".
+    Tabelle::Zelle operator()(const Json& zelle, bool mitVersion) {
+        if (zelle["answer"] == "gap") {
+            kunde.luecke = true;
+            return {"-", Farbe::ROT};
+        }
+        const bool ersatz = zelle["answer"] == "fallback";
+        std::string text = (ersatz ? "~" : "") + zeichen(zelle["plugin"]);
+        if (mitVersion && zelle["plugin"]["product_version"] != "")
+            text += " " + gekuerzt(zeige(zelle["plugin"]["product_version"]), 16);
+        if (!zelle["runner_up"].is_null()) {
+            text += ">" + zeichen(zelle["runner_up"]);
+            kunde.zweiter = true;
+        }
+        if (!ersatz && !zelle["periods"].empty())
+            text += teile(zelle["periods"]);
+        kunde.ersatz = kunde.ersatz || ersatz;
+        return ersatz ? Tabelle::Zelle(text, Farbe::GELB) : Tabelle::Zelle(text);
+    }
+
+    Zeichenkunde kunde;
+
+private:
+    const std::string& zeichen(const Json& anbieter) const {
+        return zeichen_.at(anbieter["file"].get_ref<const std::string&>());
+    }
+    /// "(05)" or "(Q1,Q2,...)": what stands behind the year.
+    std::string teile(const Json& zeitraeume) {
+        constexpr std::size_t kMeiste = 2;
+        std::string text;
+        for (std::size_t i = 0; i < std::min(zeitraeume.size(), kMeiste); ++i) {
+            const std::string zeitraum = zeitraeume[i];
+            const std::size_t jahrende = zeitraum.find_first_of("-Q", 1);
+            text += text.empty() ? "(" : ",";
+            text += jahrende == std::string::npos ? zeitraum
+                                                  : zeitraum.substr(jahrende + (zeitraum[jahrende] == '-'));
+        }
+        kunde.teiljahr = true;
+        return text + (zeitraeume.size() > kMeiste ? ",...)" : ")");
+    }
+
+    std::map<std::string, std::string> zeichen_;
+};
+
+/// One kind's table, cell by cell, before it is cut into blocks.
+struct Raster {
+    std::vector<std::string> kopf;
+    std::vector<std::vector<Tabelle::Zelle>> zeilen; ///< the sub-case type, then a cell for each head
+
+    std::size_t spaltenbreite(std::size_t spalte) const {
+        std::size_t breite = anzeigebreite(kopf[spalte]);
+        for (const auto& zeile : zeilen)
+            breite = std::max(breite, anzeigebreite(zeile[spalte].text));
+        return breite;
+    }
+    std::vector<std::size_t> breiten() const {
+        std::vector<std::size_t> liste(kopf.size());
+        for (std::size_t i = 0; i < kopf.size(); ++i)
+            liste[i] = spaltenbreite(i);
+        return liste;
+    }
+};
+
+std::string spaltenkopf(const Json& spalte) {
+    return spalte["from"] == spalte["to"] ? spalte["from"].dump()
+                                          : spalte["from"].dump() + "-" + spalte["to"].dump();
+}
+
+Raster raster(const Json& typ, Zellentext& zellentext, bool mitVersion) {
+    const bool paare = typ["by_sub_case_type_and_period"];
+    const bool andereJahre = std::any_of(typ["rows"].begin(), typ["rows"].end(),
+                                         [](const Json& zeile) { return !zeile["other_years"].is_null(); });
+    Raster r;
+    r.kopf.push_back("SUB-CASE TYPE");
+    for (const Json& spalte : typ["columns"])
+        r.kopf.push_back(paare ? spaltenkopf(spalte) : "ANY PERIOD");
+    if (andereJahre)
+        r.kopf.push_back(typ["columns"].empty() ? "ANY YEAR" : "OTHER YEARS");
+    for (const Json& zeile : typ["rows"]) {
+        std::vector<Tabelle::Zelle>& zellen = r.zeilen.emplace_back();
+        zellen.push_back(paare ? gekuerzt(zeige(zeile["sub_case_type"]["name"]), kBreitesterName) : "any");
+        auto zelle = zeile["cells"].begin();
+        for (const Json& spalte : typ["columns"]) {
+            while ((*zelle)["to"] < spalte["from"])
+                ++zelle;
+            zellen.push_back(zellentext(*zelle, mitVersion));
+        }
+        if (andereJahre)
+            zellen.push_back(zeile["other_years"].is_null() ? Tabelle::Zelle("-")
+                                                            : zellentext(zeile["other_years"], mitVersion));
+    }
+    return r;
+}
+
+/// Where each block ends: as many columns as fit beside that of the sub-case types, one at least.
+std::vector<std::size_t> blockenden(const std::vector<std::size_t>& breiten, std::size_t platz) {
+    std::vector<std::size_t> enden;
+    std::size_t belegt = breiten[0];
+    for (std::size_t spalte = 1; spalte < breiten.size(); ++spalte) {
+        if (spalte > 1 && belegt > breiten[0] && belegt + kAbstand + breiten[spalte] > platz) {
+            enden.push_back(spalte);
+            belegt = breiten[0];
+        }
+        belegt += kAbstand + breiten[spalte];
+    }
+    enden.push_back(breiten.size());
+    return enden;
+}
+
+std::string alsText(const Raster& r, const std::vector<std::size_t>& enden, const Farben& farben) {
+    std::string text;
+    std::size_t von = 1;
+    for (const std::size_t bis : enden) {
+        std::vector<Tabelle::Zelle> kopf{r.kopf[0]};
+        for (std::size_t i = von; i < bis; ++i)
+            kopf.emplace_back(r.kopf[i]);
+        Tabelle tabelle(std::move(kopf));
+        for (const auto& zeile : r.zeilen) {
+            std::vector<Tabelle::Zelle> zellen{zeile[0]};
+            zellen.insert(zellen.end(), zeile.begin() + static_cast<std::ptrdiff_t>(von),
+                          zeile.begin() + static_cast<std::ptrdiff_t>(bis));
+            tabelle.zeile(std::move(zellen));
+        }
+        text += tabelle.alsText(farben) + "\n";
+        von = bis;
+    }
+    return text;
+}
+
+std::string ueberschrift(const Json& typ, const Farben& farben) {
+    const Json& summen = typ["totals"];
+    std::string text =
+        farben(Farbe::FETT, zeige(typ["type"]["label"])) + " (type " + typ["type"]["number"].dump() + ")";
+    if (!typ["by_sub_case_type_and_period"])
+        return text + ", for every sub-case type and period\n";
+    text += ", " + anzahl(summen["sub_case_types"], "sub-case type", "sub-case types");
+    if (!typ["first_year"].is_null()) {
+        text += ", " + jahresspanne(typ);
+        text += ": " + anzahl(summen["served"], "cell", "cells") + " served";
+        if (summen["fallback"] != 0)
+            text += ", " + summen["fallback"].dump() + " more by a period-independent entry";
+        text += summen["gaps"] == 0 ? ", no gap" : ", " + anzahl(summen["gaps"], "gap", "gaps");
+    }
+    return text + "\n";
+}
+
+std::string typAlsText(const Json& typ, Zellentext& zellentext, std::size_t platz, const Farben& farben) {
+    std::string text = ueberschrift(typ, farben);
+    if (typ["rows"].size() * (typ["columns"].size() + 1) > kMeisteZellen)
+        return text + "too many cells for a table; --json has them all\n\n";
+    Raster r = raster(typ, zellentext, true);
+    std::vector<std::size_t> enden = blockenden(r.breiten(), platz);
+    if (enden.size() > 1) { // the versions stand in the list of plugins, too
+        r = raster(typ, zellentext, false);
+        enden = blockenden(r.breiten(), platz);
+    }
+    return text + alsText(r, enden, farben);
+}
+
+Tabelle plugintabelle(const Json& plugins, bool mitDateiversion, std::size_t namensbreite) {
+    std::vector<Tabelle::Zelle> kopf{"MARK", "PLUGIN", "VERSION"};
+    if (mitDateiversion)
+        kopf.emplace_back("FILE VERSION");
+    kopf.insert(kopf.end(), {"CELLS", "RUNNER-UP"});
+    Tabelle tabelle(std::move(kopf));
+    for (const Json& plugin : plugins) {
+        std::vector<Tabelle::Zelle> zellen{zeige(plugin["mark"]),
+                                           gekuerzt(zeige(plugin["file"]), namensbreite),
+                                           zeige(plugin["product_version"])};
+        if (mitDateiversion)
+            zellen.emplace_back(zeige(plugin["file_version"]));
+        zellen.insert(zellen.end(), {plugin["serves"].dump(), plugin["runner_up"].dump()});
+        tabelle.zeile(std::move(zellen));
+    }
+    return tabelle;
+}
+
+/// In need of room, the file versions go first, and then the middle of the names.
+std::string pluginsAlsText(const Json& plugins, std::size_t platz, const Farben& farben) {
+    std::size_t laengster = 0;
+    for (const Json& plugin : plugins)
+        laengster = std::max(laengster, anzeigebreite(zeige(plugin["file"])));
+    const auto ohneName = [&](bool mitDateiversion) {
+        return plugintabelle(plugins, mitDateiversion, kSchmalster).breite() -
+               std::min(kSchmalster, laengster);
+    };
+    const bool mitDateiversion = ohneName(true) + laengster <= platz;
+    const std::size_t rest = ohneName(mitDateiversion);
+    const std::size_t namensbreite = std::max(kSchmalster, platz - std::min(platz, rest));
+    return plugintabelle(plugins, mitDateiversion, namensbreite).alsText(farben) + "\n";
+}
+
+std::string zeichenAlsText(const Zeichenkunde& kunde) {
+    std::string text;
+    if (kunde.zweiter)
+        text += "  A>B    plugin B would answer if A were not there\n";
+    if (kunde.ersatz)
+        text += "  ~A     a period-independent entry of A answers, for want of one of the year\n";
+    if (kunde.teiljahr)
+        text += "  A(05)  filed for that part of the year (month, quarter Q2, day 05-31);\n"
+                "         look-ups for any period of the year find it\n";
+    if (kunde.luecke)
+        text += "  -      nobody answers\n";
+    return text.empty() ? text : "Marks:\n" + text + "\n";
+}
+
+std::string verlangtesAlsText(const Json& verlangt, const Farben& farben) {
+    const std::size_t fehlen = verlangt["missing"];
+    std::string text = "Required by " + zeige(verlangt["file"]) + ": " +
+                       anzahl(verlangt["cells"].size(), "cell", "cells") + ", " +
+                       (fehlen == 0 ? farben(Farbe::GRUEN, "none missing")
+                                    : farben(Farbe::ROT, std::to_string(fehlen) + " missing")) +
+                       "\n";
+    if (fehlen == 0)
+        return text;
+    Tabelle tabelle({"MISSING", "TYPE", "SUB-CASE TYPE", "PERIOD"});
+    for (const Json& zelle : verlangt["cells"])
+        if (!zelle["served"])
+            tabelle.zeile({"line " + zelle["line"].dump(), zeige(zelle["type"]["label"]),
+                           zeige(zelle["sub_case_type"]), zeige(zelle["period"])});
+    return text + tabelle.alsText(farben);
+}
+
+} // namespace
+
+std::string jahresspanne(const Json& typ) {
+    const std::string erstes = typ["first_year"].dump();
+    return typ["first_year"] == typ["last_year"] ? erstes : erstes + " to " + typ["last_year"].dump();
+}
+
+std::string deckungAlsText(const Json& dokument, const Farben& farben) {
+    const std::size_t platz = terminalbreite(stdout);
+    std::string text = "Plugin directory: " + zeige(dokument["plugin_directory"]) + "\n\n";
+    text += unlesbareAlsText(dokument["unreadable_directories"], farben);
+    Zellentext zellentext(dokument["plugins"]);
+    for (const Json& typ : dokument["types"])
+        text += typAlsText(typ, zellentext, platz, farben);
+    if (dokument["types"].empty())
+        text += "nothing is served\n\n";
+    else
+        text += pluginsAlsText(dokument["plugins"], platz, farben) + zeichenAlsText(zellentext.kunde);
+    if (const Json& ausfaelle = dokument["not_loaded"]; !ausfaelle.empty()) {
+        Tabelle tabelle({"NOT LOADED", "FILE"});
+        for (const Json& zeile : ausfaelle) {
+            tabelle.zeile({{zeige(zeile["state"]), farbe(zeile["state"])}, zeige(zeile["file"])});
+            tabelle.bemerkung(begruendung(zeile));
+        }
+        text += tabelle.alsText(farben) + "\n";
+    }
+    if (!dokument["required"].is_null())
+        text += verlangtesAlsText(dokument["required"], farben);
+    while (text.ends_with("\n\n"))
+        text.pop_back();
+    return text;
+}
+
+} // namespace werkzeug
