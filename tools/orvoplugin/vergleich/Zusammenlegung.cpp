@@ -1,0 +1,191 @@
+#include "vergleich/Zusammenlegung.h"
+
+#include "kern/Anzeige.h"
+#include "kern/Sammler.h"
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <system_error>
+#include <utility>
+
+namespace fs = std::filesystem;
+
+namespace werkzeug {
+
+namespace {
+
+std::string neuesVerzeichnis() {
+    std::string muster = (fs::temp_directory_path() / "orvoplugin-XXXXXX").string();
+    if (!mkdtemp(muster.data()))
+        throw std::system_error(errno, std::generic_category(), muster);
+    return muster;
+}
+
+/// Which file it is, under whatever name.
+using Inode = std::pair<dev_t, ino_t>;
+
+Inode inodeVon(const fs::path& pfad) {
+    struct stat s {};
+    if (stat(pfad.c_str(), &s) != 0)
+        return {};
+    return {s.st_dev, s.st_ino};
+}
+
+class Leger {
+public:
+    explicit Leger(const fs::path& ziel) : ziel_(ziel) {}
+
+    /// Links to all of A's files; what cannot be read there is left out, as it is when A is loaded.
+    void legeGrund(const fs::path& a, const fs::path& unterpfad = {}) {
+        std::error_code fehler;
+        for (const fs::directory_entry& eintrag : fs::directory_iterator(a / unterpfad, fehler)) {
+            const fs::path dort = unterpfad / eintrag.path().filename();
+            if (istVerzeichnis(eintrag)) {
+                fs::create_directory(ziel_ / dort);
+                legeGrund(a, dort);
+            } else {
+                verknuepfe(eintrag.path(), dort);
+            }
+        }
+    }
+
+    void legeDarueber(const fs::path& b, const fs::path& unterpfad = {}) {
+        std::error_code fehler;
+        const fs::directory_iterator eintraege(b / unterpfad, fehler);
+        if (fehler)
+            throw Unlesbar(einzeilig((b / unterpfad).string()) + ": " + fehler.message());
+        for (const fs::directory_entry& eintrag : eintraege) {
+            const fs::path dort = unterpfad / eintrag.path().filename();
+            const bool istDa = fs::symlink_status(ziel_ / dort).type() != fs::file_type::not_found;
+            const bool warVerzeichnis = istDa && fs::is_directory(fs::symlink_status(ziel_ / dort));
+            if (istDa && warVerzeichnis != istVerzeichnis(eintrag))
+                throw Unlesbar(einzeilig(eintrag.path().string()) + ": cannot be copied over a " +
+                               (warVerzeichnis ? "directory" : "file"));
+            if (istVerzeichnis(eintrag)) {
+                fs::create_directory(ziel_ / dort);
+                legeDarueber(b, dort);
+                continue;
+            }
+            if (istDa) {
+                fs::remove(ziel_ / dort);
+                vergiss(dort);
+            }
+            if (namen_.contains(inodeVon(eintrag.path())))
+                fs::copy_file(eintrag.path(), ziel_ / dort);
+            else
+                verknuepfe(eintrag.path(), dort);
+        }
+    }
+
+private:
+    static bool istVerzeichnis(const fs::directory_entry& eintrag) {
+        return fs::is_directory(eintrag.symlink_status()); // the walk follows no links to directories
+    }
+    void verknuepfe(const fs::path& datei, const fs::path& dort) {
+        fs::create_symlink(fs::absolute(datei), ziel_ / dort);
+        if (const Inode inode = inodeVon(datei); inode != Inode())
+            namen_[inode].insert(dort);
+    }
+    void vergiss(const fs::path& dort) {
+        for (auto i = namen_.begin(); i != namen_.end(); ++i)
+            if (i->second.erase(dort) > 0 && i->second.empty()) {
+                namen_.erase(i);
+                return;
+            }
+    }
+
+    fs::path ziel_;
+    std::map<Inode, std::set<fs::path>> namen_; ///< paths in the directory that are links to the file
+};
+
+} // namespace
+
+/// A process that sees to it that the directory goes when ours is killed, and does nothing else.
+class Zusammenlegung::Waechter {
+public:
+    explicit Waechter([[maybe_unused]] const std::string& verzeichnis) {
+#ifdef __linux__
+        const pid_t wir = getpid();
+        prozess_ = fork();
+        if (prozess_ == 0)
+            wache(wir, verzeichnis);
+#endif
+    }
+    Waechter(const Waechter&) = delete;
+    Waechter& operator=(const Waechter&) = delete;
+    ~Waechter() {
+        if (prozess_ <= 0)
+            return;
+        kill(prozess_, SIGKILL);
+        while (waitpid(prozess_, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+
+private:
+#ifdef __linux__
+    [[noreturn]] static void wache(pid_t eltern, const std::string& verzeichnis) {
+        setsid(); // what the terminal sends is not for us
+        sigset_t alle;
+        sigfillset(&alle);
+        sigprocmask(SIG_BLOCK, &alle, nullptr);
+        closefrom(0); // nobody is to wait for our end
+        prctl(PR_SET_PDEATHSIG, SIGTERM);
+        sigset_t tod;
+        sigemptyset(&tod);
+        sigaddset(&tod, SIGTERM);
+        while (getppid() == eltern) {
+            int signal = 0;
+            sigwait(&tod, &signal);
+        }
+        std::error_code gleich;
+        fs::remove_all(verzeichnis, gleich);
+        _exit(0);
+    }
+#endif
+
+    pid_t prozess_ = -1;
+};
+
+Zusammenlegung::Zusammenlegung(const std::string& a, const std::string& b)
+    : a_(a), b_(b), pfad_(neuesVerzeichnis()), waechter_(std::make_unique<Waechter>(pfad_)) {
+    try {
+        Leger leger(pfad_);
+        leger.legeGrund(a);
+        leger.legeDarueber(b);
+    } catch (...) {
+        std::error_code gleich;
+        fs::remove_all(pfad_, gleich);
+        throw;
+    }
+}
+
+Zusammenlegung::~Zusammenlegung() {
+    std::error_code gleich;
+    fs::remove_all(pfad_, gleich);
+}
+
+std::string Zusammenlegung::herkunft(const std::string& unterpfad) const {
+    const bool ausB = fs::symlink_status(fs::path(b_) / unterpfad).type() != fs::file_type::not_found;
+    return (ausB ? b_ : a_) + "/" + unterpfad;
+}
+
+std::string Zusammenlegung::mitHerkunft(std::string text, const std::string& unterpfad) const {
+    const std::string hier = pfad_ + "/" + unterpfad;
+    const std::string dort = herkunft(unterpfad);
+    for (std::size_t i = text.find(hier); i != std::string::npos; i = text.find(hier, i + dort.size()))
+        text.replace(i, hier.size(), dort);
+    return text;
+}
+
+} // namespace werkzeug
