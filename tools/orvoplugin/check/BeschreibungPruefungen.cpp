@@ -1,0 +1,258 @@
+// Checks of what a plugin says of itself.
+
+#include "check/Buehne.h"
+#include "check/Katalog.h"
+#include "check/Registratur.h"
+#include "check/Text.h"
+#include "check/Vorschlag.h"
+#include "kern/Anzeige.h"
+
+#include <orvoplugin/plugin/PluginEntryPoints.h>
+#include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
+#include <orvoutil/Latin1.h>
+#include <orvoutil/OrvoVersion.h>
+#include <orvoutil/SharedLib.h>
+
+#include <algorithm>
+#include <list>
+#include <optional>
+#include <set>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug::check {
+
+namespace {
+
+/// The library, open, and an entry point in it. Errors: `Ladefehler`.
+template <class Funktion>
+class Einsprung {
+public:
+    Einsprung(const std::string& pfad, const char* name) : bibliothek_(pfad, true) {
+        funktion_ = reinterpret_cast<Funktion>(bibliothek_.getSymbol(name));
+        if (!funktion_)
+            throw Ladefehler(einzeilig(bibliothek_.getLastError()));
+    }
+
+    template <class... Argumente>
+    auto operator()(Argumente... argumente) const {
+        return funktion_(argumente...);
+    }
+
+private:
+    SharedLib bibliothek_;
+    Funktion funktion_ = nullptr;
+};
+
+using GetTypes = decltype(&orvo_plugin_get_types);
+constexpr char kGetTypes[] = "orvo_plugin_get_types", kInitialize[] = "orvo_plugin_initialize";
+
+std::string liste(const std::list<orvo_plugin_version_t>& typen) {
+    std::string text;
+    for (const orvo_plugin_version_t& typ : typen)
+        text += (text.empty() ? "" : ", ") + std::to_string(typ.type);
+    return text;
+}
+
+/// Appends to a list that is not empty: what stands in it must stay, in front.
+void pruefeAnhaengen(const std::string& pfad, Fundliste& funde) {
+    constexpr std::int32_t kMarke = 4711;
+    const Einsprung<GetTypes> getTypes(pfad, kGetTypes);
+    std::list<orvo_plugin_version_t> typen{{kMarke}};
+    getTypes(&typen);
+    if (typen.size() < 2 || typen.front().type != kMarke)
+        funde.fehler("orvo_plugin_get_types does not append to the list: what stood in it is gone or moved");
+}
+
+/// What orvo_plugin_initialize returns, as it comes. Returns: nothing when it throws.
+std::optional<unsigned char> rufeInitialize(const std::string& pfad) {
+    using WieEsKommt = unsigned char (*)(OrvoPluginV1*);
+    const Einsprung<WieEsKommt> initialize(pfad, kInitialize);
+    OrvoPluginV1 plugin(new SharedLib(pfad, true));
+    try {
+        const volatile unsigned char ergebnis = initialize(&plugin);
+        return ergebnis;
+    } catch (...) { // what it throws is told by the library
+        return std::nullopt;
+    }
+}
+
+/// A function with another result leaves something else than 0 or 1 where a bool is looked for.
+void pruefeErgebnis(std::optional<unsigned char> ergebnis, Fundliste& funde) {
+    if (ergebnis > 1)
+        funde.fehler("orvo_plugin_initialize returns " + std::to_string(*ergebnis) +
+                     ", which is no bool: does it return another type?");
+}
+
+/// Says whose reason follows: that of an exception may be but a word.
+std::string wieBeendet(std::optional<unsigned char> ergebnis) {
+    if (!ergebnis)
+        return "orvo_plugin_initialize throws: ";
+    return *ergebnis == 0
+               ? "orvo_plugin_initialize returns false (\"--log error\" shows what it wrote to the log): "
+               : "";
+}
+
+bool istUtf8(const std::string& text) {
+    const bool nurAscii =
+        std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return !nurAscii && toUtf8(text) == text;
+}
+
+bool hatSteuerzeichen(const std::string& text) {
+    return std::any_of(text.begin(), text.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte < 0x20 || (byte >= 0x7F && byte < 0xA0);
+    });
+}
+
+void pruefeText(const std::string& was, const std::string& text, Fundliste& funde) {
+    if (istUtf8(text))
+        funde.warnung(was + " " + zitiert(text) + " is UTF-8, but is read as Latin-1");
+    else if (hatSteuerzeichen(text))
+        funde.fehler(was + " " + zitiert(text) + " holds control characters");
+}
+
+void pruefeVersion(const char* was, const std::string& version, Fundliste& funde) {
+    if (!version.empty() && !OrvoVersion(version).hatNurZahlen())
+        funde.fehler(std::string(was) + " " + zitiert(version) +
+                     " has parts that are no numbers, and count as 0 when versions are compared");
+}
+
+void pruefeHook(const char* was, const std::string& name, const Pruefling& p, Fundliste& funde) {
+    if (!name.empty() && !p.bild.exportiertFunktion(name))
+        funde.fehler(std::string(was) + ": " + warumNichtExportiert(p.bild.getInhalt(), name, false));
+}
+
+} // namespace
+
+Befund pruefeTypen(const Pruefling& p) {
+    std::list<orvo_plugin_version_t> typen; // its nodes are made in the plugin, but freed here
+    const Einsprung<GetTypes> getTypes(p.pfad, kGetTypes);
+    try {
+        getTypes(&typen);
+    } catch (...) {
+        return durchgefallen("orvo_plugin_get_types throws: " + laufendeAusnahme());
+    }
+    if (typen.empty())
+        return durchgefallen("orvo_plugin_get_types declares nothing");
+    if (typen.size() > 1)
+        return durchgefallen("orvo_plugin_get_types declares " + std::to_string(typen.size()) +
+                             " records (types " + liste(typen) + ") instead of one");
+    if (typen.front().type != 1)
+        return durchgefallen("orvo_plugin_get_types declares interface " + liste(typen) + " instead of 1");
+    return bestanden();
+}
+
+Befund pruefeBeschreibung(const Pruefling& p) {
+    Fundliste funde;
+    try {
+        lade(p.pfad);
+    } catch (const Ladefehler& fehler) {
+        if (!p.bild.exportiertFunktion(kInitialize))
+            return durchgefallen(fehler.what());
+        const std::optional<unsigned char> ergebnis = rufeInitialize(p.pfad);
+        funde.fehler(wieBeendet(ergebnis) + fehler.what());
+        pruefeErgebnis(ergebnis, funde); // may be what is behind it
+    }
+    return funde.befund();
+}
+
+Befund pruefeSignaturen(const Pruefling& p) {
+    Fundliste funde;
+    pruefeAnhaengen(p.pfad, funde);
+    pruefeErgebnis(rufeInitialize(p.pfad), funde);
+    return funde.befund();
+}
+
+Befund pruefeZweiteBeschreibung(const Pruefling& p) {
+    Fundliste funde;
+    const std::vector<std::string> erste = beschreibung(*lade(p.pfad));
+    vergleicheBeschreibungen(erste, beschreibung(*lade(p.pfad)), "loaded again, it differs", funde);
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad), daneben = lade(p.pfad);
+    if (funde.istLeer())
+        vergleicheBeschreibungen(erste, beschreibung(*daneben), "described beside another, it differs",
+                                 funde);
+    return funde.befund();
+}
+
+Befund pruefeVersionen(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    if (plugin->getProduktVersion().empty())
+        funde.warnung("no product version: where another plugin serves the same, that one answers");
+    pruefeVersion("product version", plugin->getProduktVersion(), funde);
+    pruefeVersion("file version", plugin->getFileVersion(), funde);
+    return funde.befund();
+}
+
+Befund pruefeTexte(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    pruefeText("product version", plugin->getProduktVersion(), funde);
+    pruefeText("file version", plugin->getFileVersion(), funde);
+    for (const OrvoPlugin::LabelEintrag& label : plugin->getLabels())
+        for (const std::string* const text : {&label.text1, &label.text2, &label.text3, &label.text4})
+            pruefeText("label", *text, funde);
+    for (const OrvoErweiterung* const erweiterung : plugin->listeErweiterungen())
+        if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung))
+            for (const Unterfallart& ua : uaVz->getUnterfallArten())
+                pruefeText("sub-case type", ua.getName(), funde);
+    return funde.befund();
+}
+
+Befund pruefeAngebot(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    if (plugin->listeErweiterungen().empty())
+        funde.warnung("the plugin adds no extension: nobody will ever find it");
+    for (const OrvoErweiterung* const erweiterung : plugin->listeErweiterungen()) {
+        const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung);
+        if (!uaVz)
+            continue;
+        for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap())
+            if (vzs.empty())
+                funde.warnung(art(*erweiterung) + " serves " + einzeilig(ua.getName()) +
+                              " for no period: nobody will ever find it");
+        if (uaVz->getUnterfallArten().empty())
+            funde.warnung(art(*erweiterung) + " serves no sub-case type: nobody will ever find it");
+    }
+    return funde.befund();
+}
+
+Befund pruefeEigeneUeberschneidung(const Pruefling& p) {
+    Registratur registratur;
+    const OrvoPluginV1* const plugin = registratur.lade(p.pfad);
+    if (!plugin)
+        return durchgefallen("the plugin manager does not load it");
+    Fundliste funde;
+    registratur.besuche(*plugin, [&](const Zuordnung& z) {
+        if (z.antwort && z.antwort != z.erweiterung && z.antwort->getPlugin() == plugin)
+            funde.fehler(art(*z.erweiterung) + " for " + z.text +
+                         " is declared twice: the first extension answers, the other is never asked");
+    });
+    return funde.befund();
+}
+
+Befund pruefeFactories(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    std::set<std::string> gesehene;
+    for (const OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin)) {
+        const std::string& name = erweiterung->getServiceFactoryName();
+        if (gesehene.insert(name).second && !p.bild.exportiertFunktion(name))
+            funde.fehler("factory of " + art(*erweiterung) + ": " +
+                         warumNichtExportiert(p.bild.getInhalt(), name, false));
+    }
+    return funde.befund();
+}
+
+Befund pruefeHooks(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    pruefeHook("OnLoad function", plugin->getOnLoadFuncName(), p, funde);
+    pruefeHook("OnUnload function", plugin->getOnUnloadFuncName(), p, funde);
+    return funde.befund();
+}
+
+} // namespace werkzeug::check

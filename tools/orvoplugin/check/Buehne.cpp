@@ -1,0 +1,165 @@
+#include "check/Buehne.h"
+
+#include "check/Text.h"
+#include "kern/Anzeige.h"
+
+#include <orvoplugin/plugin/OrvoPluginLoader.h>
+#include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
+#include <orvoutil/Einstellungen.h>
+#include <orvoutil/SharedLib.h>
+
+#include <dlfcn.h>
+
+#include <algorithm>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug::check {
+
+namespace {
+
+std::string zeile(const char* was, const std::string& wert) { return std::string(was) + " " + zitiert(wert); }
+
+std::string zeile(const OrvoPlugin::LabelEintrag& label) {
+    return "label " + std::to_string(label.zahl1) + " " + zitiert(label.text1) + " " +
+           zitiert(label.zeitraum.getText()) + " " + zitiert(label.text2) + " " +
+           std::to_string(label.zahl2) + " " + zitiert(label.text3) + " " + zitiert(label.text4);
+}
+
+void fuegePaareAn(const OrvoErweiterung& erweiterung, const std::string& anfang,
+                  std::vector<std::string>& zeilen) {
+    const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(&erweiterung);
+    if (!uaVz)
+        return;
+    for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
+        zeilen.push_back(anfang + " for " + einzeilig(ua.getName()) + " (" + std::to_string(ua.getNummer()) +
+                         ")");
+        for (const Veranlagungszeitraum& vz : vzs)
+            zeilen.push_back(anfang + " for " + paar(ua, vz));
+    }
+}
+
+template <class MitBedingungen>
+void fuegeBedingungenAn(const OrvoErweiterung& erweiterung, const std::string& anfang,
+                        std::vector<std::string>& zeilen) {
+    const auto* const mit = dynamic_cast<const MitBedingungen*>(&erweiterung);
+    if (!mit)
+        return;
+    for (const Bedingung& bedingung : mit->getVorbedingungen())
+        zeilen.push_back(anfang + " with pre-condition " + std::to_string(bedingung.getTyp()));
+    for (const Bedingung& bedingung : mit->getNachbedingungen())
+        zeilen.push_back(anfang + " with post-condition " + std::to_string(bedingung.getTyp()));
+}
+
+void fuegeErweiterungAn(const OrvoErweiterung& erweiterung, std::size_t nummer,
+                        std::vector<std::string>& zeilen) {
+    const std::string anfang = "extension " + std::to_string(nummer) + ", " + art(erweiterung) + ",";
+    zeilen.push_back(anfang + " of type " + std::to_string(erweiterung.getTyp()));
+    if (const auto* const service = dynamic_cast<const OrvoServiceErweiterung*>(&erweiterung))
+        zeilen.push_back(anfang + " made by " + zitiert(service->getServiceFactoryName()));
+    for (int flag = FLAG_SERVICE_LOESCHEN; flag <= FLAG_RESERVIERT_4; ++flag)
+        if (erweiterung.istFlagGesetzt(static_cast<orvo_erweiterung_flag_t>(flag)))
+            zeilen.push_back(anfang + " with flag " + std::to_string(flag));
+    for (const Abhaengigkeit& abhaengigkeit : erweiterung.getAbhaengigkeiten())
+        zeilen.push_back(anfang + " with dependency " + std::to_string(abhaengigkeit.getTyp()));
+    fuegeBedingungenAn<OrvoValidierungsServiceErweiterung>(erweiterung, anfang, zeilen);
+    fuegeBedingungenAn<OrvoDatensatzReaderErweiterung>(erweiterung, anfang, zeilen);
+    fuegePaareAn(erweiterung, anfang, zeilen);
+}
+
+} // namespace
+
+std::string laufendeAusnahme() {
+    try {
+        throw;
+    } catch (const std::exception& ausnahme) {
+        const char* const text = ausnahme.what();
+        return text && *text ? ausnahmetext(text) : std::string("an exception without a text");
+    } catch (...) {
+        return "an exception that is no std::exception";
+    }
+}
+
+std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad) {
+    OrvoPluginLoader loader; // keeps the library open until the exception has been looked at
+    std::unique_ptr<OrvoPlugin> plugin;
+    try {
+        plugin.reset(loader.loadPlugin(new SharedLib(pfad, false)));
+    } catch (...) {
+        throw Ladefehler(laufendeAusnahme());
+    }
+    auto* const v1 = dynamic_cast<OrvoPluginV1*>(plugin.get());
+    if (!v1)
+        throw Ladefehler("the plugin is of another interface than 1");
+    plugin.release();
+    return std::unique_ptr<OrvoPluginV1>(v1);
+}
+
+std::vector<OrvoServiceErweiterung*> serviceErweiterungen(const OrvoPluginV1& plugin) {
+    std::vector<OrvoServiceErweiterung*> erweiterungen;
+    for (OrvoErweiterung* const erweiterung : plugin.listeErweiterungen())
+        if (auto* const service = dynamic_cast<OrvoServiceErweiterung*>(erweiterung))
+            erweiterungen.push_back(service);
+    return erweiterungen;
+}
+
+Service* holeVomRichtigenTyp(OrvoServiceErweiterung& erweiterung) {
+    if (auto* const pruefung = dynamic_cast<OrvoValidierungsServiceErweiterung*>(&erweiterung))
+        return pruefung->holeService();
+    if (auto* const zuordnung = dynamic_cast<OrvoXPathMappingServiceErweiterung*>(&erweiterung))
+        return zuordnung->holeService();
+    if (auto* const leser = dynamic_cast<OrvoDatensatzReaderErweiterung*>(&erweiterung))
+        return leser->holeService();
+    return erweiterung.holeService();
+}
+
+void gibAllesZurueck(OrvoServiceErweiterung& erweiterung) {
+    while (!erweiterung.getInstanzen().empty())
+        erweiterung.release(erweiterung.getInstanzen().begin()->first);
+}
+
+void benutze(const OrvoPluginV1& plugin) {
+    for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(plugin)) {
+        erweiterung->holeService();
+        gibAllesZurueck(*erweiterung);
+    }
+}
+
+void lebe(const std::string& pfad) { benutze(*lade(pfad)); }
+
+std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
+    std::vector<std::string> zeilen{zeile("product version", plugin.getProduktVersion()),
+                                    zeile("file version", plugin.getFileVersion()),
+                                    zeile("OnLoad function", plugin.getOnLoadFuncName()),
+                                    zeile("OnUnload function", plugin.getOnUnloadFuncName()),
+                                    std::string(plugin.isResident() ? "resident" : "not resident"),
+                                    "status " + std::to_string(plugin.getStatus())};
+    for (const OrvoPlugin::LabelEintrag& label : plugin.getLabels())
+        zeilen.push_back(zeile(label));
+    std::size_t nummer = 0;
+    for (const OrvoErweiterung* const erweiterung : plugin.listeErweiterungen())
+        fuegeErweiterungAn(*erweiterung, ++nummer, zeilen);
+    return zeilen;
+}
+
+void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
+                              const std::string& wann, Fundliste& funde) {
+    const auto [links, rechts] = std::mismatch(erste.begin(), erste.end(), zweite.begin(), zweite.end());
+    if (links != erste.end() || rechts != zweite.end())
+        funde.fehler(wann + ": first " + (links == erste.end() ? "nothing more" : *links) + ", then " +
+                     (rechts == zweite.end() ? "nothing more" : *rechts));
+}
+
+bool istImProzess(const std::string& pfad) {
+    const std::string name = pfad.find('/') == std::string::npos ? "./" + pfad : pfad;
+    void* const griff = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (griff)
+        dlclose(griff);
+    return griff != nullptr;
+}
+
+void beginneOhnePlugins() { Einstellungen().setze("basis.home_dir", "/dev/null/nowhere"); }
+
+} // namespace werkzeug::check

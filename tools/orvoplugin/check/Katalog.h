@@ -1,0 +1,96 @@
+#pragma once
+
+#include "check/Befund.h"
+
+#include <orvoutil/Bibliotheksbild.h>
+
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace werkzeug::check {
+
+/// What a check gets to see: one file, and those that were given along with it and can be loaded.
+struct Pruefling {
+    std::string pfad;
+    orvo::orvoutil::Bibliotheksbild bild;
+    std::vector<std::string> andere;
+    std::chrono::duration<double> zeitlimit; ///< for code of the plugin
+};
+
+/// Where a check is made.
+enum class Ort {
+    DATEI,      ///< here: it reads the file and runs none of its code
+    KIND,       ///< in a child process of its own
+    KIND_REIHE, ///< the same, when all files have been through the others: it looks at them together
+};
+
+/// One check of the catalogue.
+struct Pruefung {
+    const char* name; ///< stable: scripts name it
+    const char* satz; ///< what it says of a plugin that passes
+    /// Checks before it in the catalogue that it makes no sense without. They only count when they are made too.
+    std::vector<std::string_view> bautAuf;
+    Ort ort;
+    Befund (*pruefe)(const Pruefling&);
+};
+
+/// All checks, in the order in which they are made.
+const std::vector<Pruefung>& katalog();
+
+// The checks themselves, by source.
+
+Befund pruefeDateiformat(const Pruefling&);
+Befund pruefeDateiname(const Pruefling&);
+Befund pruefeEinsprungpunkte(const Pruefling&);
+Befund pruefeExporte(const Pruefling&);
+Befund pruefeEinmaligeSymbole(const Pruefling&);
+Befund pruefeBleiben(const Pruefling&);
+Befund pruefeThreadDestruktoren(const Pruefling&);
+Befund pruefeBindung(const Pruefling&);
+Befund pruefeCodeAenderung(const Pruefling&);
+Befund pruefeSuchpfade(const Pruefling&);
+
+Befund pruefeBenoetigteBibliotheken(const Pruefling&);
+Befund pruefeUndefinierteSymbole(const Pruefling&);
+Befund pruefeOeffnen(const Pruefling&);
+
+Befund pruefeTypen(const Pruefling&);
+Befund pruefeSignaturen(const Pruefling&);
+Befund pruefeBeschreibung(const Pruefling&);
+Befund pruefeZweiteBeschreibung(const Pruefling&);
+Befund pruefeVersionen(const Pruefling&);
+Befund pruefeTexte(const Pruefling&);
+Befund pruefeAngebot(const Pruefling&);
+Befund pruefeEigeneUeberschneidung(const Pruefling&);
+Befund pruefeFactories(const Pruefling&);
+Befund pruefeHooks(const Pruefling&);
+
+Befund pruefeNutzung(const Pruefling&);
+Befund pruefeServices(const Pruefling&);
+Befund pruefeServiceBesitz(const Pruefling&);
+Befund pruefeAusnahmen(const Pruefling&);
+Befund pruefeEntladen(const Pruefling&);
+Befund pruefeSpeicher(const Pruefling&);
+Befund pruefeResident(const Pruefling&);
+Befund pruefeReload(const Pruefling&);
+
+Befund pruefeAusgabe(const Pruefling&);
+Befund pruefeLocale(const Pruefling&);
+Befund pruefeVerzeichnis(const Pruefling&);
+Befund pruefeSignale(const Pruefling&);
+Befund pruefeHandler(const Pruefling&);
+Befund pruefeDeskriptoren(const Pruefling&);
+Befund pruefeUmgebung(const Pruefling&);
+Befund pruefeUmask(const Pruefling&);
+Befund pruefeThreads(const Pruefling&);
+Befund pruefeGleitkomma(const Pruefling&);
+Befund pruefeStroeme(const Pruefling&);
+Befund pruefeZeitgeber(const Pruefling&);
+Befund pruefeEinstellungen(const Pruefling&);
+Befund pruefeKindprozesse(const Pruefling&);
+
+Befund pruefeUeberschneidungen(const Pruefling&);
+
+} // namespace werkzeug::check

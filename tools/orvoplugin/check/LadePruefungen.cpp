@@ -1,0 +1,177 @@
+// Checks of whether and how the library can be opened.
+
+#include "check/Buehne.h"
+#include "check/Katalog.h"
+#include "check/Text.h"
+#include "kern/Anzeige.h"
+#include "kern/Kindprozess.h"
+
+#include <orvoplugin/plugin/LadeBeobachter.h>
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoutil/PathUtil.h>
+#include <orvoutil/SharedLib.h>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug::check {
+
+namespace {
+
+/// What the loader says to opening the file.
+struct Oeffnung {
+    bool gelungen = false;
+    std::string grund;                 ///< why not
+    std::vector<std::string> fehlende; ///< the symbols that nobody has, as far as can be found out
+};
+
+bool istGrundEinSymbol(const std::string& grund) {
+    return grund.find("undefined symbol") != std::string::npos;
+}
+
+/// All symbols that are missing, where only functions are: then the library opens as long as nobody calls them.
+std::vector<std::string> fehlendeFunktionen(const Pruefling& p) {
+    std::vector<std::string> fehlende;
+    const std::string name = p.pfad.find('/') == std::string::npos ? "./" + p.pfad : p.pfad;
+    void* const griff = dlopen(name.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    if (!griff)
+        return fehlende;
+    for (const Bibliothekssymbol& symbol : p.bild.getInhalt().undefinierte)
+        if (symbol.bindung != Symbolbindung::Schwach && !dlsym(griff, symbol.name.c_str()) &&
+            !dlsym(RTLD_DEFAULT, symbol.name.c_str()))
+            fehlende.push_back(symbol.name);
+    return fehlende; // left open: the process ends here
+}
+
+/// Opens the library in a process of its own: its start-up code may crash or hang, and that is another check's affair.
+/// Returns: nothing when it did. Everything that the library needs was there then: that code runs last.
+std::optional<Oeffnung> oeffneImKind(const Pruefling& p) {
+    std::optional<Oeffnung> oeffnung;
+    laufeImKind(
+        [&](const Sender& sende) {
+            SharedLib bibliothek(p.pfad);
+            const bool gelungen = bibliothek.load();
+            sende(gelungen ? std::string() : bibliothek.getLastError());
+            if (!gelungen && istGrundEinSymbol(bibliothek.getLastError()))
+                for (const std::string& name : fehlendeFunktionen(p))
+                    sende(name);
+        },
+        [&](std::string_view satz) {
+            if (oeffnung)
+                oeffnung->fehlende.emplace_back(satz);
+            else
+                oeffnung = Oeffnung{satz.empty(), std::string(satz), {}};
+        },
+        p.zeitlimit / 2); // so that this check itself comes to an end
+    return oeffnung;
+}
+
+/// The symbol's name in the loader's text.
+std::string symbolAus(const std::string& grund) {
+    constexpr std::string_view kVor = "undefined symbol: ";
+    const std::size_t stelle = grund.find(kVor);
+    const std::string rest = grund.substr(stelle + kVor.size());
+    return rest.substr(0, rest.find_first_of(", \t\n"));
+}
+
+/// A directory of its own, gone at the end.
+class Arbeitsverzeichnis {
+public:
+    Arbeitsverzeichnis() {
+        std::string muster = (std::filesystem::temp_directory_path() / "orvoplugin-XXXXXX").string();
+        if (!mkdtemp(muster.data()))
+            throw std::runtime_error("cannot make a directory for temporary files");
+        pfad_ = muster;
+    }
+    Arbeitsverzeichnis(const Arbeitsverzeichnis&) = delete;
+    Arbeitsverzeichnis& operator=(const Arbeitsverzeichnis&) = delete;
+    ~Arbeitsverzeichnis() {
+        std::error_code egal;
+        std::filesystem::remove_all(pfad_, egal);
+    }
+    const std::string& pfad() const { return pfad_; }
+
+private:
+    std::string pfad_;
+};
+
+/// What the plugin manager thinks of a file's name.
+struct Namensurteil : LadeBeobachter {
+    bool istGefunden = false;
+    Dateiart art = UEBERGANGEN;
+    std::string geladenAls; ///< the name under which it would be loaded
+
+    void findetDatei(const std::string&, const std::string&, Dateiart wofuer,
+                     const std::string& pfad) noexcept override {
+        istGefunden = true;
+        art = wofuer;
+        geladenAls = getOnlyFilenameOfFullFilename(pfad);
+    }
+    bool ladeDatei(const std::string&) noexcept override { return false; }
+};
+
+/// Has the manager walk a directory with an empty file of that name.
+Namensurteil urteilUeber(const std::string& name) {
+    const Arbeitsverzeichnis verzeichnis;
+    std::ofstream(getFullFilename(verzeichnis.pfad(), name)).put('\n');
+    beginneOhnePlugins();
+    OrvoPluginManager manager(nullptr);
+    Namensurteil urteil;
+    OrvoPluginManager::setLadeBeobachter(&urteil);
+    manager.ladePluginsRekursiv(verzeichnis.pfad());
+    OrvoPluginManager::setLadeBeobachter(nullptr);
+    return urteil;
+}
+
+} // namespace
+
+Befund pruefeDateiname(const Pruefling& p) {
+    const std::string name = getOnlyFilenameOfFullFilename(p.pfad);
+    const Namensurteil urteil = urteilUeber(name);
+    if (!urteil.istGefunden)
+        return durchgefallen(zitiert(name) + " is passed over: it is hidden, or has no suffix");
+    switch (urteil.art) {
+    case LadeBeobachter::GESPERRT:
+        return durchgefallen(zitiert(name) + " is on the block list: the plugin manager passes over it");
+    case LadeBeobachter::UEBERGANGEN:
+        return durchgefallen(zitiert(name) + " is not taken for a plugin: its name has to end in .dylib");
+    default:
+        break;
+    }
+    return urteil.geladenAls == name
+               ? bestanden()
+               : durchgefallen(zitiert(name) + " is looked for as " + zitiert(urteil.geladenAls) +
+                               ", and so not found: write the suffix in lower case");
+}
+
+Befund pruefeBenoetigteBibliotheken(const Pruefling& p) {
+    const std::optional<Oeffnung> oeffnung = oeffneImKind(p);
+    return !oeffnung || oeffnung->gelungen || istGrundEinSymbol(oeffnung->grund)
+               ? bestanden()
+               : durchgefallen(einzeilig(oeffnung->grund));
+}
+
+Befund pruefeUndefinierteSymbole(const Pruefling& p) {
+    const std::optional<Oeffnung> oeffnung = oeffneImKind(p);
+    if (!oeffnung || oeffnung->gelungen || !istGrundEinSymbol(oeffnung->grund))
+        return bestanden();
+    Fundliste funde;
+    for (const std::string& name : oeffnung->fehlende)
+        funde.fehler(symbolname(name) + " is provided by nobody");
+    if (funde.istLeer())
+        funde.fehler(symbolname(symbolAus(oeffnung->grund)) + " is provided by nobody");
+    return funde.befund();
+}
+
+Befund pruefeOeffnen(const Pruefling& p) {
+    SharedLib bibliothek(p.pfad);
+    return bibliothek.load() ? bestanden() : durchgefallen(einzeilig(bibliothek.getLastError()));
+}
+
+} // namespace werkzeug::check

@@ -1,0 +1,277 @@
+// Checks of a plugin at work: services, hooks, closing.
+
+#include "check/Buehne.h"
+#include "check/Katalog.h"
+#include "check/Text.h"
+#include "kern/Anzeige.h"
+
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoplugin/plugin/PluginEntryPoints.h>
+#include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
+#include <orvoplugin/service/Service.h>
+#include <orvoutil/SharedLib.h>
+
+#ifdef __linux__
+#include <link.h>
+#endif
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <limits>
+#include <set>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug::check {
+
+namespace {
+
+using Factory = decltype(&orvo_plugin_get_check_service);
+using Hook = void (*)();
+
+std::string factoryVon(const OrvoServiceErweiterung& erweiterung) {
+    return zitiert(erweiterung.getServiceFactoryName());
+}
+
+/// Why an extension gave no service: asks its factory itself.
+std::string warumKeinService(const OrvoPluginV1& plugin, const OrvoServiceErweiterung& erweiterung) {
+    SharedLib bibliothek(plugin.getSharedLib()->getName(), true);
+    const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(erweiterung.getServiceFactoryName()));
+    if (!factory)
+        return "is not found when it is needed";
+    try {
+        return factory() ? "made an object only when asked again" : "returns null";
+    } catch (...) {
+        return "throws: " + laufendeAusnahme();
+    }
+}
+
+/// Gets a service twice at once and once more after that.
+void pruefeService(const OrvoPluginV1& plugin, OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
+    for (const char* const wann : {"", ", while another is out", ", while others are out"}) {
+        if (holeVomRichtigenTyp(erweiterung))
+            continue;
+        if (erweiterung.getInstanzen().empty())
+            funde.fehler(factoryVon(erweiterung) + wann + " " + warumKeinService(plugin, erweiterung));
+        else if (*wann == '\0')
+            funde.fehler(factoryVon(erweiterung) + " makes an object of another interface than " +
+                         art(erweiterung) + " declares");
+        else
+            funde.fehler(factoryVon(erweiterung) + " makes no object of its interface" + wann);
+        break;
+    }
+    gibAllesZurueck(erweiterung);
+    if (funde.istLeer() && !holeVomRichtigenTyp(erweiterung))
+        funde.fehler(factoryVon(erweiterung) + " makes no object after the first ones were given back");
+    gibAllesZurueck(erweiterung);
+}
+
+void pruefeBesitz(OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
+    const Service* const erster = holeVomRichtigenTyp(erweiterung);
+    const Service* const zweiter = holeVomRichtigenTyp(erweiterung);
+    const bool wirdGeloescht = erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN);
+    if (wirdGeloescht && erster == zweiter)
+        funde.fehler(
+            factoryVon(erweiterung) +
+            " gives the same object twice, and FLAG_SERVICE_LOESCHEN has it deleted at its first release");
+    else if (!wirdGeloescht && erster != zweiter)
+        funde.warnung(factoryVon(erweiterung) +
+                      " makes a new object each time, which nobody deletes without FLAG_SERVICE_LOESCHEN");
+    gibAllesZurueck(erweiterung);
+}
+
+/// Runs a function of the plugin and finds what it throws. The exception is gone on return.
+void haelt(const std::string& was, Fundliste& funde, const std::function<void()>& ruf) {
+    try {
+        ruf();
+    } catch (...) {
+        funde.fehler("an exception leaves " + was + ": " + laufendeAusnahme());
+    }
+}
+
+void rufeHook(const char* was, SharedLib& bibliothek, const std::string& name, Fundliste& funde) {
+    if (const auto hook = name.empty() ? nullptr : reinterpret_cast<Hook>(bibliothek.getSymbol(name)))
+        haelt(std::string(was) + " " + zitiert(name), funde, hook);
+}
+
+void rufeFactory(SharedLib& bibliothek, const OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
+    const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(erweiterung.getServiceFactoryName()));
+    if (!factory)
+        return;
+    haelt("the factory " + factoryVon(erweiterung), funde, [&] {
+        const Service* const service = factory();
+        if (erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN))
+            delete service;
+    });
+}
+
+/// The libraries in the process, by name.
+std::set<std::string> bibliotheken() {
+    std::set<std::string> namen;
+#ifdef __linux__
+    dl_iterate_phdr(
+        [](dl_phdr_info* bibliothek, std::size_t, void* daten) {
+            static_cast<std::set<std::string>*>(daten)->insert(bibliothek->dlpi_name);
+            return 0;
+        },
+        &namen);
+#endif
+    return namen;
+}
+
+/// Finds the plugin's library, and what it brought along, still in the process.
+void pruefeWegsein(const Pruefling& p, const std::set<std::string>& vorher, const std::string& wann,
+                   Fundliste& funde) {
+    if (istImProzess(p.pfad)) {
+        funde.fehler("the library is still in the process " + wann);
+        return;
+    }
+    for (const std::string& name : bibliotheken())
+        if (!vorher.contains(name))
+            funde.warnung(einzeilig(name) + ", which the plugin brought along, is still in the process " +
+                          wann);
+}
+
+/// Bytes that are allocated; 0 where that cannot be told.
+std::size_t belegt() {
+#ifdef __GLIBC__
+    return mallinfo2().uordblks;
+#else
+    return 0;
+#endif
+}
+
+/// How many bytes a use of the plugin keeps, on average over some; fewer of a plugin that is slow.
+std::size_t verlustJeNutzung(const OrvoPluginV1& plugin, std::chrono::duration<double> zeit) {
+    constexpr std::size_t kRunden = 10;
+    const auto ende = std::chrono::steady_clock::now() + zeit;
+    const std::size_t vorher = belegt();
+    std::size_t runden = 0;
+    do {
+        benutze(plugin);
+    } while (++runden < kRunden && std::chrono::steady_clock::now() < ende);
+    const std::size_t nachher = belegt();
+    return nachher > vorher ? (nachher - vorher) / runden : 0;
+}
+
+} // namespace
+
+Befund pruefeNutzung(const Pruefling& p) {
+    lebe(p.pfad);
+    return bestanden();
+}
+
+Befund pruefeServices(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin)) {
+        Fundliste einzeln;
+        pruefeService(*plugin, *erweiterung, einzeln);
+        if (!einzeln.istLeer())
+            funde.fehler(einzeln.befund().text);
+    }
+    return funde.befund();
+}
+
+Befund pruefeServiceBesitz(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
+        pruefeBesitz(*erweiterung, funde);
+    return funde.befund();
+}
+
+Befund pruefeAusnahmen(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    Fundliste funde;
+    SharedLib bibliothek(p.pfad, true);
+    rufeHook("the OnLoad function", bibliothek, plugin->getOnLoadFuncName(), funde);
+    for (const OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
+        rufeFactory(bibliothek, *erweiterung, funde);
+    rufeHook("the OnUnload function", bibliothek, plugin->getOnUnloadFuncName(), funde);
+    return funde.befund();
+}
+
+Befund pruefeEntladen(const Pruefling& p) {
+    const std::set<std::string> vorher = bibliotheken();
+    Fundliste funde;
+    std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    pruefeWegsein(p, vorher, "after it described itself", funde);
+    if (funde.istLeer()) {
+        benutze(*plugin);
+        if (!plugin->isResident())
+            pruefeWegsein(p, vorher, "after its last service was given back", funde);
+    }
+    plugin.reset();
+    if (funde.istLeer())
+        pruefeWegsein(p, vorher, "after it was unloaded", funde);
+    return funde.befund();
+}
+
+Befund pruefeSpeicher(const Pruefling& p) {
+    constexpr int kAnlauf = 5, kAbschnitte = 4;
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    for (int i = 0; i < kAnlauf; ++i)
+        benutze(*plugin);
+    if (belegt() == 0)
+        return uebersprungen("the memory in use cannot be told here");
+    // What is taken once, by the system's loader for instance, is taken in one section; a loss is one in each.
+    std::size_t verlust = std::numeric_limits<std::size_t>::max();
+    for (int i = 0; i < kAbschnitte; ++i)
+        verlust = std::min(verlust, verlustJeNutzung(*plugin, p.zeitlimit / 4 / kAbschnitte));
+    constexpr std::size_t kKleinstesStueck = 16;
+    return verlust < kKleinstesStueck
+               ? bestanden()
+               : warnung("each use keeps about " + std::to_string(verlust) + " bytes that are never freed");
+}
+
+Befund pruefeResident(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    plugin->setResident(true);
+    Fundliste funde;
+    for (const char* const wann : {"at its first use", "when it is used again while it stayed open"})
+        for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin)) {
+            if (!holeVomRichtigenTyp(*erweiterung))
+                funde.fehler("a resident plugin's factory " + factoryVon(*erweiterung) + " makes no object " +
+                             wann);
+            gibAllesZurueck(*erweiterung);
+        }
+    return funde.befund();
+}
+
+Befund pruefeReload(const Pruefling& p) {
+    beginneOhnePlugins();
+    OrvoPluginManager manager(nullptr);
+    const std::set<std::string> vorher = bibliotheken();
+    std::vector<std::string> erste;
+    Fundliste funde;
+    for (const bool nochmal : {false, true}) {
+        if (!manager.ladePlugin(p.pfad))
+            return durchgefallen(nochmal ? "the plugin manager does not load it again"
+                                         : "the plugin manager does not load it");
+        const auto& plugin = dynamic_cast<const OrvoPluginV1&>(*manager.getRegistriertePlugins().back());
+        if (nochmal)
+            vergleicheBeschreibungen(erste, beschreibung(plugin), "after a reload it differs", funde);
+        else
+            erste = beschreibung(plugin);
+        for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(plugin)) {
+            if (!holeVomRichtigenTyp(*erweiterung))
+                funde.fehler(factoryVon(*erweiterung) + " makes no object" +
+                             (nochmal ? " after a reload" : ""));
+            if (nochmal)
+                gibAllesZurueck(*erweiterung);
+        }
+        manager.entladePlugins();
+        pruefeWegsein(p, vorher, nochmal ? "after the second unloading" : "after a reload with a service out",
+                      funde);
+        if (!funde.istLeer())
+            break;
+    }
+    return funde.befund();
+}
+
+} // namespace werkzeug::check

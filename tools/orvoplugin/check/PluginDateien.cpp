@@ -1,0 +1,64 @@
+#include "check/PluginDateien.h"
+
+#include "check/Buehne.h"
+#include "kern/Anzeige.h"
+#include "kern/Kindprozess.h"
+#include "kern/Sammler.h"
+
+#include <orvoplugin/plugin/LadeBeobachter.h>
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoutil/Einstellungen.h>
+
+#include <dirent.h>
+
+#include <cerrno>
+#include <chrono>
+#include <system_error>
+
+namespace werkzeug::check {
+
+namespace {
+
+/// Sends the path of each plugin file, and has none loaded.
+class Suche : public LadeBeobachter {
+public:
+    explicit Suche(const Sender& sende) : sende_(sende) { OrvoPluginManager::setLadeBeobachter(this); }
+    ~Suche() override { OrvoPluginManager::setLadeBeobachter(nullptr); }
+
+    bool ladeDatei(const std::string& pfad) noexcept override {
+        sende_(pfad);
+        return false;
+    }
+
+private:
+    const Sender& sende_;
+};
+
+void verlangeLesbar(const std::string& verzeichnis) {
+    DIR* const offen = opendir(verzeichnis.c_str());
+    if (!offen)
+        throw Unlesbar(einzeilig(verzeichnis) + " cannot be read: " + std::generic_category().message(errno));
+    closedir(offen);
+}
+
+} // namespace
+
+std::vector<std::string> pluginDateien(const Optionen& optionen) {
+    verlangeLesbar(optionen.dir.empty() ? optionen.home + "/plugins" : optionen.dir);
+    std::vector<std::string> dateien;
+    constexpr std::chrono::hours kBeliebigLange{24}; // no plugin code runs
+    laufeImKind(
+        [&](const Sender& sende) { // whose manager and settings are gone with it
+            beginneOhnePlugins();
+            OrvoPluginManager manager(nullptr);
+            const Suche suche(sende);
+            if (optionen.dir.empty())
+                orvo::orvoutil::Einstellungen().setze("basis.home_dir", optionen.home);
+            else
+                manager.ladePluginsRekursiv(optionen.dir);
+        },
+        [&](std::string_view pfad) { dateien.emplace_back(pfad); }, kBeliebigLange);
+    return dateien;
+}
+
+} // namespace werkzeug::check

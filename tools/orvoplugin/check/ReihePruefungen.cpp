@@ -1,0 +1,78 @@
+// Checks of a plugin beside the others that were given.
+
+#include "check/Buehne.h"
+#include "check/Katalog.h"
+#include "check/Registratur.h"
+#include "check/Text.h"
+#include "kern/Anzeige.h"
+
+#include <orvoutil/OrvoVersion.h>
+#include <orvoutil/SharedLib.h>
+
+#include <algorithm>
+#include <map>
+
+using namespace orvo::orvoutil;
+
+namespace werkzeug::check {
+
+namespace {
+
+/// What another plugin answers for.
+struct Verlust {
+    std::size_t anzahl = 0;
+    std::string beispiel;
+    bool nachVersion =
+        false; ///< whether any of it goes by the version; tax-office data goes to the first file
+};
+
+std::string text(const OrvoPlugin& anderes, const Verlust& verlust) {
+    const std::string mehr =
+        verlust.anzahl > 1 ? " and " + std::to_string(verlust.anzahl - 1) + " more are" : " is";
+    const std::string version = anderes.getProduktVersion().empty()
+                                    ? "without a version"
+                                    : "version " + einzeilig(anderes.getProduktVersion());
+    return verlust.beispiel + mehr + " served by " + einzeilig(anderes.getSharedLib()->getName()) + " (" +
+           version + ")";
+}
+
+} // namespace
+
+Befund pruefeUeberschneidungen(const Pruefling& p) {
+    if (p.andere.empty())
+        return uebersprungen("no other plugin that can be loaded was given");
+    std::vector<std::string> pfade = p.andere;
+    pfade.push_back(p.pfad);
+    std::sort(pfade.begin(), pfade.end()); // as the manager finds the files of a directory
+    Registratur registratur;
+    const OrvoPluginV1* unseres = nullptr;
+    for (const std::string& pfad : pfade)
+        if (const OrvoPluginV1* const plugin = registratur.lade(pfad); pfad == p.pfad)
+            unseres = plugin;
+    if (!unseres)
+        return durchgefallen("the plugin manager does not load it");
+
+    std::map<const OrvoPlugin*, Verlust> verluste;
+    registratur.besuche(*unseres, [&](const Zuordnung& z) {
+        const OrvoPlugin* const anderes = z.antwort ? z.antwort->getPlugin() : nullptr;
+        if (!anderes || anderes == unseres)
+            return;
+        Verlust& verlust = verluste[anderes];
+        if (verlust.anzahl++ == 0)
+            verlust.beispiel = art(*z.erweiterung) + " for " + z.text;
+        verlust.nachVersion |= z.erweiterung->getTyp() != ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG;
+    });
+    Fundliste funde;
+    for (const auto& [anderes, verlust] : verluste) {
+        if (!verlust.nachVersion)
+            funde.warnung(text(*anderes, verlust) + ", the first by its file name");
+        else if (OrvoVersion(anderes->getProduktVersion()) == OrvoVersion(unseres->getProduktVersion()))
+            funde.fehler(text(*anderes, verlust) +
+                         ", of the same version: the order of the file names decides");
+        else
+            funde.warnung(text(*anderes, verlust));
+    }
+    return funde.befund();
+}
+
+} // namespace werkzeug::check

@@ -1,0 +1,326 @@
+// Checks that a plugin leaves the process as it found it: a look before its whole life, and one after it.
+
+#include "check/Buehne.h"
+#include "check/Katalog.h"
+#include "check/Text.h"
+#include "kern/Anzeige.h"
+
+#include <orvoutil/Einstellungen.h>
+
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+#include <algorithm>
+#include <cerrno>
+#include <cfenv>
+#include <cfloat>
+#include <chrono>
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <locale>
+#include <map>
+#include <new>
+#include <sstream>
+#include <thread>
+
+extern char** environ; // NOLINT: POSIX's name
+
+namespace werkzeug::check {
+
+namespace {
+
+/// What is looked at, by name, and how it stands.
+using Stand = std::map<std::string, std::string>;
+
+std::string wertVon(const Stand& stand, const std::string& name) {
+    const auto stelle = stand.find(name);
+    return stelle == stand.end() ? "nothing" : einzeilig(stelle->second);
+}
+
+/// Parameters: `was` begins the sentence about each thing that has changed.
+Befund vergleiche(const Stand& vorher, const Stand& nachher, const std::string& was) {
+    Fundliste funde;
+    Stand namen = vorher;
+    namen.insert(nachher.begin(), nachher.end());
+    for (const auto& [name, wert] : namen)
+        if (wertVon(vorher, name) != wertVon(nachher, name))
+            funde.fehler(was + einzeilig(name) + " was " + wertVon(vorher, name) + " and is now " +
+                         wertVon(nachher, name));
+    return funde.befund();
+}
+
+Befund vergleicheLeben(const Pruefling& p, const std::string& was, const std::function<Stand()>& blick) {
+    const Stand vorher = blick();
+    lebe(p.pfad);
+    return vergleiche(vorher, blick(), was);
+}
+
+/// Any value as text that is equal for equal values.
+template <class T>
+std::string alsText(const T& wert) {
+    std::ostringstream text;
+    text << wert;
+    return text.str();
+}
+
+template <class Funktion>
+std::string adresse(Funktion* funktion) {
+    return alsText(reinterpret_cast<const void*>(funktion));
+}
+
+/// A descriptor whose output goes to a file of our own while this lives.
+class Mitschrift {
+public:
+    explicit Mitschrift(int deskriptor)
+        : deskriptor_(deskriptor), datei_(std::tmpfile()), original_(dup(deskriptor)) {
+        if (!datei_ || original_ < 0)
+            throw std::runtime_error("no temporary file can be made");
+        dup2(fileno(datei_), deskriptor_);
+    }
+    Mitschrift(const Mitschrift&) = delete;
+    Mitschrift& operator=(const Mitschrift&) = delete;
+    ~Mitschrift() {
+        dup2(original_, deskriptor_);
+        close(original_);
+        std::fclose(datei_);
+    }
+
+    /// The beginning of what was written.
+    std::string anfang() const {
+        char puffer[60];
+        const ssize_t anzahl = pread(fileno(datei_), puffer, sizeof(puffer), 0);
+        return std::string(puffer, anzahl > 0 ? static_cast<std::size_t>(anzahl) : 0);
+    }
+
+private:
+    int deskriptor_;
+    std::FILE* datei_;
+    int original_;
+};
+
+Stand locale() {
+    return {{"C locale", std::setlocale(LC_ALL, nullptr)},
+            {"C++ locale", std::locale().name()},
+            {"thread's locale", alsText(uselocale(nullptr))}};
+}
+
+Stand arbeitsverzeichnis() {
+    std::error_code fehler;
+    return {{"working directory", std::filesystem::current_path(fehler).string()}};
+}
+
+std::string handlung(const struct sigaction& h) {
+    if (!(h.sa_flags & SA_SIGINFO) && h.sa_handler == SIG_DFL)
+        return "default";
+    if (!(h.sa_flags & SA_SIGINFO) && h.sa_handler == SIG_IGN)
+        return "ignored";
+    return "handled by " + ((h.sa_flags & SA_SIGINFO) ? adresse(h.sa_sigaction) : adresse(h.sa_handler)) +
+           " with flags " + alsText(h.sa_flags);
+}
+
+Stand signale() {
+    Stand stand;
+    sigset_t gesperrt;
+    sigemptyset(&gesperrt);
+    pthread_sigmask(SIG_BLOCK, nullptr, &gesperrt);
+    for (int signal = 1; signal < NSIG; ++signal) {
+        struct sigaction h {};
+        if (sigaction(signal, nullptr, &h) == 0)
+            stand["signal " + std::to_string(signal)] =
+                handlung(h) + (sigismember(&gesperrt, signal) == 1 ? ", blocked" : "");
+    }
+    return stand;
+}
+
+Stand handler() {
+    return {{"terminate handler", adresse(std::get_terminate())},
+            {"new handler", adresse(std::get_new_handler())}};
+}
+
+Stand deskriptoren() {
+    Stand stand;
+    std::error_code fehler;
+    for (const auto& eintrag : std::filesystem::directory_iterator("/proc/self/fd", fehler)) {
+        const std::string ziel = std::filesystem::read_symlink(eintrag.path(), fehler).string();
+        if (!ziel.starts_with("/proc/")) // the listing's own
+            stand["descriptor " + eintrag.path().filename().string()] = ziel;
+    }
+    return stand;
+}
+
+Stand umgebung() {
+    Stand stand;
+    for (char** eintrag = environ; eintrag && *eintrag; ++eintrag) {
+        const std::string zeile = *eintrag;
+        const std::size_t gleich = zeile.find('=');
+        stand["environment variable " + zeile.substr(0, gleich)] =
+            gleich == std::string::npos ? "" : '"' + zeile.substr(gleich + 1) + '"';
+    }
+    return stand;
+}
+
+Stand maske() {
+    const mode_t jetzt = umask(0);
+    umask(jetzt);
+    std::ostringstream text;
+    text << std::oct << jetzt;
+    return {{"mask for new files", text.str()}};
+}
+
+std::size_t threads() {
+    std::error_code fehler;
+    std::size_t anzahl = 0;
+    for ([[maybe_unused]] const auto& eintrag :
+         std::filesystem::directory_iterator("/proc/self/task", fehler))
+        ++anzahl;
+    return anzahl;
+}
+
+std::string rundung() {
+    switch (std::fegetround()) {
+    case FE_TONEAREST:
+        return "to nearest";
+    case FE_UPWARD:
+        return "upward";
+    case FE_DOWNWARD:
+        return "downward";
+    default:
+        return "toward zero";
+    }
+}
+
+/// Some compiler flags make a library switch the smallest numbers off for the whole process when it is opened.
+std::string kleinsteZahlen() {
+    const volatile double kleinste = DBL_MIN;
+    const volatile double haelfte = kleinste / 2;
+    return haelfte > 0 ? "kept" : "taken as zero";
+}
+
+Stand gleitkomma() {
+    Stand stand{{"rounding", rundung()}, {"treatment of the smallest numbers", kleinsteZahlen()}};
+#ifdef __GLIBC__
+    stand["set of trapped exceptions"] = std::to_string(fegetexcept());
+#endif
+    return stand;
+}
+
+template <class Strom>
+void nimmStrom(const char* name, const Strom& strom, Stand& stand) {
+    stand[std::string("format of ") + name] = alsText(strom.flags()) + "/" + alsText(strom.precision()) +
+                                              "/" + alsText(strom.width()) + "/" + alsText(strom.fill());
+    stand[std::string("buffer of ") + name] = alsText(static_cast<const void*>(strom.rdbuf()));
+    stand[std::string("state of ") + name] =
+        alsText(strom.rdstate()) + ", exceptions " + alsText(strom.exceptions()) + ", tied to " +
+        alsText(static_cast<const void*>(strom.tie())) + ", locale " + strom.getloc().name();
+}
+
+Stand stroeme() {
+    Stand stand;
+    nimmStrom("std::cin", std::cin, stand);
+    nimmStrom("std::cout", std::cout, stand);
+    nimmStrom("std::cerr", std::cerr, stand);
+    nimmStrom("std::clog", std::clog, stand);
+    return stand;
+}
+
+Stand zeitgeber() {
+    Stand stand;
+    for (const auto& [name, art] :
+         {std::pair("real time", ITIMER_REAL), std::pair("processor time", ITIMER_VIRTUAL),
+          std::pair("profiling", ITIMER_PROF)}) {
+        itimerval zeit{};
+        getitimer(art, &zeit);
+        const bool laeuft = zeit.it_value.tv_sec != 0 || zeit.it_value.tv_usec != 0;
+        stand[std::string("timer for ") + name] = laeuft ? "running" : "off";
+    }
+    return stand;
+}
+
+Stand einstellungen() {
+    const orvo::orvoutil::Einstellungen einstellungen;
+    Stand stand;
+    for (const char* const schluessel : {"basis.home_dir", "basis.resident_plugins"})
+        stand[schluessel] = '"' + einstellungen.wert(schluessel) + '"';
+    return stand;
+}
+
+} // namespace
+
+Befund pruefeAusgabe(const Pruefling& p) {
+    std::string aus, fehler;
+    {
+        const Mitschrift standardausgabe(STDOUT_FILENO), standardfehler(STDERR_FILENO);
+        lebe(p.pfad);
+        std::fflush(nullptr);
+        std::cout.flush();
+        std::clog.flush();
+        aus = standardausgabe.anfang();
+        fehler = standardfehler.anfang();
+    }
+    if (!aus.empty())
+        return durchgefallen("writes to standard output: " + zitiert(aus));
+    return fehler.empty() ? bestanden() : warnung("writes to standard error: " + zitiert(fehler));
+}
+
+Befund pruefeLocale(const Pruefling& p) { return vergleicheLeben(p, "the ", locale); }
+
+Befund pruefeVerzeichnis(const Pruefling& p) { return vergleicheLeben(p, "the ", arbeitsverzeichnis); }
+
+Befund pruefeSignale(const Pruefling& p) { return vergleicheLeben(p, "", signale); }
+
+Befund pruefeHandler(const Pruefling& p) { return vergleicheLeben(p, "the ", handler); }
+
+Befund pruefeDeskriptoren(const Pruefling& p) { return vergleicheLeben(p, "", deskriptoren); }
+
+Befund pruefeUmgebung(const Pruefling& p) { return vergleicheLeben(p, "", umgebung); }
+
+Befund pruefeUmask(const Pruefling& p) { return vergleicheLeben(p, "the ", maske); }
+
+Befund pruefeGleitkomma(const Pruefling& p) { return vergleicheLeben(p, "the ", gleitkomma); }
+
+Befund pruefeStroeme(const Pruefling& p) { return vergleicheLeben(p, "the ", stroeme); }
+
+Befund pruefeZeitgeber(const Pruefling& p) { return vergleicheLeben(p, "the ", zeitgeber); }
+
+Befund pruefeEinstellungen(const Pruefling& p) { return vergleicheLeben(p, "the setting ", einstellungen); }
+
+Befund pruefeThreads(const Pruefling& p) {
+    const std::size_t vorher = threads();
+    if (vorher == 0)
+        return uebersprungen("the threads of a process cannot be counted here");
+    lebe(p.pfad);
+    // One that was waited for may still be listed for a moment.
+    for (int i = 0; threads() > vorher && i < 50; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    const std::size_t mehr = threads() - std::min(vorher, threads());
+    return mehr == 0
+               ? bestanden()
+               : durchgefallen(std::to_string(mehr) +
+                               " of its threads still run after the plugin was unloaded: their code may go "
+                               "at any time");
+}
+
+Befund pruefeKindprozesse(const Pruefling& p) {
+#ifdef __linux__
+    prctl(PR_SET_CHILD_SUBREAPER, 1); // also those whose parents are gone come to us
+#endif
+    lebe(p.pfad);
+    int zustand = 0;
+    const pid_t kind = waitpid(-1, &zustand, WNOHANG);
+    if (kind < 0 && errno == ECHILD)
+        return bestanden();
+    return durchgefallen(kind > 0 ? "a child process of the plugin has ended, and nobody has waited for it"
+                                  : "a child process of the plugin still runs");
+}
+
+} // namespace werkzeug::check

@@ -1,0 +1,49 @@
+#include "check/Text.h"
+
+#include "kern/Anzeige.h"
+
+#include <orvoplugin/domain/Unterfallart.h>
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+#include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
+
+#include <cxxabi.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace werkzeug::check {
+
+namespace {
+
+/// The beginning of a text that may be of any length: one that a plugin made, or the name of a template.
+std::string gekuerzt(std::string text) {
+    constexpr std::size_t kLaengster = 80; // bytes
+    if (text.size() > kLaengster)
+        text.replace(kLaengster, std::string::npos, "...");
+    return text;
+}
+
+} // namespace
+
+std::string zitiert(std::string_view text) { return '"' + einzeilig(gekuerzt(std::string(text))) + '"'; }
+
+std::string symbolname(const std::string& name) {
+    int zustand = 0;
+    const std::unique_ptr<char, void (*)(void*)> klar(
+        abi::__cxa_demangle(name.c_str(), nullptr, nullptr, &zustand), std::free);
+    return einzeilig(gekuerzt(zustand == 0 && klar ? klar.get() : name));
+}
+
+std::string ausnahmetext(std::string_view text) {
+    constexpr std::size_t kLaengster = 500; // bytes
+    return einzeilig(text.substr(0, kLaengster));
+}
+
+std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz) {
+    return einzeilig(gekuerzt(ua.getName())) + " " +
+           (vz.getText().empty() ? "for any period" : einzeilig(gekuerzt(vz.getText())));
+}
+
+std::string art(const OrvoErweiterung& erweiterung) { return erweiterungTypName(erweiterung.getTyp()); }
+
+} // namespace werkzeug::check

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+class OrvoErweiterung;
+class Unterfallart;
+class Veranlagungszeitraum;
+
+namespace werkzeug::check {
+
+// What a plugin or the system says, for people: UTF-8 that is fit to be shown, and not of any length.
+
+/// A text in quotes.
+std::string zitiert(std::string_view text);
+/// A symbol as it stands in the source, if it is a C++ one.
+std::string symbolname(const std::string& name);
+/// The text of an exception.
+std::string ausnahmetext(std::string_view text);
+/// "LSTB 2009"
+std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz);
+/// Kind of an extension.
+std::string art(const OrvoErweiterung& erweiterung);
+
+} // namespace werkzeug::check
