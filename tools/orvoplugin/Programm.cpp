@@ -1,0 +1,102 @@
+#include "Programm.h"
+
+#include "befehle/Befehl.h"
+#include "kern/Anzeige.h"
+#include "kern/Optionen.h"
+
+#include <orvoplugin/plugin/LibraryVersion.h>
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace werkzeug {
+
+namespace {
+
+constexpr char kBeschreibung[] = "Shows what is in a plugin directory, which plugin answers for which "
+                                 "sub-case type and period, and why not.";
+
+constexpr char kAusgaenge[] =
+    "Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
+    "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.";
+
+/// The tool's version, and those of the library that it runs on.
+std::string versionen() {
+    char produkt[16] = "";
+    char datei[16] = "";
+    getOrvoSharedLibProductversion(produkt);
+    getOrvoSharedLibFileversion(datei);
+    return std::string("orvoplugin " ORVO_TOOL_VERSION " (liborvoplugin ") + produkt + "; file " + datei +
+           ")";
+}
+
+/// Tells the user of a wrong command line in one line, and where help is.
+int meldeFalschenAufruf(const CLI::App& app, const CLI::Error& fehler) {
+    if (fehler.get_exit_code() == 0) { // --help and --version
+        std::ostringstream text;
+        app.exit(fehler, text);
+        gibAus(text.str());
+        return static_cast<int>(Ausgang::GUT);
+    }
+    std::cerr << "orvoplugin: " << fehler.what() << "\nTry 'orvoplugin --help'.\n";
+    return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
+}
+
+/// Has every option refuse an empty value, which nobody means: a variable that is not set, in a script, makes it, and
+/// the answer would be that to another question. That no plugin is resident can be meant.
+void verlangeWerte(CLI::App& app) {
+    const CLI::Validator nichtLeer(
+        [](std::string& wert) { return std::string(wert.empty() ? "must not be empty" : ""); }, "");
+    for (CLI::Option* const option : app.get_options())
+        if (option->get_expected_max() > 0 && !option->check_lname("resident"))
+            option->check(nichtLeer);
+}
+
+} // namespace
+
+int programm(int argc, char** argv) try {
+    CLI::App app(kBeschreibung, "orvoplugin");
+    app.footer(kAusgaenge);
+    app.set_version_flag("--version", versionen());
+    app.require_subcommand(1);
+    app.fallthrough(false);
+
+    Optionen optionen;
+    fuegeOptionenHinzu(app, optionen);
+    verlangeWerte(app);
+    std::vector<std::pair<CLI::App*, std::unique_ptr<Befehl>>> befehle;
+    for (const BefehlEintrag& eintrag : alleBefehle()) {
+        CLI::App* const unterbefehl = app.add_subcommand(eintrag.name, eintrag.kurz);
+        unterbefehl->footer(kAusgaenge);
+        std::unique_ptr<Befehl> befehl = eintrag.mache();
+        befehl->beschreibe(*unterbefehl);
+        fuegeOptionenHinzu(*unterbefehl, optionen);
+        verlangeWerte(*unterbefehl);
+        befehle.emplace_back(unterbefehl, std::move(befehl));
+    }
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Error& fehler) {
+        return meldeFalschenAufruf(app, fehler);
+    }
+    for (const auto& [unterbefehl, befehl] : befehle)
+        if (unterbefehl->parsed())
+            return static_cast<int>(befehl->fuehreAus(optionen));
+    return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
+} catch (const AufrufFehler& fehler) {
+    std::cerr << "orvoplugin: " << fehler.what() << "\nTry 'orvoplugin --help'.\n";
+    return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
+} catch (const std::exception& fehler) {
+    std::cerr << "orvoplugin: " << fehler.what() << "\n";
+    return static_cast<int>(Ausgang::NICHT_LESBAR);
+}
+
+} // namespace werkzeug

@@ -1,0 +1,3 @@
+#include "Programm.h"
+
+int main(int argc, char** argv) { return werkzeug::programm(argc, argv); }
