@@ -112,6 +112,11 @@ ORVO_PLUGIN_EXPORT Service* gibtDenselbenService() {
     static Service* const service = new Gezaehlt<Pruefung>;
     return service;
 }
+/// Gives one object that ends with the library.
+ORVO_PLUGIN_EXPORT Service* gibtStaendigenService() {
+    static Pruefung service;
+    return &service;
+}
 ORVO_PLUGIN_EXPORT Service* gibtKeinenService() { return nullptr; }
 ORVO_PLUGIN_EXPORT Service* gibtDatenService() { return new Gezaehlt<Service>; }
 ORVO_PLUGIN_EXPORT Service* wirftStandardausnahme() { throw std::runtime_error("kann nicht"); }

@@ -3,7 +3,8 @@
 //     produktversion 1.2.0        fileversion 3            label text
 //     resident                    status 2
 //     onload NAME                 onunload NAME            (hooks zaehleOnLoad, zaehleOnUnload are exported)
-//     check UA JAHR[,JAHR...]     feldinfo ...  fehlertext ...  xpath ...  reader ...     JAHR may be "immer"
+//     check UA JAHR[,JAHR...]     feldinfo ...  fehlertext ...  xpath ...  reader ...     JAHR may be "immer",
+//                            and finer: 2009-05, 2009-42 (a quarter by its code) or 2009-05-31
 //     finanzamt
 //     loeschen                    the extensions declared after it delete their services on release
 //     factory NAME                the extensions declared after it use that factory
@@ -57,7 +58,10 @@ std::list<Veranlagungszeitraum> zeitraeume(const std::string& jahre) {
     std::list<Veranlagungszeitraum> vzs;
     std::istringstream strom(jahre);
     for (std::string jahr; std::getline(strom, jahr, ',');)
-        vzs.push_back(jahr == "immer" ? Veranlagungszeitraum() : Veranlagungszeitraum::parse(jahr, "YYYY"));
+        vzs.push_back(jahr == "immer" ? Veranlagungszeitraum()
+                                      : Veranlagungszeitraum::parse(jahr, jahr.size() == 7    ? "YYYY-MM"
+                                                                          : jahr.size() == 10 ? "YYYY-MM-TT"
+                                                                                              : "YYYY"));
     return vzs;
 }
 

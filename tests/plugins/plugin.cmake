@@ -1,5 +1,7 @@
 # What the tests of the plugin room load.
 orvo_test_plugin(DescribedByFile Beschrieben.cpp)
+orvo_test_plugin(StrippedOfDebugInformation Typen.cpp "TYPEN={1}" MIT_INITIALIZE)
+target_link_options(StrippedOfDebugInformation PRIVATE -s)
 orvo_test_plugin(WithoutEntryPoints Leer.cpp)
 orvo_test_plugin(WithoutInitialize Typen.cpp "TYPEN={1}")
 orvo_test_plugin(DeclaresTypeTwo Typen.cpp "TYPEN={2}" MIT_INITIALIZE)
