@@ -1,0 +1,328 @@
+// The handle on services of a real plugin library: who holds which use of it, and what is left when it goes.
+
+#include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
+
+#include "orvoplugin/plugin/erweiterung/Plugindatei.h"
+#include "support/Mitschnitt.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using orvo::service::IXPathMappingService;
+using orvo::service::ValidierungsService;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+using Griff = ServiceGriff<ValidierungsService>;
+
+static_assert(!std::is_copy_constructible_v<Griff> && !std::is_copy_assignable_v<Griff>);
+static_assert(std::is_nothrow_move_constructible_v<Griff>, "a growing vector moves its handles");
+static_assert(std::is_same_v<decltype(ServiceGriff(std::declval<OrvoFADatenServiceErweiterung*>())),
+                             ServiceGriff<Service>>);
+static_assert(std::is_same_v<decltype(ServiceGriff(std::declval<OrvoXPathMappingServiceErweiterung*>())),
+                             ServiceGriff<IXPathMappingService>>);
+
+class ServiceGriffTest : public testing::Test {
+protected:
+    ServiceGriffTest() { erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true); }
+
+    /// Lets each get give the same object, which stays the library's.
+    void gibDenselben() {
+        erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, false);
+        erweiterung.setServiceFactoryName("gibtStaendigenService");
+    }
+
+    void erwarteUnbenutzt() const {
+        EXPECT_EQ(plugin.getUseCount(), 0);
+        EXPECT_EQ(erweiterung.getAusgegeben(), 0);
+        EXPECT_THAT(erweiterung.getInstanzen(), IsEmpty());
+        EXPECT_FALSE(datei.istOffen());
+    }
+
+    const Mitschnitt mitschnitt{orvo::orvoutil::LogLevel::Info};
+    const Plugindatei datei;
+    OrvoPluginV1& plugin = *datei.plugin;
+    OrvoValidierungsServiceErweiterung& erweiterung = datei.erweiterung<OrvoValidierungsServiceErweiterung>();
+};
+
+TEST_F(ServiceGriffTest, GivesItsServiceBackAtItsEnd) {
+    {
+        const Griff griff(&erweiterung); // one use: `griff`
+        ASSERT_TRUE(griff);
+        EXPECT_NE(griff.get(), nullptr);
+        EXPECT_EQ(griff.getErweiterung(), &erweiterung);
+        EXPECT_EQ(griff->getSupportedFeatures().size(), 0u);
+        EXPECT_EQ(&*griff, griff.get());
+        EXPECT_EQ(plugin.getUseCount(), 1);
+        EXPECT_EQ(datei.lebende(), 1);
+    }
+    erwarteUnbenutzt();
+    EXPECT_THAT(mitschnitt.meldungen(), Not(testing::Contains(HasSubstr("ServiceGriff"))));
+}
+
+TEST_F(ServiceGriffTest, GivesItsServiceBackBeforeItsEndWhenAsked) {
+    const Griff anderer(&erweiterung); // keeps the library open, to count in
+    Griff griff(&erweiterung);
+    EXPECT_EQ(datei.lebende(), 2);
+    griff.gibZurueck();
+    EXPECT_EQ(datei.lebende(), 1);
+    EXPECT_EQ(plugin.getUseCount(), 1);
+    EXPECT_FALSE(griff);
+    EXPECT_EQ(griff.get(), nullptr);
+    EXPECT_EQ(griff.getErweiterung(), nullptr);
+    EXPECT_FALSE(griff.istVerwaist());
+    griff.gibZurueck();
+    EXPECT_EQ(plugin.getUseCount(), 1) << "a second time changes nothing";
+}
+
+TEST_F(ServiceGriffTest, IsEmptyWithoutAnExtension) {
+    Griff leer;
+    EXPECT_FALSE(leer);
+    const Griff ohne(static_cast<OrvoValidierungsServiceErweiterung*>(nullptr));
+    EXPECT_FALSE(ohne);
+    EXPECT_EQ(ohne.get(), nullptr);
+    EXPECT_FALSE(ohne.istVerwaist());
+    leer.gibZurueck();
+    EXPECT_FALSE(leer);
+}
+
+TEST_F(ServiceGriffTest, IsEmptyAndHoldsNothingWhenTheFactoryGivesNothing) {
+    for (const char* factory : {"gibtKeinenService", "gibtEsNicht", "wirftStandardausnahme", "wirftZahl"}) {
+        SCOPED_TRACE(factory);
+        erweiterung.setServiceFactoryName(factory);
+        const Griff griff(&erweiterung);
+        EXPECT_FALSE(griff);
+        EXPECT_EQ(griff.getErweiterung(), nullptr);
+        erwarteUnbenutzt();
+    }
+}
+
+TEST_F(ServiceGriffTest, GivesAnObjectOfAnotherInterfaceBackAtOnce) {
+    erweiterung.setServiceFactoryName("gibtDatenService");
+    const Griff griff(&erweiterung);
+    EXPECT_FALSE(griff);
+    EXPECT_FALSE(griff.istVerwaist());
+    erwarteUnbenutzt();
+    EXPECT_THAT(mitschnitt.meldungen(),
+                testing::Contains(AllOf(HasSubstr("Service hat nicht die verlangte Schnittstelle"),
+                                        HasSubstr("ValidierungsService"))));
+}
+
+TEST_F(ServiceGriffTest, HoldsWhateverAnExtensionGivesAsAService) {
+    erweiterung.setServiceFactoryName("gibtDatenService");
+    {
+        const ServiceGriff<Service> griff(&erweiterung);
+        EXPECT_TRUE(griff);
+        EXPECT_EQ(plugin.getUseCount(), 1);
+    }
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, MovesItsServiceAndNothingElse) {
+    {
+        Griff erster(&erweiterung);
+        ValidierungsService* const service = erster.get();
+        Griff zweiter(std::move(erster));
+        EXPECT_FALSE(erster); // NOLINT(bugprone-use-after-move): a handle moved from is empty
+        EXPECT_EQ(erster.getErweiterung(), nullptr);
+        EXPECT_EQ(zweiter.get(), service);
+        Griff dritter;
+        dritter = std::move(zweiter);
+        EXPECT_FALSE(zweiter); // NOLINT(bugprone-use-after-move)
+        EXPECT_EQ(dritter.get(), service);
+        EXPECT_EQ(plugin.getUseCount(), 1);
+        EXPECT_EQ(datei.lebende(), 1);
+    }
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, GivesBackWhatItHeldWhenAnotherMovesIn) {
+    Griff erster(&erweiterung);
+    Griff zweiter(&erweiterung);
+    ValidierungsService* const service = zweiter.get();
+    erster = std::move(zweiter);
+    EXPECT_EQ(erster.get(), service);
+    EXPECT_EQ(plugin.getUseCount(), 1);
+    EXPECT_EQ(datei.lebende(), 1);
+    erster = Griff();
+    EXPECT_FALSE(erster);
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, StaysAsItIsWhenMovedOntoItself) {
+    Griff griff(&erweiterung);
+    ValidierungsService* const service = griff.get();
+    Griff& derselbe = griff;
+    griff = std::move(derselbe);
+    EXPECT_EQ(griff.get(), service);
+    EXPECT_EQ(datei.lebende(), 1);
+    Griff leer;
+    Griff& auchLeer = leer;
+    leer = std::move(auchLeer);
+    EXPECT_FALSE(leer);
+}
+
+TEST_F(ServiceGriffTest, ChangesPlacesWithAnother) {
+    Griff erster(&erweiterung);
+    Griff zweiter(&erweiterung);
+    ValidierungsService* const service = erster.get();
+    std::swap(erster, zweiter);
+    EXPECT_EQ(zweiter.get(), service);
+    EXPECT_NE(erster.get(), service);
+    EXPECT_EQ(plugin.getUseCount(), 2);
+}
+
+TEST_F(ServiceGriffTest, StandsInAVectorThatGrowsAndShrinks) {
+    std::vector<Griff> griffe;
+    for (int i = 0; i < 20; ++i)
+        griffe.emplace_back(&erweiterung);
+    EXPECT_EQ(plugin.getUseCount(), 20);
+    griffe.erase(griffe.begin() + 3, griffe.begin() + 10);
+    EXPECT_EQ(plugin.getUseCount(), 13);
+    EXPECT_EQ(datei.lebende(), 13);
+    griffe.clear();
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, CountsEachTimeAnObjectIsOut) {
+    gibDenselben();
+    {
+        const Griff erster(&erweiterung);
+        Griff zweiter(&erweiterung);
+        EXPECT_EQ(erster.get(), zweiter.get());
+        EXPECT_EQ(plugin.getUseCount(), 2);
+        zweiter.gibZurueck();
+        EXPECT_TRUE(erster) << "the other one still holds it";
+        EXPECT_EQ(plugin.getUseCount(), 1);
+    }
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, LeavesAResidentPluginOpen) {
+    plugin.setResident(true);
+    { const Griff griff(&erweiterung); }
+    EXPECT_EQ(plugin.getUseCount(), 0);
+    EXPECT_TRUE(datei.istOffen());
+    EXPECT_EQ(datei.lebende(), 0);
+}
+
+TEST_F(ServiceGriffTest, EndsWithTheBlockThatAnExceptionLeaves) {
+    try {
+        const Griff griff(&erweiterung);
+        throw std::runtime_error("somewhere in the client");
+    } catch (const std::runtime_error&) {
+        erwarteUnbenutzt();
+    }
+}
+
+// The text says "Griff hält": its letters beyond ASCII are Latin-1.
+constexpr char kUeberlebt[] = "E Ein ServiceGriff h\xE4lt einen Service \xFC"
+                              "ber das Ende seines Plugins hinaus. Factory: ";
+
+class VerwaisterServiceGriff : public ServiceGriffTest {
+protected:
+    VerwaisterServiceGriff() { gibDenselben(); }
+
+    void entlade() { const_cast<Plugindatei&>(datei).plugin.reset(); }
+};
+
+TEST_F(VerwaisterServiceGriff, IsEmptyAndTouchesNothing) {
+    std::optional<Griff> griff(std::in_place, &erweiterung);
+    entlade();
+    EXPECT_FALSE(datei.istOffen());
+    EXPECT_FALSE(*griff);
+    EXPECT_EQ(griff->get(), nullptr);
+    EXPECT_EQ(griff->getErweiterung(), nullptr);
+    EXPECT_TRUE(griff->istVerwaist());
+    EXPECT_THAT(mitschnitt.meldungen(), testing::Contains(std::string(kUeberlebt) + "gibtStaendigenService"));
+    griff.reset();
+}
+
+TEST_F(VerwaisterServiceGriff, IsReportedOnceForEachExtension) {
+    const Griff erster(&erweiterung), zweiter(&erweiterung), dritter(&erweiterung);
+    auto& finanzamt = datei.erweiterung<OrvoFADatenServiceErweiterung>();
+    finanzamt.setServiceFactoryName("gibtStaendigenService");
+    const ServiceGriff anderer(&finanzamt);
+    entlade();
+    EXPECT_EQ(mitschnitt.anzahlMit("Ein ServiceGriff h"), 2);
+    for (const ServiceGriffBasis* griff :
+         std::initializer_list<const ServiceGriffBasis*>{&erster, &zweiter, &dritter, &anderer})
+        EXPECT_TRUE(griff->istVerwaist());
+    EXPECT_FALSE(erster || zweiter || dritter || anderer);
+}
+
+TEST_F(VerwaisterServiceGriff, IsNoneThatWasGivenBackOrMovedFromInTime) {
+    Griff zurueck(&erweiterung), bewegt(&erweiterung), ueberschrieben(&erweiterung);
+    Griff letzter(std::move(bewegt));
+    zurueck.gibZurueck();
+    ueberschrieben = Griff();
+    entlade();
+    EXPECT_TRUE(letzter.istVerwaist());
+    EXPECT_FALSE(bewegt.istVerwaist()); // NOLINT(bugprone-use-after-move)
+    EXPECT_FALSE(zurueck.istVerwaist());
+    EXPECT_FALSE(ueberschrieben.istVerwaist());
+}
+
+TEST_F(VerwaisterServiceGriff, LeavesNoWordInTheLogWhenAllWereGivenBack) {
+    { const Griff erster(&erweiterung), zweiter(&erweiterung); }
+    entlade();
+    EXPECT_EQ(mitschnitt.anzahlMit("ServiceGriff"), 0);
+}
+
+TEST_F(VerwaisterServiceGriff, MovesAndForgetsWhatItWas) {
+    Griff griff(&erweiterung);
+    entlade();
+    Griff anderer(std::move(griff));
+    EXPECT_TRUE(anderer.istVerwaist());
+    EXPECT_FALSE(griff.istVerwaist()); // NOLINT(bugprone-use-after-move)
+    anderer.gibZurueck();
+    EXPECT_FALSE(anderer.istVerwaist());
+    EXPECT_FALSE(anderer);
+}
+
+TEST_F(VerwaisterServiceGriff, TakesAServiceOfAnotherPlugin) {
+    Griff griff(&erweiterung);
+    entlade();
+    const Plugindatei andere;
+    auto& neue = andere.erweiterung<OrvoValidierungsServiceErweiterung>();
+    neue.setServiceFactoryName("gibtStaendigenService");
+    griff = Griff(&neue);
+    EXPECT_TRUE(griff);
+    EXPECT_FALSE(griff.istVerwaist());
+    griff.gibZurueck();
+    EXPECT_EQ(andere.plugin->getUseCount(), 0);
+}
+
+TEST_F(VerwaisterServiceGriff, IsNotHeldByACopyOfTheExtension) {
+    const std::unique_ptr<OrvoErweiterung> klon(erweiterung.clone());
+    const Griff griff(&erweiterung);
+    entlade();
+    EXPECT_TRUE(griff.istVerwaist()) << "the copy has none of the objects out, and none of the handles";
+}
+
+#ifndef NDEBUG
+TEST_F(VerwaisterServiceGriff, EndsADebugBuildThatUsesIt) {
+    const Griff griff(&erweiterung);
+    entlade();
+    EXPECT_DEATH((void)griff->getSupportedFeatures(), "plugin was unloaded while the handle held it");
+    EXPECT_DEATH((void)*griff, "plugin was unloaded while the handle held it");
+}
+
+TEST_F(ServiceGriffTest, EndsADebugBuildThatUsesAnEmptyOne) {
+    const Griff leer;
+    EXPECT_DEATH((void)leer->getSupportedFeatures(), "use of an empty handle");
+}
+#endif
+
+} // namespace
