@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What a run of a program left behind.
+struct Ergebnis {
+    int ausgang = -1; ///< exit code; 128 and the signal's number when a signal ended it
+    std::string ausgabe;
+    std::string fehler; ///< what it wrote to standard error
+};
+
+/// Runs a program with arguments, its standard input empty, and waits for its end.
+/// Parameters: `umgebung` holds "NAME=value" to set on top of the test's own environment.
+Ergebnis rufe(const std::string& programm, const std::vector<std::string>& argumente,
+              const std::vector<std::string>& umgebung = {});
+
+/// Runs the tool.
+Ergebnis rufeTool(const std::vector<std::string>& argumente, const std::vector<std::string>& umgebung = {});

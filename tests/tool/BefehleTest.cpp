@@ -1,0 +1,267 @@
+// The commands on a fixed set of directories: their text and their JSON as they stand in golden/, and their exit codes.
+
+#include "Bestandsaufnahme.h"
+
+#include "TestPlugins.h"
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include <unistd.h>
+
+using namespace testing;
+using Json = nlohmann::json;
+
+namespace {
+
+/// A directory with a file in each state.
+class Bunt : public Test {
+protected:
+    Bunt() {
+        heim_.lege(
+            test_plugins::DescribedByFile, "liba.dylib",
+            "produktversion 1.9\nfileversion 3\nlabel Ausgabe\nonload zaehleOnLoad\nonunload "
+            "fehlt\nresident\n"
+            "check 10 2009,2010\ncheck LSTB 2009\nfinanzamt\nfactory gleicherService\nreader 77 immer\n");
+        heim_.lege(test_plugins::DescribedByFile, "libb.dylib",
+                   "produktversion 1.10\ncheck 10 2010,2011\nfinanzamt\nxpath 77 2009\n");
+        heim_.lege(test_plugins::OffersEverything, "libc.dylib");
+        heim_.lege(test_plugins::DoesHarm, "libd.dylib",
+                   "version 1.9\ncheck Gr\xF6\xDF"
+                   "e \x1b[31m\nlabel \x9B\xFFx\nfactory fehltAuch\ncheck 50\n");
+        heim_.lege(test_plugins::WithoutEntryPoints, "libe.dylib");
+        heim_.lege(test_plugins::DeclaresTypeTwo, "libf.dylib");
+        heim_.lege(test_plugins::WithoutInitialize, "libg.dylib");
+        heim_.lege(test_plugins::DescribedByFile, "libh.dylib", "abgelehnt\n");
+        heim_.lege(test_plugins::ThrowsOwnStandardExceptionFromInitialize, "libi.dylib");
+        heim_.lege(test_plugins::DescribedByFile, "unter/libj.dylib", "produktversion 2\ncheck 10 2009\n");
+        heim_.verzeichnis.schreibe("plugins/libk.dylib", "kein Plugin");
+        heim_.verzeichnis.schreibe("plugins/libfrendolin.dylib", "");
+        heim_.verzeichnis.schreibe("plugins/ohnepunkt", "");
+        heim_.verzeichnis.schreibe("plugins/.versteckt.dylib", "");
+        EXPECT_EQ(symlink("/gibt/es/nicht", (heim_.plugins() + "/libtot.dylib").c_str()), 0);
+        EXPECT_EQ(symlink("..", (heim_.plugins() + "/rauf").c_str()), 0);
+    }
+    /// Compares text and JSON with the golden files of that name, and the exit code of both with the one expected.
+    void pruefe(const std::string& name, int ausgang, const std::vector<std::string>& argumente) {
+        const Ergebnis text = heim_.rufe(argumente);
+        EXPECT_EQ(text.ausgang, ausgang) << text.fehler;
+        EXPECT_EQ(vergleicheMitMuster(name + ".txt", text.ausgabe), "");
+        EXPECT_THAT(text.fehler, IsEmpty());
+        std::vector<std::string> mitJson = argumente;
+        mitJson.push_back("--json");
+        const Ergebnis json = heim_.rufe(mitJson);
+        EXPECT_EQ(json.ausgang, ausgang);
+        EXPECT_EQ(vergleicheMitMuster(name + ".json", json.ausgabe), "");
+        EXPECT_THAT(json.fehler, IsEmpty());
+        std::vector<std::string> still = argumente;
+        still.push_back("--quiet");
+        const Ergebnis stumm = heim_.rufe(still);
+        EXPECT_EQ(stumm.ausgang, ausgang);
+        EXPECT_THAT(stumm.ausgabe + stumm.fehler, IsEmpty());
+    }
+
+    const Heim heim_;
+};
+
+} // namespace
+
+TEST_F(Bunt, ListShowsEveryFileWithWhatBecameOfIt) { pruefe("list", 1, {"list"}); }
+TEST_F(Bunt, ListShowsWhoIsResident) { pruefe("list-resident", 1, {"list", "--resident", "alle,"}); }
+TEST_F(Bunt, ShowShowsALoadedPluginWhole) { pruefe("show", 1, {"show", "a"}); }
+TEST_F(Bunt, ShowShowsEveryKindOfExtension) { pruefe("show-all-kinds", 0, {"show", "libc.dylib"}); }
+TEST_F(Bunt, ShowShowsForeignBytes) { pruefe("show-bytes", 1, {"show", "d"}); }
+TEST_F(Bunt, ShowSaysWhyAPluginIsRefused) { pruefe("show-refused", 1, {"show", "i"}); }
+TEST_F(Bunt, ShowSaysWhyAFileIsPassedOver) { pruefe("show-ignored", 1, {"show", "ohnepunkt"}); }
+TEST_F(Bunt, FindListsTheKeysOfAKind) { pruefe("find-type", 0, {"find", "check"}); }
+TEST_F(Bunt, FindListsTheKeysOfASubCaseType) { pruefe("find-sub-case-type", 0, {"find", "1", "010"}); }
+TEST_F(Bunt, FindSaysWhoAnswersByTheKeyItself) { pruefe("find-exact", 0, {"find", "check", "10", "2010"}); }
+TEST_F(Bunt, FindSaysWhoAnswersByTheYear) {
+    pruefe("find-same-year", 0, {"find", "check", "lstb", "2009Q2"});
+}
+TEST_F(Bunt, FindSaysWhoAnswersForAnyPeriod) {
+    pruefe("find-any", 0, {"find", "reader", "77", "2013-05-31"});
+}
+TEST_F(Bunt, FindSaysThatNobodyAnswers) { pruefe("find-none", 1, {"find", "check", "10", "1999"}); }
+TEST_F(Bunt, WhyFollowsAPluginThatAnswers) { pruefe("why-file", 1, {"why", "b"}); }
+TEST_F(Bunt, WhyFollowsAPluginThatWonEverything) { pruefe("why-file-wins", 0, {"why", "unter/libj.dylib"}); }
+TEST_F(Bunt, WhyFollowsARefusedPlugin) { pruefe("why-refused", 1, {"why", "g"}); }
+TEST_F(Bunt, WhyFollowsABlockedFile) { pruefe("why-blocked", 1, {"why", "frendolin"}); }
+TEST_F(Bunt, WhyFollowsAFileThatIsNotThere) { pruefe("why-missing", 1, {"why", "libweg.dylib"}); }
+TEST_F(Bunt, WhyFollowsALookUp) { pruefe("why-look-up", 0, {"why", "check", "10", "2009"}); }
+TEST_F(Bunt, WhyFollowsALookUpForAnyPeriod) { pruefe("why-any", 0, {"why", "reader", "77", "2013"}); }
+TEST_F(Bunt, WhyFollowsALookUpWithoutAFactory) {
+    pruefe("why-no-factory", 1, {"why", "check", "50", "2009"});
+}
+TEST_F(Bunt, WhyFollowsALookUpOfAnotherPeriod) {
+    pruefe("why-other-period", 1, {"why", "check", "10", "1999"});
+}
+TEST_F(Bunt, WhyFollowsALookUpOfAnUnknownSubCaseType) {
+    pruefe("why-unknown", 1, {"why", "check", "Nie", "2009"});
+}
+
+namespace {
+
+/// A directory in which one plugin crashes, one ends the process and one hangs.
+class Boese : public Bunt {
+protected:
+    Boese() {
+        heim_.lege(test_plugins::DoesHarm, "liba.dylib", "tu initialize segv\n");
+        heim_.lege(test_plugins::DoesHarm, "libb.dylib", "tu initialize exit 0\n");
+        heim_.lege(test_plugins::DoesHarm, "libc.dylib", "tu types farbe\ntu initialize haenge\n");
+    }
+};
+
+} // namespace
+
+TEST_F(Boese, ListShowsWhatCrashedEndedAndHung) { pruefe("list-crashes", 4, {"list", "--timeout", "2"}); }
+TEST_F(Boese, ShowShowsWhatCrashed) { pruefe("show-crash", 4, {"show", "a"}); }
+TEST_F(Boese, WhyFollowsWhatCrashed) { pruefe("why-crash", 4, {"why", "a", "--timeout", "2"}); }
+TEST_F(Boese, FindAnswersWithoutWhatCrashed) {
+    pruefe("find-crash", 4, {"find", "check", "10", "2009", "--timeout", "2"});
+}
+
+TEST(Befehle, AnEmptyDirectoryIsFine) {
+    const Heim heim;
+    const Ergebnis ergebnis = heim.rufe({"list"});
+    EXPECT_EQ(ergebnis.ausgang, 0);
+    EXPECT_EQ(ergebnis.ausgabe, "Plugin directory: @HOME@/plugins\n\n0 files; 0 extensions, 0 keys\n");
+}
+
+TEST(Befehle, AMissingDirectoryCannotBeRead) {
+    for (const std::string befehl : {"list", "find check", "why x", "show x"}) {
+        std::vector<std::string> worte{befehl.substr(0, befehl.find(' '))};
+        if (befehl.find(' ') != std::string::npos)
+            worte.push_back(befehl.substr(befehl.find(' ') + 1));
+        worte.insert(worte.end(), {"--dir", "/gibt/es/nicht"});
+        const Ergebnis ergebnis = rufeTool(worte);
+        EXPECT_EQ(ergebnis.ausgang, 3) << befehl;
+        EXPECT_THAT(ergebnis.ausgabe, IsEmpty());
+        EXPECT_EQ(ergebnis.fehler, "orvoplugin: /gibt/es/nicht: No such file or directory\n");
+    }
+}
+
+TEST(Befehle, AMissingFileCannotBeShown) {
+    const Heim heim;
+    EXPECT_EQ(heim.rufe({"show", "libx.dylib"}).ausgang, 3);
+    const Ergebnis ergebnis = rufeTool({"show", "/gibt/es/nicht.dylib"});
+    EXPECT_EQ(ergebnis.ausgang, 3);
+    EXPECT_EQ(ergebnis.fehler, "orvoplugin: /gibt/es/nicht.dylib: No such file or directory\n");
+}
+
+TEST(Befehle, ShowTakesAFileAnywhere) {
+    const Heim heim;
+    const std::string pfad = heim.lege(test_plugins::DescribedByFile, "kein-plugin-name", "check 10 2009\n");
+    const Ergebnis ergebnis = rufeTool({"show", pfad});
+    EXPECT_EQ(ergebnis.ausgang, 0);
+    EXPECT_THAT(ergebnis.ausgabe, HasSubstr("state:            loaded"));
+}
+
+TEST(Befehle, WrongUsageHasItsOwnExitCode) {
+    const std::vector<std::vector<std::string>> faelle{
+        {"show"},
+        {"find"},
+        {"find", "nichts"},
+        {"find", "check", "10", "gestern"},
+        {"why", "check", "10"},
+        {"list", "--log", "laut"},
+        {"list", "--home", "a", "--dir", "b"},
+        {"list", "--timeout", "-1"},
+        {"list", "--timeout", "nan"},
+        {"list", "zuviel"},
+        {"list", "--gibtesnicht"},
+    };
+    for (const auto& fall : faelle) {
+        const Ergebnis ergebnis = rufeTool(fall);
+        EXPECT_EQ(ergebnis.ausgang, 2) << fall.back();
+        EXPECT_THAT(ergebnis.ausgabe, IsEmpty());
+        EXPECT_THAT(ergebnis.fehler, StartsWith("orvoplugin: "));
+    }
+}
+
+TEST(Befehle, AnAmbiguousNameIsWrongUsageThatNamesTheFiles) {
+    const Heim heim;
+    heim.lege(test_plugins::DescribedByFile, "a/libx.dylib", "check 10 2009\n");
+    heim.lege(test_plugins::DescribedByFile, "b/libx.dylib", "check 10 2010\n");
+    const Ergebnis ergebnis = heim.rufe({"show", "x"});
+    EXPECT_EQ(ergebnis.ausgang, 2);
+    EXPECT_THAT(ergebnis.fehler, AllOf(HasSubstr("a/libx.dylib"), HasSubstr("b/libx.dylib")));
+}
+
+TEST(Befehle, TheLogIsReadableOnStandardError) {
+    const Heim heim;
+    heim.lege(test_plugins::DeclaresTypeTwo, "liba.dylib");
+    const Ergebnis ergebnis = heim.rufe({"list", "--log", "info"});
+    EXPECT_THAT(ergebnis.fehler,
+                HasSubstr("Plugin nicht geladen: UNGUELTIGE_PLUGIN_VERSION: Ungültige Pluginversion"));
+    EXPECT_THAT(ergebnis.ausgabe, Not(HasSubstr("Lese Bibliothek")));
+    EXPECT_THAT(ergebnis.fehler, Not(HasSubstr("Spur")));
+    const Ergebnis spuren = heim.rufe({"list", "--log", "debug"});
+    EXPECT_THAT(spuren.fehler, HasSubstr("-> loadPlugin()"));
+}
+
+TEST(Befehle, AReaderOfTheLogWhoGoesCostsNoResult) {
+    const Heim heim;
+    heim.lege(test_plugins::DescribedByFile, "liba.dylib", "check 10 2009\n");
+    heim.lege(test_plugins::DescribedByFile, "libb.dylib", "check 11 2009\n");
+    const std::string rohr = heim.verzeichnis.pfad("rohr"); // written to with nobody at its other end
+    const Ergebnis ergebnis = rufe(
+        "env",
+        {"--default-signal=PIPE", "sh", "-c",
+         "mkfifo \"$2\" && exec 3<>\"$2\" 4>\"$2\" 3>&- && exec \"$0\" list --log debug --home \"$1\" 2>&4",
+         ORVO_TOOL, heim.verzeichnis.pfad(), rohr});
+    EXPECT_EQ(ergebnis.ausgang, 0);
+    EXPECT_THAT(ergebnis.ausgabe, HasSubstr(": 2 loaded"));
+}
+
+TEST(Befehle, WhatPluginsPrintDoesNotSpoilTheResults) {
+    const Heim heim;
+    heim.lege(test_plugins::DoesHarm, "liba.dylib", "tu start farbe\ntu initialize farbe\ncheck 10\n");
+    const Ergebnis ergebnis = heim.rufe({"list", "--json", "--resident", "a,"});
+    EXPECT_EQ(ergebnis.ausgang, 0);
+    EXPECT_THAT(ergebnis.fehler, IsEmpty());
+    EXPECT_EQ(Json::parse(ergebnis.ausgabe)["files"][0]["plugin"]["resident"], true);
+}
+
+namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kViele = 10000; // it takes its time
+#else
+constexpr int kViele = 100000;
+#endif
+
+/// The tool's list of so many keys.
+Ergebnis vieleSchluessel(const std::string& form) {
+    const Heim heim;
+    heim.lege(test_plugins::DoesHarm, "liba.dylib", "checks " + std::to_string(kViele) + "\n");
+    Ergebnis ergebnis = heim.rufe({"find", "check", "--timeout", "100", form});
+    EXPECT_EQ(ergebnis.ausgang, 0) << ergebnis.fehler;
+    return ergebnis;
+}
+
+} // namespace
+
+TEST(Befehle, AHundredThousandKeysComeOutWhole) {
+    const std::string text = vieleSchluessel("--log=error").ausgabe;
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), kViele + 1);
+}
+
+TEST(Befehle, AHundredThousandKeysComeOutWholeAsJson) {
+    EXPECT_EQ(Json::parse(vieleSchluessel("--json").ausgabe)["answers"].size(),
+              static_cast<std::size_t>(kViele));
+}
+
+TEST(Befehle, ResultsThatCannotBeWrittenAreAnError) {
+    const Heim heim;
+    const Ergebnis ergebnis =
+        rufe("/bin/sh", {"-c", "\"$0\" list --home \"$1\" >/dev/full", ORVO_TOOL, heim.verzeichnis.pfad()});
+    EXPECT_EQ(ergebnis.ausgang, 3);
+    EXPECT_THAT(ergebnis.fehler, HasSubstr("cannot write the results"));
+}
+
+TEST(Befehle, NothingIsColouredThatGoesToNoTerminal) {
+    const Heim heim;
+    heim.lege(test_plugins::DescribedByFile, "liba.dylib", "check 10 2009\n");
+    EXPECT_THAT(heim.rufe({"list"}, {"TERM=xterm-256color"}).ausgabe, Not(HasSubstr("\x1b")));
+}

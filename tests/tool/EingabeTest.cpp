@@ -1,0 +1,62 @@
+// What people type.
+
+#include "kern/Eingabe.h"
+
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+
+#include <gtest/gtest.h>
+
+using namespace werkzeug;
+
+namespace {
+
+Veranlagungszeitraum gelesen(const std::string& text) {
+    const Zeitraumtext zeitraum = liesZeitraum(text);
+    return zeitraum.format.empty() ? Veranlagungszeitraum()
+                                   : Veranlagungszeitraum::parse(zeitraum.text, zeitraum.format.c_str());
+}
+
+} // namespace
+
+TEST(Eingabe, ReadsPeriodsAsPeopleTypeThem) {
+    EXPECT_EQ(gelesen("2009").getTyp(), Veranlagungszeitraum::JAHR);
+    EXPECT_EQ(gelesen("2009-05").getTyp(), Veranlagungszeitraum::MONAT);
+    EXPECT_EQ(gelesen("2009Q2").getTyp(), Veranlagungszeitraum::QUARTAL);
+    EXPECT_EQ(gelesen("2009q2").getQuartal(), 42);
+    EXPECT_EQ(gelesen("2009-05-31").getTag(), 31);
+    EXPECT_EQ(gelesen("vz_unabhaengig").getTyp(), Veranlagungszeitraum::UNABHAENGIG);
+}
+
+TEST(Eingabe, RefusesWhatIsNoPeriod) {
+    for (const char* const text : {"", "200", "20091", "2009-5", "2009Q5", "2009Q0", "2009Q", "2009/05",
+                                   "2009-05-3", "zweitausend", "-009", "2009-xx", "\x1b[31"})
+        EXPECT_THROW(liesZeitraum(text), AufrufFehler) << text;
+}
+
+TEST(Eingabe, ReadsKindsByNumberByNameAndByTheBeginningOfTheName) {
+    EXPECT_EQ(liesTyp("1"), 1);
+    EXPECT_EQ(liesTyp("77"), 77);
+    EXPECT_EQ(liesTyp("ORVO_CHECK_SERVICE_ERWEITERUNG"), 1);
+    EXPECT_EQ(liesTyp("orvo_check_service_erweiterung"), 1);
+    EXPECT_EQ(liesTyp("check"), 1);
+    EXPECT_EQ(liesTyp("Feld"), 2);
+    EXPECT_EQ(liesTyp("FEHLER_TEXT"), 3);
+    EXPECT_EQ(liesTyp("fin"), 4);
+    EXPECT_EQ(liesTyp("xpath_mapping"), 5);
+    EXPECT_EQ(liesTyp("DATENSATZ_READER"), 6);
+}
+
+TEST(Eingabe, RefusesWhatIsNoKindOrSeveral) {
+    for (const char* const text : {"", "f", "fe", "orvo_", "ORVO", "checker", "-1", "1x"})
+        EXPECT_THROW(liesTyp(text), AufrufFehler) << text;
+}
+
+TEST(Eingabe, TakesNamesInUtf8ForThoseInLatin1) {
+    EXPECT_EQ(liesUnterfallart("Pr\xC3\xBC"
+                               "fung"),
+              "Pr\xFC"
+              "fung");
+    EXPECT_EQ(liesUnterfallart("LSTB"), "LSTB");
+    EXPECT_EQ(liesUnterfallart("\xE2\x82\xAC"), "\xE2\x82\xAC"); // not in Latin-1
+    EXPECT_EQ(liesUnterfallart("Pr\xFC"), "Pr\xFC");
+}

@@ -1,0 +1,59 @@
+#include "Aufruf.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+#include <utility>
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+TEST(Programm, ShowsHelpOnStandardOutput) {
+    const Ergebnis ergebnis = rufeTool({"--help"});
+    EXPECT_EQ(ergebnis.ausgang, 0);
+    EXPECT_THAT(ergebnis.ausgabe, HasSubstr("Usage: orvoplugin"));
+    EXPECT_THAT(ergebnis.ausgabe, HasSubstr("Exit codes: 0 fine; 1 findings"));
+    EXPECT_THAT(ergebnis.fehler, IsEmpty());
+}
+
+TEST(Programm, ShowsItsVersion) {
+    const Ergebnis ergebnis = rufeTool({"--version"});
+    EXPECT_EQ(ergebnis.ausgang, 0);
+    EXPECT_THAT(ergebnis.ausgabe, StartsWith("orvoplugin 17.4.6"));
+}
+
+TEST(Programm, RefusesAMissingCommandAsWrongUsage) {
+    const Ergebnis ergebnis = rufeTool({});
+    EXPECT_EQ(ergebnis.ausgang, 2);
+    EXPECT_THAT(ergebnis.ausgabe, IsEmpty());
+    EXPECT_THAT(ergebnis.fehler, StartsWith("orvoplugin: A subcommand is required"));
+}
+
+TEST(Programm, RefusesAnUnknownCommandAsWrongUsage) {
+    const Ergebnis ergebnis = rufeTool({"paint"});
+    EXPECT_EQ(ergebnis.ausgang, 2);
+    EXPECT_THAT(ergebnis.ausgabe, IsEmpty());
+    EXPECT_THAT(ergebnis.fehler, StartsWith("orvoplugin: "));
+}
+
+TEST(Programm, SaysThatHelpAndVersionCannotBeWritten) {
+    for (const char* const wunsch : {"--help", "--version"}) {
+        const Ergebnis ergebnis = rufe("/bin/sh", {"-c", "\"$0\" $1 >/dev/full", ORVO_TOOL, wunsch});
+        EXPECT_EQ(ergebnis.ausgang, 3) << wunsch;
+        EXPECT_EQ(ergebnis.fehler, "orvoplugin: cannot write the results: No space left on device\n");
+    }
+}
+
+TEST(Programm, RefusesAnEmptyValueAsWrongUsage) { // which an unset variable in a script makes
+    for (const char* const option : {"--home", "--dir", "--require", "--html", "--type"}) {
+        const Ergebnis ergebnis = rufeTool({"coverage", option, ""});
+        EXPECT_EQ(ergebnis.ausgang, 2) << option;
+        EXPECT_THAT(ergebnis.fehler, StartsWith(std::string("orvoplugin: ") + option + ": "));
+    }
+    for (const char* const befehl : {"find", "why"})
+        for (const auto& [unterfallart, zeitraum] : {std::pair("", "2009"), std::pair("LSTB", "")}) {
+            const Ergebnis ergebnis = rufeTool({befehl, "check", unterfallart, zeitraum});
+            EXPECT_EQ(ergebnis.ausgang, 2) << befehl << unterfallart << zeitraum;
+        }
+}

@@ -1,0 +1,56 @@
+#include "check/Befund.h"
+#include "check/Text.h"
+
+#include <gmock/gmock.h>
+
+using namespace testing;
+using namespace werkzeug::check;
+
+TEST(Fundliste, WithoutAFindTheCheckHasPassed) {
+    const Fundliste funde;
+    EXPECT_TRUE(funde.istLeer());
+    EXPECT_EQ(funde.befund().urteil, Urteil::BESTANDEN);
+    EXPECT_EQ(funde.befund().text, "");
+}
+
+TEST(Fundliste, AnErrorOutweighsWarnings) {
+    Fundliste funde;
+    funde.warnung("eins");
+    EXPECT_EQ(funde.befund().urteil, Urteil::WARNUNG);
+    EXPECT_EQ(funde.befund().text, "eins");
+    funde.fehler("zwei");
+    funde.fehler("drei");
+    EXPECT_EQ(funde.befund().urteil, Urteil::DURCHGEFALLEN);
+    EXPECT_EQ(funde.befund().text, "zwei; drei");
+    EXPECT_FALSE(funde.istLeer());
+}
+
+TEST(Fundliste, ManyFindsAreCounted) {
+    Fundliste funde;
+    for (int i = 1; i <= 100; ++i)
+        funde.fehler(std::to_string(i));
+    EXPECT_EQ(funde.befund().text, "1; 2; 3; 4; 5; and 95 more");
+}
+
+TEST(Urteil, EachHasANameForPeopleAndOneForPrograms) {
+    EXPECT_STREQ(urteilName(Urteil::ZU_LANGSAM), "timed out");
+    EXPECT_STREQ(urteilKennung(Urteil::ZU_LANGSAM), "timed_out");
+    for (const Urteil urteil : {Urteil::BESTANDEN, Urteil::DURCHGEFALLEN, Urteil::WARNUNG,
+                                Urteil::UEBERSPRUNGEN, Urteil::ABGESTUERZT})
+        EXPECT_STREQ(urteilName(urteil), urteilKennung(urteil));
+}
+
+TEST(Urteil, OnlyWhatPassedOrWarnsLetsOthersBuildOnIt) {
+    EXPECT_FALSE(istHindernis(Urteil::BESTANDEN));
+    EXPECT_FALSE(istHindernis(Urteil::WARNUNG));
+    for (const Urteil urteil :
+         {Urteil::DURCHGEFALLEN, Urteil::UEBERSPRUNGEN, Urteil::ABGESTUERZT, Urteil::ZU_LANGSAM})
+        EXPECT_TRUE(istHindernis(urteil));
+}
+
+TEST(Text, SymbolsAreShownAsInTheSource) {
+    EXPECT_EQ(symbolname("_ZN4orvo8orvoutil9SharedLib4loadEv"), "orvo::orvoutil::SharedLib::load()");
+    EXPECT_EQ(symbolname("orvo_plugin_get_types"), "orvo_plugin_get_types");
+    EXPECT_EQ(symbolname("_Zkaputt"), "_Zkaputt");
+    EXPECT_EQ(symbolname(std::string(1000, 'x')), std::string(80, 'x') + "...");
+}

@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# completion.sh TOOL COMPLETION: what bash offers for the tool is what the tool has.
+set -euo pipefail
+tool=$1
+# shellcheck source=/dev/null
+source "$2"
+wrong=0
+
+# erwarte <what is expected, sorted> <words of the command line, the last one being completed>...
+erwarte() {
+    local erwartet=$1 wort
+    shift
+    COMP_WORDS=("$tool" "$@")
+    COMP_CWORD=$#
+    wort=${COMP_WORDS[COMP_CWORD]}
+    _orvoplugin "$tool" "$wort" "${COMP_WORDS[COMP_CWORD - 1]}"
+    local ist
+    ist=$(printf '%s\n' "${COMPREPLY[@]}" | sort)
+    if [[ $ist != "$erwartet" ]]; then
+        printf 'after "%s": got\n%s\nwanted\n%s\n' "$*" "$ist" "$erwartet"
+        wrong=1
+    fi
+}
+
+befehle=$("$tool" --help | awk '/^Subcommands:/ { an = 1; next } !NF { an = 0 } an { print $1 }' | sort)
+[[ $befehle == *list* ]] || { echo "no commands in the help"; exit 1; }
+erwarte "$befehle" ""
+erwarte list li
+erwarte "$befehle" --home /tmp ""
+for befehl in $befehle; do
+    optionen=$("$tool" "$befehl" --help | awk '/^ +-/ { sub(/^-h,/, "", $1); print $1 }' | sort)
+    [[ $optionen == *--json* ]] || { echo "no options in the help of $befehl"; exit 1; }
+    erwarte "$optionen" "$befehl" --
+done
+erwarte --json list --js
+erwarte "$(printf 'debug\nerror\ninfo\nwarn')" list --log ""
+erwarte xpath_mapping find x
+erwarte "$(printf 'describes\ndescribes-twice')" check --only describes
+erwarte umask check --skip uma
+ordner=$(mktemp -d)
+trap 'rm -rf "$ordner"' EXIT
+mkdir "$ordner/heim"
+touch "$ordner/libx.dylib"
+erwarte "$ordner/heim" list --home "$ordner/"
+erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" show "$ordner/"
+exit $wrong
