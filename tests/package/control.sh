@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# What the packages say of themselves, and what lies where.
+. "$(dirname -- "$0")/support.sh"
+
+major=${VERSION%%.*}
+field() { dpkg-deb -f "$WORK/debs/$1_${VERSION}_"*.deb "$2"; }
+demand_field() {
+    local found
+    found=$(field "$1" "$2")
+    [[ $found == "$3" ]] || fail "$1 has $2: $found"
+}
+
+runtime=liborvoplugin$major
+demand_field "$runtime" Section libs
+demand_field liborvoplugin-dev Section libdevel
+depends=$(field "$runtime" Depends)
+[[ $depends =~ libc6.*libstdc\+\+6 && $depends != *orvo* ]] || fail "$runtime depends on $depends"
+if ((TOOL)); then
+    demand_field orvoplugin Section utils
+    demand_field liborvoplugin-dev Depends "$runtime (= $VERSION), orvoplugin (= $VERSION)"
+    depends=$(field orvoplugin Depends)
+    [[ $depends =~ ^"$runtime (= $VERSION), ".*libc6.*libstdc\+\+6 ]] || fail "orvoplugin depends on $depends"
+else
+    demand_field liborvoplugin-dev Depends "$runtime (= $VERSION)"
+fi
+control() { dpkg-deb --info "$WORK/debs/$1_${VERSION}_"*.deb "$2"; }
+demand "$(control "$runtime" triggers)" "activate-noawait ldconfig"
+demand "$(control "$runtime" shlibs)" "liborvoplugin $major $runtime (>= $VERSION)" "liborvoutil $major $runtime (>= $VERSION)"
+
+for deb in "$WORK/debs"/*.deb; do
+    name=$(dpkg-deb -f "$deb" Package)
+    listing=$(dpkg-deb -c "$deb")
+    demand_part "$listing" "./usr/share/doc/$name/copyright" "./usr/share/doc/$name/changelog.gz"
+    strange=$(grep -vE '^(drwxr-xr-x|lrwxrwxrwx|-rw-r--r--|-rwxr-xr-x .* \./usr/bin/[^ ]+$)' <<<"$listing" || true)
+    [[ -z $strange ]] || fail "$name holds files with strange modes:"$'\n'"$strange"
+    strange=$(grep -vE '^[^ ]+ root/root ' <<<"$listing" || true)
+    [[ -z $strange ]] || fail "$name holds files of strange owners:"$'\n'"$strange"
+done
+# The runtime of another major version may lie beside this one: no file in it without a version in its name.
+listing=$(dpkg-deb -c "$WORK/debs/${runtime}_${VERSION}_"*.deb)
+! grep -qE '\.so( |$)|include/|\.cmake|\.pc$' <<<"$listing" || fail "$runtime holds what is for development"

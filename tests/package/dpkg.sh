@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the packages with dpkg below a private root, with the machine's own packages as the ones that are there,
+# and removes them again. Nothing may stay.
+. "$(dirname -- "$0")/support.sh"
+need dpkg
+((EUID == 0)) || skip "dpkg installs for root only"
+
+root=$WORK/dpkg
+fresh "$root/var/lib/dpkg/info"
+mkdir -p -- "$root/var/lib/dpkg/updates" "$root/var/log"
+# Of the machine's packages, what is said of them: the dependencies are then checked in earnest.
+awk -v RS= -v ORS='\n\n' '!/^Package: (lib)?orvoplugin/' /var/lib/dpkg/status >"$root/var/lib/dpkg/status"
+on_root() { dpkg --root="$root" --log=/dev/null --no-triggers "$@" 2> >(grep -v 'files list file for package' >&2); }
+files() { (cd -- "$root" && find . -mindepth 1 -path ./var -prune -o -print | sort); }
+
+runtime=liborvoplugin${VERSION%%.*}
+packages=("$runtime" liborvoplugin-dev)
+! ((TOOL)) || packages+=(orvoplugin)
+
+demand_part "$(refused on_root -i "$WORK/debs/liborvoplugin-dev_"*.deb)" "dependency problems"
+on_root --purge liborvoplugin-dev >/dev/null
+on_root -i "$WORK/debs"/*.deb >/dev/null
+for package in "${packages[@]}"; do
+    demand_part "$(dpkg-query --admindir="$root/var/lib/dpkg" -W -f '${Status}\n' "$package")" "install ok"
+done
+demand_part "$(files)" "liborvoplugin.so.$VERSION"
+if ((TOOL)); then
+    demand_part "$("$root/usr/bin/orvoplugin" --version)" "$VERSION"
+fi
+
+demand_part "$(refused on_root --remove "$runtime")" "dependency problems"
+on_root --remove "${packages[@]}" >/dev/null
+left=$(files)
+[[ -z $left ]] || fail "this stayed behind:"$'\n'"$left"

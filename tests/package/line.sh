@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# line.sh <prefix> <name>
+# Builds a client and a plugin with one line of the compiler each, with what pkg-config says, and runs them.
+. "$(dirname -- "$0")/support.sh"
+need pkg-config
+
+export PKG_CONFIG_LIBDIR=$1/$LIBDIR/pkgconfig # this one and no other
+source=$SOURCE/tests/package/projekt
+build=$WORK/$2
+fresh "$build"
+[[ $(pkg-config --modversion orvoutil orvoplugin orvoplugin-plugin | sort -u) == "$VERSION" ]] || fail "other versions"
+
+# shellcheck disable=SC2046 # the flags are words
+"$CXX" -std=c++20 -Wall -Wextra -Werror "$source/Kunde.cpp" \
+    $(pkg-config --cflags --libs orvoplugin) -Wl,-rpath,"$(pkg-config --variable=libdir orvoplugin)" -o "$build/kunde"
+# shellcheck disable=SC2046
+"$CXX" -std=c++20 -Wall -Wextra -Werror "$source/Wohngeld.cpp" \
+    $(pkg-config --cflags --libs orvoplugin-plugin) -o "$build/libwohngeld.dylib"
+
+demand_service "" "$build/kunde" "$build/libwohngeld.dylib"
+exported=$(nm -D --defined-only "$build/libwohngeld.dylib" | awk '{print $3}' | sort)
+[[ $exported == $'orvo_plugin_get_check_service\norvo_plugin_get_types\norvo_plugin_initialize' ]] ||
+    fail "the plugin exports more, or less, than its entry points:"$'\n'"$exported"
+
+# A name that nobody defines must not wait for its first call.
+echo 'void nobody(); extern "C" void somebody() { nobody(); }' >"$build/Offen.cpp"
+# shellcheck disable=SC2046
+demand_part "$(refused "$CXX" -std=c++20 "$build/Offen.cpp" $(pkg-config --cflags --libs orvoplugin-plugin) \
+    -o "$build/liboffen.dylib")" "nobody"

@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# The names by which the loader finds the libraries, and where it looks for them.
+. "$(dirname -- "$0")/support.sh"
+need readelf
+
+major=${VERSION%%.*}
+for name in orvoplugin orvoutil; do
+    library=$WORK/moved/$LIBDIR/lib$name.so
+    [[ $(readlink -- "$library") == lib$name.so.$major ]] || fail "$library leads to $(readlink -- "$library")"
+    [[ $(readlink -- "$library.$major") == lib$name.so.$VERSION ]] || fail "$library.$major is no link to $VERSION"
+    demand_part "$(readelf -dW "$library")" "Library soname: [lib$name.so.$major]"
+done
+demand_part "$(readelf -dW "$WORK/moved/$LIBDIR/liborvoplugin.so")" \
+    "Shared library: [liborvoutil.so.$major]" 'Library runpath: [$ORIGIN]'
+# nothing but each other, the standard library and the system's own
+needed=$(readelf -dW "$WORK/moved/$LIBDIR"/lib*.so."$VERSION" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort -u)
+while read -r library; do
+    [[ $library =~ ^(liborvoutil|libstdc\+\+|libc\+\+|libc\+\+abi|libgcc_s|libm|libc|libdl|ld-linux.*)\.so ]] ||
+        fail "the libraries need $library"
+done <<<"$needed"
+if ((TOOL)); then
+    path=$(realpath --relative-to "$WORK/moved/bin" -- "$WORK/moved/$LIBDIR")
+    demand_part "$(readelf -dW "$WORK/moved/bin/orvoplugin")" "Library runpath: [\$ORIGIN/$path]"
+fi
