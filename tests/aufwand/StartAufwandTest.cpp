@@ -1,0 +1,163 @@
+// What finding, checking and describing plugins takes.
+
+#include "Zaehler.h"
+
+#include <orvoplugin/plugin/OrvoPluginManager.h>
+#include <orvoplugin/registry/OrvoErweiterungsManager.h>
+#include <orvoutil/Einstellungen.h>
+#include <orvoutil/ObjectLifetimeManager.h>
+#include <orvoutil/SharedLib.h>
+
+#include "TestPlugins.h"
+#include "support/Verzeichnis.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace {
+
+namespace fs = std::filesystem;
+using orvo::orvoutil::SharedLib;
+
+constexpr int kPlugins = 5;
+
+class StartAufwand : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!Zaehler::zaehltLader())
+            GTEST_SKIP() << "the system's calls are not counted here";
+        home_.legeAn("plugins");
+    }
+    ~StartAufwand() override { orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll(); }
+
+    void legePluginsAn(const std::string& verzeichnis) const {
+        for (int i = 0; i < kPlugins; ++i)
+            home_.kopiere(test_plugins::StrippedOfDebugInformation,
+                          verzeichnis + "/libstart" + std::to_string(i) + ".dylib");
+    }
+
+    Zaehler starte() const {
+        orvo::orvoutil::Einstellungen().setze("basis.home_dir", home_.pfad());
+        return Zaehler::waehrend([] { OrvoErweiterungsManager::getInstanz(); });
+    }
+
+    static std::size_t geladene() {
+        return OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().size();
+    }
+
+    const Verzeichnis home_;
+};
+
+/// Whether one reading takes in the whole file, as it does with plugins that are delivered.
+bool istKlein(const char* datei) { return fs::file_size(datei) < 32768; }
+
+TEST_F(StartAufwand, ListsEachDirectoryOnce) {
+    home_.legeAn("plugins/a/b");
+    home_.legeAn("plugins/c");
+    legePluginsAn("plugins");
+    legePluginsAn("plugins/a/b");
+    EXPECT_EQ(starte().verzeichnisse, 4);
+    EXPECT_EQ(geladene(), 2u * kPlugins);
+}
+
+TEST_F(StartAufwand, OpensAndClosesEachPluginOnceAndLooksTwoSymbolsUp) {
+    legePluginsAn("plugins");
+    const Zaehler zaehler = starte();
+    EXPECT_EQ(geladene(), std::size_t{kPlugins});
+    EXPECT_EQ(zaehler.oeffnungen, kPlugins);
+    EXPECT_EQ(zaehler.schliessungen, kPlugins);
+    EXPECT_EQ(zaehler.symbolsuchen, 2 * kPlugins);
+}
+
+TEST_F(StartAufwand, ReadsEachPluginOnceAndAsksNothingElseAboutIt) {
+    if (!istKlein(test_plugins::StrippedOfDebugInformation))
+        GTEST_SKIP() << "the plugins of this build are large";
+    legePluginsAn("plugins");
+    const Zaehler zaehler = starte();
+    EXPECT_EQ(geladene(), std::size_t{kPlugins});
+    EXPECT_EQ(zaehler.dateien, kPlugins);
+    EXPECT_EQ(zaehler.lesungen, kPlugins);
+    EXPECT_EQ(zaehler.zustaende, 0);
+}
+
+TEST_F(StartAufwand, AFileOfAnotherKindIsNotTouched) {
+    legePluginsAn("plugins");
+    home_.schreibe("plugins/readme.txt", "Text");
+    home_.schreibe("plugins/libalt.dylib.bak", "Text");
+    const Zaehler zaehler = starte();
+    EXPECT_EQ(zaehler.dateien, kPlugins);
+    EXPECT_EQ(zaehler.oeffnungen, kPlugins);
+}
+
+class Wiederoeffnen : public StartAufwand {
+protected:
+    static Zaehler oeffneUndSchliesse(SharedLib& bibliothek) {
+        const Zaehler zaehler =
+            Zaehler::waehrend([&] { EXPECT_TRUE(bibliothek.load()) << bibliothek.getLastError(); });
+        bibliothek.unload();
+        return zaehler;
+    }
+    /// The link is new, the file that it leads to is as old as the build.
+    void zeigeAuf(const std::string& ziel) const {
+        fs::remove(link_);
+        fs::create_symlink(ziel, link_);
+    }
+
+    const std::string link_ = home_.pfad("plugins/link.dylib");
+};
+
+TEST_F(Wiederoeffnen, AFileThatHasNotChangedIsNotReadAgain) {
+    zeigeAuf(test_plugins::StrippedOfDebugInformation);
+    SharedLib bibliothek(link_);
+    EXPECT_EQ(oeffneUndSchliesse(bibliothek).dateien, 1);
+    void* griff = nullptr;
+    const Zaehler lader = Zaehler::waehrend([&] { griff = dlopen(link_.c_str(), RTLD_NOW | RTLD_LOCAL); });
+    dlclose(griff);
+    for (int i = 0; i < 3; ++i) {
+        const Zaehler zaehler = oeffneUndSchliesse(bibliothek);
+        EXPECT_EQ(zaehler.dateien, 0);
+        EXPECT_EQ(zaehler.zustaende, 1);
+        EXPECT_EQ(zaehler.zuteilungen, lader.zuteilungen) << "what the library's start-up code takes";
+    }
+}
+
+TEST_F(Wiederoeffnen, AnotherFileInItsPlaceIsReadAgain) {
+    zeigeAuf(test_plugins::StrippedOfDebugInformation);
+    SharedLib bibliothek(link_);
+    oeffneUndSchliesse(bibliothek);
+    zeigeAuf(test_plugins::DescribedByFile);
+    EXPECT_EQ(oeffneUndSchliesse(bibliothek).dateien, 1);
+    EXPECT_EQ(oeffneUndSchliesse(bibliothek).dateien, 0);
+    zeigeAuf(home_.schreibe("kaputt", std::string("\x7f") + "ELF"));
+    EXPECT_FALSE(bibliothek.load());
+    EXPECT_NE(bibliothek.getLastError().find("abgeschnitten"), std::string::npos)
+        << bibliothek.getLastError();
+    zeigeAuf(test_plugins::DescribedByFile);
+    EXPECT_EQ(oeffneUndSchliesse(bibliothek).dateien, 1) << "what is known of a file ends with a refusal";
+}
+
+TEST_F(Wiederoeffnen, AFileThatWasCutSinceIsRefused) {
+    const std::string datei = home_.kopiere(test_plugins::StrippedOfDebugInformation, "plugins/libx.dylib");
+    SharedLib bibliothek(datei);
+    oeffneUndSchliesse(bibliothek);
+    oeffneUndSchliesse(bibliothek);
+    fs::resize_file(datei, fs::file_size(datei) / 2);
+    EXPECT_FALSE(bibliothek.load());
+    EXPECT_NE(bibliothek.getLastError().find("abgeschnitten"), std::string::npos)
+        << bibliothek.getLastError();
+}
+
+TEST_F(Wiederoeffnen, AListedFileIsNotAskedForItsKindOnce) {
+    zeigeAuf(test_plugins::StrippedOfDebugInformation);
+    if (!istKlein(test_plugins::StrippedOfDebugInformation))
+        GTEST_SKIP() << "the plugins of this build are large";
+    SharedLib bibliothek(link_);
+    bibliothek.merkeListung();
+    EXPECT_EQ(oeffneUndSchliesse(bibliothek).zustaende, 0);
+    EXPECT_EQ(oeffneUndSchliesse(bibliothek).zustaende, 1);
+}
+
+} // namespace

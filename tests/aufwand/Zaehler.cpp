@@ -1,0 +1,116 @@
+#include "Zaehler.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdarg>
+#include <cstdlib>
+#include <initializer_list>
+#include <new>
+
+namespace {
+
+Zaehler gezaehlt;
+
+void* teileZu(std::size_t groesse) {
+    ++gezaehlt.zuteilungen;
+    if (void* const speicher = std::malloc(groesse ? groesse : 1))
+        return speicher;
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+Zaehler Zaehler::bisher() { return gezaehlt; }
+
+void* operator new(std::size_t groesse) { return teileZu(groesse); }
+void* operator new[](std::size_t groesse) { return teileZu(groesse); }
+void operator delete(void* speicher) noexcept { std::free(speicher); }
+void operator delete[](void* speicher) noexcept { std::free(speicher); }
+void operator delete(void* speicher, std::size_t) noexcept { std::free(speicher); }
+void operator delete[](void* speicher, std::size_t) noexcept { std::free(speicher); }
+
+#if defined(__SANITIZE_ADDRESS__) || !defined(__GLIBC__)
+
+bool Zaehler::zaehltLader() { return false; }
+
+#else
+
+bool Zaehler::zaehltLader() { return true; }
+
+namespace {
+
+/// The system's own function of that name. Its version differs between processors: it is the library's newest one, or
+/// its first.
+template <class Funktion>
+Funktion* eigentliche(const char* name) {
+    for (const char* version : {"GLIBC_2.34", "GLIBC_2.33", "GLIBC_2.17", "GLIBC_2.2.5", "GLIBC_2.27"})
+        if (void* const adresse = dlvsym(RTLD_NEXT, name, version))
+            return reinterpret_cast<Funktion*>(adresse);
+    std::abort();
+}
+
+} // namespace
+
+extern "C" {
+
+void* dlopen(const char* pfad, int weise) {
+    static const auto oeffne = eigentliche<void*(const char*, int)>("dlopen");
+    ++gezaehlt.oeffnungen;
+    return oeffne(pfad, weise);
+}
+int dlclose(void* griff) {
+    static const auto schliesse = eigentliche<int(void*)>("dlclose");
+    ++gezaehlt.schliessungen;
+    return schliesse(griff);
+}
+void* dlsym(void* griff, const char* name) {
+    static const auto suche = eigentliche<void*(void*, const char*)>("dlsym");
+    ++gezaehlt.symbolsuchen;
+    return suche(griff, name);
+}
+DIR* opendir(const char* name) {
+    static const auto liste = eigentliche<DIR*(const char*)>("opendir");
+    ++gezaehlt.verzeichnisse;
+    return liste(name);
+}
+int open(const char* pfad, int weise, ...) {
+    static const auto oeffne = eigentliche<int(const char*, int, ...)>("open");
+    va_list weitere;
+    va_start(weitere, weise);
+    const unsigned rechte = weise & O_CREAT ? va_arg(weitere, unsigned) : 0;
+    va_end(weitere);
+    ++gezaehlt.dateien;
+    return oeffne(pfad, weise, rechte);
+}
+ssize_t read(int datei, void* ziel, std::size_t anzahl) {
+    static const auto lies = eigentliche<ssize_t(int, void*, std::size_t)>("read");
+    ++gezaehlt.lesungen;
+    return lies(datei, ziel, anzahl);
+}
+ssize_t pread(int datei, void* ziel, std::size_t anzahl, off_t ab) {
+    static const auto lies = eigentliche<ssize_t(int, void*, std::size_t, off_t)>("pread");
+    ++gezaehlt.lesungen;
+    return lies(datei, ziel, anzahl, ab);
+}
+int stat(const char* pfad, struct stat* zustand) noexcept {
+    static const auto sieh = eigentliche<int(const char*, struct stat*)>("stat");
+    ++gezaehlt.zustaende;
+    return sieh(pfad, zustand);
+}
+int fstat(int datei, struct stat* zustand) noexcept {
+    static const auto sieh = eigentliche<int(int, struct stat*)>("fstat");
+    ++gezaehlt.zustaende;
+    return sieh(datei, zustand);
+}
+int fstatat(int verzeichnis, const char* pfad, struct stat* zustand, int weise) noexcept {
+    static const auto sieh = eigentliche<int(int, const char*, struct stat*, int)>("fstatat");
+    ++gezaehlt.zustaende;
+    return sieh(verzeichnis, pfad, zustand, weise);
+}
+}
+
+#endif
