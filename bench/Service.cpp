@@ -1,72 +1,115 @@
-// Getting and giving back services: with the library open all the time, and opened and closed each time.
+// Getting and giving back a service. Floor: what the system's loader and the plugin's own functions take for it. Floor
+// and product of a pair bear one name, with "/floor" and "/product" behind it.
 
-#include <orvoplugin/plugin/OrvoPlugin.h>
-#include <orvoplugin/plugin/erweiterung/OrvoFeldInfoDatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
+#include <orvoplugin/service/ValidierungsService.h>
+#include <orvoutil/Einstellungen.h>
+#include <orvoutil/LogSink.h>
 #include <orvoutil/Logger.h>
-#include <orvoutil/SharedLib.h>
+#include <orvoutil/ObjectLifetimeManager.h>
 
-#include "Home.h"
+#include "TestPlugins.h"
+#include "support/Verzeichnis.h"
 
 #include <benchmark/benchmark.h>
 
 #include <dlfcn.h>
 
+#include <memory>
+
 namespace {
 
-class StummeSenke : public orvo::orvoutil::LogSink {
-    void write(const orvo::orvoutil::LogEntry&) override {}
-};
+using orvo::orvoutil::Logger;
+using orvo::orvoutil::LogLevel;
 
-const Home& home() {
-    static const Home& home = *new Home(1);
+constexpr char kDatei[] = "plugins/libpruefung.dylib";
+constexpr char kFactory[] = "orvo_plugin_get_check_service";
+
+/// A home directory with one plugin, whose check services are deleted when they are given back.
+const Verzeichnis& home() {
+    static const Verzeichnis& home = [&]() -> const Verzeichnis& {
+        auto& neues = *new Verzeichnis;
+        neues.kopiere(test_plugins::DescribedByFile, kDatei);
+        neues.schreibe(std::string(kDatei) + ".txt", "produktversion 1.0\nloeschen\ncheck 10 2009\n");
+        return neues;
+    }();
     return home;
 }
 
-OrvoFeldInfoDatenServiceErweiterung& erweiterung() {
-    home().waehle();
-    return *OrvoErweiterungsManager::getInstanz()->findeFeldInfoDatenServiceErweiterung(10, {2009, "YYYY"});
+/// Starts anew where other operations have left a plugin manager that knows another directory.
+OrvoValidierungsServiceErweiterung& erweiterung() {
+    orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
+    orvo::orvoutil::Einstellungen().setze("basis.home_dir", home().pfad());
+    return *OrvoErweiterungsManager::getInstanz()->findeValidierungsServiceErweiterung(10, {2009, "YYYY"});
 }
 
-void holeUndGib(benchmark::State& lauf, OrvoFeldInfoDatenServiceErweiterung& e) {
+/// The plugin's library as the system's loader opens it.
+class Bibliothek {
+public:
+    Bibliothek() : griff_(dlopen((home().pfad() + "/" + kDatei).c_str(), RTLD_NOW | RTLD_LOCAL)) {}
+    Bibliothek(const Bibliothek&) = delete;
+    Bibliothek& operator=(const Bibliothek&) = delete;
+    ~Bibliothek() { dlclose(griff_); }
+
+    void holeUndGib() const {
+        Service* const service = reinterpret_cast<Service* (*)()>(dlsym(griff_, kFactory))();
+        benchmark::DoNotOptimize(service);
+        delete service;
+    }
+
+private:
+    void* griff_;
+};
+
+void holeUndGib(benchmark::State& lauf, OrvoValidierungsServiceErweiterung& e) {
     for (auto _ : lauf) {
         Service* const service = e.holeService();
+        benchmark::DoNotOptimize(service);
         e.release(service);
     }
 }
 
-void Service_GetWhileInUse(benchmark::State& lauf) {
-    OrvoFeldInfoDatenServiceErweiterung& e = erweiterung();
+/// Another service is out all the time, so the library stays open.
+void holeUndGibInGebrauch(benchmark::State& lauf) {
+    OrvoValidierungsServiceErweiterung& e = erweiterung();
     Service* const gehalten = e.holeService();
     holeUndGib(lauf, e);
     e.release(gehalten);
 }
-BENCHMARK(Service_GetWhileInUse);
 
-void Service_GetWhileInUseWithSinkAtLevelError(benchmark::State& lauf) {
-    using orvo::orvoutil::Logger;
-    OrvoFeldInfoDatenServiceErweiterung& e = erweiterung();
-    Service* const gehalten = e.holeService();
+void inUseFloor(benchmark::State& lauf) {
+    const Bibliothek bibliothek;
+    for (auto _ : lauf)
+        bibliothek.holeUndGib();
+}
+BENCHMARK(inUseFloor)->Name("service/in_use/floor");
+BENCHMARK(holeUndGibInGebrauch)->Name("service/in_use/product");
+
+/// Takes entries and does nothing with them.
+class StummeSenke : public orvo::orvoutil::LogSink {
+    void write(const orvo::orvoutil::LogEntry&) override {}
+};
+
+/// Beside each other: no sink, and one at that level. The objects of the library must be made while it is installed, to
+/// write to it at all.
+void mitSenke(benchmark::State& lauf, LogLevel stufe) {
     Logger::setSink(std::make_shared<StummeSenke>());
-    Logger::setLevel(orvo::orvoutil::LogLevel::Error);
-    holeUndGib(lauf, e);
+    Logger::setLevel(stufe);
+    holeUndGibInGebrauch(lauf);
     Logger::setSink(nullptr);
-    e.release(gehalten);
 }
-BENCHMARK(Service_GetWhileInUseWithSinkAtLevelError);
+BENCHMARK(holeUndGibInGebrauch)->Name("service/in_use_sink_info/floor");
+BENCHMARK_CAPTURE(mitSenke, info, LogLevel::Info)->Name("service/in_use_sink_info/product");
+BENCHMARK(holeUndGibInGebrauch)->Name("service/in_use_sink_debug/floor");
+BENCHMARK_CAPTURE(mitSenke, debug, LogLevel::Debug)->Name("service/in_use_sink_debug/product");
 
-void Service_FirstGet(benchmark::State& lauf) { holeUndGib(lauf, erweiterung()); }
-BENCHMARK(Service_FirstGet);
-
-/// What the system's loader alone takes for the same library: the ratio to Service_FirstGet is our share.
-void Service_LoaderAlone(benchmark::State& lauf) {
-    const std::string pfad = home().pfad() + "/plugins/libplugin100.dylib";
-    for (auto _ : lauf) {
-        void* const griff = dlopen(pfad.c_str(), RTLD_NOW | RTLD_LOCAL);
-        benchmark::DoNotOptimize(dlsym(griff, "gleicherService"));
-        dlclose(griff);
-    }
+void firstAndLastFloor(benchmark::State& lauf) {
+    for (auto _ : lauf)
+        Bibliothek().holeUndGib();
 }
-BENCHMARK(Service_LoaderAlone);
+void firstAndLastProduct(benchmark::State& lauf) { holeUndGib(lauf, erweiterung()); }
+BENCHMARK(firstAndLastFloor)->Name("service/first_and_last/floor");
+BENCHMARK(firstAndLastProduct)->Name("service/first_and_last/product");
 
 } // namespace
