@@ -2,7 +2,6 @@
 
 #include "Adressraum.h"
 #include "Auskunft.h"
-#include "Ausleihe.h"
 #include "Erwartungen.h"
 #include "LadeProtokoll.h"
 #include "Stammdaten.h"
@@ -12,6 +11,7 @@
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Latin1.h>
 #include <orvoutil/PathUtil.h>
@@ -80,9 +80,9 @@ void berichteNutzung(std::ostream& aus, const OrvoErweiterungsManager& registrat
     Nutzungstabelle ablauf(pruefung, erwartungen);
     ablauf.schritt("vor der ersten Ausleihe", {0, 0, false});
     {
-        Ausleihe erste(&pruefung);
+        ServiceGriff erste(&pruefung);
         ablauf.schritt("ein Dienst geholt", {1, 1, true});
-        const Ausleihe zweite(&pruefung);
+        const ServiceGriff zweite(&pruefung);
         ablauf.schritt("noch einer geholt", {2, 2, true});
         PruefErgebnis ergebnis;
         if (erste && zweite) {
@@ -99,7 +99,7 @@ void berichteNutzung(std::ostream& aus, const OrvoErweiterungsManager& registrat
     auto& finanzaemter = vorhandene(registratur.findeFADatenServiceErweiterung());
     Nutzungstabelle resident(finanzaemter, erwartungen);
     {
-        const Ausleihe dienst(&finanzaemter);
+        const ServiceGriff dienst(&finanzaemter);
         resident.schritt("residentes Plugin, ein Dienst geholt", {1, 1, true});
     }
     resident.schritt("residentes Plugin, zurückgegeben", {0, 0, true});

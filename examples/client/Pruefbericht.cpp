@@ -1,6 +1,5 @@
 #include "Pruefbericht.h"
 
-#include "Ausleihe.h"
 #include "Erwartungen.h"
 #include "Stammdaten.h"
 #include "Szenario.h"
@@ -8,6 +7,7 @@
 #include "TextListe.h"
 
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Latin1.h>
 #include <orvoutil/PathUtil.h>
@@ -53,7 +53,7 @@ void schreibe(std::ostream& aus, const PruefErgebnis& ergebnis) {
 /// Returns: whether there is a service for them.
 bool pruefe(const OrvoErweiterungsManager& registratur, const orvo::data::SteuerfallListe& liste,
             const Unterfallart& ua, const Veranlagungszeitraum& vz, PruefErgebnis& ergebnis) {
-    const Ausleihe service(registratur.findeValidierungsServiceErweiterung(ua, vz));
+    const ServiceGriff service(registratur.findeValidierungsServiceErweiterung(ua, vz));
     if (!service)
         return false;
     service->pruefe(liste, ua, vz, ergebnis);

@@ -1,9 +1,8 @@
 #include "Stammdaten.h"
 
-#include "Ausleihe.h"
-
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Latin1.h>
 #include <stammdaten/schnittstelle/DateiLeserService.h>
@@ -15,8 +14,8 @@ using namespace orvo::orvoutil;
 
 std::vector<std::string> liesDatensaetze(const OrvoErweiterungsManager& registratur, const Unterfallart& ua,
                                          const Veranlagungszeitraum& vz, const std::string& pfad) {
-    const Ausleihe ausleihe(registratur.findeDatensatzReaderServiceErweiterung(ua, vz));
-    auto* const leser = dynamic_cast<stammdaten::DateiLeserService*>(ausleihe.get());
+    const ServiceGriff<stammdaten::DateiLeserService> leser(
+        registratur.findeDatensatzReaderServiceErweiterung(ua, vz));
     if (!leser)
         throw std::runtime_error("Kein Dienst liest Datensätze aus " + pfad);
     std::vector<std::string> texte;
@@ -27,7 +26,7 @@ std::vector<std::string> liesDatensaetze(const OrvoErweiterungsManager& registra
 }
 
 std::string finanzamtName(const OrvoErweiterungsManager& registratur, const std::string& nummer) {
-    const Ausleihe ausleihe(registratur.findeFADatenServiceErweiterung());
-    const auto* const finanzaemter = dynamic_cast<const stammdaten::FinanzamtService*>(ausleihe.get());
+    const ServiceGriff<stammdaten::FinanzamtService> finanzaemter(
+        registratur.findeFADatenServiceErweiterung());
     return finanzaemter ? latin1ToUtf8(finanzaemter->nameVon(nummer)) : std::string();
 }
