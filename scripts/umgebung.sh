@@ -11,6 +11,12 @@ brauche_pakete() {
     installiere_pakete "${fehlende[@]}"
 }
 
+# wuensche_pakete <command>:<package>...
+# The same for commands that tests do without when they are not to be had: they are then skipped, and say so.
+wuensche_pakete() {
+    (brauche_pakete "$@") || printf 'Tests that need these are skipped: %s\n' "$*" >&2
+}
+
 # brauche_bibliotheken <package>...
 # The same for packages that bring no command.
 brauche_bibliotheken() {
