@@ -126,6 +126,9 @@ TEST_F(Untaten, WhatTheCallerHasOpenIsOutOfTheirReach) {
 }
 
 TEST_F(Untaten, WithoutADescriptorLeftEveryRowIsThereAllTheSame) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer opens a pipe whenever it looks at an object's type";
+#endif
     heim_.verzeichnis.schreibe("plugins/anders.txt", "");
     heim_.verzeichnis.schreibe("plugins/.versteckt", "");
     Optionen optionen;
