@@ -3,9 +3,9 @@
 #
 #   orvo_add_plugin(<target> [SOURCES] <source>... [EXPORTS <name>...] [NO_CHECK])
 #
-# The file is lib<target>.dylib on every system. It exports the C functions that are marked with ORVO_PLUGIN_EXPORT,
-# and nothing else: the entry points and factories of PluginEntryPoints.h, which are marked there, and hooks and
-# factories of names of your own, which you declare as
+# The file is lib<target>.dylib on every system; so the target's name has neither "lib" nor ".dylib". It exports the C
+# functions that are marked with ORVO_PLUGIN_EXPORT, and nothing else: the entry points and factories of
+# PluginEntryPoints.h, which are marked there, and hooks and factories of names of your own, which you declare as
 #
 #   extern "C" ORVO_PLUGIN_EXPORT void wohngeldGeladen();
 #
@@ -25,6 +25,7 @@ include(CheckCXXSourceCompiles)
 
 # The variables below are the same in every directory of the project that uses the kit, wherever it includes it.
 set(ORVO_PLUGIN_CHECKS
+    file-name
     entry-points
     exports
     unique-symbols
@@ -123,6 +124,13 @@ function(orvo_add_plugin target)
     set(sources ${arg_UNPARSED_ARGUMENTS} ${arg_SOURCES})
     if(NOT sources)
         message(FATAL_ERROR "orvo_add_plugin(${target}): names no source")
+    endif()
+    if(target MATCHES "\\.[Dd][Yy][Ll][Ii][Bb]$")
+        message(FATAL_ERROR "orvo_add_plugin(${target}): the file is lib<target>.dylib; leave \".dylib\" out of the "
+                            "target's name")
+    elseif(target MATCHES "^lib") # may be part of a word, as in libelle
+        message(STATUS "Plugin ${target}: the file is lib${target}.dylib; leave \"lib\" out of the target's name, if "
+                       "once is enough")
     endif()
     add_library(${target} MODULE ${sources})
     orvo_plugin_options(${target} EXPORTS ${arg_EXPORTS})
