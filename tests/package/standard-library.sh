@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A plugin that is built with another standard library, another setting of it, an older language, or
-# without run-time type information, stops at the first header with a sentence.
+# A plugin that is built with another standard library, another setting of it, an older language, or without
+# what the headers need of it, stops at the header with a sentence.
 . "$(dirname -- "$0")/support.sh"
 
 plugin=$SOURCE/tests/package/projekt/Wohngeld.cpp
@@ -12,6 +12,8 @@ demand_part "$(refused compile -D_GLIBCXX_USE_CXX11_ABI=0)" \
 demand_part "$(refused compile -D_GLIBCXX_DEBUG)" \
     "orvoplugin: this and the libraries differ in _GLIBCXX_DEBUG, which changes the containers"
 demand_part "$(refused compile -fno-rtti)" "orvoplugin: the libraries ask objects for their class; compile without -fno-rtti"
+demand_part "$(refused compile -fno-exceptions -include orvoplugin/plugin/Absicherung.h)" \
+    "orvoplugin: abgesichert catches exceptions; compile without -fno-exceptions, or without this header"
 
 # The other standard library, where it is installed; GCC takes it as a folder of headers.
 for folder in /usr/include/c++/v1 /usr/lib/llvm-*/include/c++/v1; do

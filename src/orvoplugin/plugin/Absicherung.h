@@ -1,5 +1,9 @@
 #pragma once
 
+#ifndef __cpp_exceptions
+#error "orvoplugin: abgesichert catches exceptions; compile without -fno-exceptions, or without this header"
+#endif
+
 #include <orvoutil/Logger.h>
 
 #include <exception>
