@@ -15,7 +15,7 @@
 # After linking, the tool of the package checks the plugin (ORVO_PLUGIN_CHECKS below), and a finding fails the build
 # with a sentence that names it. The check loads the plugin and lets it describe itself, in a process of its own. It
 # is left out, with a line that says so, when cross-compiling, when the package came without the tool, and when the
-# compiler options for all targets name a sanitizer.
+# compiler options of the project, the configuration or the directory name a sanitizer.
 #
 #   orvo_plugin_options(<target>)    the options alone, for a library target that you made yourself
 #   orvo_check_plugin(<target>)      the check alone
@@ -61,12 +61,9 @@ function(orvo_find_plugin_options)
             # the insides of static libraries stay inside
             -Wl,--exclude-libs,ALL
             # every symbol is bound when the plugin is opened, so that none can fail later, in the middle of a call
-            -Wl,-z,now)
-        # Clang's sanitizers leave their own functions to be found in the program; otherwise:
-        if(NOT (CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND CMAKE_CXX_FLAGS MATCHES "-fsanitize="))
+            -Wl,-z,now
             # a function that is missing fails here rather than in the client's process
-            list(APPEND link -Wl,-z,defs)
-        endif()
+            -Wl,-z,defs)
         # code and data share pages where they may: fewer pages to map for each plugin (gold knows no such option)
         separate_arguments(CMAKE_REQUIRED_LINK_OPTIONS UNIX_COMMAND "${CMAKE_MODULE_LINKER_FLAGS}")
         list(APPEND CMAKE_REQUIRED_LINK_OPTIONS -Wl,-z,noseparate-code)
@@ -80,11 +77,27 @@ function(orvo_find_plugin_options)
 endfunction()
 orvo_find_plugin_options()
 
+# Sets the variable to true where the compiler options name a sanitizer: those of the project, of the configuration, of
+# the directory, or of the target as it is now.
+function(orvo_plugin_has_sanitizer target variable)
+    string(TOUPPER "${CMAKE_BUILD_TYPE}" configuration)
+    get_target_property(options ${target} COMPILE_OPTIONS)
+    set(${variable} OFF PARENT_SCOPE)
+    if("${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${configuration}} ${options}" MATCHES "-fsanitize=")
+        set(${variable} ON PARENT_SCOPE)
+    endif()
+endfunction()
+
 function(orvo_plugin_options target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "EXPORTS")
+    set(link ${ORVO_PLUGIN_LINK_OPTIONS})
+    orvo_plugin_has_sanitizer(${target} sanitizer)
+    if(sanitizer AND CMAKE_CXX_COMPILER_ID MATCHES "Clang") # leaves its functions to be found in the program
+        list(REMOVE_ITEM link -Wl,-z,defs)
+    endif()
     target_link_libraries(${target} PRIVATE orvo::orvoplugin)
     target_compile_options(${target} PRIVATE ${ORVO_PLUGIN_COMPILE_OPTIONS})
-    target_link_options(${target} PRIVATE ${ORVO_PLUGIN_LINK_OPTIONS})
+    target_link_options(${target} PRIVATE ${link})
     set_target_properties(${target} PROPERTIES PREFIX "lib" SUFFIX ".dylib" POSITION_INDEPENDENT_CODE ON)
     set(exports "${ORVO_PLUGIN_EXPORTS_FILE}")
     if(arg_EXPORTS)
@@ -108,7 +121,8 @@ function(orvo_check_plugin target)
     endif()
     # A plugin with a sanitizer opens only in a program that has it too.
     get_target_property(installed orvo::tool IMPORTED)
-    if(installed AND CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+    orvo_plugin_has_sanitizer(${target} sanitizer)
+    if(installed AND sanitizer)
         message(STATUS "Plugin ${target}: not checked, it is built with a sanitizer")
     else()
         list(JOIN ORVO_PLUGIN_CHECKS "," checks)
