@@ -9,6 +9,7 @@
 #endif
 
 #include <cstdint>
+#include <new>
 #include <string_view>
 
 namespace orvo::orvoutil {
@@ -147,12 +148,15 @@ void* SharedLib::getSymbol(const std::string& name) {
 
 /// Keeps the address while the library is open. The first few are enough: a plugin has about as many factories and
 /// hooks, and who asks for ever new names gets no slower.
-void* SharedLib::merke(const std::string& name, void* adresse) {
+void* SharedLib::merke(const std::string& name, void* adresse) noexcept {
     constexpr std::size_t kHoechstens = 8;
-    if (gefundene_.empty())
-        gefundene_.reserve(kHoechstens / 2);
-    if (gefundene_.size() < kHoechstens)
-        gefundene_.push_back({name, adresse});
+    try {
+        if (gefundene_.empty())
+            gefundene_.reserve(kHoechstens / 2);
+        if (gefundene_.size() < kHoechstens)
+            gefundene_.push_back({name, adresse});
+    } catch (const std::bad_alloc&) { // then it is looked up again
+    }
     return adresse;
 }
 

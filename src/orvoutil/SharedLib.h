@@ -59,7 +59,7 @@ private:
     };
 
     std::string hindernis(const std::string& dateipfad);
-    void* merke(const std::string& name, void* adresse);
+    void* merke(const std::string& name, void* adresse) noexcept;
     bool schlageFehl(const std::string& grund);
 
     std::string name_;

@@ -14,9 +14,12 @@
 namespace {
 
 Zaehler gezaehlt;
+int bisZumMangel = -1; // how many allocations succeed before one fails; none fails below zero
 
 void* teileZu(std::size_t groesse) {
     ++gezaehlt.zuteilungen;
+    if (bisZumMangel >= 0 && bisZumMangel-- == 0)
+        throw std::bad_alloc();
     if (void* const speicher = std::malloc(groesse ? groesse : 1))
         return speicher;
     throw std::bad_alloc();
@@ -25,6 +28,9 @@ void* teileZu(std::size_t groesse) {
 } // namespace
 
 Zaehler Zaehler::bisher() { return gezaehlt; }
+
+Zaehler::Speichermangel::Speichermangel(int zuteilungen) { bisZumMangel = zuteilungen; }
+Zaehler::Speichermangel::~Speichermangel() { bisZumMangel = -1; }
 
 void* operator new(std::size_t groesse) { return teileZu(groesse); }
 void* operator new[](std::size_t groesse) { return teileZu(groesse); }

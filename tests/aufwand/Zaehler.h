@@ -1,7 +1,10 @@
 #pragma once
 
 // Counts what the program it is linked into asks of the system, from whichever library: memory by `operator new`, and
-// the calls of the loader and of the file system. It does so by standing before the system's own functions.
+// the calls of the loader and of the file system. It does so by standing before the system's own functions. So it can
+// also let memory run out.
+
+#include <new>
 
 struct Zaehler {
     int zuteilungen = 0; ///< of memory
@@ -29,4 +32,25 @@ struct Zaehler {
 
     /// Whether these calls are counted; a sanitizer stands before them itself.
     static bool zaehltLader();
+
+    /// Runs `tu` with memory for so many allocations; the next one fails, and those after it succeed again. Returns:
+    /// whether `tu` came to its end, and did not throw `std::bad_alloc`.
+    template <class Tu>
+    static bool mitSpeicherFuer(int zuteilungen, Tu&& tu) {
+        const Speichermangel mangel(zuteilungen);
+        try {
+            tu();
+            return true;
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    }
+
+private:
+    struct Speichermangel {
+        explicit Speichermangel(int zuteilungen);
+        Speichermangel(const Speichermangel&) = delete;
+        Speichermangel& operator=(const Speichermangel&) = delete;
+        ~Speichermangel();
+    };
 };

@@ -217,9 +217,10 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
     }
 }
 
-/// Enters the pair in the map and in the table beside it, if the key is absent.
+/// Enters the pair in the map and in the table beside it, if the key is absent. For want of memory, in neither.
 std::pair<OrvoErweiterungsManager::Register::iterator, bool>
 OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
+    suchtafel_->schaffePlatz();
     const auto ergebnis = registrierteErweiterungen_.insert(eintrag);
     if (ergebnis.second)
         suchtafel_->trageEin(ergebnis.first->first, eintrag.second);

@@ -138,11 +138,14 @@ const Suchtafel::Platz* Suchtafel::finde(tag_erweiterung_typ typ, const Suchwort
     }
 }
 
-void Suchtafel::trageEin(const ErweiterungsSchluessel& schluessel, OrvoErweiterung* erweiterung) {
-    if (!traegt(schluessel.getUnterfallart()))
-        return;
+void Suchtafel::schaffePlatz() {
     if ((belegt_ + 1) * 2 > plaetze_.size())
         wachse();
+}
+
+void Suchtafel::trageEin(const ErweiterungsSchluessel& schluessel, OrvoErweiterung* erweiterung) noexcept {
+    if (!traegt(schluessel.getUnterfallart()))
+        return;
     const Suchwort wort(schluessel.getUnterfallart());
     Platz platz;
     platz.erweiterung = erweiterung;

@@ -42,8 +42,10 @@ public:
     const Platz* finde(tag_erweiterung_typ typ, const Unterfallart& ua, std::int32_t jahr,
                        std::int32_t sonst) const;
 
+    /// To be called before a key comes into the map: whatever needs memory for it happens here.
+    void schaffePlatz();
     /// To be called when the key has come into the map; it must not be here yet.
-    void trageEin(const ErweiterungsSchluessel& schluessel, OrvoErweiterung* erweiterung);
+    void trageEin(const ErweiterungsSchluessel& schluessel, OrvoErweiterung* erweiterung) noexcept;
     /// To be called before the key leaves the map. One that is not here is ignored.
     void streiche(const ErweiterungsSchluessel& schluessel);
     /// To be called before all keys leave the map.

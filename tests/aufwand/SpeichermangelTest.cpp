@@ -1,0 +1,94 @@
+// What is left when memory runs out in the middle, wherever that is: each allocation fails once.
+
+#include "Zaehler.h"
+
+#include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/registry/OrvoErweiterungsManager.h>
+#include <orvoutil/Einstellungen.h>
+#include <orvoutil/ObjectLifetimeManager.h>
+#include <orvoutil/SharedLib.h>
+
+#include "TestPlugins.h"
+#include "support/Verzeichnis.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace {
+
+using Check = OrvoValidierungsServiceErweiterung;
+
+Veranlagungszeitraum jahr(int zahl) { return {zahl, "YYYY"}; }
+
+class Speichermangel : public testing::Test {
+protected:
+    Speichermangel() { orvo::orvoutil::Einstellungen().setze("basis.home_dir", home_.pfad()); }
+    ~Speichermangel() override { orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll(); }
+
+    const Verzeichnis home_;
+};
+
+/// A plugin without a library, with so many keys that a registry's tables grow over them.
+class VieleSchluessel : public OrvoPluginV1 {
+public:
+    explicit VieleSchluessel(const std::string& version) : OrvoPluginV1(nullptr) {
+        setProduktVersion(version);
+        OrvoUaVzServiceErweiterung::VzMap paare;
+        for (int i = 0; i < kHaelfte; ++i) {
+            paare[1000 + i] = {jahr(2009)};
+            paare[name(i).c_str()] = {jahr(2009)};
+        }
+        addErweiterung(Check(paare));
+    }
+
+    /// How many of its keys a look-up finds.
+    static std::size_t gefundeneIn(const OrvoErweiterungsManager& registry) {
+        std::size_t gefundene = 0;
+        for (int i = 0; i < kHaelfte; ++i) {
+            gefundene += registry.findeValidierungsServiceErweiterung(1000 + i, jahr(2009)) != nullptr;
+            gefundene += registry.findeValidierungsServiceErweiterung(name(i).c_str(), jahr(2009)) != nullptr;
+        }
+        return gefundene;
+    }
+
+private:
+    static constexpr int kHaelfte = 20;
+    static std::string name(int i) { return "Anmeldung der Art " + std::to_string(i); }
+};
+
+} // namespace
+
+TEST_F(Speichermangel, LetsNoKeyStandInTheListingThatNoLookUpFinds) {
+    VieleSchluessel erstes("1.0.0"), besseres("2.0.0");
+    bool gemeldet = false;
+    for (int speicher = 0; !gemeldet; ++speicher) {
+        OrvoErweiterungsManager registry;
+        gemeldet = Zaehler::mitSpeicherFuer(speicher, [&] {
+            registry.pluginErzeugt(&erstes);
+            registry.pluginErzeugt(&besseres);
+        });
+        ASSERT_EQ(VieleSchluessel::gefundeneIn(registry), registry.getRegistrierteErweiterungen().size())
+            << "memory ran out at allocation " << speicher;
+        registry.pluginZerstoert(&erstes);
+        registry.pluginZerstoert(&besseres);
+        ASSERT_EQ(VieleSchluessel::gefundeneIn(registry), 0u) << speicher;
+        ASSERT_TRUE(registry.getRegistrierteErweiterungen().empty()) << speicher;
+    }
+}
+
+TEST_F(Speichermangel, KeepsNoSymbolFromWhoAsksForIt) {
+    const std::string pfad = home_.kopiere(test_plugins::DescribedByFile, "bibliothek.dylib");
+    const std::string name = "orvo_plugin_get_types";
+    for (const int speicher : {0, 1}) {
+        orvo::orvoutil::SharedLib bibliothek(pfad);
+        ASSERT_TRUE(bibliothek.load()) << bibliothek.getLastError();
+        void* adresse = nullptr;
+        EXPECT_TRUE(Zaehler::mitSpeicherFuer(speicher, [&] { adresse = bibliothek.getSymbol(name); }));
+        EXPECT_NE(adresse, nullptr);
+        EXPECT_EQ(bibliothek.getLastError(), "");
+        EXPECT_EQ(bibliothek.getSymbol(name), adresse) << "as it is found once there is memory again";
+    }
+}
