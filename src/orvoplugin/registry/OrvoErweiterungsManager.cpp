@@ -275,7 +275,10 @@ Klasse* OrvoErweiterungsManager::sucheAls(tag_erweiterung_typ typ, const Unterfa
     if (!Suchtafel::traegt(ua))
         return dynamic_cast<Klasse*>(sucheImRegister(typ, ua, vz));
     const Suchtafel::Platz* const platz = suchtafel_->finde(typ, ua, vz.getJahr(), kOhneJahr);
-    return platz && platz->vonIhrerKlasse ? static_cast<Klasse*>(platz->erweiterung) : nullptr;
+    if (!platz)
+        return nullptr;
+    return platz->vonIhrerKlasse ? static_cast<Klasse*>(platz->erweiterung)
+                                 : dynamic_cast<Klasse*>(platz->erweiterung);
 }
 
 OrvoErweiterung* OrvoErweiterungsManager::sucheImRegister(tag_erweiterung_typ typ, const Unterfallart& ua,

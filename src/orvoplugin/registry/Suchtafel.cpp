@@ -66,12 +66,15 @@ bool sindGleich(const std::string& a, const std::string& b) {
     return a.size() == b.size() && (a == b || orvo::orvoutil::compareIgnoreCase(a, b) == 0);
 }
 
+/// Whether the extension is the very part that an object of the class has: not so if the object is of several
+/// classes, and the extension another one's part.
 template <class Klasse>
 bool istEin(OrvoErweiterung* erweiterung) {
-    return dynamic_cast<Klasse*>(erweiterung) != nullptr;
+    auto* const objekt = dynamic_cast<Klasse*>(erweiterung);
+    return objekt && static_cast<OrvoErweiterung*>(objekt) == erweiterung;
 }
 
-/// Whether the extension is of the class that a look-up of its kind gives.
+/// The same for the class that a look-up of the extension's kind gives.
 bool istVonIhrerKlasse(OrvoErweiterung* erweiterung) {
     switch (erweiterung->getTyp()) {
     case ORVO_CHECK_SERVICE_ERWEITERUNG:

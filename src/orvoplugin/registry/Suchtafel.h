@@ -23,7 +23,7 @@ class Suchtafel {
 public:
     struct Platz {
         OrvoErweiterung* erweiterung = nullptr; ///< null while the place is free
-        bool vonIhrerKlasse = false;            ///< whether it is of the class that belongs to its kind
+        bool vonIhrerKlasse = false;            ///< known to be part of an object of its kind's class
         tag_erweiterung_typ typ = NONE;
         std::int32_t jahr = 0;
         std::uint32_t kennzahl = 0;        ///< the number, or a hash of the name

@@ -339,3 +339,22 @@ TEST_F(SuchtafelTest, FindsTheWinnerUnderEitherWritingAndNobodyWhenItIsGone) {
     melde(neueres);
     EXPECT_EQ(registry_.findeValidierungsServiceErweiterung("Zuwendungsbestaetigung", jahr(2009)), sieger);
 }
+
+/// Two extensions in one object: what a plugin offers is the first, and the class of its kind is the other's.
+class ZweiInEinem : public BeliebigeArt, public Check {
+public:
+    ZweiInEinem()
+        : BeliebigeArt(ORVO_CHECK_SERVICE_ERWEITERUNG, {{10, {jahr(2009)}}}), Check(10, jahr(2009)) {}
+    OrvoErweiterung* clone() const override { return static_cast<BeliebigeArt*>(new ZweiInEinem(*this)); }
+};
+
+// The checked cast that the look-up stands for goes across from the one to the other.
+TEST_F(SuchtafelTest, FindsTheExtensionOfTheKindsClassWhereverItStandsInTheObject) {
+    LosesPlugin& plugin = neues(1);
+    const ZweiInEinem zwei;
+    OrvoErweiterung* const angeboten = plugin.biete(static_cast<const BeliebigeArt&>(zwei));
+    melde(plugin);
+    Check* const gefunden = registry_.findeValidierungsServiceErweiterung(10, jahr(2009));
+    EXPECT_EQ(gefunden, dynamic_cast<Check*>(angeboten));
+    EXPECT_NE(static_cast<OrvoErweiterung*>(gefunden), angeboten);
+}
