@@ -3,6 +3,7 @@
 #include "Zaehler.h"
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Einstellungen.h>
@@ -77,6 +78,18 @@ TEST_F(Speichermangel, LetsNoKeyStandInTheListingThatNoLookUpFinds) {
         ASSERT_EQ(VieleSchluessel::gefundeneIn(registry), 0u) << speicher;
         ASSERT_TRUE(registry.getRegistrierteErweiterungen().empty()) << speicher;
     }
+}
+
+// An extension that stayed in the registry would be asked for when it is long gone.
+TEST_F(Speichermangel, LeavesNothingOfAPluginThatGoes) {
+    OrvoErweiterungsManager registry;
+    VieleSchluessel plugin("1.0.0");
+    plugin.addErweiterung(OrvoFADatenServiceErweiterung());
+    registry.pluginErzeugt(&plugin);
+    ASSERT_GT(VieleSchluessel::gefundeneIn(registry), 0u);
+    EXPECT_TRUE(Zaehler::mitSpeicherFuer(0, [&] { registry.pluginZerstoert(&plugin); }));
+    EXPECT_EQ(VieleSchluessel::gefundeneIn(registry), 0u);
+    EXPECT_TRUE(registry.getRegistrierteErweiterungen().empty());
 }
 
 TEST_F(Speichermangel, KeepsNoSymbolFromWhoAsksForIt) {

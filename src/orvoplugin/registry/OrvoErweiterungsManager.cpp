@@ -221,6 +221,7 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
 std::pair<OrvoErweiterungsManager::Register::iterator, bool>
 OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
     suchtafel_->schaffePlatz();
+    suchSchluessel_ = eintrag.first; // which then has the room that it takes to strike the key out again
     const auto ergebnis = registrierteErweiterungen_.insert(eintrag);
     if (ergebnis.second)
         suchtafel_->trageEin(ergebnis.first->first, eintrag.second);
@@ -238,10 +239,11 @@ void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     }
 }
 
+/// Needs no memory for a key that was entered: what stayed behind would refer to an extension that is gone.
 void OrvoErweiterungsManager::streiche(tag_erweiterung_typ typ, const Unterfallart& ua,
                                        const Veranlagungszeitraum& vz) {
-    const ErweiterungsSchluessel schluessel(typ, ua, vz);
-    const auto eintrag = registrierteErweiterungen_.find(schluessel);
+    suchSchluessel_.setze(typ, ua, vz);
+    const auto eintrag = registrierteErweiterungen_.find(suchSchluessel_);
     if (eintrag == registrierteErweiterungen_.end())
         return;
     if (registerBeobachter)
