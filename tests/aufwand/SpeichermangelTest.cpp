@@ -2,11 +2,14 @@
 
 #include "Zaehler.h"
 
+#include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Einstellungen.h>
+#include <orvoutil/LogSink.h>
+#include <orvoutil/Logger.h>
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/SharedLib.h>
 
@@ -20,9 +23,16 @@
 
 namespace {
 
+using orvo::orvoutil::Logger;
 using Check = OrvoValidierungsServiceErweiterung;
 
 Veranlagungszeitraum jahr(int zahl) { return {zahl, "YYYY"}; }
+
+/// Has each entry made, and keeps none.
+class StummeSenke : public orvo::orvoutil::LogSink {
+public:
+    void write(const orvo::orvoutil::LogEntry&) override {}
+};
 
 class Speichermangel : public testing::Test {
 protected:
@@ -90,6 +100,23 @@ TEST_F(Speichermangel, LeavesNothingOfAPluginThatGoes) {
     EXPECT_TRUE(Zaehler::mitSpeicherFuer(0, [&] { registry.pluginZerstoert(&plugin); }));
     EXPECT_EQ(VieleSchluessel::gefundeneIn(registry), 0u);
     EXPECT_TRUE(registry.getRegistrierteErweiterungen().empty());
+}
+
+TEST_F(Speichermangel, UnloadsEveryPluginAlsoWhenThereIsNoMemoryToTellTheLogOfIt) {
+    home_.kopiere(test_plugins::DescribedByFile, "plugins/libpruefung.dylib");
+    home_.schreibe("plugins/libpruefung.dylib.txt", "check 10 2009\n");
+    Logger::setSink(std::make_shared<StummeSenke>());
+    const OrvoErweiterungsManager& registry = *OrvoErweiterungsManager::getInstanz();
+    OrvoPluginManager& manager = *OrvoPluginManager::getInstanz(nullptr);
+    for (int speicher = 0; speicher < 4; ++speicher) {
+        ASSERT_EQ(manager.getRegistriertePlugins().size(), 1u);
+        manager.getRegistriertePlugins().front()->notifyUse();
+        EXPECT_TRUE(Zaehler::mitSpeicherFuer(speicher, [&] { manager.entladePlugins(); }));
+        ASSERT_TRUE(manager.getRegistriertePlugins().empty()) << speicher;
+        ASSERT_TRUE(registry.getRegistrierteErweiterungen().empty()) << speicher;
+        manager.ladePlugins();
+    }
+    Logger::setSink(nullptr);
 }
 
 TEST_F(Speichermangel, KeepsNoSymbolFromWhoAsksForIt) {

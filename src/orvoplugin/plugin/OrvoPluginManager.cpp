@@ -19,6 +19,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <new>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -323,6 +324,10 @@ void OrvoPluginManager::protokolliere(const char* text) const {
 
 void OrvoPluginManager::protokolliere(const char* vorspann, const std::string& wovon,
                                       const char* nachspann) const {
-    if (logger_ && Logger::hatSenke())
+    if (!logger_ || !Logger::hatSenke())
+        return;
+    try {
         logger_->tagged(kMarke, kOhneCode, vorspann + wovon + nachspann, kOhneCode);
+    } catch (const std::bad_alloc&) { // logging changes nothing else: there is no entry then
+    }
 }
