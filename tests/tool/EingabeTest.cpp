@@ -33,6 +33,23 @@ TEST(Eingabe, RefusesWhatIsNoPeriod) {
         EXPECT_THROW(liesZeitraum(text), AufrufFehler) << text;
 }
 
+TEST(Eingabe, RefusesMonthsAndDaysThatDoNotExist) {
+    for (const char* const text :
+         {"2009-13", "2009-18", "2009-20", "2009-40", "2009-45", "2009-50", "2009-55", "2009-99",
+          "2009-13-01", "2009-00-05", "2009-19-05", "2009-05-00", "2009-05-32", "2009-02-29", "2009-99-99"})
+        EXPECT_THROW(liesZeitraum(text), AufrufFehler) << text;
+    EXPECT_EQ(gelesen("2008-02-29").getTag(), 29);
+    EXPECT_EQ(gelesen("2009-01").getZeitraum(), 1);
+    EXPECT_EQ(gelesen("2009-12").getZeitraum(), 12);
+}
+
+TEST(Eingabe, ReadsTheLibrarysCodesOfQuartersAndOfTheWholeYear) {
+    for (const char* const text : {"2009-41", "2009-44", "2009-51", "2009-54"})
+        EXPECT_NE(gelesen(text).getTyp(), Veranlagungszeitraum::MONAT) << text;
+    EXPECT_EQ(gelesen("2009-19").getTyp(), Veranlagungszeitraum::JAHR);
+    EXPECT_EQ(gelesen("2009-00").getTyp(), Veranlagungszeitraum::JAHR);
+}
+
 TEST(Eingabe, ReadsKindsByNumberByNameAndByTheBeginningOfTheName) {
     EXPECT_EQ(liesTyp("1"), 1);
     EXPECT_EQ(liesTyp("77"), 77);

@@ -9,6 +9,7 @@
 #include <orvoutil/Latin1.h>
 #include <orvoutil/StringUtil.h>
 
+#include <chrono>
 #include <string_view>
 #include <vector>
 
@@ -32,6 +33,20 @@ bool gleichtDemMuster(const std::string& text, const std::string& muster) {
         if (muster[i] == '9' ? text[i] < '0' || text[i] > '9' : text[i] != muster[i])
             return false;
     return true;
+}
+
+/// Whether there is such a month, or such a code of a quarter or of the whole year. The library reads any number there,
+/// for plugins to tell apart; a person who types another one has made a mistake.
+bool gibtEs(const Veranlagungszeitraum& vz, bool mitTag) {
+    const auto zwischen = [](int wert, int von, int bis) { return wert >= von && wert <= bis; };
+    const int monat = vz.getZeitraum();
+    if (!mitTag)
+        return vz.getTyp() != Veranlagungszeitraum::MONAT || zwischen(monat, 1, 12);
+    return zwischen(monat, 1, 12) && zwischen(vz.getTag(), 1, 31) &&
+           std::chrono::year_month_day(std::chrono::year(vz.getJahr()),
+                                       std::chrono::month(static_cast<unsigned>(monat)),
+                                       std::chrono::day(static_cast<unsigned>(vz.getTag())))
+               .ok();
 }
 
 } // namespace
@@ -88,7 +103,10 @@ Zeitraumtext liesZeitraum(const std::string& text) {
                            "\" is no period; write 2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
     }
     try {
-        Veranlagungszeitraum::parse(gelesen.text, gelesen.format.c_str());
+        const Veranlagungszeitraum vz = Veranlagungszeitraum::parse(gelesen.text, gelesen.format.c_str());
+        if (const bool mitTag = gelesen.format.ends_with("TT"); !gibtEs(vz, mitTag))
+            throw AufrufFehler("\"" + text + "\" is no period: there is no such " +
+                               (mitTag ? "day" : "month"));
     } catch (const orvo::exception::InvalidFormatException& fehler) {
         throw AufrufFehler("\"" + einzeilig(text) + "\" is no period: " + toUtf8(fehler.what()));
     }
