@@ -4,7 +4,8 @@
 //                            segv, abort, exit ZAHL, haenge, schliesse (all descriptors), schreibe (on all
 //                            descriptors), farbe (escape sequences on both standard streams), faden (a thread that
 //                            crashes a little later), schlafe ZAHL (milliseconds), stumm (takes the observers out), knapp (lets no more
-//                            descriptors be opened)
+//                            descriptors be opened), wecker ZAHL (has SIGALRM sent in so many seconds), loesche
+//                            (its own file)
 //     version TEXT           label TEXT            the rest of the line, whatever its bytes
 //     check NAME             a check service for the sub-case type of that name, any bytes, for 2009
 //     checks ZAHL            so many check services, in one extension, for the sub-case types from 1000 on
@@ -57,6 +58,12 @@ void schreibeUeberallhin() {
             continue;
 }
 
+void loesche() {
+    Dl_info wir{};
+    dladdr(reinterpret_cast<void*>(&orvo_plugin_initialize), &wir);
+    unlink(wir.dli_fname);
+}
+
 void begrenze() {
     const rlimit keine{0, 0};
     setrlimit(RLIMIT_NOFILE, &keine);
@@ -89,6 +96,10 @@ void tu(const std::string& was, int zahl) {
         }
     else if (was == "knapp")
         begrenze();
+    else if (was == "wecker")
+        alarm(static_cast<unsigned>(zahl));
+    else if (was == "loesche")
+        loesche();
     else if (was == "stumm")
         OrvoPluginManager::setLadeBeobachter(nullptr);
     else if (was == "schlafe")

@@ -9,6 +9,9 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 
 #include <chrono>
 #include <csignal>
@@ -202,6 +205,40 @@ TEST(Kindprozess, ASignalToTheChildsParentEndsTheChildAndNotTheCaller) {
     }
 }
 
+TEST(Kindprozess, WhoWantsThisProcessToEndLeavesNothingOfTheChild) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const auto vorher = std::signal(signal, SIG_DFL); // it may be ignored by whoever started us
+        pid_t kind = 0;
+        const auto arbeite = [](const Sender& sende) {
+            setsid();
+#ifdef __linux__
+            prctl(PR_SET_PDEATHSIG, 0); // it would outlive us
+#endif
+            sende(std::to_string(getpid()));
+            for (;;)
+                pause();
+        };
+        try {
+            laufeImKind(
+                arbeite,
+                [&](std::string_view satz) {
+                    kind = std::stoi(std::string(satz));
+                    raise(signal);
+                },
+                kLange);
+            FAIL() << "it went on";
+        } catch (const Unterbrochen& unterbrochen) {
+            EXPECT_EQ(unterbrochen.signal, signal);
+        }
+        ASSERT_GT(kind, 0);
+        EXPECT_FALSE(lebt(kind));
+        struct sigaction jetzt {};
+        sigaction(signal, nullptr, &jetzt);
+        EXPECT_EQ(jetzt.sa_handler, SIG_DFL) << "as it was";
+        std::signal(signal, vorher);
+    }
+}
+
 TEST(Kindprozess, SomethingThatHoldsThePipeOpenDoesNotHideHowTheChildEnded) {
     const Lauf lauf = laufe([](const Sender& sende) {
         if (fork() == 0)
@@ -237,6 +274,14 @@ TEST(Kindprozess, TheChildNeitherReadsNorWritesTheStandardStreams) {
         sende(aus.st_rdev == nichts.st_rdev ? "null device" : "another");
     });
     EXPECT_THAT(lauf.saetze, ElementsAre("empty", "null device"));
+}
+
+TEST(Kindprozess, TheChildHasNoTerminal) {
+    const Lauf lauf = laufe([](const Sender& sende) {
+        sende(std::to_string(getsid(0)));
+        sende(open("/dev/tty", O_RDWR | O_CLOEXEC) < 0 ? "no terminal" : "a terminal");
+    });
+    EXPECT_THAT(lauf.saetze, ElementsAre(Ne(std::to_string(getsid(0))), "no terminal"));
 }
 
 TEST(Kindprozess, LateCodeOfTheParentDoesNotRunInTheChild) {

@@ -1,8 +1,10 @@
 // What becomes of a directory whose plugins do harm: the one is a row with what it did, and all others are there.
 
 #include "kern/Sammler.h"
+
 #include "Bestandsaufnahme.h"
 #include "kern/Kindprozess.h"
+#include "kern/Kundschafter.h"
 
 #include "TestPlugins.h"
 #include "support/Prozess.h"
@@ -166,6 +168,57 @@ TEST_F(Untaten, SeveralOfThemAreARowEach) {
 TEST_F(Untaten, TheLastWordsOfACrashedPluginAreKept) {
     const Bestand bestand = sammleMit("tu types farbe\ntu initialize abort\n");
     EXPECT_THAT(datei(bestand, "libm.dylib").ausgabe, HasSubstr("ROT"));
+}
+
+TEST_F(Untaten, ATimerIsLaidToThePluginThatSetIt) {
+    heim_.lege(test_plugins::DoesHarm, "libn.dylib", "tu initialize schlafe 1500\n"); // it goes off meanwhile
+    heim_.lege(test_plugins::DoesHarm, "libo.dylib", "tu initialize schlafe 1500\n");
+    const Bestand bestand = sammleMit("tu initialize wecker 1\n");
+    EXPECT_EQ(zustand(bestand, "libm.dylib"), Zustand::ABGESTUERZT);
+    EXPECT_EQ(datei(bestand, "libm.dylib").zahl, SIGALRM);
+    EXPECT_EQ(zustand(bestand, "libn.dylib"), Zustand::GELADEN);
+    EXPECT_EQ(zustand(bestand, "libo.dylib"), Zustand::GELADEN);
+}
+
+TEST_F(Untaten, AFileThatIsGoneByTheTimeItCrashesIsARowAllTheSame) {
+    const Bestand bestand = sammleMit("tu initialize loesche\ntu initialize abort\n");
+    EXPECT_EQ(zustand(bestand, "libm.dylib"), Zustand::ABGESTUERZT);
+    EXPECT_EQ(bestand.fundort(datei(bestand, "libm.dylib")), heim_.plugins() + "/libm.dylib");
+    ASSERT_EQ(bestand.dateien.size(), 6u) << "with the texts beside the plugins";
+    EXPECT_EQ(bestand.dateien[2].name, "libm.dylib") << "where it was";
+    EXPECT_EQ(ausgangVon(bestand), Ausgang::ABGESTUERZT);
+}
+
+TEST(Sammler, AFileOnItsOwnThatIsGoneByTheTimeItCrashesIsARowAllTheSame) {
+    const Heim heim;
+    Auftrag auftrag;
+    auftrag.einzeln =
+        heim.lege(test_plugins::DoesHarm, "libm.dylib", "tu initialize loesche\ntu initialize abort\n");
+    const Bestand bestand = sammle({}, auftrag);
+    ASSERT_EQ(bestand.dateien.size(), 1u);
+    EXPECT_EQ(bestand.dateien[0].zustand, Zustand::ABGESTUERZT);
+    EXPECT_EQ(bestand.fundort(bestand.dateien[0]), auftrag.einzeln);
+}
+
+TEST(Sammler, TheToolsOwnWorkHasNoTimeLimitAsLongAsItGoesOn) {
+    const Heim heim;
+    heim.lege(test_plugins::DoesHarm, "liba.dylib", "checks 20000\n");
+    Optionen optionen;
+    optionen.home = heim.verzeichnis.pfad();
+    bool codeLief = false;
+    int zeichen = 0; // after the last plugin's code
+    const Kindende ende = laufeImKind(
+        [&](const Sender& sende) {
+            erkunde(optionen, {}, {}, [&](const std::string& pfad) { sende(pfad); });
+        },
+        [&](std::string_view pfad) {
+            codeLief = codeLief || !pfad.empty();
+            zeichen += pfad.empty();
+        },
+        std::chrono::minutes(5));
+    EXPECT_TRUE(ende.istGut());
+    EXPECT_TRUE(codeLief);
+    EXPECT_GE(zeichen, 20);
 }
 
 TEST_F(Untaten, ThisProcessStaysAsItWas) {

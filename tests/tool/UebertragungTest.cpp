@@ -35,6 +35,14 @@ TEST(Uebertragung, GivesBackWhatWasWritten) {
     EXPECT_EQ(gelesen.dateien.at(0).plugin->erweiterungen.at(1).angebot.at(0).second.at(0).text, "2009");
 }
 
+TEST(Uebertragung, SaysOnItsWayThroughManyFactsThatItIsStillThere) {
+    Bestand bestand = beispiel();
+    bestand.dateien[0].plugin->labels.resize(100000);
+    int zeichen = 0;
+    schreibe(bestand, [&] { ++zeichen; });
+    EXPECT_GE(zeichen, 10);
+}
+
 TEST(Uebertragung, RefusesFactsThatWereCutOffAnywhere) {
     const std::string bytes = schreibe(beispiel());
     for (std::size_t laenge = 0; laenge < bytes.size(); ++laenge)

@@ -2,12 +2,14 @@
 
 #include "befehle/Befehl.h"
 #include "kern/Anzeige.h"
+#include "kern/Kindprozess.h"
 #include "kern/Optionen.h"
 
 #include <orvoplugin/plugin/LibraryVersion.h>
 
 #include <CLI/CLI.hpp>
 
+#include <csignal>
 #include <exception>
 #include <iostream>
 #include <memory>
@@ -59,6 +61,16 @@ void verlangeWerte(CLI::App& app) {
             option->check(nichtLeer);
 }
 
+/// Tells the user that the last name of a list of resident plugins counts for nothing: the library takes those only
+/// that a comma follows.
+void weiseAufFehlendesKommaHin(const Optionen& optionen) {
+    const std::string& liste = optionen.resident;
+    if (optionen.quiet || liste.empty() || liste.back() == ',')
+        return;
+    const std::string letzter = einzeilig(liste.substr(liste.rfind(',') + 1));
+    std::cerr << "orvoplugin: --resident: \"" << letzter << "\" names no plugin, for no comma follows it\n";
+}
+
 } // namespace
 
 int programm(int argc, char** argv) try {
@@ -87,10 +99,15 @@ int programm(int argc, char** argv) try {
     } catch (const CLI::Error& fehler) {
         return meldeFalschenAufruf(app, fehler);
     }
+    weiseAufFehlendesKommaHin(optionen);
     for (const auto& [unterbefehl, befehl] : befehle)
         if (unterbefehl->parsed())
             return static_cast<int>(befehl->fuehreAus(optionen));
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
+} catch (const Unterbrochen& unterbrochen) { // as if nobody had noted the signal
+    std::signal(unterbrochen.signal, SIG_DFL);
+    std::raise(unterbrochen.signal);
+    return static_cast<int>(Ausgang::NICHT_LESBAR);
 } catch (const AufrufFehler& fehler) {
     std::cerr << "orvoplugin: " << fehler.what() << "\nTry 'orvoplugin --help'.\n";
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);

@@ -116,7 +116,7 @@ void schliesseGeerbtes([[maybe_unused]] int einer, [[maybe_unused]] int anderer)
 
 /// Takes the child from whatever the terminal and the parent's end would do to it or it to them.
 void richteEin(pid_t elternprozess, int saetze, Rohr& fehler) {
-    setpgid(0, 0);
+    setsid(); // away from the terminal, on which plugins could write and read by its own name
     std::signal(SIGPIPE, SIG_IGN); // whoever stops reading our standard error ends no plugin
 #ifdef __linux__
     prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -223,6 +223,33 @@ std::string signalname([[maybe_unused]] int signal) {
     return {};
 }
 
+volatile std::sig_atomic_t unterbrechung = 0; ///< the signal that came
+
+/// Notes the signals that would end this process, while it lives: a child may outlive us that has nobody end it then.
+class Signalwache {
+public:
+    Signalwache() {
+        unterbrechung = 0;
+        struct sigaction notiz {};
+        notiz.sa_handler = [](int signal) { unterbrechung = signal; };
+        for (std::size_t i = 0; i < std::size(kSignale); ++i) {
+            sigaction(kSignale[i], nullptr, &vorher_[i]);
+            if (vorher_[i].sa_handler == SIG_DFL) // what is ignored stays so
+                sigaction(kSignale[i], &notiz, nullptr);
+        }
+    }
+    Signalwache(const Signalwache&) = delete;
+    Signalwache& operator=(const Signalwache&) = delete;
+    ~Signalwache() {
+        for (std::size_t i = 0; i < std::size(kSignale); ++i)
+            sigaction(kSignale[i], &vorher_[i], nullptr);
+    }
+
+private:
+    static constexpr int kSignale[] = {SIGINT, SIGTERM, SIGHUP};
+    struct sigaction vorher_[std::size(kSignale)];
+};
+
 /// The parent's side.
 class Aufsicht {
 public:
@@ -274,6 +301,8 @@ private:
                 liesAlles();
             else if (takt_)
                 takt_();
+            if (unterbrechung != 0)
+                throw Unterbrochen{unterbrechung};
             if (fertig_)
                 return {};
             if (verdorben_)
@@ -358,6 +387,7 @@ private:
                                      : Kindende{Kindende::Art::BEENDET, WEXITSTATUS(zustand_), {}};
     }
 
+    Signalwache wache_;
     pid_t kind_;
     std::set<pid_t> eigene_; ///< children of ours that have nothing to do with this one
     Kopf erwartet_;
@@ -426,12 +456,14 @@ Kindende laufeImKind(const Kindarbeit& arbeit, const Empfang& empfange,
         lasseStellvertreter(saetze.schreibende());
         seiKind(arbeit, saetze.schreibende(), geheimnis);
     }
-    setpgid(kind, kind); // whoever of the two comes first
     saetze.schliesse(1);
     fehler.schliesse(1);
-    return Aufsicht(kind, std::move(eigene), geheimnis, saetze.lesende(), fehler.lesende(), empfange,
-                    zeitlimit, takt)
-        .warte();
+    Kindende ende = Aufsicht(kind, std::move(eigene), geheimnis, saetze.lesende(), fehler.lesende(), empfange,
+                             zeitlimit, takt)
+                        .warte();
+    if (unterbrechung != 0) // it came at the last moment
+        throw Unterbrochen{unterbrechung};
+    return ende;
 }
 
 } // namespace werkzeug

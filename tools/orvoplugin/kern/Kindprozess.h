@@ -34,6 +34,12 @@ using Sender = std::function<bool(std::string_view)>;
 using Kindarbeit = std::function<void(const Sender& sende)>;
 using Empfang = std::function<void(std::string_view)>;
 
+/// Somebody wants this process to end, by a signal, while a child is waited for. It is thrown when nothing of the child
+/// is left; who catches it cleans up and ends by that signal. Not to be taken for an error, and so of no error's class.
+struct Unterbrochen {
+    int signal = 0;
+};
+
 /// In a child: a descriptor for what it has to say on our standard error. Not for plugins: these write to theirs.
 int protokollDeskriptor();
 /// In a child: ends it as one that cannot report any more, for what it has to say was tampered with.
@@ -44,7 +50,8 @@ void schliesseProtokollDeskriptor();
 /// Runs work that may crash, hang or end its process, in a child of its own.
 ///
 /// The child is a copy of this process, without its descriptors. Its standard input and output are the null device,
-/// its standard error is kept from the terminal (see `Kindende::ausgabe`); it ignores SIGPIPE. It dies with us. The way
+/// its standard error is kept from the terminal (see `Kindende::ausgabe`); it ignores SIGPIPE. It has a session of its
+/// own, and so no terminal. It dies with us. The way
 /// to the parent is a descriptor of random number, and each record carries a secret of this one child: code in the
 /// child that writes to any descriptor does not pass for it. Its parent is a process that stands in for us, so that a
 /// signal to it ends the child only. When the child has ended, or when for the time given neither a record nor its end
@@ -52,7 +59,7 @@ void schliesseProtokollDeskriptor();
 /// started stays.
 ///
 /// Parameters: `takt`, if given, is called now and then while the child is waited for.
-/// Errors: `std::system_error` when no child can be made. An exception that leaves the work counts as its end by
+/// Errors: `Unterbrochen` on SIGINT, SIGTERM and SIGHUP; `std::system_error` when no child can be made. An exception that leaves the work counts as its end by
 /// `abort`.
 Kindende laufeImKind(const Kindarbeit& arbeit, const Empfang& empfange,
                      std::chrono::duration<double> zeitlimit, const std::function<void()>& takt = {});

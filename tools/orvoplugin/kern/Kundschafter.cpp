@@ -88,7 +88,23 @@ ErweiterungFakt alsFakt(const OrvoErweiterung& erweiterung) {
     return fakt;
 }
 
-PluginFakt alsFakt(const OrvoPlugin& plugin) {
+/// Says now and then that the work goes on, which is ours alone and has no limit: for each so many steps.
+class Lebenszeichen {
+public:
+    explicit Lebenszeichen(const std::function<void(const std::string&)>& bevor) : bevor_(bevor) {}
+
+    void operator()() {
+        if (++schritte_ % kJeLebenszeichen == 0)
+            bevor_({});
+    }
+
+private:
+    static constexpr std::size_t kJeLebenszeichen = 1024;
+    const std::function<void(const std::string&)>& bevor_;
+    std::size_t schritte_ = 0;
+};
+
+PluginFakt alsFakt(const OrvoPlugin& plugin, Lebenszeichen& lebenszeichen) {
     PluginFakt fakt;
     fakt.typ = plugin.getTyp();
     fakt.status = plugin.getStatus();
@@ -97,12 +113,16 @@ PluginFakt alsFakt(const OrvoPlugin& plugin) {
     fakt.resident = plugin.isResident();
     fakt.onLoad = plugin.getOnLoadFuncName();
     fakt.onUnload = plugin.getOnUnloadFuncName();
-    for (const OrvoPlugin::LabelEintrag& label : plugin.getLabels())
+    for (const OrvoPlugin::LabelEintrag& label : plugin.getLabels()) {
         fakt.labels.push_back({label.zahl1, label.text1, alsFakt(label.zeitraum), label.text2, label.zahl2,
                                label.text3, label.text4});
+        lebenszeichen();
+    }
     if (const auto* const v1 = dynamic_cast<const OrvoPluginV1*>(&plugin))
-        for (const OrvoErweiterung* const erweiterung : v1->listeErweiterungen())
+        for (const OrvoErweiterung* const erweiterung : v1->listeErweiterungen()) {
             fakt.erweiterungen.push_back(alsFakt(*erweiterung));
+            lebenszeichen();
+        }
     return fakt;
 }
 
@@ -283,12 +303,32 @@ void ergaenze(Ladenotizen& notizen) {
     }
 }
 
+/// Adds a row for each file that is to be passed over and is not there any more: it was, and did something.
+void ergaenzeVerschwundene(Ladenotizen& notizen, const std::set<std::string>& ueberspringe) {
+    for (const std::string& pfad : ueberspringe) {
+        if (std::any_of(notizen.funde.begin(), notizen.funde.end(),
+                        [&](const Fund& fund) { return fund.fakt.pfad == pfad; }))
+            continue;
+        const std::string wo = verzeichnisVon(pfad);
+        const auto verzeichnis = std::find_if(notizen.verzeichnisse.begin(), notizen.verzeichnisse.end(),
+                                              [&](const VerzeichnisFakt& v) { return v.pfad == wo; });
+        const auto platz = verzeichnis - notizen.verzeichnisse.begin();
+        if (verzeichnis == notizen.verzeichnisse.end())
+            notizen.verzeichnisse.push_back({wo, 0});
+        DateiFakt& datei = notizen.funde.emplace_back().fakt;
+        datei.verzeichnis = static_cast<std::uint32_t>(platz);
+        datei.name = getOnlyFilenameOfFullFilename(pfad);
+        datei.pfad = pfad;
+    }
+}
+
 // --- All of it put together ---
 
 using Orte = std::unordered_map<const OrvoErweiterung*, ErweiterungsOrt>;
 
 /// The rows in their order, and where each extension stands in them.
-Orte uebernimmDateien(Bestand& bestand, Ladenotizen& laden, const Registernotizen& register_) {
+Orte uebernimmDateien(Bestand& bestand, Ladenotizen& laden, const Registernotizen& register_,
+                      Lebenszeichen& lebenszeichen) {
     std::stable_sort(laden.funde.begin(), laden.funde.end(), [](const Fund& a, const Fund& b) {
         return std::tie(a.fakt.verzeichnis, a.fakt.name) < std::tie(b.fakt.verzeichnis, b.fakt.name);
     });
@@ -299,12 +339,13 @@ Orte uebernimmDateien(Bestand& bestand, Ladenotizen& laden, const Registernotize
         DateiFakt& datei = bestand.dateien.emplace_back(std::move(fund.fakt));
         if (!fund.plugin)
             continue;
-        datei.plugin = alsFakt(*fund.plugin);
+        datei.plugin = alsFakt(*fund.plugin, lebenszeichen);
         const auto* const v1 = dynamic_cast<const OrvoPluginV1*>(fund.plugin);
         for (std::uint32_t i = 0; i < datei.plugin->erweiterungen.size(); ++i) {
             const OrvoErweiterung* const erweiterung = v1->listeErweiterungen()[i];
             datei.plugin->erweiterungen[i].uebergangen = register_.uebergangene.contains(erweiterung);
             orte[erweiterung] = {platz, i};
+            lebenszeichen();
         }
     }
     return orte;
@@ -313,7 +354,8 @@ Orte uebernimmDateien(Bestand& bestand, Ladenotizen& laden, const Registernotize
 /// The keys of the facts, in their order.
 using Schluesselreihe = std::vector<const ErweiterungsSchluessel*>;
 
-Schluesselreihe uebernimmSchluessel(Bestand& bestand, const Registernotizen& register_, const Orte& orte) {
+Schluesselreihe uebernimmSchluessel(Bestand& bestand, const Registernotizen& register_, const Orte& orte,
+                                    Lebenszeichen& lebenszeichen) {
     std::vector<std::pair<SchluesselFakt, const ErweiterungsSchluessel*>> gesammelt;
     for (const auto& [schluessel, eintrag] : register_.eintraege) {
         SchluesselFakt fakt;
@@ -326,15 +368,19 @@ Schluesselreihe uebernimmSchluessel(Bestand& bestand, const Registernotizen& reg
             fakt.ereignisse.push_back({e.art, wer, e.gegen ? orte.at(e.gegen) : wer, e.regel, e.zeitraum});
             if (e.wer == eintrag.inhaber && e.art != SchluesselEreignis::Art::ABGEWIESEN)
                 fakt.zeitraum = e.zeitraum;
+            lebenszeichen();
         }
         gesammelt.emplace_back(std::move(fakt), &schluessel);
     }
-    std::sort(gesammelt.begin(), gesammelt.end(),
-              [](const auto& a, const auto& b) { return schluesselrang(a.first) < schluesselrang(b.first); });
+    std::sort(gesammelt.begin(), gesammelt.end(), [&](const auto& a, const auto& b) {
+        lebenszeichen();
+        return schluesselrang(a.first) < schluesselrang(b.first);
+    });
     Schluesselreihe reihe;
     for (auto& [fakt, schluessel] : gesammelt) {
         bestand.schluessel.push_back(std::move(fakt));
         reihe.push_back(schluessel);
+        lebenszeichen();
     }
     return reihe;
 }
@@ -357,7 +403,8 @@ AntwortFakt beantworte(const OrvoErweiterungsManager& registratur, const Frage& 
 }
 
 void uebernimmZeilen(Bestand& bestand, const OrvoErweiterungsManager& registratur,
-                     const Schluesselreihe& reihe, const JeSchluessel<std::uint32_t>& plaetze) {
+                     const Schluesselreihe& reihe, const JeSchluessel<std::uint32_t>& plaetze,
+                     Lebenszeichen& lebenszeichen) {
     for (std::size_t von = 0, bis = 0; von < reihe.size(); von = bis) {
         const SchluesselFakt& erster = bestand.schluessel[von];
         while (bis < reihe.size() && zeilenrang(bestand.schluessel[bis]) == zeilenrang(erster))
@@ -370,6 +417,7 @@ void uebernimmZeilen(Bestand& bestand, const OrvoErweiterungsManager& registratu
         zeile.typ = erster.typ;
         zeile.typName = erster.typName;
         zeile.unterfallart = erster.unterfallart;
+        lebenszeichen();
     }
 }
 
@@ -462,12 +510,14 @@ Bestand erkunde(const Optionen& optionen, const Auftrag& auftrag, const std::set
         meldeKanalVerloren(); // code of a plugin took them out
     bevor(std::string());
 
+    Lebenszeichen lebenszeichen(bevor);
     Bestand bestand;
     bestand.suchpfad = OrvoPluginManager::getInstanz(nullptr)->getPluginSuchPfad();
     if (auftrag.einzeln.empty())
         ergaenze(laden);
-    const Orte orte = uebernimmDateien(bestand, laden, register_);
-    const Schluesselreihe reihe = uebernimmSchluessel(bestand, register_, orte);
+    ergaenzeVerschwundene(laden, ueberspringe);
+    const Orte orte = uebernimmDateien(bestand, laden, register_, lebenszeichen);
+    const Schluesselreihe reihe = uebernimmSchluessel(bestand, register_, orte, lebenszeichen);
     if (auftrag.frage || !auftrag.fragen.empty() || auftrag.deckung) {
         const JeSchluessel<std::uint32_t> wo = plaetze(reihe);
         if (auftrag.frage)
@@ -475,7 +525,7 @@ Bestand erkunde(const Optionen& optionen, const Auftrag& auftrag, const std::set
         for (const Frage& frage : auftrag.fragen)
             bestand.antworten.push_back(beantworte(*registratur, frage, wo));
         if (auftrag.deckung)
-            uebernimmZeilen(bestand, *registratur, reihe, wo);
+            uebernimmZeilen(bestand, *registratur, reihe, wo, lebenszeichen);
     }
     for (DateiFakt& datei : bestand.dateien)
         if (datei.plugin && (auftrag.exporteVon == "*" || auftrag.exporteVon == datei.pfad))

@@ -6,8 +6,11 @@
 #include "kern/Terminal.h"
 #include "kern/Uebertragung.h"
 
+#include <sys/time.h>
+
 #include <chrono>
 #include <cstring>
+#include <ctime>
 #include <map>
 #include <thread>
 #include <vector>
@@ -18,7 +21,9 @@ namespace {
 
 /// The first byte of a record: what follows it.
 constexpr char kVorDatei = 'D'; ///< the path of the file whose code may run next; empty: no more of any will
-constexpr char kBestand = 'B';  ///< the facts
+constexpr char kBestand = 'B';  ///< a piece of the facts
+
+constexpr std::size_t kStueck = 1 << 20; ///< bytes of the facts in one record
 
 /// What a child came to.
 struct Lauf {
@@ -31,6 +36,24 @@ struct Lauf {
 /// Time for threads that a plugin may have left behind to do their damage.
 constexpr auto kNachlauf = std::chrono::milliseconds(150);
 
+/// Has timers that plugins left running go off now: one of them may have ended the process while the code of another
+/// one ran.
+void loeseZeitgeberAus() {
+    constexpr std::chrono::milliseconds kRechenzeit{50}; // for those that count processor time
+    bool laeuft = false;
+    for (const auto art : {ITIMER_REAL, ITIMER_VIRTUAL, ITIMER_PROF}) {
+        itimerval zeit{};
+        if (getitimer(art, &zeit) != 0 || (zeit.it_value.tv_sec == 0 && zeit.it_value.tv_usec == 0))
+            continue;
+        zeit.it_value = {0, 1};
+        setitimer(art, &zeit, nullptr);
+        laeuft = true;
+    }
+    for (const std::clock_t beginn = std::clock();
+         laeuft && (std::clock() - beginn) * 1000 / CLOCKS_PER_SEC < kRechenzeit.count();) {
+    }
+}
+
 /// One child. A `probe` sends no facts, but stays for a while.
 Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
            Fortschritt& fortschritt, bool probe = false) {
@@ -38,20 +61,21 @@ Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std:
     const auto arbeite = [&](const Sender& sende) {
         const auto bevor = [&](const std::string& pfad) { sende(kVorDatei + pfad); };
         const Bestand bestand = erkunde(optionen, auftrag, ueberspringe, bevor);
-        if (probe)
+        if (probe) {
+            loeseZeitgeberAus();
             std::this_thread::sleep_for(kNachlauf);
-        else
-            sende(kBestand + schreibe(bestand));
+            return;
+        }
+        const std::string bytes = schreibe(bestand, [&] { bevor({}); });
+        for (std::size_t ab = 0; ab < bytes.size(); ab += kStueck)
+            sende(kBestand + bytes.substr(ab, kStueck));
     };
+    std::string bytes;
     const auto empfange = [&](std::string_view satz) {
         if (satz.empty())
             return;
         if (satz[0] == kBestand) {
-            try {
-                lauf.bestand = liesBestand(satz.substr(1));
-            } catch (const UebertragungsFehler&) {
-                lauf.bestand.reset(); // code of a plugin has written over the child's memory
-            }
+            bytes += satz.substr(1);
         } else {
             lauf.codeLief = satz.size() > 1;
             if (lauf.codeLief)
@@ -70,8 +94,13 @@ Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std:
         zeige();
     };
     lauf.ende = laufeImKind(arbeite, nimm, std::chrono::duration<double>(optionen.zeitlimit), zeige);
-    if (lauf.ende.istGut() && !probe && !lauf.bestand)
-        lauf.ende.art = Kindende::Art::KANAL;
+    if (lauf.ende.istGut() && !probe) {
+        try {
+            lauf.bestand = liesBestand(bytes);
+        } catch (const UebertragungsFehler&) { // code of a plugin has written over the child's memory
+            lauf.ende.art = Kindende::Art::KANAL;
+        }
+    }
     return lauf;
 }
 

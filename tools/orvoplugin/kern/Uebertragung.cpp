@@ -47,9 +47,13 @@ void felder(auto& a, Fuer<Bestand> auto& b) {
 
 class Schreiber {
 public:
+    explicit Schreiber(const std::function<void()>& lebenszeichen) : lebenszeichen_(lebenszeichen) {}
+
     template <class... T>
     void operator()(const T&... werte) {
         (schreibe(werte), ...);
+        if (++geschrieben_ % kJeLebenszeichen == 0 && lebenszeichen_)
+            lebenszeichen_();
     }
 
     std::string bytes;
@@ -83,6 +87,10 @@ private:
         schreibe(paar.first);
         schreibe(paar.second);
     }
+
+    static constexpr std::size_t kJeLebenszeichen = 4096; // structures
+    const std::function<void()>& lebenszeichen_;
+    std::size_t geschrieben_ = 0;
 };
 
 class Leser {
@@ -203,8 +211,8 @@ void pruefe(const Bestand& bestand) {
 
 } // namespace
 
-std::string schreibe(const Bestand& bestand) {
-    Schreiber schreiber;
+std::string schreibe(const Bestand& bestand, const std::function<void()>& lebenszeichen) {
+    Schreiber schreiber(lebenszeichen);
     schreiber(bestand);
     return std::move(schreiber.bytes);
 }

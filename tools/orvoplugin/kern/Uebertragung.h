@@ -2,6 +2,7 @@
 
 #include "kern/Fakten.h"
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -14,8 +15,8 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The facts as bytes, for the way from the child to the parent.
-std::string schreibe(const Bestand& bestand);
+/// The facts as bytes, for the way from the child to the parent. `lebenszeichen`, if given, is called now and then.
+std::string schreibe(const Bestand& bestand, const std::function<void()>& lebenszeichen = {});
 
 /// The facts out of the bytes. Every length, place and enumeration is checked: the child has run the plugins' code.
 /// Errors: `UebertragungsFehler`.
