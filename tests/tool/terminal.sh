@@ -23,9 +23,9 @@ im_terminal() {
     nummer=$((nummer + 1))
     tmux -f /dev/null new-session -d -s tool -x 60 -y 40 "exec env -i PATH='$PATH' TERM=screen-256color $1; sleep 60"
 }
-# warte_auf <text>: until it is on the terminal, for at most ten seconds.
+# warte_auf <text>: until it is on the terminal, for at most a minute.
 warte_auf() {
-    for _ in $(seq 100); do
+    for _ in $(seq 600); do
         [[ $(tmux capture-pane -p -t tool) == *"$1"* ]] && return
         sleep 0.1
     done
@@ -58,5 +58,5 @@ warte_auf END
 
 im_terminal "sh -c '\"$tool\" list --quiet --home \"$ordner/langsam\"; echo END; sleep 60'"
 sleep 2
-[[ -z $(tmux capture-pane -p -t tool | tr -d '[:space:]') ]] || versagt "progress although it should be quiet"
+[[ $(tmux capture-pane -p -t tool) != *"loading plugins"* ]] || versagt "progress although it should be quiet"
 warte_auf END

@@ -24,8 +24,9 @@ Unterfallart alsUnterfallart(const UnterfallartFakt& fakt) {
 }
 
 std::string alsText(const Json& dokument, const Farben& farben) {
+    const std::string umstaende = umstaendeAlsText(dokument, farben);
     if (dokument["answers"].empty())
-        return "nobody answers\n";
+        return "nobody answers\n" + umstaende;
     Tabelle tabelle({"TYPE", "SUB-CASE TYPE", "PERIOD", "KEY", "VERSION", "FILE", "FACTORY"});
     for (const Json& antwort : dokument["answers"]) {
         tabelle.zeile({zeige(antwort["type"]["label"]), zeige(antwort["sub_case_type"]["name"]),
@@ -36,7 +37,7 @@ std::string alsText(const Json& dokument, const Farben& farben) {
             tabelle.bemerkung("instead of " + anbieterAlsText(verdraengter["plugin"]) + ": " +
                               zeige(verdraengter["explanation"]));
     }
-    return tabelle.alsText(farben);
+    return tabelle.alsText(farben) + umstaende;
 }
 
 class Find : public Befehl {
@@ -79,6 +80,8 @@ public:
         const bool gefunden = !antworten.empty();
         dokument["found"] = gefunden;
         dokument["answers"] = std::move(antworten);
+        dokument["not_loaded"] = abgestuerzteAlsJson(bestand);
+        dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);
 
         // Files that were refused are no findings here, but without those that crashed the answer may be another.

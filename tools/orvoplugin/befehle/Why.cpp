@@ -252,7 +252,11 @@ std::string alsText(const Json& dokument, const Farben& farben) {
     liste(dokument["not_loaded"], "Not loaded", [](const Json& zeile) {
         return zeige(zeile["file"]) + ", " + zeige(zeile["state"]) + ": " + begruendung(zeile);
     });
-    return text + "\n" + farben(Farbe::FETT, zeige(dokument["conclusion"]["text"])) + "\n" +
+    if (!dokument["unreadable_directories"].empty())
+        text += "\n" + unlesbareAlsText(dokument["unreadable_directories"], farben);
+    else
+        text += "\n";
+    return text + farben(Farbe::FETT, zeige(dokument["conclusion"]["text"])) + "\n" +
            zeige(dokument["conclusion"]["advice"]) + "\n";
 }
 
@@ -314,6 +318,7 @@ private:
         dokument["keys_lost"] = std::move(lage.verloren);
         dokument["answer"] = nullptr;
         dokument["not_loaded"] = nullptr;
+        dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);
         return ausgang;
     }
@@ -384,7 +389,9 @@ private:
         dokument["file"] = nullptr;
         dokument["keys_held"] = nullptr;
         dokument["keys_lost"] = nullptr;
-        dokument["not_loaded"] = gefunden ? Json(nullptr) : std::move(geladene);
+        // Beside an answer only those that crashed count: a refused file is not there in a client either.
+        dokument["not_loaded"] = gefunden ? abgestuerzteAlsJson(bestand) : std::move(geladene);
+        dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);
         const Ausgang umstaende = ausgangVon(bestand);
         return umstaende == Ausgang::BEFUNDE ? ausgang : schwerster(ausgang, umstaende);

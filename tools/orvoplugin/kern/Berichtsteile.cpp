@@ -76,6 +76,25 @@ std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben) {
     return text.empty() ? text : text + "\n";
 }
 
+Json abgestuerzteAlsJson(const Bestand& bestand) {
+    Json liste = Json::array();
+    for (const DateiFakt& datei : bestand.dateien)
+        if (datei.zustand >= Zustand::ABGESTUERZT)
+            liste.push_back(zeileAlsJson(bestand, datei));
+    return liste;
+}
+
+std::string umstaendeAlsText(const Json& dokument, const Farben& farben) {
+    std::string text;
+    for (const Json& zeile : dokument["not_loaded"])
+        text += farben(Farbe::ROT, "not loaded") + "  " + zeige(zeile["file"]) + ", " +
+                zeige(zeile["state"]) + ": " + begruendung(zeile) + "\n";
+    for (const Json& verzeichnis : dokument["unreadable_directories"])
+        text += farben(Farbe::ROT, "cannot be read") + "  " + zeige(verzeichnis["path"]) + ": " +
+                zeige(verzeichnis["reason"]) + "\n";
+    return text.empty() ? text : "\nWithout these the answer may be another:\n" + text;
+}
+
 Farbe farbe(const std::string& zustand) {
     if (zustand == "loaded")
         return Farbe::GRUEN;

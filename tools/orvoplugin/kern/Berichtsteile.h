@@ -27,6 +27,11 @@ Json anbieterAlsJson(const Bestand& bestand, const ErweiterungsOrt& ort);
 Json unlesbareAlsJson(const Bestand& bestand);
 std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben);
 
+/// The rows of the files whose code crashed, ended the process or timed out.
+Json abgestuerzteAlsJson(const Bestand& bestand);
+/// Below an answer: what was not there when it was found ("not_loaded", "unreadable_directories"), and so may change it.
+std::string umstaendeAlsText(const Json& dokument, const Farben& farben);
+
 /// The colour of a state, by its code.
 Farbe farbe(const std::string& zustand);
 /// What a row's text says beneath it: why the file is in its state.
