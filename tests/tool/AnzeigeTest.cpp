@@ -26,6 +26,7 @@ TEST(Anzeige, WritesOutWhatATerminalWouldObey) {
               "\\x9b31m");
     EXPECT_EQ(einzeilig(std::string("\0\x7F", 2)), "\\x00\\x7f");
     EXPECT_EQ(einzeilig("\xE2\x80\xAEx"), "\\u202ex"); // the direction of writing
+    EXPECT_EQ(einzeilig("\xD8\x9Cx"), "\\u061cx");     // likewise
 }
 
 TEST(Anzeige, ShowsEveryByteSomehow) {

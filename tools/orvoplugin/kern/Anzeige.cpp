@@ -40,8 +40,9 @@ Zeichen zeichenAn(std::string_view utf8, std::size_t i) {
 /// Whether a terminal or an editor may take the character for something else than a sign to show.
 bool istBefehl(unsigned zeichen) {
     return zeichen < 0x20 || (zeichen >= 0x7F && zeichen < 0xA0) || zeichen == 0x2028 || zeichen == 0x2029 ||
-           zeichen == 0x200E || zeichen == 0x200F || (zeichen >= 0x202A && zeichen <= 0x202E) ||
-           (zeichen >= 0x2066 && zeichen <= 0x2069) || zeichen == 0xFEFF;
+           zeichen == 0x061C || zeichen == 0x200E || zeichen == 0x200F ||
+           (zeichen >= 0x202A && zeichen <= 0x202E) || (zeichen >= 0x2066 && zeichen <= 0x2069) ||
+           zeichen == 0xFEFF;
 }
 
 /// Replaces each such character of the text, which is valid UTF-8.
