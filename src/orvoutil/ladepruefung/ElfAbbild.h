@@ -56,20 +56,28 @@ public:
     /// Whether the range lies in one segment's memory, and the segment has these rights (`PF_R` and so on).
     bool istGeladen(std::uint64_t adresse, std::uint64_t laenge, std::uint32_t rechte) const {
         const Segment* const s = segment(adresse);
-        return s && (s->rechte & rechte) == rechte && laenge <= s->imSpeicher - (adresse - s->adresse);
+        return s && s->hatGeladen(adresse, laenge, rechte);
     }
     /// Whether the range lies in that part of one segment that comes from the file; and the segment is readable.
     bool stammtAusDatei(std::uint64_t adresse, std::uint64_t laenge) const {
         const Segment* const s = segment(adresse);
-        return s && adresse - s->adresse <= s->inDatei && laenge <= s->inDatei - (adresse - s->adresse);
+        return s && s->hatAusDatei(adresse, laenge);
     }
     bool istLesbar(std::uint64_t adresse, std::uint64_t laenge) const {
-        return istGeladen(adresse, laenge, PF_R) && stammtAusDatei(adresse, laenge);
+        const Segment* const s = segment(adresse);
+        return s && s->hatLesbar(adresse, laenge);
+    }
+    /// Whether the range is both loaded with these rights and from the file, from that place in it.
+    bool istGeladenAus(std::uint64_t stelle, std::uint64_t adresse, std::uint64_t laenge,
+                       std::uint32_t rechte) const {
+        const Segment* const s = segment(adresse);
+        return s && s->hatGeladen(adresse, laenge, rechte) && s->hatAusDatei(adresse, laenge) &&
+               s->dateistelle(adresse) == stelle;
     }
     /// Where in the file it stands then.
     std::uint64_t dateistelle(std::uint64_t adresse) const {
         const Segment* const s = segment(adresse);
-        return s ? s->stelle + (adresse - s->adresse) : 0;
+        return s ? s->dateistelle(adresse) : 0;
     }
 
     /// Demands that a table of that name is aligned, readable, and comes from the file. An empty one may be anywhere.
@@ -81,8 +89,9 @@ public:
     /// What stands at an address.
     template <class T>
     T lies(std::uint64_t adresse) {
-        verlange(istLesbar(adresse, sizeof(T)), "Verweis hinter den geladenen Teil der Datei");
-        return liesStelle<T>(dateistelle(adresse));
+        const Segment* const s = segment(adresse);
+        verlange(s && s->hatLesbar(adresse, sizeof(T)), "Verweis hinter den geladenen Teil der Datei");
+        return liesStelle<T>(s->dateistelle(adresse));
     }
     /// A table at an address that was demanded in its full length.
     template <class T>
@@ -108,6 +117,21 @@ private:
     struct Segment {
         std::uint64_t adresse, imSpeicher, inDatei, stelle;
         std::uint32_t rechte;
+
+        bool enthaelt(std::uint64_t a) const {
+            return a - adresse < imSpeicher; // not below it either: then the difference is huge
+        }
+        // Of an address that it holds:
+        bool hatGeladen(std::uint64_t a, std::uint64_t laenge, std::uint32_t verlangte) const {
+            return (rechte & verlangte) == verlangte && laenge <= imSpeicher - (a - adresse);
+        }
+        bool hatAusDatei(std::uint64_t a, std::uint64_t laenge) const {
+            return a - adresse <= inDatei && laenge <= inDatei - (a - adresse);
+        }
+        bool hatLesbar(std::uint64_t a, std::uint64_t laenge) const {
+            return hatGeladen(a, laenge, PF_R) && hatAusDatei(a, laenge);
+        }
+        std::uint64_t dateistelle(std::uint64_t a) const { return stelle + (a - adresse); }
     };
 
     void liesKopf();
@@ -116,15 +140,12 @@ private:
     void nimmSegment(const ElfW(Phdr) & kopf, unsigned nummer);
     void pruefeLage(const ElfW(Phdr) & kopf, unsigned nummer);
     const Segment* segment(std::uint64_t adresse) const {
-        if (enthaelt(*zuletzt_, adresse)) // mostly the one of the address before
+        if (zuletzt_->enthaelt(adresse)) // mostly the one of the address before
             return zuletzt_;
         for (std::size_t i = 0; i < anzahl_; ++i)
-            if (enthaelt(segmente_[i], adresse))
+            if (segmente_[i].enthaelt(adresse))
                 return zuletzt_ = &segmente_[i];
         return nullptr;
-    }
-    static bool enthaelt(const Segment& s, std::uint64_t adresse) {
-        return adresse - s.adresse < s.imSpeicher; // not below it either: then the difference is huge
     }
 
     Sicht sicht_;

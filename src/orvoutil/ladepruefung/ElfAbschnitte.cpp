@@ -26,6 +26,11 @@ struct Tabelle {
 class Abschnitte {
 public:
     explicit Abschnitte(const ElfDynamik& dynamik) : abbild_(dynamik.abbild()) {
+        if (const auto& schutz = abbild_.schreibschutz()) { // of whole pages only
+            constexpr std::uint64_t kSeite = 4096;
+            schutzbeginn_ = schutz->p_vaddr / kSeite * kSeite;
+            schutzende_ = (schutz->p_vaddr + schutz->p_memsz) / kSeite * kSeite;
+        }
         for (Tabelle& t : tabellen_) {
             t.anfang = dynamik.wert(t.tagAnfang).value_or(0);
             t.laenge = dynamik.wert(t.tagLaenge).value_or(0);
@@ -81,6 +86,8 @@ private:
     void pruefeLage(const ElfW(Shdr) & a, std::uint64_t nummer, bool ausDatei) {
         const std::uint32_t rechte =
             ((a.sh_flags & SHF_WRITE) ? PF_W : 0u) | ((a.sh_flags & SHF_EXECINSTR) ? PF_X : 0u);
+        if (ausDatei && abbild_.istGeladenAus(a.sh_offset, a.sh_addr, a.sh_size, rechte))
+            return;
         verlange(abbild_.istGeladen(a.sh_addr, a.sh_size, rechte), "Abschnitt ", nummer,
                  " liegt in keinem passenden Segment");
         // What begins as zeros must not begin with what the file happens to have there.
@@ -114,12 +121,8 @@ private:
                a.sh_addr - segment->p_vaddr <= segment->p_memsz - a.sh_size;
     }
 
-    /// Only whole pages are write-protected.
     bool wirdGeschuetzt(const ElfW(Shdr) & a) const {
-        const auto& schutz = abbild_.schreibschutz();
-        constexpr std::uint64_t kSeite = 4096;
-        return schutz && a.sh_addr < (schutz->p_vaddr + schutz->p_memsz) / kSeite * kSeite &&
-               a.sh_addr + a.sh_size > schutz->p_vaddr / kSeite * kSeite;
+        return a.sh_addr < schutzende_ && a.sh_addr + a.sh_size > schutzbeginn_;
     }
 
     bool heisst(const ElfW(Shdr) & a, std::string_view name) {
@@ -137,6 +140,7 @@ private:
 
     ElfAbbild& abbild_;
     ElfW(Shdr) namen_{};
+    std::uint64_t schutzbeginn_ = 0, schutzende_ = 0; ///< of the memory to be write-protected
     std::array<Tabelle, 7> tabellen_{{{SHT_RELA, DT_RELA, DT_RELASZ, "DT_RELA"},
                                       {SHT_RELA, DT_JMPREL, DT_PLTRELSZ, "DT_JMPREL"},
                                       {SHT_REL, DT_REL, DT_RELSZ, "DT_REL"},

@@ -1,23 +1,44 @@
 #include <orvoutil/ladepruefung/ElfDynamik.h>
 
+#include <algorithm>
+
 namespace orvo::orvoutil {
 
 namespace {
 
 constexpr std::uint64_t kMaxEintraege = 4096;
 
+/// Whether the value of such an entry is the place of a text in the string table.
+bool istText(std::int64_t tag) {
+    switch (tag) {
+    case DT_NEEDED:
+    case DT_SONAME:
+    case DT_RPATH:
+    case DT_RUNPATH:
+    case DT_AUXILIARY:
+    case DT_FILTER:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 ElfDynamik::ElfDynamik(ElfAbbild& abbild) : abbild_(abbild), eintraege_(verlangeEintraege(abbild)) {
     const std::uint64_t platz = abbild.dynamik().p_filesz / sizeof(ElfW(Dyn));
+    std::uint64_t hintersterText = 0;
     for (;; ++anzahl_) {
         verlange(anzahl_ < platz, "Der dynamische Abschnitt hat kein Ende");
         const ElfW(Dyn) naechster = eintrag(anzahl_);
         if (naechster.d_tag == DT_NULL)
             break;
         merke(naechster);
+        if (istText(naechster.d_tag))
+            hintersterText = std::max<std::uint64_t>(hintersterText, naechster.d_un.d_val);
     }
     pruefeTexttabelle();
+    verlangeText(hintersterText);
 }
 
 ElfTabelle<ElfW(Dyn)> ElfDynamik::verlangeEintraege(ElfAbbild& abbild) {
@@ -50,21 +71,6 @@ void ElfDynamik::pruefeTexttabelle() {
     abbild_.verlangeTabelle("DT_STRTAB", texte_, textlaenge_, 1);
     verlange(abbild_.lies<char>(texte_) == '\0' && abbild_.lies<char>(texte_ + textlaenge_ - 1) == '\0',
              "Die Texttabelle beginnt oder endet mitten im Text");
-    for (std::uint64_t i = 0; i < anzahl_; ++i) {
-        const ElfW(Dyn) e = eintrag(i);
-        switch (e.d_tag) {
-        case DT_NEEDED:
-        case DT_SONAME:
-        case DT_RPATH:
-        case DT_RUNPATH:
-        case DT_AUXILIARY:
-        case DT_FILTER:
-            verlangeText(e.d_un.d_val);
-            break;
-        default:
-            break;
-        }
-    }
 }
 
 bool ElfDynamik::istGleicherText(std::uint64_t a, std::uint64_t b) const {

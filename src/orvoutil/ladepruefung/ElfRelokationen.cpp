@@ -32,6 +32,8 @@ Relokation gelesen(const ElfW(Rela) & r) {
             static_cast<ElfW(Addr)>(r.r_addend)};
 }
 
+Relokation gelesen(const ElfW(Rel) & r) { return gelesen(ElfW(Rela){r.r_offset, r.r_info, 0}); }
+
 class Pruefer {
 public:
     explicit Pruefer(const ElfDynamik& dynamik)
@@ -92,10 +94,7 @@ private:
             const ElfTabelle<Eintrag> eintraege = abbild_.tabelle<Eintrag>(anfang, anzahl);
             std::uint64_t artDerRelativen = 0;
             for (std::uint64_t i = 0; i < anzahl; ++i) {
-                ElfW(Rela) roh{};
-                const Eintrag eintrag = eintraege[i];
-                std::memcpy(&roh, &eintrag, sizeof(eintrag)); // one without a summand is the other's front
-                const Relokation r = gelesen(roh);
+                const Relokation r = gelesen(eintraege[i]);
                 if (i == 0)
                     artDerRelativen = r.art;
                 verlange(i >= relative || (r.symbol == 0 && r.art == artDerRelativen),
