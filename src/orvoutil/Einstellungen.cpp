@@ -6,8 +6,10 @@
 #include <dlfcn.h>
 
 #include <exception>
+#include <functional>
 #include <map>
 #include <mutex>
+#include <string_view>
 
 namespace orvo::orvoutil {
 
@@ -30,7 +32,7 @@ std::string verzeichnisDerBibliothek() {
 /// The settings of the process. Never destroyed: they are asked until the process is gone.
 struct Zustand {
     std::mutex sperre;
-    std::map<std::string, std::string> werte; // no empty ones
+    std::map<std::string, std::string, std::less<>> werte; // no empty ones
     BeobachterListe<AenderungsBeobachter> beobachter;
     const std::string verzeichnis = verzeichnisDerBibliothek();
 
@@ -39,7 +41,7 @@ struct Zustand {
         return zustand;
     }
 
-    std::string wert(const std::string& schluessel) {
+    std::string wert(std::string_view schluessel) {
         const std::lock_guard halter(sperre);
         const auto eintrag = werte.find(schluessel);
         return eintrag == werte.end() ? std::string() : eintrag->second;
@@ -67,11 +69,12 @@ struct Zustand {
 Einstellungen::Einstellungen() = default;
 
 std::string Einstellungen::basisHomeDir() const {
-    std::string gesetzt = wert(kHomeDir);
-    return gesetzt.empty() ? Zustand::hole().verzeichnis : gesetzt;
+    Zustand& zustand = Zustand::hole();
+    std::string gesetzt = zustand.wert(kHomeDir);
+    return gesetzt.empty() ? zustand.verzeichnis : gesetzt;
 }
 
-std::string Einstellungen::basisResidentPlugins() const { return wert(kResidentPlugins); }
+std::string Einstellungen::basisResidentPlugins() const { return Zustand::hole().wert(kResidentPlugins); }
 
 std::string Einstellungen::wert(const std::string& schluessel) const {
     return Zustand::hole().wert(schluessel);

@@ -77,7 +77,9 @@ std::string_view letzterTeil(std::string_view pfad) { return pfad.substr(pfad.rf
 std::string concatPath(std::string_view a, std::string_view b) {
     if (a.empty() || b.empty())
         return std::string(a.empty() ? b : a);
-    std::string pfad(ohneEnde(a));
+    std::string pfad;
+    pfad.reserve(a.size() + 1 + b.size());
+    pfad += ohneEnde(a);
     pfad += '/';
     pfad += ohneAnfang(b);
     return pfad;

@@ -18,6 +18,7 @@
 #include <orvoutil/Spur.h>
 
 #include <sstream>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -193,7 +194,9 @@ void OrvoErweiterungsManager::registriere(OrvoUaVzServiceErweiterung* erweiterun
 
 void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua,
                                        const Veranlagungszeitraum& vz) {
-    const Register::value_type eintrag(ErweiterungsSchluessel(erweiterung->getTyp(), ua, vz), erweiterung);
+    const Register::value_type eintrag(std::piecewise_construct,
+                                       std::forward_as_tuple(erweiterung->getTyp(), ua, vz),
+                                       std::forward_as_tuple(erweiterung));
     const auto [bestehender, neu] = trageEinWennFrei(eintrag);
     if (neu) {
         if (registerBeobachter)
