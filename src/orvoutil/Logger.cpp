@@ -101,12 +101,7 @@ void Logger::schreibe(LogKind art, LogLevel stufe, std::string_view text) noexce
     if (!istAn(stufe))
         return;
     try {
-        LogEntry eintrag;
-        eintrag.kind = art;
-        eintrag.level = stufe;
-        eintrag.category = kategorie_;
-        eintrag.text = text;
-        Zustand::uebergib(eintrag);
+        Zustand::uebergib({art, stufe, kategorie_, std::string(text), {}, 0, 0});
     } catch (...) { // logging changes nothing else
     }
 }
@@ -115,14 +110,8 @@ void Logger::schreibeEreignis(std::string_view tag, int code1, std::string_view 
     if (!hatSenke())
         return;
     try {
-        LogEntry eintrag;
-        eintrag.kind = LogKind::Tagged;
-        eintrag.category = kategorie_;
-        eintrag.text = text;
-        eintrag.tag = tag;
-        eintrag.code1 = code1;
-        eintrag.code2 = code2;
-        Zustand::uebergib(eintrag);
+        Zustand::uebergib(
+            {LogKind::Tagged, LogLevel::Info, kategorie_, std::string(text), std::string(tag), code1, code2});
     } catch (...) { // logging changes nothing else
     }
 }
