@@ -23,6 +23,7 @@
 #ifdef ORVO_BENCH_MIT_BIBLIOTHEK
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/service/Service.h>
+#include <orvoutil/Einstellungen.h>
 #endif
 
 namespace {
@@ -119,6 +120,10 @@ int main(int anzahl, char** argumente) {
         return 2;
     const std::string verzeichnis = std::string(argumente[1]) + "/plugins";
     const std::string_view was = argumente[2];
+#ifdef ORVO_BENCH_MIT_BIBLIOTHEK
+    // As the product does, and so needs the same libraries in the same order: the loader goes through them one by one.
+    orvo::orvoutil::Einstellungen().setze("basis.home_dir", argumente[1]);
+#endif
     if (was == "types")
         std::printf("%.0f\n", nanosekunden([&] { nurTypen(verzeichnis); }));
 #ifdef ORVO_BENCH_MIT_BIBLIOTHEK
