@@ -1,5 +1,6 @@
 #pragma once
 
+#include <orvoutil/ladepruefung/ElfInhalt.h>
 #include <orvoutil/ladepruefung/ElfPruefung.h>
 
 #include <gtest/gtest.h>
@@ -86,14 +87,24 @@ public:
         return grund;
     }
 
+    /// Takes down what stands in it, from a source that can be read so often. Returns: why it could not.
+    std::string inhalt(orvo::orvoutil::Bibliotheksinhalt& inhalt, std::size_t lesungen = 1'000'000) const {
+        Speicher datei(bytes, 0, lesungen);
+        return orvo::orvoutil::liesElf(datei, inhalt);
+    }
+
 private:
     class Speicher final : public orvo::orvoutil::Bytequelle {
     public:
-        Speicher(std::string_view inhalt, std::size_t anfang) : bytes_(inhalt), anfang_(anfang) {}
+        Speicher(std::string_view inhalt, std::size_t anfang, std::size_t lesungen = 1'000'000)
+            : bytes_(inhalt), anfang_(anfang), lesungen_(lesungen) {}
         std::uint64_t groesse() const override { return bytes_.size(); }
         bool lies(std::uint64_t ab, void* ziel, std::size_t anzahl) override {
             EXPECT_TRUE(anzahl <= bytes_.size() && ab <= bytes_.size() - anzahl) << "reads behind the end";
             EXPECT_FALSE(ab + anzahl <= anfang_) << "reads what is in memory";
+            if (lesungen_ == 0)
+                return false;
+            --lesungen_;
             std::memcpy(ziel, bytes_.data() + ab, anzahl);
             return true;
         }
@@ -104,6 +115,7 @@ private:
     private:
         std::string_view bytes_;
         std::size_t anfang_; // so many bytes of it the check may look at without reading
+        std::size_t lesungen_;
     };
 
     ElfW(Dyn) * suche(std::int64_t tag) {

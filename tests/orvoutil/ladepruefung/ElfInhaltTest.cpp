@@ -1,0 +1,158 @@
+#include <orvoutil/ladepruefung/ElfInhalt.h>
+
+#include "ElfDatei.h"
+
+#include <gmock/gmock.h>
+
+#include <initializer_list>
+#include <utility>
+
+using namespace orvo::orvoutil;
+using namespace testing;
+
+namespace {
+
+auto heisst(const std::string& name) { return Field(&Bibliothekssymbol::name, name); }
+
+/// A library in order, which a test changes so that it stays one.
+class ElfInhalt : public Test {
+protected:
+    /// What is taken down of the file as it is now.
+    Bibliotheksinhalt gelesen() {
+        Bibliotheksinhalt inhalt;
+        EXPECT_EQ(datei_.inhalt(inhalt), "");
+        return inhalt;
+    }
+
+    /// A place among the entries of the dynamic section that no loader needs, with another content.
+    void setze(std::int64_t tag, std::uint64_t wert) {
+        auto& e = datei_.eintrag(entbehrlicher_);
+        e.d_tag = entbehrlicher_ = tag;
+        e.d_un.d_val = wert;
+    }
+
+    ElfW(Sym) & symbol(const std::string& name) {
+        const std::uint64_t namen = datei_.stelle(datei_.eintrag(DT_STRTAB).d_un.d_ptr);
+        const ElfW(Shdr)& tabelle = datei_.abschnittVom(SHT_DYNSYM);
+        for (std::uint64_t i = 1; i < tabelle.sh_size / sizeof(ElfW(Sym)); ++i) {
+            auto& s = datei_.bei<ElfW(Sym)>(tabelle.sh_offset + i * sizeof(ElfW(Sym)));
+            if (datei_.bytes.compare(namen + s.st_name, name.size() + 1, name.c_str(), name.size() + 1) == 0)
+                return s;
+        }
+        throw std::out_of_range("no such symbol");
+    }
+
+    ElfDatei datei_{SHOWS_EVERY_KIND};
+
+private:
+    std::int64_t entbehrlicher_ = DT_RELACOUNT;
+};
+
+unsigned char art(unsigned bindung, unsigned typ) { return static_cast<unsigned char>(bindung << 4 | typ); }
+
+} // namespace
+
+TEST_F(ElfInhalt, ASymbolThatOthersDoNotSeeIsNotExported) {
+    ASSERT_THAT(gelesen().exportierte, Contains(heisst("funktion")));
+    for (const unsigned char sichtbarkeit : {STV_HIDDEN, STV_INTERNAL}) {
+        symbol("funktion").st_other = sichtbarkeit;
+        EXPECT_THAT(gelesen().exportierte, Not(Contains(heisst("funktion")))) << int{sichtbarkeit};
+    }
+    symbol("funktion").st_other = STV_PROTECTED;
+    EXPECT_THAT(gelesen().exportierte, Contains(heisst("funktion")));
+    symbol("funktion").st_info = art(STB_LOCAL, STT_FUNC);
+    EXPECT_THAT(gelesen().exportierte, Not(Contains(heisst("funktion"))));
+}
+
+TEST_F(ElfInhalt, KindsAndBindingsThatNobodyUsesAreTakenDownAsWhatTheyAre) {
+    const std::initializer_list<std::pair<unsigned char, std::pair<Symbolbindung, Symbolart>>> faelle{
+        {art(STB_LOOS, STT_FUNC), {Symbolbindung::Einmalig, Symbolart::Funktion}}, // GNU's "unique"
+        {art(STB_LOPROC, STT_FUNC), {Symbolbindung::Andere, Symbolart::Funktion}},
+        {art(STB_WEAK, STT_GNU_IFUNC), {Symbolbindung::Schwach, Symbolart::Funktion}},
+        {art(STB_GLOBAL, STT_COMMON), {Symbolbindung::Global, Symbolart::Daten}},
+        {art(STB_GLOBAL, STT_HIPROC), {Symbolbindung::Global, Symbolart::Andere}}};
+    for (const auto& [info, erwartet] : faelle) {
+        symbol("funktion").st_info = info;
+        EXPECT_THAT(gelesen().exportierte,
+                    Contains(AllOf(heisst("funktion"), Field(&Bibliothekssymbol::bindung, erwartet.first),
+                                   Field(&Bibliothekssymbol::art, erwartet.second))))
+            << int{info};
+    }
+}
+
+TEST_F(ElfInhalt, ASymbolWithoutANameIsLeftOut) {
+    const std::size_t vorher = gelesen().exportierte.size();
+    symbol("funktion").st_name = 0;
+    EXPECT_EQ(gelesen().exportierte.size(), vorher - 1);
+    EXPECT_THAT(gelesen().exportierte, Not(Contains(heisst(""))));
+}
+
+TEST_F(ElfInhalt, WhatLetsItBindAtOnceOrWriteToItsCodeStandsInAnyOfSeveralPlaces) {
+    const Bibliotheksinhalt vorher = gelesen();
+    ASSERT_FALSE(vorher.bindetSofort);
+    ASSERT_FALSE(vorher.aendertCode);
+    setze(DT_BIND_NOW, 0);
+    EXPECT_TRUE(gelesen().bindetSofort);
+    setze(DT_FLAGS, DF_BIND_NOW);
+    EXPECT_TRUE(gelesen().bindetSofort);
+    EXPECT_FALSE(gelesen().aendertCode);
+    setze(DT_FLAGS_1, DF_1_NOW);
+    EXPECT_TRUE(gelesen().bindetSofort);
+    EXPECT_FALSE(gelesen().bleibtGeladen);
+    setze(DT_FLAGS, DF_TEXTREL);
+    EXPECT_TRUE(gelesen().aendertCode);
+    EXPECT_FALSE(gelesen().bindetSofort);
+    setze(DT_TEXTREL, 0);
+    EXPECT_TRUE(gelesen().aendertCode);
+}
+
+TEST_F(ElfInhalt, TheOlderFormOfSearchPathsCountsWhereTheNewerIsNot) {
+    ASSERT_THAT(gelesen().suchpfade, Contains("/opt/bibliotheken"));
+    auto& neue = datei_.eintrag(DT_RUNPATH);
+    setze(DT_RPATH, symbol("funktion").st_name);
+    EXPECT_THAT(gelesen().suchpfade, Contains("/opt/bibliotheken"));
+    neue.d_tag = DT_RELACOUNT; // as good as nothing
+    neue.d_un.d_val = 0;
+    EXPECT_THAT(gelesen().suchpfade, ElementsAre("funktion"));
+}
+
+TEST_F(ElfInhalt, AnEmptySearchPathIsNone) {
+    datei_.eintrag(DT_RUNPATH).d_un.d_val = 0; // where each table of names begins with an empty one
+    EXPECT_THAT(gelesen().suchpfade, IsEmpty());
+}
+
+TEST_F(ElfInhalt, NothingIsTakenDownOfAFileThatCannotBeReadToItsEnd) {
+    std::size_t lesungen = 0;
+    Bibliotheksinhalt ganz;
+    for (std::string grund = "nicht gelesen"; !grund.empty(); ++lesungen) {
+        Bibliotheksinhalt inhalt;
+        inhalt.soname = "von vorher";
+        grund = datei_.inhalt(inhalt, lesungen);
+        if (grund.empty())
+            ganz = inhalt;
+        else
+            ASSERT_TRUE(inhalt.soname.empty() && inhalt.exportierte.empty() && inhalt.benoetigte.empty())
+                << "after " << lesungen << " readings: " << grund;
+    }
+    EXPECT_GT(lesungen, 2u);
+    EXPECT_THAT(ganz.exportierte, Contains(heisst("funktion")));
+}
+
+// The names may lie over each other in the file, so that a small one fills the memory of who takes them down.
+TEST(ElfInhaltNamen, ThatAreTooLongTogetherAreRefused) {
+    ElfDatei datei(HAS_A_LONG_NAME);
+    Bibliotheksinhalt inhalt;
+    ASSERT_EQ(datei.inhalt(inhalt), "");
+    ASSERT_THAT(inhalt.exportierte, Contains(Field(&Bibliothekssymbol::name, SizeIs(100'000u))));
+    const ElfW(Shdr) namen = datei.abschnitt(datei.abschnittVom(SHT_DYNSYM).sh_link);
+    const std::uint64_t lang = datei.bytes.find("langerName", namen.sh_offset) - namen.sh_offset;
+    ASSERT_LT(lang, namen.sh_size);
+
+    // One name for all functions.
+    const ElfW(Shdr) symbole = datei.abschnittVom(SHT_DYNSYM);
+    for (std::uint64_t i = 1; i < symbole.sh_size / sizeof(ElfW(Sym)); ++i)
+        datei.bei<ElfW(Sym)>(symbole.sh_offset + i * sizeof(ElfW(Sym))).st_name =
+            static_cast<ElfW(Word)>(lang);
+    EXPECT_EQ(datei.inhalt(inhalt), "Die Namen sind zusammen zu lang");
+    EXPECT_THAT(inhalt.exportierte, IsEmpty());
+}
