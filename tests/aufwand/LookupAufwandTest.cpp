@@ -79,7 +79,7 @@ protected:
         return gefundene + (registry_->findeFADatenServiceErweiterung() != nullptr);
     }
 
-    // five kinds and the support test: 2 numbers in 3 of the periods, 2 names in 2, one name in all, one with a minus in 2
+    // five kinds and the support test: 2 numbers in 3 of the periods, 2 names in 2, a name in all, one with a minus in 2
     static constexpr int kGefundene = 6 * (2 * 3 + 2 * 2 + 4 + 2) + 1;
 
     const Verzeichnis home_;

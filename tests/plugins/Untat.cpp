@@ -3,9 +3,9 @@
 //     tu WANN WAS [ZAHL]     WANN is start (the library is opened), types, initialize or ende (it is closed); WAS:
 //                            segv, abort, exit ZAHL, haenge, schliesse (all descriptors), schreibe (on all
 //                            descriptors), farbe (escape sequences on both standard streams), faden (a thread that
-//                            crashes a little later), schlafe ZAHL (milliseconds), stumm (takes the observers out), knapp (lets no more
-//                            descriptors be opened), wecker ZAHL (has SIGALRM sent in so many seconds), loesche
-//                            (its own file)
+//                            crashes a little later), schlafe ZAHL (milliseconds), stumm (takes the observers out),
+//                            knapp (lets no more descriptors be opened), wecker ZAHL (has SIGALRM sent in so many
+//                            seconds), loesche (its own file)
 //     version TEXT           label TEXT            the rest of the line, whatever its bytes
 //     check NAME             a check service for the sub-case type of that name, any bytes, for 2009
 //     checks ZAHL            so many check services, in one extension, for the sub-case types from 1000 on

@@ -29,7 +29,7 @@ std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben);
 
 /// The rows of the files whose code crashed, ended the process or timed out.
 Json abgestuerzteAlsJson(const Bestand& bestand);
-/// Below an answer: what was not there when it was found ("not_loaded", "unreadable_directories"), and so may change it.
+/// Below an answer: what was not there when it was found ("not_loaded", "unreadable_directories"), and may change it.
 std::string umstaendeAlsText(const Json& dokument, const Farben& farben);
 
 /// The colour of a state, by its code.

@@ -51,16 +51,15 @@ void schliesseProtokollDeskriptor();
 ///
 /// The child is a copy of this process, without its descriptors. Its standard input and output are the null device,
 /// its standard error is kept from the terminal (see `Kindende::ausgabe`); it ignores SIGPIPE. It has a session of its
-/// own, and so no terminal. It dies with us. The way
-/// to the parent is a descriptor of random number, and each record carries a secret of this one child: code in the
-/// child that writes to any descriptor does not pass for it. Its parent is a process that stands in for us, so that a
-/// signal to it ends the child only. When the child has ended, or when for the time given neither a record nor its end
-/// has come, all of its process group is killed, and on Linux what left the group too, so that nothing that it has
-/// started stays.
+/// own, and so no terminal. It dies with us. The way to the parent is a descriptor of random number, and each record
+/// carries a secret of this one child: code in the child that writes to any descriptor does not pass for it. Its parent
+/// is a process that stands in for us, so that a signal to it ends the child only. When the child has ended, or when
+/// for the time given neither a record nor its end has come, all of its process group is killed, and on Linux what
+/// left the group too, so that nothing that it has started stays.
 ///
 /// Parameters: `takt`, if given, is called now and then while the child is waited for.
-/// Errors: `Unterbrochen` on SIGINT, SIGTERM and SIGHUP; `std::system_error` when no child can be made. An exception that leaves the work counts as its end by
-/// `abort`.
+/// Errors: `Unterbrochen` on SIGINT, SIGTERM and SIGHUP; `std::system_error` when no child can be made. An exception
+/// that leaves the work counts as its end by `abort`.
 Kindende laufeImKind(const Kindarbeit& arbeit, const Empfang& empfange,
                      std::chrono::duration<double> zeitlimit, const std::function<void()>& takt = {});
 
