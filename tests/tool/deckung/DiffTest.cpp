@@ -206,26 +206,60 @@ TEST_F(Diff, ForeignBytesDoNotReachTheTerminal) {
     EXPECT_THAT(ergebnis.ausgabe, HasSubstr("lib\\x1b[31m\xC3\xB6<script>.dylib"));
     EXPECT_EQ(json()["keys"][0]["change"], "lost");
 }
-TEST_F(Diff, NothingIsLeftOfAMergeEvenWhenTheToolIsKilled) {
-    lege("a/liba.dylib", "tu initialize haenge\n", ORVO_SCHAEDLING);
-    const std::string tmp = ort_.pfad("tmp");
-    const pid_t kind = fork();
-    ASSERT_GE(kind, 0);
-    if (kind == 0) {
-        setenv("TMPDIR", tmp.c_str(), 1);
-        execl(ORVO_TOOL, ORVO_TOOL, "diff", "--merge", "--timeout", "1", ort_.pfad("a").c_str(),
-              ort_.pfad("b").c_str(), nullptr);
-        _exit(127);
+namespace {
+
+/// `diff --merge` that hangs for a second while it loads what it has put together, in a directory of ours.
+class Zusammenlegen : public Diff {
+protected:
+    Zusammenlegen() {
+        lege("a/liba.dylib", "tu initialize haenge\n", ORVO_SCHAEDLING);
+        kind_ = fork();
+        if (kind_ == 0) {
+            setenv("TMPDIR", tmp_.c_str(), 1);
+            execl(ORVO_TOOL, ORVO_TOOL, "diff", "--merge", "--timeout", "1", ort_.pfad("a").c_str(),
+                  ort_.pfad("b").c_str(), nullptr);
+            _exit(127);
+        }
     }
-    const auto warte = [&](bool leer) {
-        for (int i = 0; i < 3000 && fs::is_empty(tmp) != leer; ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        return fs::is_empty(tmp) == leer;
-    };
-    EXPECT_TRUE(warte(false)) << "the second loading has begun";
-    kill(kind, SIGKILL);
-    int zustand = 0;
-    waitpid(kind, &zustand, 0);
-    EXPECT_TRUE(WIFSIGNALED(zustand)) << "it was still at work";
-    EXPECT_TRUE(warte(true));
+
+    bool wirdLeer(bool leer, std::chrono::milliseconds takt) {
+        for (const auto ende = Uhr::now() + std::chrono::seconds(60); Uhr::now() < ende;) {
+            if (fs::is_empty(tmp_) == leer)
+                return true;
+            std::this_thread::sleep_for(takt);
+        }
+        return false;
+    }
+    /// Returns: whether it was still at work.
+    bool toete() {
+        kill(kind_, SIGKILL);
+        int zustand = 0;
+        waitpid(kind_, &zustand, 0);
+        return WIFSIGNALED(zustand);
+    }
+
+private:
+    using Uhr = std::chrono::steady_clock;
+    const std::string tmp_ = ort_.pfad("tmp");
+    pid_t kind_ = -1;
+};
+
+constexpr std::chrono::milliseconds kSofort{0}, kGemaechlich{20};
+
+class ZusammenlegenVonAnfangAn : public Zusammenlegen, public WithParamInterface<int> {};
+
+} // namespace
+
+TEST_F(Zusammenlegen, LeavesNothingEvenWhenTheToolIsKilled) {
+    ASSERT_TRUE(wirdLeer(false, kGemaechlich)) << "the second loading has begun";
+    ASSERT_TRUE(toete());
+    EXPECT_TRUE(wirdLeer(true, kGemaechlich));
 }
+
+TEST_P(ZusammenlegenVonAnfangAn, LeavesNothingWhenTheToolIsKilledAsSoonAsThereIsSomething) {
+    ASSERT_TRUE(wirdLeer(false, kSofort));
+    ASSERT_TRUE(toete());
+    EXPECT_TRUE(wirdLeer(true, kGemaechlich));
+}
+
+INSTANTIATE_TEST_SUITE_P(TimeAndAgain, ZusammenlegenVonAnfangAn, Range(0, 5));

@@ -3,6 +3,7 @@
 #include "kern/Anzeige.h"
 #include "kern/Sammler.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -111,15 +113,22 @@ private:
 
 } // namespace
 
-/// A process that sees to it that the directory goes when ours is killed, and does nothing else.
+/// A process that makes the directory, sees to it that it goes when ours is killed, and does nothing else. It makes the
+/// directory itself because there is no moment then at which nobody would clear it away.
 class Zusammenlegung::Waechter {
 public:
-    explicit Waechter([[maybe_unused]] const std::string& verzeichnis) {
+    Waechter() {
 #ifdef __linux__
+        int rohr[2];
+        if (pipe2(rohr, O_CLOEXEC) != 0)
+            return;
         const pid_t wir = getpid();
         prozess_ = fork();
         if (prozess_ == 0)
-            wache(wir, verzeichnis);
+            wache(wir, rohr[1]);
+        close(rohr[1]);
+        verzeichnis_ = liesAlles(rohr[0]);
+        close(rohr[0]);
 #endif
     }
     Waechter(const Waechter&) = delete;
@@ -132,19 +141,41 @@ public:
         }
     }
 
+    /// Empty when it could make none, or there is none of its kind.
+    const std::string& verzeichnis() const { return verzeichnis_; }
+
 private:
 #ifdef __linux__
-    [[noreturn]] static void wache(pid_t eltern, const std::string& verzeichnis) {
+    static std::string liesAlles(int rohr) {
+        std::string text;
+        char teil[512];
+        for (ssize_t gelesen; (gelesen = read(rohr, teil, sizeof(teil))) != 0;) {
+            if (gelesen > 0)
+                text.append(teil, static_cast<std::size_t>(gelesen));
+            else if (errno != EINTR)
+                break;
+        }
+        return text;
+    }
+
+    [[noreturn]] static void wache(pid_t eltern, int rohr) noexcept {
         setsid(); // what the terminal sends is not for us
         sigset_t alle;
         sigfillset(&alle);
         sigprocmask(SIG_BLOCK, &alle, nullptr);
-        closefrom(0); // nobody is to wait for our end
         prctl(PR_SET_PDEATHSIG, SIGTERM);
+        std::string verzeichnis;
+        try {
+            verzeichnis = neuesVerzeichnis();
+        } catch (const std::exception&) { // which the other one then tries too, and tells of
+            _exit(EXIT_FAILURE);
+        }
+        const bool gesagt = write(rohr, verzeichnis.data(), verzeichnis.size()) > 0;
+        closefrom(0); // nobody is to wait for our end
         sigset_t tod;
         sigemptyset(&tod);
         sigaddset(&tod, SIGTERM);
-        while (getppid() == eltern) {
+        while (gesagt && getppid() == eltern) {
             int signal = 0;
             sigwait(&tod, &signal);
         }
@@ -155,10 +186,14 @@ private:
 #endif
 
     pid_t prozess_ = -1;
+    std::string verzeichnis_;
 };
 
 Zusammenlegung::Zusammenlegung(const std::string& a, const std::string& b)
-    : a_(a), b_(b), pfad_(neuesVerzeichnis()), waechter_(std::make_unique<Waechter>(pfad_)) {
+    : a_(a),
+      b_(b),
+      waechter_(std::make_unique<Waechter>()),
+      pfad_(waechter_->verzeichnis().empty() ? neuesVerzeichnis() : waechter_->verzeichnis()) {
     try {
         Leger leger(pfad_);
         leger.legeGrund(a);

@@ -30,8 +30,8 @@ private:
 
     std::string a_;
     std::string b_;
+    std::unique_ptr<Waechter> waechter_; ///< makes the directory
     std::string pfad_;
-    std::unique_ptr<Waechter> waechter_;
 };
 
 } // namespace werkzeug
