@@ -193,12 +193,14 @@ TEST(Kindprozess, ChildrenOfTheCallersOwnAreLeftAlone) {
 
 TEST(Kindprozess, ASignalToTheChildsParentEndsTheChildAndNotTheCaller) {
     for (const int signal : {SIGKILL, SIGTERM, SIGHUP}) {
+        const auto vorher = std::signal(signal, SIG_DFL); // it may be ignored by whoever started us
         const Lauf lauf = laufe([signal](const Sender& sende) {
             sende(std::to_string(getpid()));
             kill(getppid(), signal);
             for (;;)
                 pause();
         });
+        std::signal(signal, vorher);
         EXPECT_THAT(lauf.ende, endet(Kindende::Art::SIGNAL, signal));
         ASSERT_THAT(lauf.saetze, SizeIs(1));
         EXPECT_FALSE(lebt(std::stoi(lauf.saetze[0])));
