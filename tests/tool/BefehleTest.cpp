@@ -7,7 +7,11 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <climits>
 
 using namespace testing;
 using Json = nlohmann::json;
@@ -141,6 +145,52 @@ TEST(Befehle, AMissingDirectoryCannotBeRead) {
         EXPECT_EQ(ergebnis.ausgang, 3) << befehl;
         EXPECT_THAT(ergebnis.ausgabe, IsEmpty());
         EXPECT_EQ(ergebnis.fehler, "orvoplugin: /gibt/es/nicht: No such file or directory\n");
+    }
+}
+
+namespace {
+
+/// A directory below it whose path is longer than the system takes: nobody can read it, not even root.
+std::string legeZuTiefAn(const std::string& verzeichnis) {
+    const std::string name(200, 'd');
+    std::string pfad = verzeichnis;
+    int offen = open(pfad.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    while (pfad.size() < PATH_MAX) {
+        EXPECT_EQ(mkdirat(offen, name.c_str(), 0700), 0);
+        const int naechstes = openat(offen, name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        close(offen);
+        offen = naechstes;
+        pfad += "/" + name;
+    }
+    close(offen);
+    return pfad;
+}
+
+} // namespace
+
+TEST(Befehle, ADirectoryBelowThatCannotBeReadIsNamedBesideTheResults) {
+    const Heim heim, leer;
+    heim.lege(test_plugins::DescribedByFile, "liba.dylib", "check 10 2009\n");
+    leer.verzeichnis.legeAn("plugins");
+    const std::string unlesbar = legeZuTiefAn(heim.verzeichnis.legeAn("plugins/unter"));
+    const std::vector<std::vector<std::string>> befehle{
+        {"list", "--dir", heim.plugins()},
+        {"find", "check", "10", "2009", "--dir", heim.plugins()},
+        {"why", "check", "10", "2009", "--dir", heim.plugins()},
+        {"coverage", "--dir", heim.plugins()},
+        {"diff", heim.plugins(), leer.plugins()},
+        {"check", "--only", "describes", "--dir", heim.plugins()},
+    };
+    for (std::vector<std::string> worte : befehle) {
+        const Ergebnis text = rufeTool(worte);
+        EXPECT_EQ(text.ausgang, 3) << worte.front();
+        EXPECT_THAT(text.ausgabe, HasSubstr("liba.dylib")) << worte.front();
+        EXPECT_THAT(text.ausgabe + text.fehler,
+                    AllOf(HasSubstr("cannot be read"), HasSubstr(unlesbar), HasSubstr("File name too long")))
+            << worte.front();
+        worte.push_back("--json");
+        EXPECT_THAT(rufeTool(worte).ausgabe, AllOf(HasSubstr(unlesbar), HasSubstr("File name too long")))
+            << worte.front();
     }
 }
 

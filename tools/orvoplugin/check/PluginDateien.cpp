@@ -19,11 +19,23 @@ namespace werkzeug::check {
 
 namespace {
 
-/// Sends the path of each plugin file, and has none loaded.
+bool istLesbar(const std::string& verzeichnis) {
+    DIR* const offen = opendir(verzeichnis.c_str());
+    if (offen)
+        closedir(offen);
+    return offen != nullptr;
+}
+
+/// Sends the path of each plugin file and of each directory that cannot be read, and has no plugin loaded.
 class Suche : public LadeBeobachter {
 public:
     explicit Suche(const Sender& sende) : sende_(sende) { OrvoPluginManager::setLadeBeobachter(this); }
     ~Suche() override { OrvoPluginManager::setLadeBeobachter(nullptr); }
+
+    void betrittVerzeichnis(const std::string& verzeichnis) noexcept override {
+        if (!istLesbar(verzeichnis))
+            sende_(verzeichnis);
+    }
 
     bool ladeDatei(const std::string& pfad) noexcept override {
         sende_(pfad);
@@ -35,10 +47,8 @@ private:
 };
 
 void verlangeLesbar(const std::string& verzeichnis) {
-    DIR* const offen = opendir(verzeichnis.c_str());
-    if (!offen)
+    if (!istLesbar(verzeichnis))
         throw Unlesbar(einzeilig(verzeichnis) + " cannot be read: " + std::generic_category().message(errno));
-    closedir(offen);
 }
 
 } // namespace

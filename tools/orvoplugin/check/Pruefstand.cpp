@@ -43,13 +43,11 @@ const Pruefung* verlange(const std::string& name) {
 /// Why a file cannot be read; empty when it can. What is not a regular file is not opened: that may wait for ever.
 std::string warumUnlesbar(const std::string& pfad) {
     struct stat zustand {};
-    if (stat(pfad.c_str(), &zustand) != 0)
+    if (stat(pfad.c_str(), &zustand) != 0 || access(pfad.c_str(), R_OK) != 0)
         return std::generic_category().message(errno);
     if (S_ISDIR(zustand.st_mode))
         return "it is a directory";
-    if (!S_ISREG(zustand.st_mode))
-        return "it is no regular file";
-    return access(pfad.c_str(), R_OK) == 0 ? std::string() : std::generic_category().message(errno);
+    return S_ISREG(zustand.st_mode) ? std::string() : "it is no regular file";
 }
 
 /// The path in a form that stays right when a plugin leaves the working directory.
