@@ -74,6 +74,17 @@ void schreibeSteuerzeichen(std::string& zeile, unsigned char zeichen) {
     }
 }
 
+/// Returns: the character that the text begins with, when it turns the direction of what follows it; otherwise 0.
+unsigned richtungswechsel(std::string_view utf8) {
+    if (!utf8.starts_with("\xE2\x80") && !utf8.starts_with("\xE2\x81"))
+        return 0;
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]) & 0x3Fu; };
+    const unsigned zeichen = 0x2000u | byte(1) << 6 | byte(2);
+    const bool wechselt =
+        (zeichen >= 0x202A && zeichen <= 0x202E) || (zeichen >= 0x2066 && zeichen <= 0x2069);
+    return wechselt ? zeichen : 0;
+}
+
 /// The text in UTF-8, without anything that a terminal or an editor would take as a command or a line's end.
 std::string alsTeilDerZeile(const std::string& text) {
     const std::string utf8 = toUtf8(text);
@@ -87,6 +98,11 @@ std::string alsTeilDerZeile(const std::string& text) {
             schreibeSteuerzeichen(teil, static_cast<unsigned char>(utf8[++i])); // U+0080 to U+009F
         } else if (rest.starts_with("\xE2\x80\xA8") || rest.starts_with("\xE2\x80\xA9")) {
             teil += "\\n"; // line and paragraph separator
+            i += 2;
+        } else if (const unsigned wechsel = richtungswechsel(rest)) {
+            char puffer[16];
+            std::snprintf(puffer, sizeof puffer, "\\u%04x", wechsel);
+            teil += puffer;
             i += 2;
         } else {
             teil += utf8[i];

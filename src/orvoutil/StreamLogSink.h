@@ -12,8 +12,8 @@ namespace orvo::orvoutil {
 ///
 /// Ownership: the stream stays the caller's and outlives the sink.
 /// Errors: those of the stream.
-/// Encoding: lines are UTF-8; see `toUtf8`. Control characters are written as "\n" or "\x1b", so that no text can
-/// pass for another line.
+/// Encoding: lines are UTF-8; see `toUtf8`. Control characters are written as "\n", "\x1b" or "\u202e", so that no
+/// text can pass for another line, or turn a line's direction.
 /// Threads: any.
 class ORVOUTIL_API StreamLogSink : public LogSink {
 public:

@@ -95,6 +95,15 @@ TEST(StreamLogSink, LetsNoTextPassForAnotherLine) {
     EXPECT_EQ(inhalt(""), "");
 }
 
+TEST(StreamLogSink, LetsNoTextTurnTheDirectionOfTheLine) {
+    EXPECT_EQ(inhalt("lib\xE2\x80\xAE"
+                     "bew.x"),
+              "lib\\u202ebew.x");
+    EXPECT_EQ(inhalt("\xE2\x80\xA9\xE2\x80\xAA\xE2\x80\xAF"), "\\n\\u202a\xE2\x80\xAF");
+    EXPECT_EQ(inhalt("\xE2\x81\xA5\xE2\x81\xA6\xE2\x81\xA9\xE2\x81\xAA"),
+              "\xE2\x81\xA5\\u2066\\u2069\xE2\x81\xAA");
+}
+
 TEST(StreamLogSink, CleansCategoryAndTagToo) {
     LogEntry ereignis = eintrag(LogKind::Tagged, LogLevel::Info, "c\nd");
     ereignis.category = "a\n\xFC";
