@@ -286,6 +286,17 @@ TEST(Kindprozess, TheChildHasNoTerminal) {
     EXPECT_THAT(lauf.saetze, ElementsAre(Ne(std::to_string(getsid(0))), "no terminal"));
 }
 
+#ifdef __linux__
+TEST(Kindprozess, TheChildIsTheFirstToGoWhenMemoryRunsOut) {
+    const Lauf lauf = laufe([](const Sender& sende) {
+        std::string vorrang;
+        std::ifstream("/proc/self/oom_score_adj") >> vorrang;
+        sende(vorrang);
+    });
+    EXPECT_THAT(lauf.saetze, ElementsAre("1000"));
+}
+#endif
+
 TEST(Kindprozess, LateCodeOfTheParentDoesNotRunInTheChild) {
     const Verzeichnis verzeichnis;
     static std::string datei;

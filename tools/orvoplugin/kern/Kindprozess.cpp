@@ -114,6 +114,17 @@ void schliesseGeerbtes([[maybe_unused]] int einer, [[maybe_unused]] int anderer)
 #endif
 }
 
+/// Has the system end this process before any other when plugins fill its memory.
+void bieteDichBeiSpeichermangelAn() {
+#ifdef __linux__
+    const int vorrang = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
+    if (vorrang < 0)
+        return;
+    schreibeGanz(vorrang, "1000", 4);
+    close(vorrang);
+#endif
+}
+
 /// Takes the child from whatever the terminal and the parent's end would do to it or it to them.
 void richteEin(pid_t elternprozess, int saetze, Rohr& fehler) {
     setsid(); // away from the terminal, on which plugins could write and read by its own name
@@ -125,6 +136,7 @@ void richteEin(pid_t elternprozess, int saetze, Rohr& fehler) {
         _exit(EXIT_FAILURE);
     const rlimit keineAbbilder{0, 0};
     setrlimit(RLIMIT_CORE, &keineAbbilder);
+    bieteDichBeiSpeichermangelAn();
     protokoll = verstecke(dup(STDERR_FILENO));
     dup2(fehler.schreibende(), STDERR_FILENO);
     fehler.schliesse(0);
