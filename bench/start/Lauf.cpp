@@ -41,6 +41,14 @@ void verlangeErfolg(const Befehl& befehl, int ausgang) {
         scheitere(befehl, "has failed");
 }
 
+std::string liesAlles(int leitung) {
+    std::string alles;
+    char puffer[4096];
+    for (ssize_t gelesen; (gelesen = read(leitung, puffer, sizeof(puffer))) > 0;)
+        alles.append(puffer, static_cast<std::size_t>(gelesen));
+    return alles;
+}
+
 double mikrosekunden(const timeval& zeit) {
     return static_cast<double>(zeit.tv_sec) * 1e6 + static_cast<double>(zeit.tv_usec);
 }
@@ -61,20 +69,17 @@ Lauf fuehreAus(const Befehl& befehl) {
     pid_t kind = 0;
     const int fehler = posix_spawn(&kind, befehl.at(0).c_str(), &aktionen, nullptr, argumente.get(), environ);
     close(leitung[1]);
-    int ausgang = 0;
-    rusage verbrauch{};
-    if (fehler == 0)
-        wait4(kind, &ausgang, 0, &verbrauch); // what it writes fits into the pipe
     posix_spawn_file_actions_destroy(&aktionen);
-
-    char puffer[512];
-    const ssize_t gelesen = read(leitung[0], puffer, sizeof(puffer));
+    const std::string ausgabe = liesAlles(leitung[0]);
     close(leitung[0]);
     if (fehler != 0)
         scheitere(befehl, "cannot be started");
+    int ausgang = 0;
+    rusage verbrauch{};
+    wait4(kind, &ausgang, 0, &verbrauch);
     verlangeErfolg(befehl, ausgang);
     Lauf lauf{mikrosekunden(verbrauch.ru_utime) + mikrosekunden(verbrauch.ru_stime), {}};
-    std::istringstream text(std::string(puffer, gelesen > 0 ? static_cast<std::size_t>(gelesen) : 0));
+    std::istringstream text(ausgabe);
     for (double zahl; text >> zahl;)
         lauf.zahlen.push_back(zahl);
     return lauf;

@@ -8,8 +8,8 @@
 using Befehl = std::vector<std::string>;
 
 struct Lauf {
-    double dauer;               ///< for how long it was running from start to end, in microseconds
-    std::vector<double> zahlen; ///< what it wrote to standard output
+    double dauer; ///< for how long it and its children were running from start to end, in microseconds
+    std::vector<double> zahlen; ///< those that its standard output begins with
 };
 
 Lauf fuehreAus(const Befehl& befehl);

@@ -138,6 +138,16 @@ public:
             1, "");
     }
 
+    void werkzeug() const {
+        kopf("`orvoplugin list` (product), a whole process that only starts the library (floor)");
+        for (const int n : {100, 500}) {
+            const Befehl liste{TOOL, "list", "--home", heime_.mit(n)};
+            zeile(anzahl(n),
+                  imWechsel(runden_, dauer(PRODUCT, n, "start"), [&] { return fuehreAus(liste).dauer; }), 1,
+                  "us", n == 500 ? "3" : "");
+        }
+    }
+
     void kreis() const {
         kopf("get and release a service, the library opened and closed each time");
         zeile("1 plugin", imWechsel(runden_, zahl(FLOOR, 1, "cycle"), zahl(PRODUCT, 1, "cycle")), kMikro,
@@ -257,6 +267,7 @@ int main(int anzahl, char** argumente) try {
     const Tabellen tabellen(runden);
     tabellen.start();
     tabellen.prozess();
+    tabellen.werkzeug();
     tabellen.kreis();
     tabellen.speicher();
     tabellen.senke();
