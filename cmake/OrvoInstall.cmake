@@ -96,7 +96,7 @@ foreach(name orvoutil orvoplugin orvoplugin-plugin)
         COMPONENT dev)
 endforeach()
 
-# The guides, a plugin to start from, and the manual page that leads to them. They stand to each other as in this tree,
+# The guides, a plugin and a client to start from, and the manual page that leads to them. They stand to each other as in this tree,
 # so that their links lead somewhere.
 install(
     FILES "${PROJECT_SOURCE_DIR}/docs/client.md" "${PROJECT_SOURCE_DIR}/docs/plugin-author.md"
@@ -105,7 +105,7 @@ install(
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT dev)
 install(
-    DIRECTORY "${PROJECT_SOURCE_DIR}/examples/plugin-template"
+    DIRECTORY "${PROJECT_SOURCE_DIR}/examples/plugin-template" "${PROJECT_SOURCE_DIR}/examples/client-template"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples"
     COMPONENT dev
     PATTERN "build*" EXCLUDE)

@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# The client to start from asks for what the plugin to start from serves, and is told when that is gone.
+. "$SOURCE/tests/package/support.sh"
+
+work=$WORK-zusammen
+fresh "$work"
+for template in plugin client; do
+    configure "$SOURCE/examples/$template-template" "$work/$template" "$PREFIX" -DBUILD_TESTING=OFF >/dev/null
+    "$CMAKE" --build "$work/$template" >"$work/log" || fail "$(<"$work/log")"
+done
+home=$work/plugin/home
+demand "$("$work/client/meinclient" "$home" "Jahr=2009" 2>&1)" "accepted"
+demand "$(refused "$work/client/meinclient" "$home" "")" "1 Datensatz: is empty" "refused"
+rm -- "$home/plugins/libmeinplugin.dylib"
+demand "$(refused "$work/client/meinclient" "$home" "Jahr=2009")" "no plugin below $home/plugins checks UFA_10 for 2009"
