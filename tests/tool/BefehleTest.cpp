@@ -86,6 +86,17 @@ TEST_F(Bunt, FindSaysWhoAnswersByTheYear) {
 TEST_F(Bunt, FindSaysWhoAnswersForAnyPeriod) {
     pruefe("find-any", 0, {"find", "reader", "77", "2013-05-31"});
 }
+TEST_F(Bunt, FindShowsTaxOfficeDataForEverySubCaseTypeAndPeriod) {
+    pruefe("find-tax-offices", 0, {"find", "finanz"});
+    EXPECT_EQ(heim_.rufe({"find", "finanz", "LSTB"}).ausgabe, heim_.rufe({"find", "finanz"}).ausgabe);
+}
+TEST_F(Bunt, FindSaysThatTaxOfficeDataAnswerAnyLookUp) {
+    pruefe("find-tax-offices-look-up", 0, {"find", "4", "10", "2009"});
+    const std::string antwort = heim_.rufe({"find", "4", "10", "2009"}).ausgabe;
+    for (const auto& [unterfallart, zeitraum] :
+         {std::pair("0", "2000"), std::pair("Nie", "VZ_UNABHAENGIG"), std::pair("LSTB", "2013-05-31")})
+        EXPECT_EQ(heim_.rufe({"find", "4", unterfallart, zeitraum}).ausgabe, antwort) << unterfallart;
+}
 TEST_F(Bunt, FindSaysThatNobodyAnswers) { pruefe("find-none", 1, {"find", "check", "10", "1999"}); }
 TEST_F(Bunt, WhyFollowsAPluginThatAnswers) { pruefe("why-file", 1, {"why", "b"}); }
 TEST_F(Bunt, WhyFollowsAPluginThatWonEverything) { pruefe("why-file-wins", 0, {"why", "unter/libj.dylib"}); }
@@ -94,6 +105,11 @@ TEST_F(Bunt, WhyFollowsABlockedFile) { pruefe("why-blocked", 1, {"why", "frendol
 TEST_F(Bunt, WhyFollowsAFileThatIsNotThere) { pruefe("why-missing", 1, {"why", "libweg.dylib"}); }
 TEST_F(Bunt, WhyFollowsALookUp) { pruefe("why-look-up", 0, {"why", "check", "10", "2009"}); }
 TEST_F(Bunt, WhyFollowsALookUpForAnyPeriod) { pruefe("why-any", 0, {"why", "reader", "77", "2013"}); }
+TEST_F(Bunt, WhyFollowsALookUpOfTaxOfficeData) {
+    pruefe("why-tax-offices", 0, {"why", "finanz", "10", "2009"});
+    EXPECT_EQ(heim_.rufe({"why", "4", "Nie", "VZ_UNABHAENGIG"}).ausgabe,
+              heim_.rufe({"why", "finanz", "10", "2009"}).ausgabe);
+}
 TEST_F(Bunt, WhyFollowsALookUpWithoutAFactory) {
     pruefe("why-no-factory", 1, {"why", "check", "50", "2009"});
 }
@@ -102,6 +118,30 @@ TEST_F(Bunt, WhyFollowsALookUpOfAnotherPeriod) {
 }
 TEST_F(Bunt, WhyFollowsALookUpOfAnUnknownSubCaseType) {
     pruefe("why-unknown", 1, {"why", "check", "Nie", "2009"});
+}
+
+TEST(Befehle, TaxOfficeDataThatNobodyServesAreServedForNoSubCaseTypeAndPeriod) {
+    const Heim heim;
+    heim.lege(test_plugins::DescribedByFile, "liba.dylib", "check 10 2009\ncheck 0 2000\nxpath 77 2009\n");
+    const std::vector<std::vector<std::string>> fragen{
+        {"0", "2000"}, {"10", "2009"}, {"Nie", "VZ_UNABHAENGIG"}};
+    for (const std::vector<std::string>& frage : fragen) {
+        const Ergebnis wer = heim.rufe({"find", "finanz", frage[0], frage[1]});
+        EXPECT_EQ(wer.ausgang, 1) << frage[0];
+        EXPECT_EQ(wer.ausgabe, "nobody answers\n");
+        const Ergebnis warum = heim.rufe({"why", "finanz", frage[0], frage[1]});
+        EXPECT_EQ(warum.ausgang, 1) << frage[0];
+        EXPECT_EQ(warum.ausgabe,
+                  "1. no   there is no key for FINANZAMTS_DATEN\n\n"
+                  "No loaded plugin serves this kind of extension; served are CHECK, XPATH_MAPPING.\n"
+                  "Install a plugin that serves it.\n");
+        const Ergebnis alsJson = heim.rufe({"why", "finanz", frage[0], frage[1], "--json"});
+        EXPECT_EQ(Json::parse(alsJson.ausgabe)["conclusion"]["code"], "other_types");
+    }
+    const Heim leer;
+    leer.verzeichnis.legeAn("plugins");
+    EXPECT_THAT(leer.rufe({"why", "finanz", "10", "2009"}).ausgabe,
+                HasSubstr("No plugin is loaded that serves anything."));
 }
 
 namespace {

@@ -133,3 +133,21 @@ TEST_F(Nachfragen, AnyNumberOfLookUpsIsAnsweredInOrder) {
                             Field(&AntwortFakt::treffer, RegisterAuskunft::GLEICHES_JAHR)));
     EXPECT_EQ(bestand.schluessel.at(bestand.antworten[0].schluessel).unterfallart.name, "LSTB");
 }
+
+TEST_F(Nachfragen, TaxOfficeDataAnswerForEverySubCaseTypeAndPeriod) {
+    Auftrag auftrag;
+    auftrag.fragen = {{4, "10", "2009", "YYYY"},
+                      {4, "LSTB", "2009-05", "YYYY-MM"},
+                      {4, "0", "2000", "YYYY"},
+                      {4, "Nie", "", ""}};
+    lege("liba.dylib", "check 0 2000\ncheck 10 2009\n");
+    EXPECT_THAT(sammleMit(auftrag).antworten, Each(Field(&AntwortFakt::treffer, RegisterAuskunft::KEINER)));
+    lege("libb.dylib", "finanzamt\n");
+    const Bestand bestand = sammleMit(auftrag);
+    ASSERT_THAT(bestand.antworten, SizeIs(4));
+    for (const AntwortFakt& antwort : bestand.antworten) {
+        EXPECT_EQ(antwort.treffer, RegisterAuskunft::UNABHAENGIG) << antwort.gefragt.text;
+        EXPECT_EQ(bestand.datei(bestand.schluessel.at(antwort.schluessel).inhaber).name, "libb.dylib");
+    }
+    EXPECT_EQ(bestand.antworten[0].gefragt.jahr, 2009) << "the question stays what it was";
+}

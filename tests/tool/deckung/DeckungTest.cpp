@@ -86,6 +86,20 @@ TEST_F(Deckung, IsFineWhenAllThatIsRequiredIsServed) {
     EXPECT_EQ(heim_.rufe({"coverage", "--require", soll}).ausgang, 0);
     EXPECT_THAT(json({"--require", soll})["required"]["cells"].back()["match"], "same_year");
 }
+TEST_F(Deckung, RequiredTaxOfficeDataAreServedForEverySubCaseTypeAndPeriod) {
+    const std::string soll = heim_.verzeichnis.schreibe("soll.txt", "finanz LSTB 2009-2010\n4 10 2009-05\n");
+    lege("liba.dylib", "check LSTB 2009,2010\n");
+    EXPECT_EQ(heim_.rufe({"coverage", "--require", soll}).ausgang, 5);
+    lege("libfa.dylib", "finanzamt\n");
+    EXPECT_EQ(heim_.rufe({"coverage", "--require", soll}).ausgang, 0);
+    const Json verlangt = json({"--require", soll})["required"];
+    EXPECT_EQ(verlangt["missing"], 0);
+    ASSERT_EQ(verlangt["cells"].size(), 3u);
+    for (const Json& zelle : verlangt["cells"]) {
+        EXPECT_EQ(zelle["match"], "period_independent");
+        EXPECT_EQ(zelle["plugin"]["file"], "libfa.dylib");
+    }
+}
 TEST_F(Deckung, ARequirementThatIsNoneIsWrongUsage) {
     const Ergebnis ergebnis = heim_.rufe(
         {"coverage", "--require", heim_.verzeichnis.schreibe("soll.txt", "check 10 2009\ncheck 10 nie\n")});

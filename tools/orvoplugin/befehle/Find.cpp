@@ -67,7 +67,7 @@ public:
         } else {
             for (const SchluesselFakt& schluessel : bestand.schluessel)
                 if (schluessel.typ == typ &&
-                    (unterfallart_.empty() ||
+                    (unterfallart_.empty() || hatKeinePaare(typ) ||
                      alsUnterfallart(schluessel.unterfallart) == Unterfallart(unterfallart.c_str())))
                     antworten.push_back(antwortAlsJson(bestand, schluessel, RegisterAuskunft::KEINER));
         }

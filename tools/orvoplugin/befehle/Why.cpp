@@ -188,12 +188,25 @@ Json nichtGeladene(const Bestand& bestand) {
     return liste;
 }
 
-Json schlussOhneAntwort(const Bestand& bestand, const Nachbarschaft& nachbarschaft,
+/// All kinds that anything is served of.
+std::set<std::string> bedienteArten(const Bestand& bestand) {
+    std::set<std::string> arten;
+    for (const SchluesselFakt& schluessel : bestand.schluessel)
+        arten.insert(kurzerTypName(schluessel.typName));
+    return arten;
+}
+
+Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const Nachbarschaft& nachbarschaft,
                         std::size_t nichtGeladen) {
     const std::string rat = nichtGeladen == 0
                                 ? "Install a plugin that serves it."
                                 : "See to the files that were not loaded first; one of them may serve "
                                   "it. Else install a plugin that does.";
+    if (hatKeinePaare(typ) && !bestand.schluessel.empty())
+        return schluss("other_types",
+                       "No loaded plugin serves this kind of extension; served are " +
+                           aufgezaehlt(bedienteArten(bestand)) + ".",
+                       rat);
     if (!nachbarschaft.zeitraeume.empty())
         return schluss("other_periods",
                        "No loaded plugin serves that period; served are " +
@@ -342,9 +355,10 @@ private:
         Kette kette;
         Json geladene = nichtGeladene(bestand);
         Json ende;
-        const std::string wonach = kurzerTypName(typName) + " " + einzeilig(unterfallart);
+        const bool fuerAlles = hatKeinePaare(typ);
+        const std::string wonach = kurzerTypName(typName) + (fuerAlles ? "" : " " + einzeilig(unterfallart));
         const bool ohneZeitraum = antwort.gefragt.jahr == 0;
-        if (!ohneZeitraum) {
+        if (!ohneZeitraum && !fuerAlles) {
             const std::string jahr = wonach + " " + std::to_string(antwort.gefragt.jahr);
             if (antwort.treffer == RegisterAuskunft::GENAU ||
                 antwort.treffer == RegisterAuskunft::GLEICHES_JAHR)
@@ -353,10 +367,12 @@ private:
                 kette.nein("key_of_the_year", "there is no key for " + jahr);
         }
         if (ohneZeitraum || antwort.treffer == RegisterAuskunft::UNABHAENGIG || !gefunden) {
+            const std::string wofuer =
+                wonach + (fuerAlles ? ", for every sub-case type and period" : " for any period");
             if (gefunden)
-                kette.ja("period_independent_key", "there is a key for " + wonach + " for any period");
+                kette.ja("period_independent_key", "there is a key for " + wofuer);
             else
-                kette.nein("period_independent_key", "there is no key for " + wonach + " for any period");
+                kette.nein("period_independent_key", "there is no key for " + (fuerAlles ? wonach : wofuer));
         }
         Ausgang ausgang = Ausgang::BEFUNDE;
         dokument["answer"] = nullptr;
@@ -373,16 +389,17 @@ private:
                                "Report this to the plugin's author.");
             } else {
                 kette.ja("factory", "its library exports the factory " + einzeilig(erweiterung.factory));
+                const bool ersatz = antwort.treffer == RegisterAuskunft::UNABHAENGIG && !ohneZeitraum;
                 ende = schluss("answered",
                                wer + " answers" +
-                                   (antwort.treffer == RegisterAuskunft::UNABHAENGIG && !ohneZeitraum
-                                        ? ", for any period: no plugin serves that year by name."
-                                        : "."),
+                                   (fuerAlles ? ", for every sub-case type and period."
+                                    : ersatz  ? ", for any period: no plugin serves that year by name."
+                                              : "."),
                                "Nothing needs to be done.");
                 ausgang = Ausgang::GUT;
             }
         } else {
-            ende = schlussOhneAntwort(bestand, nachbarn(bestand, typ, unterfallart), geladene.size());
+            ende = schlussOhneAntwort(bestand, typ, nachbarn(bestand, typ, unterfallart), geladene.size());
         }
         dokument["steps"] = std::move(kette).json();
         dokument["conclusion"] = std::move(ende);

@@ -23,8 +23,8 @@ struct VerlangteZelle {
 ///     TYPE  SUB-CASE TYPE  PERIOD      # comment
 ///
 /// Kinds, sub-case types and periods are written as for the other commands; a period may also be a range of years,
-/// "2009-2015". A word in double quotes may hold blanks and '#'. A kind alone asks for anything of it; that is the way
-/// to ask for tax-office data. Empty lines count for nothing.
+/// "2009-2015". A word in double quotes may hold blanks and '#'. A kind alone asks for anything of it; tax-office
+/// data answer for every sub-case type and period. Empty lines count for nothing.
 ///
 /// Errors: `Unlesbar` when the file cannot be read; `AufrufFehler` for a line that is none, which names file and line.
 std::vector<VerlangteZelle> liesAnforderung(const std::string& datei);

@@ -3,9 +3,18 @@
 #include "kern/Berichtsteile.h"
 #include "kern/Gruende.h"
 
+#include <orvoplugin/domain/Veranlagungszeitraum.h>
+
 namespace werkzeug {
 
 Json schluesselAlsJson(const SchluesselFakt& schluessel) {
+    if (hatKeinePaare(schluessel.typ)) {
+        const Veranlagungszeitraum jeder;
+        return {{"type", typAlsJson(schluessel.typ, schluessel.typName)},
+                {"sub_case_type", {{"number", nullptr}, {"name", "any"}}},
+                {"period", alsJson({jeder.getTyp(), jeder.getJahr(), jeder.getZeitraum(), jeder.getTag(),
+                                    jeder.getQuartal(), jeder.getText()})}};
+    }
     return {{"type", typAlsJson(schluessel.typ, schluessel.typName)},
             {"sub_case_type", alsJson(schluessel.unterfallart)},
             {"period", alsJson(schluessel.zeitraum)}};

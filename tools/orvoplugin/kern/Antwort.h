@@ -13,7 +13,7 @@ namespace werkzeug {
 /// Parameters: `treffer` as `RegisterAuskunft::Treffer`; "match" is null for `KEINER`.
 Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, std::int32_t treffer);
 
-/// "type", "sub_case_type" and "period" of a key.
+/// "type", "sub_case_type" and "period" of a key; the latter two name any for a kind that has none.
 Json schluesselAlsJson(const SchluesselFakt& schluessel);
 /// "CHECK 10 2009", of such a part of a document.
 std::string schluesselAlsText(const Json& schluessel);

@@ -36,6 +36,10 @@ struct UnterfallartFakt {
     std::string name;
 };
 
+/// Whether a kind is asked for by its number alone: tax-office data have neither sub-case types nor periods. The key
+/// under which they stand in the registry means nothing to anybody else.
+inline bool hatKeinePaare(std::int32_t typ) { return typ == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG; }
+
 /// Whether a plugin's library exports a function that the plugin names.
 enum class Export : std::int32_t {
     UNGEPRUEFT = 0, ///< not looked at; see `Auftrag::exporteVon`
@@ -173,7 +177,8 @@ struct SchluesselFakt {
 
 /// The answer to `Auftrag::frage`.
 struct AntwortFakt {
-    std::int32_t treffer = RegisterAuskunft::KEINER; ///< `RegisterAuskunft::Treffer`
+    /// `RegisterAuskunft::Treffer`; UNABHAENGIG for a kind without pairs, which answers whatever was asked for
+    std::int32_t treffer = RegisterAuskunft::KEINER;
     std::uint32_t schluessel = 0; ///< place in `Bestand::schluessel`, when something was found
     ZeitraumFakt gefragt;         ///< the period, as the library read it
 };

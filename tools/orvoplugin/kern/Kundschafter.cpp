@@ -397,8 +397,10 @@ AntwortFakt beantworte(const OrvoErweiterungsManager& registratur, const Frage& 
     const Veranlagungszeitraum vz = frage.format.empty()
                                         ? Veranlagungszeitraum()
                                         : Veranlagungszeitraum::parse(frage.zeitraum, frage.format.c_str());
-    const RegisterAuskunft auskunft = registratur.schlageNach(static_cast<tag_erweiterung_typ>(frage.typ),
-                                                              Unterfallart(frage.unterfallart.c_str()), vz);
+    const auto typ = static_cast<tag_erweiterung_typ>(frage.typ);
+    const RegisterAuskunft auskunft =
+        hatKeinePaare(typ) ? frageNachAllem(registratur, typ)
+                           : registratur.schlageNach(typ, Unterfallart(frage.unterfallart.c_str()), vz);
     return {auskunft.treffer, auskunft.schluessel ? plaetze.at(*auskunft.schluessel) : 0, alsFakt(vz)};
 }
 
