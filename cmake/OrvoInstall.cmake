@@ -1,8 +1,9 @@
 # What `cmake --install` lays down, in three components:
 #
 #   runtime  both libraries
-#   dev      headers, the package for find_package(orvoplugin), the files for pkg-config, a man page
-#   tool     the command-line tool, with its man page and shell completion
+#   dev      headers, the package for find_package(orvoplugin), the files for pkg-config, a man page, guides for
+#            developers, projects to start from
+#   tool     the command-line tool, with its man page, shell completion, schema, and the guides for who runs a client
 #
 # No file holds an absolute path, so the whole can be moved to another prefix.
 include(CMakePackageConfigHelpers)
@@ -97,11 +98,19 @@ foreach(name orvoutil orvoplugin orvoplugin-plugin)
 endforeach()
 
 # The guides, a plugin and a client to start from, and the manual page that leads to them. They stand to each other as in this tree,
-# so that their links lead somewhere.
+# so that their links lead somewhere. Those that operators need come with the tool, and lead to no other; where none is
+# made, developers have them all the same, as theirs lead there.
+set(operators_component dev)
+if(TARGET orvoplugin_tool)
+    set(operators_component tool)
+endif()
+install(
+    FILES "${PROJECT_SOURCE_DIR}/docs/operator.md" "${PROJECT_SOURCE_DIR}/docs/check.md"
+          "${PROJECT_SOURCE_DIR}/docs/json.md" "${PROJECT_SOURCE_DIR}/docs/glossary.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
+    COMPONENT ${operators_component})
 install(
     FILES "${PROJECT_SOURCE_DIR}/docs/client.md" "${PROJECT_SOURCE_DIR}/docs/plugin-author.md"
-          "${PROJECT_SOURCE_DIR}/docs/operator.md" "${PROJECT_SOURCE_DIR}/docs/check.md"
-          "${PROJECT_SOURCE_DIR}/docs/glossary.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT dev)
 install(

@@ -41,8 +41,8 @@ Finds the plugins of a client, checks them, settles duplicates by version and
 answers which plugin serves a sub-case type for an assessment period.
 
 This package holds what developers of clients and authors of plugins need:
-headers, the CMake package with its command for plugins, and files for
-pkg-config.")
+headers, the CMake package with its command for plugins, files for
+pkg-config, guides, and a plugin and a client to start from.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME orvoplugin)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
@@ -52,7 +52,8 @@ set(CPACK_DEBIAN_TOOL_DESCRIPTION
 Shows which plugins a directory holds and why others were refused, who answers
 for a sub-case type and period, and whether a plugin keeps the rules.
 
-This package holds the command-line tool.")
+This package holds the command-line tool, and guides for those who run a
+client.")
 if(TARGET orvoplugin_tool) # orvo_add_plugin has the tool check what was built
     string(APPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS ", ${CPACK_DEBIAN_TOOL_PACKAGE_NAME} (= ${PROJECT_VERSION})")
 endif()

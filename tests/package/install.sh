@@ -1,21 +1,47 @@
 #!/usr/bin/env bash
-# Installs the components one by one and moves the whole to another place.
+# Installs the components one by one, looks at what each brings, and moves the whole to another place.
 . "$(dirname -- "$0")/support.sh"
 
-rm -rf -- "$WORK/first" "$WORK/moved"
-for component in runtime dev tool; do
-    "$CMAKE" --install "$BUILD" --prefix "$WORK/first" --component "$component" --strip >/dev/null
-    case $component in
-    runtime) file=$LIBDIR/liborvoplugin.so.${VERSION%%.*} ;;
-    dev) file=include/orvoplugin/registry/OrvoErweiterungsManager.h ;;
-    tool) ((TOOL)) || break; file=bin/orvoplugin ;;
-    esac
-    [[ -f $WORK/first/$file ]] || fail "component $component brings no $file"
+major=${VERSION%%.*}
+documents=share/doc/orvoplugin
+# what each component brings; of what there is much of, one or two
+declare -A files=(
+    [runtime]="$LIBDIR/liborvoplugin.so.$major $LIBDIR/liborvoutil.so.$major"
+    [dev]="$LIBDIR/liborvoplugin.so $LIBDIR/liborvoutil.so
+        include/orvoplugin/registry/OrvoErweiterungsManager.h include/orvoutil/Standardbibliothek.h
+        $LIBDIR/cmake/orvoplugin/orvopluginConfig.cmake $LIBDIR/cmake/orvoplugin/OrvoPlugin.cmake
+        $LIBDIR/pkgconfig/orvoplugin.pc $LIBDIR/pkgconfig/orvoplugin-plugin.pc
+        share/man/man3/liborvoplugin.3
+        $documents/docs/client.md $documents/docs/plugin-author.md
+        $documents/examples/plugin-template/README.md $documents/examples/client-template/README.md"
+    [tool]="bin/orvoplugin
+        share/man/man1/orvoplugin.1
+        share/bash-completion/completions/orvoplugin share/zsh/vendor-completions/_orvoplugin
+        share/orvoplugin/orvoplugin.schema.json"
+)
+guides="$documents/docs/operator.md $documents/docs/check.md $documents/docs/json.md $documents/docs/glossary.md"
+components=(runtime dev)
+if ((TOOL)); then
+    components+=(tool)
+    files[tool]+=" $guides"
+else
+    files[dev]+=" $guides"
+fi
+
+fresh "$WORK/first"
+fresh "$WORK/moved"
+for component in "${components[@]}"; do
+    place=$WORK/first/$component
+    "$CMAKE" --install "$BUILD" --prefix "$place" --component "$component" --strip >/dev/null
+    for file in ${files[$component]}; do
+        [[ -s $place/$file || -L $place/$file ]] || fail "component $component brings no $file"
+    done
+    cp -a -- "$place/." "$WORK/moved/"
 done
-mv -- "$WORK/first" "$WORK/moved"
+# Two packages may not hold the same file.
+twice=$(find "$WORK/first" -mindepth 2 ! -type d -printf '%P\n' | sed 's|^[^/]*/||' | sort | uniq -d)
+[[ -z $twice ]] || fail "several components bring:"$'\n'"$twice"
+rm -rf -- "$WORK/first"
 if ((TOOL)); then
     demand_part "$("$WORK/moved/bin/orvoplugin" --version)" "$VERSION"
-    for file in man/man1/orvoplugin.1 bash-completion/completions/orvoplugin; do
-        [[ -s $WORK/moved/share/$file ]] || fail "component tool brings no $file"
-    done
 fi
