@@ -250,6 +250,17 @@ TEST(Befehle, ShowTakesAFileAnywhere) {
     EXPECT_THAT(ergebnis.ausgabe, HasSubstr("state:            loaded"));
 }
 
+TEST(Befehle, ShowAlignsBesideLettersThatTakeTwoBytes) {
+    const Heim heim;
+    heim.lege(test_plugins::DescribedByFile, "liba.dylib",
+              "check Gr\xF6\xDF"
+              "e 2009\ncheck Groesse 2010\n");
+    const std::string ausgabe = heim.rufe({"show", "a"}).ausgabe;
+    EXPECT_THAT(ausgabe, HasSubstr("\n  serves Groesse: 2010\n"));
+    EXPECT_THAT(ausgabe, HasSubstr("\n  serves Gr\xC3\xB6\xC3\x9F"
+                                   "e:   2009\n"));
+}
+
 TEST(Befehle, WrongUsageHasItsOwnExitCode) {
     const std::vector<std::vector<std::string>> faelle{
         {"show"},

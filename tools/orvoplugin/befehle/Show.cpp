@@ -139,7 +139,8 @@ constexpr std::size_t kSpalte = 18;
 
 std::string feld(const std::string& name, const std::string& wert, const char* einzug = "") {
     std::string text = einzug + name + ":";
-    text.resize(std::max(text.size() + 1, kSpalte), ' ');
+    const std::size_t breite = anzeigebreite(text);
+    text.append(breite < kSpalte ? kSpalte - breite : 1, ' ');
     return text + wert + "\n";
 }
 
