@@ -56,6 +56,7 @@ void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung) {
     if (!logger || !Logger::hatSenke())
         return;
     std::ostringstream text;
+    text.imbue(std::locale::classic()); // the host's may write "2.009"
     schreibeWen(text, erweiterung);
     logger->tagged(kMarke, kOhneCode, text.str(), kOhneCode);
 }
@@ -65,6 +66,7 @@ void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung, cons
     if (!logger || !Logger::hatSenke())
         return;
     std::ostringstream text;
+    text.imbue(std::locale::classic());
     schreibeWen(text, erweiterung);
     text << " : ua=" << ua.getName() << " vz=";
     const char* trenner = "";

@@ -1,6 +1,7 @@
 #include <orvoplugin/plugin/OrvoPlugin.h>
 
 #include "orvoplugin/plugin/Attrappe.h"
+#include "support/DeutscheZahlen.h"
 #include "support/Mitschnitt.h"
 
 #include <gtest/gtest.h>
@@ -150,6 +151,12 @@ TEST_F(OrvoPluginTest, PrintsVersionsButNeitherLabelsNorStatusNorResidency) {
 TEST_F(OrvoPluginTest, PrintsANegativeTypeInDecimal) {
     EXPECT_EQ(NurDatensatz(nullptr, -12).toString(),
               "Typ:-12\nProduktVersion:\nFileVersion:\nBibliothek: \n");
+}
+
+TEST_F(OrvoPluginTest, PrintsItsTypeTheSameUnderEveryLocale) {
+    const DeutscheZahlen zahlen;
+    EXPECT_EQ(NurDatensatz(nullptr, 1234).toString(),
+              "Typ:1234\nProduktVersion:\nFileVersion:\nBibliothek: \n");
 }
 
 TEST(OrvoPlugin, DeletesItsLibraryExactlyOnce) {

@@ -6,6 +6,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
 #include "orvoplugin/plugin/Attrappe.h"
+#include "support/DeutscheZahlen.h"
 #include "support/Mitschnitt.h"
 
 #include <gmock/gmock.h>
@@ -224,6 +225,13 @@ TEST_F(OrvoPluginV1Test, PrintsTheNumberOfExtensionsOfEachKindInTheOrderOfTheKin
               "UNBEKANNT: 1\nORVO_CHECK_SERVICE_ERWEITERUNG: 2\n"
               "ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG: 1\nUNBEKANNT: 1\n");
     EXPECT_EQ(plugin->listeErweiterungen().size(), 5U);
+}
+
+TEST_F(OrvoPluginV1Test, PrintsNumbersTheSameUnderEveryLocale) {
+    for (int i = 0; i < 1000; ++i)
+        plugin->addErweiterung(ErweiterungDesWirts(99));
+    const DeutscheZahlen zahlen;
+    EXPECT_THAT(plugin->toString(), testing::EndsWith("\nUNBEKANNT: 1000\n"));
 }
 
 TEST_F(OrvoPluginV1Test, TellsWhichKindsServeAPairWithRepeats) {

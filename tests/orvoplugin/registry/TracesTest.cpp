@@ -5,6 +5,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
+#include "support/DeutscheZahlen.h"
 #include "support/Mitschnitt.h"
 
 #include <algorithm>
@@ -144,6 +145,18 @@ TEST_F(TracesTest, TellsOfAPluginThatComesAndGoes) {
              registriere(amt), "< OrvoErweiterungsManager::pluginErzeugt"});
     erwarteSpur([&](OrvoErweiterungsManager& registry) { registry.pluginZerstoert(&plugin); },
                 "pluginZerstoert");
+}
+
+TEST_F(TracesTest, WritesNumbersTheSameUnderEveryLocale) {
+    LosesPlugin plugin("1.0");
+    const auto* const check = plugin.biete(Check("LSTB", {jahr(2008), jahr(2009)}));
+    const Zeilen erwartete{registriere(check, " : ua=LSTB vz=2008,2009")};
+    Mitschnitt mitschnitt(LogLevel::Error);
+    OrvoErweiterungsManager registry;
+    mitschnitt.leere();
+    const DeutscheZahlen zahlen;
+    registry.pluginErzeugt(&plugin);
+    EXPECT_EQ(mitschnitt.zeilen(kKategorie), erwartete);
 }
 
 TEST_F(TracesTest, TellsOfEachSubCaseTypeInTheirOrder) {
