@@ -1,6 +1,7 @@
 // Asks for one of the process-wide objects while it describes itself: FRAGT_Manager or FRAGT_Registry, from
 // AUS_Types or AUS_Initialize. With SCHLUCKT it keeps the refusal for itself, as its product version. AUS_Anfang is a
-// static object's constructor, which runs when the library is opened; the answer is the product version then.
+// static object's constructor, which runs when the library is opened; the answer is the product version then. AUS_Ende is
+// its destructor, which runs when the library is closed.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -21,6 +22,12 @@ namespace {
 
 #ifdef AUS_Anfang
 const void* const beimOeffnen = frage();
+#endif
+
+#ifdef AUS_Ende
+struct Ende {
+    ~Ende() { frage(); } // an exception would end the process
+} ende;
 #endif
 
 } // namespace

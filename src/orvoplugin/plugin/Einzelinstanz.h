@@ -26,8 +26,8 @@ struct EinzelinstanzTexte {
 /// The registered object, made by `erzeuge` when there is none.
 ///
 /// Returns: the object, owned by the `ObjectLifetimeManager`; null while that destroys its objects, and after the
-/// process has begun to end: nothing is made anew then. Null too for the start-up code of a library that is being
-/// opened while the object is being made.
+/// process has begun to end: nothing is made anew then. Null too for the start-up and the last code of a library that
+/// is opened or closed while the object is being made.
 /// Errors: `std::logic_error` from inside a plugin's entry point, and from inside the making of the object:
 /// there is only half an object to give.
 template <class T, class Erzeuge>
@@ -49,7 +49,7 @@ T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
         throw std::logic_error(std::string(texte.name) +
                                ": im Einsprungpunkt eines Plugins nicht verfuegbar.");
     if (!abbau && inArbeit) {
-        if (Oeffnung::laeuft())
+        if (Laderarbeit::laeuft())
             return nullptr;
         throw std::logic_error(std::string(texte.name) +
                                ": wird gerade gestartet und ist noch nicht verfuegbar.");

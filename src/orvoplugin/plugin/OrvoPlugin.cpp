@@ -1,10 +1,12 @@
 #include <orvoplugin/plugin/OrvoPlugin.h>
 
+#include <orvoplugin/plugin/Einsprungpunkt.h>
 #include <orvoutil/Logger.h>
 #include <orvoutil/PathUtil.h>
 #include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
 
+#include <locale>
 #include <sstream>
 
 using namespace orvo::orvoutil;
@@ -22,7 +24,10 @@ OrvoPlugin::OrvoPlugin(const orvo_plugin_version_t& version, SharedLib* sharedLi
 
 OrvoPlugin::~OrvoPlugin() {
     const DestruktorSpur spur(logger_, "OrvoPlugin()");
-    delete sharedLib_;
+    {
+        const Laderarbeit laderarbeit; // it is closed if it is open
+        delete sharedLib_;
+    }
     spur.ende();
 }
 
@@ -63,6 +68,7 @@ void OrvoPlugin::setOnUnloadFuncName(const std::string& name) { onUnloadFuncName
 std::string OrvoPlugin::toString() const {
     // The last label alone has a blank behind its colon; readers of these lines take them apart that way.
     std::ostringstream text;
+    text.imbue(std::locale::classic()); // the host's may write "1.234"
     text << "Typ:" << typ_ << std::endl
          << "ProduktVersion:" << produktVersion_ << std::endl
          << "FileVersion:" << fileVersion_ << std::endl

@@ -20,6 +20,11 @@ using namespace orvo::orvoutil;
 
 /// One library on its way to a plugin. The plugin, once there is one, owns the library.
 struct OrvoPluginLoader::Obhut {
+    ~Obhut() {
+        const Laderarbeit laderarbeit;
+        bibliothek.reset();
+    }
+
     std::unique_ptr<SharedLib> bibliothek;
     std::unique_ptr<OrvoPluginV1> plugin;
 
@@ -50,11 +55,6 @@ constexpr int kOhneCode = 99;
 constexpr char kTypen[] = "orvo_plugin_get_types";
 constexpr Latin1Text kUngueltigeVersion{u8"Ungültige Pluginversion"};
 
-bool oeffne(SharedLib& bibliothek) {
-    const Oeffnung oeffnung;
-    return bibliothek.isLoaded() || bibliothek.load();
-}
-
 std::list<orvo_plugin_version_t> typenVon(void* einsprung) {
     using Funktion = void (*)(std::list<orvo_plugin_version_t>*);
     std::list<orvo_plugin_version_t> typen;
@@ -83,7 +83,7 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     Ladeschritt::ist(ABLEHNUNG_OEFFNEN);
     if (!uebergeben)
         Obhut::lehneAb(obhut_, BIBLIOTHEK_FEHLER, "");
-    if (!oeffne(*uebergeben)) {
+    if (!oeffneBibliothek(*uebergeben)) {
         if (uebergeben->scheiterteVorDemOeffnen())
             Ladeschritt::ist(ABLEHNUNG_DATEIPRUEFUNG);
         Obhut::lehneAb(obhut_, BIBLIOTHEK_FEHLER, uebergeben->getLastError());

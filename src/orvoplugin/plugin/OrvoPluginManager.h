@@ -38,7 +38,7 @@ public:
     /// plugins; later calls do not look at the observer.
     ///
     /// Returns: the manager, owned by the `ObjectLifetimeManager`; null once the process's objects are being
-    /// destroyed, and for the start-up code of a library opened while the manager is being made.
+    /// destroyed, and for the start-up and last code of a library opened or closed while the manager is being made.
     /// Errors: `std::logic_error` from inside a plugin's entry point, and while the manager is being made.
     static OrvoPluginManager* getInstanz(PluginObserver* observer);
 

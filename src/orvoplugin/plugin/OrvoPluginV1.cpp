@@ -64,7 +64,7 @@ void OrvoPluginV1::initialize() {
     const Spur spur(logger_, "OrvoPluginV1::initialize"); // has no exit line
     SharedLib* const bibliothek = getSharedLib();
     Ladeschritt::ist(ABLEHNUNG_OEFFNEN);
-    if (!bibliothek || (!bibliothek->isLoaded() && !bibliothek->load())) {
+    if (!bibliothek || !oeffneBibliothek(*bibliothek)) {
         if (bibliothek && bibliothek->scheiterteVorDemOeffnen())
             Ladeschritt::ist(ABLEHNUNG_DATEIPRUEFUNG);
         throw PluginInitException(PluginInitException::GENERELL,
@@ -77,7 +77,7 @@ void OrvoPluginV1::initialize() {
     using Funktion = bool (*)(OrvoPluginV1*);
     const auto funktion = reinterpret_cast<Funktion>(bibliothek->getSymbol(kInitialisierung));
     if (!funktion) {
-        bibliothek->unload();
+        schliesseBibliothek(*bibliothek);
         throw PluginInitException(PluginInitException::UNGUELTIGER_AUFBAU,
                                   "Initialisierungsfunktion \"orvo_plugin_initialize\" nicht gefunden.");
     }
@@ -89,7 +89,7 @@ void OrvoPluginV1::initialize() {
         erfolg = funktion(this);
     }
     Ladeschritt::ist(ABLEHNUNG_INITIALISIERUNG);
-    bibliothek->unload();
+    schliesseBibliothek(*bibliothek);
     if (!erfolg) // misspelt for good: scripts look for this text
         throw PluginInitException(PluginInitException::INITIALISIERUNGS_FEHLER,
                                   "Fehler im Aufruf von orvo_plugin_initalize.");
@@ -98,6 +98,7 @@ void OrvoPluginV1::initialize() {
 void OrvoPluginV1::notifyUse() {
     const Spur spur(logger_, "OrvoPluginV1::notifyUse");
     if (getUseCount() == 0) {
+        const Pluginaufruf aufruf; // the library's start-up code runs, and a log's reader hears of it
         if (logger_ && Logger::hatSenke())
             logger_->tagged("Plugin", kOhneCode, "Lade Plugin: " + getBibliotheksname(), kOhneCode);
         if (oeffne()) {
@@ -118,6 +119,7 @@ void OrvoPluginV1::notifyUse() {
 void OrvoPluginV1::release() {
     const Spur spur(logger_, "OrvoPluginV1::release");
     if (zaehleNutzerRunter() == 0 && !isResident()) {
+        const Pluginaufruf aufruf; // the library's last code runs, and a log's reader hears of it
         if (logger_ && Logger::hatSenke())
             logger_->tagged("Plugin", kOhneCode, "Entlade Plugin: " + getBibliotheksname(), kOhneCode);
         rufeHook(getOnUnloadFuncName(), "Konnte OnUnload Funktion in Plugin nicht laden",
@@ -130,9 +132,8 @@ void OrvoPluginV1::release() {
 }
 
 bool OrvoPluginV1::oeffne() {
-    const Pluginaufruf aufruf; // the library's start-up code runs
     SharedLib* const bibliothek = getSharedLib();
-    if (bibliothek && (bibliothek->isLoaded() || bibliothek->load()))
+    if (bibliothek && oeffneBibliothek(*bibliothek))
         return true;
     if (logger_ && logger_->isErrorEnabled())
         logger_->error("Konnte Plugin nicht laden: " +
@@ -141,10 +142,9 @@ bool OrvoPluginV1::oeffne() {
 }
 
 void OrvoPluginV1::schliesse() {
-    const Pluginaufruf aufruf; // the library's last code runs
     SharedLib* const bibliothek = getSharedLib();
     // No blank behind this colon, unlike the message of a failed load; scripts split the line there.
-    if ((!bibliothek || !bibliothek->unload()) && logger_ && logger_->isWarnEnabled())
+    if ((!bibliothek || !schliesseBibliothek(*bibliothek)) && logger_ && logger_->isWarnEnabled())
         logger_->warn("Konnte Plugin nicht entladen:" +
                       (bibliothek ? bibliothek->getLastError() : std::string()));
 }
@@ -155,7 +155,6 @@ void OrvoPluginV1::rufeHook(const std::string& name, const char* nichtGefunden, 
     SharedLib* const bibliothek = getSharedLib();
     using Hook = void (*)();
     if (const auto hook = bibliothek ? reinterpret_cast<Hook>(bibliothek->getSymbol(name)) : nullptr) {
-        const Pluginaufruf aufruf;
         fremdcode::rufe(hook, [&](const char* grund) {
             if (logger_ && logger_->isWarnEnabled())
                 logger_->warn(std::string(ausnahme) + grund);
@@ -196,6 +195,7 @@ OrvoPluginV1::providesUnterfallartUndVeranlagungszeitraum(const Unterfallart& ua
 
 std::string OrvoPluginV1::toString() const {
     std::ostringstream text(OrvoPlugin::toString(), std::ios_base::ate);
+    text.imbue(std::locale::classic()); // the host's may write "1.234"
     text << "Erweiterungen:" << std::endl;
     for (const auto& [typ, anzahl] : erweiterungsZaehler_)
         text << typ << ": " << anzahl << std::endl;

@@ -50,7 +50,7 @@ public:
     /// The process's registry. The first call makes it, starts the plugin manager and so loads all plugins.
     ///
     /// Returns: the registry, owned by the `ObjectLifetimeManager`; null once the process's objects are being
-    /// destroyed, and for the start-up code of a library opened while the registry is being made.
+    /// destroyed, and for the start-up and last code of a library opened or closed while the registry is being made.
     /// Errors: `std::logic_error` from inside a plugin's entry point, and while the registry is being made.
     static OrvoErweiterungsManager* getInstanz();
 

@@ -126,6 +126,29 @@ TEST_F(EinzelinstanzTest, GivesTheStartUpCodeOfALibraryNullWhileItIsBeingMadeAnd
     EXPECT_THAT(antworten(), ElementsAre("there", "there"));
 }
 
+TEST_F(EinzelinstanzTest, GivesTheStartUpCodeNullAlsoWhenAnObserverOpensTheLibraryAgain) {
+    heimat.lege(test_plugins::AsksForManagerWhenOpened, "liba.dylib");
+    bool offen = false;
+    zeuge.beimErzeugen = [&](OrvoPlugin& plugin) {
+        plugin.notifyUse();
+        offen = plugin.getSharedLib()->isLoaded();
+        plugin.release();
+    };
+    EXPECT_NE(OrvoPluginManager::getInstanz(&zeuge), nullptr);
+    EXPECT_TRUE(offen);
+    zeuge.beimErzeugen = nullptr;
+}
+
+TEST_F(EinzelinstanzTest, GivesTheLastCodeOfALibraryNullWhileItIsBeingMade) {
+    heimat.lege(test_plugins::AsksForManagerWhenClosed, "liba.dylib");
+    heimat.lege(test_plugins::AsksForRegistryWhenClosed, "libb.dylib");
+    heimat.lege(test_plugins::ThrowsStandardExceptionFromTypes, "libc.dylib"); // and those after it
+    ASSERT_NE(OrvoErweiterungsManager::getInstanz(), nullptr);
+    EXPECT_THAT(plugins(*registriert()), ElementsAre("liba.dylib", "libb.dylib"));
+    registriert()->reload();
+    EXPECT_THAT(plugins(*registriert()), ElementsAre("liba.dylib", "libb.dylib"));
+}
+
 TEST_F(EinzelinstanzTest, IsAvailableToAnObserverOnceItIsMade) {
     heimat.beschreibe("liba.dylib");
     OrvoPluginManager* const manager = OrvoPluginManager::getInstanz(&zeuge);
