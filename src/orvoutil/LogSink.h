@@ -40,7 +40,8 @@ class ORVOUTIL_API LogSink {
 public:
     /// Takes one entry.
     /// Errors: whatever it throws is swallowed.
-    /// Threads: called on the thread that logs, by several at once where several log. It may itself log.
+    /// Threads: called on the thread that logs, by several at once where several log. It may itself log,
+    /// but must not have plugins loaded or unloaded: the one of which it is told may be on its way.
     virtual void write(const LogEntry& eintrag) = 0;
     virtual ~LogSink();
 };

@@ -134,6 +134,7 @@ bool OrvoPluginManager::entladePlugins() {
 void OrvoPluginManager::entladeAlle() {
     const Spur spur(logger_, "entladePlugins()");
     while (!plugins_.empty()) {
+        const Fremdarbeit fremdarbeit(*this); // also for the log's reader: no orders meanwhile
         std::unique_ptr<OrvoPlugin> plugin(plugins_.front());
         if (plugin->getStatus() == ORVO_PLUGIN_GELADEN && plugin->getSharedLib())
             protokolliere("entlade Plugin ", plugin->getSharedLib()->getName());
@@ -143,8 +144,6 @@ void OrvoPluginManager::entladeAlle() {
                             if (logger_ && logger_->isErrorEnabled())
                                 logger_->error(std::string("Ausnahme beim Abmelden eines Plugins: ") + grund);
                         });
-        const Fremdarbeit fremdarbeit(*this); // the library's last code runs in here
-        plugin.reset();
     }
     spur.ende();
 }

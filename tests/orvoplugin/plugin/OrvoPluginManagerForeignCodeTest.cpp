@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 using orvo::orvoutil::Einstellungen;
@@ -41,6 +42,22 @@ struct Horcher : orvo::orvoutil::LogSink {
     std::string pfad;
     std::string text;
     bool offen = false;
+};
+
+/// Gives an order when a certain entry is written.
+struct Besteller : orvo::orvoutil::LogSink {
+    explicit Besteller(std::string wann) : wann_(std::move(wann)) {}
+    void write(const LogEntry& eintrag) override {
+        if (!eintrag.text.starts_with(wann_))
+            return;
+        ++anzahl;
+        auftrag();
+    }
+    std::function<void()> auftrag;
+    int anzahl = 0;
+
+private:
+    std::string wann_;
 };
 
 class OrvoPluginManagerThrowing : public testing::TestWithParam<Bibliotheksfall> {};
@@ -201,6 +218,42 @@ TEST(OrvoPluginManagerForeignCode, RefusesAPluginThatSaysNoWithTheMisspeltText) 
                                   "orvo_plugin_initalize.")),
               1);
     EXPECT_FALSE(istEingeblendet(heimat.ort("libx.dylib")));
+}
+
+TEST(OrvoPluginManagerForeignCode, UnloadsAPluginOnceWhenTheLogsReaderGivesOrdersMeanwhile) {
+    const Heimat heimat;
+    heimat.beschreibe("liba.dylib");
+    Zeilen ereignisse;
+    Zeuge zeuge(ereignisse);
+    const auto besteller = std::make_shared<Besteller>("entlade Plugin ");
+    Logger::setSink(besteller);
+    OrvoPluginManager manager(&zeuge);
+    besteller->auftrag = [&] { manager.reload(); };
+    manager.getRegistriertePlugins().front()->notifyUse();
+    manager.entladePlugins();
+    Logger::setSink(nullptr);
+    EXPECT_EQ(besteller->anzahl, 1);
+    EXPECT_THAT(ereignisse, ElementsAre("+liba.dylib", "-liba.dylib"));
+    EXPECT_TRUE(manager.getRegistriertePlugins().empty());
+}
+
+TEST(OrvoPluginManagerForeignCode, KeepsAPluginThatIsBeingOpenedOrClosedFromOrdersOfTheLogsReader) {
+    for (const char* const wann : {"Lade Plugin: ", "Entlade Plugin: "}) {
+        const Heimat heimat;
+        heimat.beschreibe("liba.dylib");
+        const auto besteller = std::make_shared<Besteller>(wann);
+        Logger::setSink(besteller);
+        Zeilen ereignisse;
+        Zeuge zeuge(ereignisse);
+        OrvoPluginManager manager(&zeuge);
+        besteller->auftrag = [&] { manager.reload(); };
+        OrvoPlugin* const plugin = manager.getRegistriertePlugins().front();
+        plugin->notifyUse();
+        plugin->release();
+        Logger::setSink(nullptr);
+        EXPECT_EQ(besteller->anzahl, 1) << wann;
+        EXPECT_THAT(ereignisse, ElementsAre("+liba.dylib")) << wann;
+    }
 }
 
 TEST(OrvoPluginManagerForeignCode, ClosesEveryLibraryThatItDescribedAndLeavesNoDescriptor) {
