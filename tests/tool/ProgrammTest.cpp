@@ -7,6 +7,7 @@
 
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 TEST(Programm, ShowsHelpOnStandardOutput) {
@@ -15,6 +16,21 @@ TEST(Programm, ShowsHelpOnStandardOutput) {
     EXPECT_THAT(ergebnis.ausgabe, HasSubstr("Usage: orvoplugin"));
     EXPECT_THAT(ergebnis.ausgabe, HasSubstr("Exit codes: 0 fine; 1 findings"));
     EXPECT_THAT(ergebnis.fehler, IsEmpty());
+}
+
+TEST(Programm, ShowsOfACommandThoseOptionsOnlyThatItTakes) {
+    for (const char* const option : {"--home DIR", "--dir DIR"}) {
+        EXPECT_THAT(rufeTool({"coverage", "--help"}).ausgabe, HasSubstr(option));
+        EXPECT_THAT(rufeTool({"diff", "--help"}).ausgabe, Not(HasSubstr(option)));
+    }
+    EXPECT_THAT(rufeTool({"diff", "--help"}).ausgabe, HasSubstr("--resident LIST"));
+    for (const char* const option : {"--home", "--dir"}) {
+        for (const Ergebnis& ergebnis :
+             {rufeTool({"diff", "a", "b", option, "c"}), rufeTool({option, "c", "diff", "a", "b"})}) {
+            EXPECT_EQ(ergebnis.ausgang, 2) << option;
+            EXPECT_THAT(ergebnis.fehler, HasSubstr("neither --home nor --dir"));
+        }
+    }
 }
 
 TEST(Programm, ShowsItsVersion) {

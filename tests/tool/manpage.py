@@ -65,6 +65,9 @@ def main():
         own = options(text) - common
         if own != tagged_options(part):
             wrong.append(f"{command}: options: help {sorted(own)}, page {sorted(tagged_options(part))}")
+        for option in common - options(text) - {"--version"}:  # which is of no command
+            if option not in plain(part):
+                wrong.append(f"{command}: the page does not say that it takes no {option}")
         usage = re.search(r"^Usage: (.*)$", text, re.M).group(1)
         if usage != title:
             wrong.append(f"{command}: usage: help '{usage}', page '{title}'")

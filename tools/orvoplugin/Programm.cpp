@@ -61,6 +61,12 @@ void verlangeWerte(CLI::App& app) {
             option->check(nichtLeer);
 }
 
+/// Leaves them out of the help. They are read all the same, so that the command can say what it takes instead.
+void verschweigeVerzeichnisOptionen(CLI::App& unterbefehl) {
+    for (const char* const name : {"--home", "--dir"})
+        unterbefehl.get_option(name)->group("");
+}
+
 /// Tells the user that the last name of a list of resident plugins counts for nothing: the library takes those only
 /// that a comma follows.
 void weiseAufFehlendesKommaHin(const Optionen& optionen) {
@@ -90,6 +96,8 @@ int programm(int argc, char** argv) try {
         std::unique_ptr<Befehl> befehl = eintrag.mache();
         befehl->beschreibe(*unterbefehl);
         fuegeOptionenHinzu(*unterbefehl, optionen);
+        if (!befehl->nimmtVerzeichnisOptionen())
+            verschweigeVerzeichnisOptionen(*unterbefehl);
         verlangeWerte(*unterbefehl);
         befehle.emplace_back(unterbefehl, std::move(befehl));
     }

@@ -19,6 +19,8 @@ public:
 
     /// Adds the command's own arguments and options; the common ones are added by the program.
     virtual void beschreibe(CLI::App& unterbefehl) = 0;
+    /// Whether --home and --dir say which directory it looks at; its help names them only then.
+    virtual bool nimmtVerzeichnisOptionen() const { return true; }
     /// Runs the command: results go to standard output, messages to standard error.
     /// Errors: `AufrufFehler` for a command line that makes no sense; anything else ends the program with
     /// `Ausgang::NICHT_LESBAR` and its text.

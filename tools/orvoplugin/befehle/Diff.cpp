@@ -52,6 +52,8 @@ public:
                              "Compare DIR_A with what it would be if DIR_B were copied over it");
     }
 
+    bool nimmtVerzeichnisOptionen() const override { return false; }
+
     Ausgang fuehreAus(const Optionen& optionen) override {
         if (!optionen.home.empty() || !optionen.dir.empty())
             throw AufrufFehler("diff takes its two directories as arguments, and neither --home nor --dir");
