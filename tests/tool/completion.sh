@@ -34,7 +34,17 @@ for befehl in $befehle; do
 done
 erwarte --json list --js
 erwarte "$(printf 'debug\nerror\ninfo\nwarn')" list --log ""
+erwarte "$(printf 'debug\nerror\ninfo\nwarn')" list --log = ""
+erwarte "$(printf 'debug\nerror\ninfo\nwarn')" list --log =
+erwarte debug list --log = d
+erwarte "$befehle" --log = debug --home=/tmp ""
+erwarte "$befehle" --home = /tmp ""
 erwarte xpath_mapping find x
+erwarte xpath_mapping find --log debug x
+erwarte xpath_mapping --log debug --home = /tmp find --json x
+erwarte xpath_mapping coverage --type x
+erwarte xpath_mapping coverage --type = x
+erwarte xpath_mapping coverage --json --type x
 erwarte "$(printf 'describes\ndescribes-twice')" check --only describes
 erwarte umask check --skip uma
 ordner=$(mktemp -d)
@@ -43,4 +53,6 @@ mkdir "$ordner/heim"
 touch "$ordner/libx.dylib"
 erwarte "$ordner/heim" list --home "$ordner/"
 erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" show "$ordner/"
+erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" coverage --require "$ordner/"
+erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" coverage --html = "$ordner/"
 exit $wrong
