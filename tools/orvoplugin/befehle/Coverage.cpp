@@ -18,7 +18,7 @@ class Coverage : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
         unterbefehl
-            .add_option("--type", typ_, "This kind of extension only: number, name or the name's beginning")
+            .add_option("--type", typ_, "This kind of extension only: number, name or a part of the name")
             ->type_name("TYPE");
         unterbefehl
             .add_option("--require", anforderung_,

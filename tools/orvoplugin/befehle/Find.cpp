@@ -43,7 +43,7 @@ std::string alsText(const Json& dokument, const Farben& farben) {
 class Find : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
-        unterbefehl.add_option("TYPE", typ_, "Kind of extension: number, name or the name's beginning")
+        unterbefehl.add_option("TYPE", typ_, "Kind of extension: number, name or a part of the name")
             ->required();
         unterbefehl.add_option("SUB-CASE-TYPE", unterfallart_, "Sub-case type: number or name");
         unterbefehl.add_option("PERIOD", zeitraum_, "2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
