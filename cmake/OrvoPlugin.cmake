@@ -46,8 +46,8 @@ function(orvo_find_plugin_options)
     set(compile
         # nothing is exported but what is marked: fewer symbols to look up, nothing to be mixed up with the host's
         -fvisibility=hidden
-        # the same for functions defined in classes and headers
-        -fvisibility-inlines-hidden)
+        # the same for functions defined in classes and headers (C has none, and GCC warns of it there)
+        $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>)
     # a static in a template or an inline function would be "unique", and never leave the process (Clang makes none)
     check_cxx_compiler_flag(-fno-gnu-unique ORVO_HAS_NO_GNU_UNIQUE)
     if(ORVO_HAS_NO_GNU_UNIQUE)
