@@ -22,6 +22,20 @@ exported=$(nm -D --defined-only "$build/libwohngeld.dylib" | awk '{print $3}' | 
 [[ $exported == $'orvo_plugin_get_check_service\norvo_plugin_get_types\norvo_plugin_initialize' ]] ||
     fail "the plugin exports more, or less, than its entry points:"$'\n'"$exported"
 
+# With the flags of a client it is a plugin as well. What it lacks then, the check says.
+# shellcheck disable=SC2046
+"$CXX" -std=c++20 -shared -fPIC "$source/Wohngeld.cpp" $(pkg-config --cflags --libs orvoplugin) \
+    -o "$build/libohneflags.dylib"
+if [[ $TOOL == 1 ]]; then
+    findings=$(LD_LIBRARY_PATH=$1/$LIBDIR refused "$1/bin/orvoplugin" check --strict "$build/libohneflags.dylib")
+    grep -q '^ *failed *exports ' <<<"$findings" || fail "no finding of its exports in:"$'\n'"$findings"
+    if nm -D "$build/libohneflags.dylib" | grep -q ' u '; then # made by GCC
+        grep -q '^ *failed *unique-symbols ' <<<"$findings" || fail "no unique symbol in:"$'\n'"$findings"
+    fi
+    LD_LIBRARY_PATH=$1/$LIBDIR "$1/bin/orvoplugin" check --quiet --strict "$build/libwohngeld.dylib" ||
+        fail "the check finds fault with the plugin's own flags"
+fi
+
 # A name that nobody defines must not wait for its first call.
 echo 'void nobody(); extern "C" void somebody() { nobody(); }' >"$build/Offen.cpp"
 # shellcheck disable=SC2046
