@@ -97,9 +97,9 @@ foreach(name orvoutil orvoplugin orvoplugin-plugin)
         COMPONENT dev)
 endforeach()
 
-# The guides, a plugin and a client to start from, and the manual page that leads to them. They stand to each other as in this tree,
-# so that their links lead somewhere. Those that operators need come with the tool, and lead to no other; where none is
-# made, developers have them all the same, as theirs lead there.
+# The guides, a plugin and a client to start from, and the manual page that leads to them. They stand to each other as
+# in this tree, so that their links lead somewhere. Those that operators need come with the tool, and lead to no other;
+# where none is made, developers have them all the same, as theirs lead there.
 set(operators_component dev)
 if(TARGET orvoplugin_tool)
     set(operators_component tool)
