@@ -15,13 +15,12 @@ namespace orvo::orvoutil {
 
 namespace {
 
-constexpr char kHomeDir[] = "basis.home_dir";
 constexpr char kResidentPlugins[] = "basis.resident_plugins";
 
 /// The directory of the file that holds this code.
 std::string verzeichnisDerBibliothek() {
     Dl_info bibliothek;
-    if (dladdr(kHomeDir, &bibliothek) && bibliothek.dli_fname) {
+    if (dladdr(EINSTELLUNG_HOME_DIR, &bibliothek) && bibliothek.dli_fname) {
         const std::string verzeichnis = getAbsolutePath(concatPath(bibliothek.dli_fname, ".."));
         if (verzeichnis.front() == '/')
             return verzeichnis;
@@ -70,7 +69,7 @@ Einstellungen::Einstellungen() = default;
 
 std::string Einstellungen::basisHomeDir() const {
     Zustand& zustand = Zustand::hole();
-    std::string gesetzt = zustand.wert(kHomeDir);
+    std::string gesetzt = zustand.wert(EINSTELLUNG_HOME_DIR);
     return gesetzt.empty() ? zustand.verzeichnis : gesetzt;
 }
 

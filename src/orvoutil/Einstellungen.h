@@ -7,6 +7,9 @@
 
 namespace orvo::orvoutil {
 
+/// Key of the home directory.
+constexpr char EINSTELLUNG_HOME_DIR[] = "basis.home_dir";
+
 /// Handle on the settings of the process. All handles see the same settings, which live as long as the process.
 ///
 /// Keys with a meaning here: "basis.home_dir", "basis.resident_plugins"; others are kept for whoever reads them.

@@ -60,6 +60,8 @@ public:
     void tagged(const std::string& tag, int code1, const std::string& text, int code2) noexcept;
 
 private:
+    friend class Log; // writes without copying its texts first
+
     struct Zustand;
     enum : std::int32_t { AUS = static_cast<std::int32_t>(LogLevel::Error) + 1 };
 

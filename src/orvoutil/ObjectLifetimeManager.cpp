@@ -57,16 +57,27 @@ void* ObjectLifetimeManager::finde(std::string_view name, const std::type_info& 
     return gefunden && *gefunden->typ == typ ? gefunden->objekt : nullptr;
 }
 
-void ObjectLifetimeManager::fuegeHinzu(std::string_view name, void* objekt, const std::type_info& typ,
-                                       Zerstoerer zerstoere) {
+ObjectLifetimeManager::Platz::Platz(std::string_view name) {
+    eintrag_.push_back({std::string(name), nullptr, nullptr, nullptr});
+}
+
+ObjectLifetimeManager::Platz::~Platz() = default;
+
+void ObjectLifetimeManager::Platz::uebergib(void* objekt, const std::type_info& typ,
+                                            void (*zerstoere)(void*) noexcept) {
+    Eintrag& neuer = eintrag_.front();
     if (!objekt)
-        throw std::invalid_argument("ObjectLifetimeManager: kein Objekt: " + std::string(name));
-    const std::lock_guard halter(sperre_);
-    if (imAbbau_ || beendet_)
-        throw std::logic_error("ObjectLifetimeManager: wird abgebaut: " + std::string(name));
-    if (eintrag(name))
-        throw std::logic_error("ObjectLifetimeManager: Name schon vergeben: " + std::string(name));
-    eintraege_.push_back({std::string(name), objekt, &typ, zerstoere});
+        throw std::invalid_argument("ObjectLifetimeManager: kein Objekt: " + neuer.name);
+    ObjectLifetimeManager& manager = instance();
+    const std::lock_guard halter(manager.sperre_);
+    if (manager.imAbbau_ || manager.beendet_)
+        throw std::logic_error("ObjectLifetimeManager: wird abgebaut: " + neuer.name);
+    if (manager.eintrag(neuer.name))
+        throw std::logic_error("ObjectLifetimeManager: Name schon vergeben: " + neuer.name);
+    neuer.objekt = objekt;
+    neuer.typ = &typ;
+    neuer.zerstoere = zerstoere;
+    manager.eintraege_.splice(manager.eintraege_.end(), eintrag_);
 }
 
 /// The entry of that name; null when there is none. Call with the lock held.

@@ -2,11 +2,12 @@
 
 #include <orvoutil/Export.h>
 
+#include <list>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <typeinfo>
-#include <vector>
 
 namespace orvo::orvoutil {
 
@@ -18,6 +19,13 @@ namespace orvo::orvoutil {
 /// Ownership: owns the objects; the code of their classes must stay loaded as long.
 /// Threads: any. Objects are destroyed while no lock is held, so their destructors may look others up.
 class ORVOUTIL_API ObjectLifetimeManager {
+    struct Eintrag {
+        std::string name;
+        void* objekt;
+        const std::type_info* typ;
+        void (*zerstoere)(void*) noexcept;
+    };
+
 public:
     /// The process's manager; usable to the very end of the process.
     static ObjectLifetimeManager& instance();
@@ -37,8 +45,31 @@ public:
     /// `wirdAbgebaut`.
     template <class T>
     void addObject(std::string_view name, T* objekt) {
-        fuegeHinzu(name, objekt, typeid(T), &loesche<T>);
+        Platz(name).uebergib(objekt, typeid(T), &loesche<T>);
     }
+
+    /// A place for an object that is still to be made, so that registering it needs no memory.
+    class ORVOUTIL_API Platz {
+    public:
+        explicit Platz(std::string_view name);
+        Platz(const Platz&) = delete;
+        Platz& operator=(const Platz&) = delete;
+        ~Platz();
+
+        /// Registers the object; once. Errors: as `addObject`, with the object destroyed.
+        template <class T>
+        T* besetze(std::unique_ptr<T> objekt) {
+            uebergib(objekt.get(), typeid(T), &loesche<T>);
+            return objekt.release();
+        }
+
+    private:
+        friend class ObjectLifetimeManager;
+
+        void uebergib(void* objekt, const std::type_info& typ, void (*zerstoere)(void*) noexcept);
+
+        std::list<Eintrag> eintrag_; // one, or none once it is taken
+    };
 
     /// Destroys all objects; later registrations start anew. A call made while another is at work, by a destructor
     /// for instance, does nothing.
@@ -49,13 +80,6 @@ public:
     bool wirdAbgebaut() const;
 
 private:
-    using Zerstoerer = void (*)(void*) noexcept;
-    struct Eintrag {
-        std::string name;
-        void* objekt;
-        const std::type_info* typ;
-        Zerstoerer zerstoere;
-    };
     class Prozessende;
 
     ObjectLifetimeManager();
@@ -67,11 +91,10 @@ private:
     }
 
     void* finde(std::string_view name, const std::type_info& typ) const;
-    void fuegeHinzu(std::string_view name, void* objekt, const std::type_info& typ, Zerstoerer zerstoere);
     const Eintrag* eintrag(std::string_view name) const;
 
     mutable std::mutex sperre_;
-    std::vector<Eintrag> eintraege_; // in order of registration
+    std::list<Eintrag> eintraege_; // in order of registration
     bool imAbbau_ = false;
     bool beendet_ = false;
 };

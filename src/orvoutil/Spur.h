@@ -1,38 +1,33 @@
 #pragma once
 
-#include <orvoutil/Logger.h>
+#include <orvoutil/Log.h>
 
 #include <string_view>
 
 namespace orvo::orvoutil {
 
-/// Traces one operation: the constructor writes its entry, `ende` its exit, each when there is a logger and debug
-/// is enabled at that moment. The end of its life writes nothing: exits are wanted only where the code says so.
+/// Traces one operation: the constructor writes its entry, `ende` its exit, each if debug is enabled at that moment.
+/// The destructor writes nothing: not every path of an operation has an exit line.
 ///
-///     const Spur spur(logger, "OrvoPluginV1::addErweiterung");
+///     const Spur spur(log_, "OrvoPluginV1::addErweiterung");
 ///     ...
 ///     spur.ende();
 ///
-/// Ownership: refers to logger and name, both of which live as long as it does.
+/// Ownership: refers to the operation's name, which outlives it.
 /// Errors: none.
 template <void (Logger::*Eintritt)(std::string_view) noexcept,
           void (Logger::*Austritt)(std::string_view) noexcept>
 class SpurFuer {
 public:
-    [[nodiscard]] SpurFuer(Logger* logger, const char* operation) noexcept
-        : logger_(logger), operation_(operation) {
-        schreibe(Eintritt);
+    [[nodiscard]] SpurFuer(Log log, const char* operation) noexcept
+        : log_(log), operation_(operation ? operation : "") {
+        log_.spure(Eintritt, operation_);
     }
 
-    void ende() const noexcept { schreibe(Austritt); }
+    void ende() const noexcept { log_.spure(Austritt, operation_); }
 
 private:
-    void schreibe(void (Logger::*was)(std::string_view) noexcept) const noexcept {
-        if (logger_ && logger_->isDebugEnabled())
-            (logger_->*was)(operation_ ? operation_ : "");
-    }
-
-    Logger* logger_;
+    Log log_;
     const char* operation_;
 };
 
