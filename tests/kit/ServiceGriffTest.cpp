@@ -4,12 +4,15 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
+#include <orvoplugin/service/DatensatzReaderService.h>
 
 #include "orvoplugin/plugin/erweiterung/Plugindatei.h"
 #include "support/Mitschnitt.h"
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -28,6 +31,12 @@ using Griff = ServiceGriff<ValidierungsService>;
 
 static_assert(!std::is_copy_constructible_v<Griff> && !std::is_copy_assignable_v<Griff>);
 static_assert(std::is_nothrow_move_constructible_v<Griff>, "a growing vector moves its handles");
+template <class G>
+concept GibtHer = requires(G&& g) {
+    std::forward<G>(g).get();
+};
+static_assert(GibtHer<Griff&> && GibtHer<const Griff&> && !GibtHer<Griff>,
+              "what a handle holds that ends at once is no longer held");
 static_assert(std::is_same_v<decltype(ServiceGriff(std::declval<OrvoFADatenServiceErweiterung*>())),
                              ServiceGriff<Service>>);
 static_assert(std::is_same_v<decltype(ServiceGriff(std::declval<OrvoXPathMappingServiceErweiterung*>())),
@@ -222,13 +231,117 @@ TEST_F(ServiceGriffTest, EndsWithTheBlockThatAnExceptionLeaves) {
         const Griff griff(&erweiterung);
         throw std::runtime_error("somewhere in the client");
     } catch (const std::runtime_error&) {
-        erwarteUnbenutzt();
+        EXPECT_EQ(plugin.getUseCount(), 0);
+        EXPECT_THAT(erweiterung.getInstanzen(), IsEmpty());
     }
+    { const Griff griff(&erweiterung); } // the library was kept for the exception
+    erwarteUnbenutzt();
 }
 
 // The text says "Griff hält": its letters beyond ASCII are Latin-1.
 constexpr char kUeberlebt[] = "E Ein ServiceGriff h\xE4lt einen Service \xFC"
                               "ber das Ende seines Plugins hinaus. Factory: ";
+
+TEST_F(ServiceGriffTest, LeavesTheUseCountAsItWasWhenTheLibraryCannotBeOpened) {
+    const std::string beiseite = datei.pfad + ".beiseite";
+    std::filesystem::rename(datei.pfad, beiseite);
+    { EXPECT_FALSE(Griff(&erweiterung)); }
+    EXPECT_EQ(plugin.getUseCount(), 0);
+    EXPECT_EQ(erweiterung.holeService(), nullptr);
+    EXPECT_EQ(plugin.getUseCount(), -1) << "without a handle the use that was never counted is given back";
+    plugin.notifyUse();
+    std::filesystem::rename(beiseite, datei.pfad);
+    EXPECT_TRUE(Griff(&erweiterung)) << "one failed opening disables nothing";
+    erwarteUnbenutzt();
+}
+
+/// An extension class of the host's, whose own `holeService` gives another interface than its plugin's objects have.
+class ErweiterungDesHosts : public OrvoFADatenServiceErweiterung {
+public:
+    orvo::service::IXPathMappingService* holeService() {
+        return dynamic_cast<orvo::service::IXPathMappingService*>(OrvoServiceErweiterung::holeService());
+    }
+};
+
+TEST_F(ServiceGriffTest, TrustsNoInterfaceThatAnObjectWasFoundToHaveAsAnother) {
+    ErweiterungDesHosts eigene;
+    eigene.setPlugin(&plugin);
+    eigene.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    eigene.setServiceFactoryName("orvo_plugin_get_check_service");
+    const ServiceGriff<ValidierungsService> pruefung(&eigene);
+    EXPECT_TRUE(pruefung);
+    const ServiceGriff<IXPathMappingService> falsche(&eigene);
+    EXPECT_FALSE(falsche);
+    const ServiceGriff<orvo::service::DatensatzReaderService> auchFalsche(&eigene);
+    EXPECT_FALSE(auchFalsche);
+    EXPECT_EQ(plugin.getUseCount(), 1);
+}
+
+// The text says "hält" and "zurückgegeben".
+constexpr char kVergeben[] = "E Ein ServiceGriff h\xE4lt einen Service, der schon zur\xFC"
+                             "ckgegeben ist. Factory: gibtDenselbenService";
+
+TEST_F(ServiceGriffTest, IsOrphanedWhenItsObjectIsDeletedAtTheFirstReleaseOfSeveral) {
+    erweiterung.setServiceFactoryName("gibtDenselbenService");
+    Griff erster(&erweiterung), zweiter(&erweiterung), dritter(&erweiterung);
+    ASSERT_EQ(erster.get(), zweiter.get());
+    EXPECT_EQ(plugin.getUseCount(), 3);
+    erster.gibZurueck();
+    EXPECT_FALSE(erster.istVerwaist());
+    for (const Griff* griff : {&zweiter, &dritter}) {
+        EXPECT_TRUE(griff->istVerwaist());
+        EXPECT_FALSE(*griff);
+        EXPECT_EQ(griff->getErweiterung(), nullptr);
+    }
+    EXPECT_EQ(mitschnitt.anzahl(kVergeben), 1);
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, IsOrphanedWhenItsObjectIsDeletedWhileACallerHoldsItWithoutAHandle) {
+    erweiterung.setServiceFactoryName("gibtDenselbenService");
+    ValidierungsService* const lose = erweiterung.holeService();
+    const Griff griff(&erweiterung);
+    erweiterung.release(lose);
+    EXPECT_TRUE(griff.istVerwaist());
+    erwarteUnbenutzt();
+}
+
+TEST_F(ServiceGriffTest, LeavesTheUseOfACallerWithoutAHandleWhenItDeletesTheObject) {
+    erweiterung.setServiceFactoryName("gibtDenselbenService");
+    ValidierungsService* const lose = erweiterung.holeService();
+    { const Griff griff(&erweiterung); }
+    EXPECT_EQ(plugin.getUseCount(), 1);
+    erweiterung.release(lose);
+    erwarteUnbenutzt();
+    EXPECT_EQ(mitschnitt.anzahlMit("ServiceGriff"), 0);
+}
+
+TEST_F(ServiceGriffTest, IsOrphanedWhenItsServiceIsGivenBackPastIt) {
+    for (const bool loeschen : {true, false}) {
+        SCOPED_TRACE(loeschen);
+        erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, loeschen);
+        erweiterung.setServiceFactoryName(loeschen ? "orvo_plugin_get_check_service"
+                                                   : "gibtStaendigenService");
+        Griff griff(&erweiterung);
+        erweiterung.release(griff.get());
+        EXPECT_TRUE(griff.istVerwaist());
+        erwarteUnbenutzt();
+        Griff spaeterer(&erweiterung); // perhaps at the same address
+        griff = Griff();
+        EXPECT_TRUE(spaeterer);
+        EXPECT_EQ(plugin.getUseCount(), 1) << "the holder of another object keeps it";
+        EXPECT_EQ(mitschnitt.anzahlMit("Unbekannte Serviceinstanz"), 0);
+    }
+}
+
+TEST_F(ServiceGriffTest, StaysWhenACallerGivesBackItsOwnUseOfTheSameObject) {
+    gibDenselben();
+    const Griff griff(&erweiterung);
+    ValidierungsService* const lose = erweiterung.holeService();
+    erweiterung.release(lose);
+    EXPECT_TRUE(griff);
+    EXPECT_EQ(plugin.getUseCount(), 1);
+}
 
 class VerwaisterServiceGriff : public ServiceGriffTest {
 protected:
@@ -309,6 +422,26 @@ TEST_F(VerwaisterServiceGriff, IsNotHeldByACopyOfTheExtension) {
     const Griff griff(&erweiterung);
     entlade();
     EXPECT_TRUE(griff.istVerwaist()) << "the copy has none of the objects out, and none of the handles";
+}
+
+TEST_F(VerwaisterServiceGriff, OnAClientsOwnCopyOfTheExtensionTouchesNothingWhenThePluginIsGone) {
+    OrvoValidierungsServiceErweiterung kopie(erweiterung);
+    Griff griff(&kopie);
+    ASSERT_TRUE(griff);
+    entlade();
+    EXPECT_TRUE(griff.istVerwaist());
+    griff.gibZurueck();
+    EXPECT_EQ(mitschnitt.anzahl(std::string(kUeberlebt) + "gibtStaendigenService"), 1);
+}
+
+TEST_F(VerwaisterServiceGriff, OnAClientsOwnCopyOfTheExtensionTouchesNothingWhenTheCopyIsGone) {
+    auto kopie = std::make_unique<OrvoValidierungsServiceErweiterung>(erweiterung);
+    Griff griff(kopie.get());
+    kopie.reset();
+    EXPECT_TRUE(griff.istVerwaist());
+    EXPECT_FALSE(griff);
+    entlade();
+    EXPECT_EQ(mitschnitt.anzahl(std::string(kUeberlebt) + "gibtStaendigenService"), 1);
 }
 
 #ifndef NDEBUG

@@ -1,7 +1,5 @@
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 
-#include <orvoplugin/plugin/erweiterung/HoleServiceAls.h>
-
 namespace {
 
 constexpr tag_erweiterung_typ kTyp = ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG;
@@ -33,7 +31,7 @@ OrvoErweiterung* OrvoDatensatzReaderErweiterung::clone() const {
 }
 
 orvo::service::DatensatzReaderService* OrvoDatensatzReaderErweiterung::holeService() {
-    return holeServiceAls<orvo::service::DatensatzReaderService>();
+    return dynamic_cast<orvo::service::DatensatzReaderService*>(OrvoServiceErweiterung::holeService());
 }
 
 void OrvoDatensatzReaderErweiterung::addVorbedingung(const Bedingung& bedingung) {

@@ -1,14 +1,14 @@
 #include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
 
-#include <orvoplugin/plugin/Einsprungpunkt.h>
-#include <orvoplugin/plugin/Fremdcode.h>
-#include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
+#include <orvoplugin/plugin/intern/Pluginbibliothek.h>
 #include <orvoplugin/service/Service.h>
 #include <orvoutil/Latin1.h>
-#include <orvoutil/Logger.h>
 #include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
+
+#include <algorithm>
+#include <new>
 
 using namespace orvo::orvoutil;
 
@@ -16,129 +16,174 @@ namespace {
 
 constexpr char kKategorie[] = "orvo.plugin.erweiterung.OrvoServiceErweiterung";
 constexpr Latin1Text kOhnePlugin{u8"Erweiterung gehört zu keinem Plugin. Kein Service."};
+constexpr Latin1Text kOhneSpeicher{u8"Nicht genug Speicher. Kein Service."};
 constexpr Latin1Text kUeberlebt{
     u8"Ein ServiceGriff hält einen Service über das Ende seines Plugins hinaus. Factory: "};
+constexpr Latin1Text kVergeben{
+    u8"Ein ServiceGriff hält einen Service, der schon zurückgegeben ist. Factory: "};
 
-void spureBau(Logger* logger) {
-    const KonstruktorSpur spur(logger, "OrvoServiceErweiterung::OrvoServiceErweiterung");
+void spureBau(Log log) {
+    const KonstruktorSpur spur(log, "OrvoServiceErweiterung::OrvoServiceErweiterung");
     spur.ende();
-}
-
-/// "<vorspann> <factory> in Plugin <name of the library>"
-std::string woran(const char* vorspann, const std::string& factory, const SharedLib* bibliothek) {
-    return vorspann + factory + " in Plugin " + (bibliothek ? bibliothek->getName() : std::string());
-}
-
-void meldeVerwaiste(Logger* logger, const std::string& factory) noexcept {
-    try {
-        if (logger && logger->isErrorEnabled())
-            logger->error(kUeberlebt.c_str() + factory);
-    } catch (...) { // no memory for the text: then there is no entry
-    }
 }
 
 } // namespace
 
 OrvoServiceErweiterung::OrvoServiceErweiterung(tag_erweiterung_typ typ, const std::string& factoryName)
-    : OrvoErweiterung(typ), serviceFactoryName_(factoryName), logger_(Logger::getInstance(kKategorie)) {
-    spureBau(logger_);
+    : OrvoErweiterung(typ), serviceFactoryName_(factoryName), log_(kKategorie) {
+    spureBau(log_);
 }
 
 OrvoServiceErweiterung::OrvoServiceErweiterung(const OrvoServiceErweiterung& other)
-    : OrvoErweiterung(other),
-      serviceFactoryName_(other.serviceFactoryName_),
-      logger_(Logger::getInstance(kKategorie)) {
-    spureBau(logger_);
+    : OrvoErweiterung(other), serviceFactoryName_(other.serviceFactoryName_), log_(kKategorie) {
+    spureBau(log_);
 }
 
-OrvoServiceErweiterung::~OrvoServiceErweiterung() {
-    if (griffe_)
-        meldeVerwaiste(logger_, serviceFactoryName_);
-    while (griffe_)
-        griffe_->verwaise();
-}
+OrvoServiceErweiterung::~OrvoServiceErweiterung() { verwaiseAlle(); }
 
 void OrvoServiceErweiterung::setServiceFactoryName(const std::string& name) { serviceFactoryName_ = name; }
 
-Service* OrvoServiceErweiterung::holeService() {
-    const Spur spur(logger_, "OrvoServiceErweiterung::holeService");
+Service* OrvoServiceErweiterung::holeService() { return hole(Fehlversuch::Zaehlt); }
+
+Service* OrvoServiceErweiterung::hole(Fehlversuch fehlversuch) {
+    const Spur spur(log_, "OrvoServiceErweiterung::holeService");
     Service* service = nullptr;
-    if (OrvoPlugin* const plugin = getPlugin()) {
-        if (instanzen_.empty() || plugin->getUseCount() == 0)
-            gepruefteTabelle_ = nullptr; // no object kept the library open: it may be another than before
+    OrvoPlugin* const plugin = getPlugin();
+    if (!plugin) {
+        log_.error(kOhnePlugin);
+    } else if (!haltePlatzBereit()) {
+        log_.error(kOhneSpeicher);
+    } else {
+        const std::int32_t vorher = plugin->getUseCount();
         plugin->notifyUse();
-        service = erzeugeService();
-        if (service) {
-            merkeAusgabe(service);
-            zaehleAusgabe();
-        } else {
+        const bool gezaehlt = plugin->getUseCount() != vorher;
+        service = holeVon(*plugin);
+        if (!service && (gezaehlt || fehlversuch == Fehlversuch::Zaehlt))
             plugin->release();
-        }
-    } else if (logger_ && logger_->isErrorEnabled()) {
-        logger_->error(kOhnePlugin.c_str());
     }
     spur.ende();
     return service;
 }
 
-void OrvoServiceErweiterung::merkeAusgabe(Service* service) {
-    if (freierEintrag_) {
-        freierEintrag_.key() = service;
-        freierEintrag_.mapped() = 0;
-        auto ergebnis = instanzen_.insert(std::move(freierEintrag_));
-        freierEintrag_ = std::move(ergebnis.node); // still free if the object was out already
-        ++ergebnis.position->second;
-    } else {
-        ++instanzen_[service];
-    }
-    if (!geloeschte_.empty())
-        geloeschte_.erase(service); // a new object may stand where a deleted one stood
-}
-
-Service* OrvoServiceErweiterung::erzeugeService() {
-    SharedLib* const bibliothek = getPlugin()->getSharedLib();
-    using Factory = Service* (*)();
-    const auto factory =
-        bibliothek ? reinterpret_cast<Factory>(bibliothek->getSymbol(serviceFactoryName_)) : nullptr;
-    if (!factory) {
-        if (logger_ && logger_->isErrorEnabled())
-            logger_->error(woran("Konnte Funktion: ", serviceFactoryName_, bibliothek) + " nicht finden.");
+/// Returns: a service that is entered, or null.
+Service* OrvoServiceErweiterung::holeVon(OrvoPlugin& plugin) {
+    Service* const service = erzeugeService(plugin);
+    if (!service)
+        return nullptr;
+    if (!verbucheAusgabe(service)) {
+        log_.error(kOhneSpeicher);
         return nullptr;
     }
-    Service* service = nullptr;
-    const Pluginaufruf aufruf;
-    fremdcode::rufe([&] { service = factory(); },
-                    [&](const char* grund) {
-                        if (logger_ && logger_->isErrorEnabled())
-                            logger_->error(woran("Ausnahme in Funktion: ", serviceFactoryName_, bibliothek) +
-                                           ": " + grund);
-                    });
+    zaehleAusgabe();
     return service;
 }
 
+Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
+    auto* const factory = plugin.bibliothek().funktion<Service*()>(serviceFactoryName_);
+    const std::string& bibliothek = plugin.getBibliotheksname();
+    if (!factory) {
+        log_.error([&] {
+            return "Konnte Funktion: " + serviceFactoryName_ + " in Plugin " + bibliothek + " nicht finden.";
+        });
+        return nullptr;
+    }
+    Service* service = nullptr;
+    const Laufend laufend(Lauf::Aufruf);
+    Pluginbibliothek::rufe([&] { service = factory(); },
+                           [&](const char* grund) {
+                               log_.error([&] {
+                                   return "Ausnahme in Funktion: " + serviceFactoryName_ + " in Plugin " +
+                                          bibliothek + ": " + grund;
+                               });
+                           });
+    return service;
+}
+
+/// Makes the entry of the next object beforehand. Returns: whether there was memory for it.
+bool OrvoServiceErweiterung::haltePlatzBereit() noexcept {
+    if (freierPlatz_)
+        return true;
+    try {
+        std::map<Service*, int> neue;
+        neue.emplace(nullptr, 0);
+        freierPlatz_ = neue.extract(neue.begin());
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+/// Enters the object, or counts it once more. Returns: whether there was memory for it.
+bool OrvoServiceErweiterung::verbucheAusgabe(Service* service) noexcept {
+    freierPlatz_.key() = service;
+    freierPlatz_.mapped() = 0;
+    auto ergebnis = instanzen_.insert(std::move(freierPlatz_));
+    freierPlatz_ = std::move(ergebnis.node); // still free if the object was out already
+    int& anzahl = ergebnis.position->second;
+    if (anzahl > 0)
+        try {
+            geloeschte_.reserve(instanzen_.size()); // so that `release` needs no memory
+        } catch (const std::bad_alloc&) {
+            return false;
+        }
+    std::erase(geloeschte_, service); // a new object may stand where a deleted one stood
+    ++anzahl;
+    return true;
+}
+
 void OrvoServiceErweiterung::release(Service* service) {
-    const Spur spur(logger_, "OrvoServiceErweiterung::release");
+    const Spur spur(log_, "OrvoServiceErweiterung::release");
     const auto eintrag = instanzen_.find(service);
     if (eintrag == instanzen_.end()) {
-        if (logger_ && logger_->isWarnEnabled())
-            logger_->warn("Unbekannte Serviceinstanz. Ignoriere sie.");
+        log_.warn("Unbekannte Serviceinstanz. Ignoriere sie.");
         return;
     }
-    const bool geloescht = !geloeschte_.empty() && geloeschte_.contains(service);
+    const bool geloescht = std::find(geloeschte_.begin(), geloeschte_.end(), service) != geloeschte_.end();
     const bool loeschen = !geloescht && istFlagGesetzt(FLAG_SERVICE_LOESCHEN);
-    if (--eintrag->second == 0) {
-        freierEintrag_ = instanzen_.extract(eintrag);
-        if (geloescht)
-            geloeschte_.erase(service);
+    const int uebrige = --eintrag->second;
+    const int verwaiste = verwaiseUeberzaehlige(service, loeschen ? 0 : uebrige);
+    if (uebrige == 0) {
+        freierPlatz_ = instanzen_.extract(eintrag);
+        std::erase(geloeschte_, service);
     } else if (loeschen) {
-        geloeschte_.insert(service);
+        geloeschte_.push_back(service);
     }
     if (loeschen) {
-        const Pluginaufruf aufruf;
+        const Laufend laufend(Lauf::Aufruf);
         delete service;
     }
     zaehleRueckgabe();
     if (OrvoPlugin* const plugin = getPlugin())
         plugin->release();
     spur.ende();
+    for (int i = 0; i < std::min(verwaiste, uebrige); ++i) // what these handles held
+        release(service);
+}
+
+/// Takes the object from the handles that hold it, the latest first, until so many are left.
+/// Returns: how many became orphaned.
+int OrvoServiceErweiterung::verwaiseUeberzaehlige(const Service* service, int erlaubte) noexcept {
+    int haltende = 0;
+    for (ServiceGriffBasis* griff = griffe_; griff; griff = griff->naechsterDerErweiterung())
+        haltende += griff->haelt(service);
+    const int verwaiste = std::max(haltende - erlaubte, 0);
+    int uebrige = verwaiste;
+    for (ServiceGriffBasis* griff = griffe_; griff && uebrige > 0;) {
+        ServiceGriffBasis* const naechster = griff->naechsterDerErweiterung();
+        if (griff->haelt(service)) {
+            griff->verwaise();
+            --uebrige;
+        }
+        griff = naechster;
+    }
+    if (verwaiste > 0)
+        log_.error([&] { return kVergeben.c_str() + serviceFactoryName_; });
+    return verwaiste;
+}
+
+void OrvoServiceErweiterung::verwaiseAlle() noexcept {
+    if (griffe_)
+        log_.error([&] { return kUeberlebt.c_str() + serviceFactoryName_; });
+    while (griffe_)
+        griffe_->verwaise();
 }

@@ -1,7 +1,5 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
-#include <orvoplugin/plugin/erweiterung/HoleServiceAls.h>
-
 namespace {
 
 constexpr tag_erweiterung_typ kTyp = ORVO_CHECK_SERVICE_ERWEITERUNG;
@@ -33,7 +31,7 @@ OrvoErweiterung* OrvoValidierungsServiceErweiterung::clone() const {
 }
 
 orvo::service::ValidierungsService* OrvoValidierungsServiceErweiterung::holeService() {
-    return holeServiceAls<orvo::service::ValidierungsService>();
+    return dynamic_cast<orvo::service::ValidierungsService*>(OrvoServiceErweiterung::holeService());
 }
 
 void OrvoValidierungsServiceErweiterung::addVorbedingung(const Bedingung& bedingung) {

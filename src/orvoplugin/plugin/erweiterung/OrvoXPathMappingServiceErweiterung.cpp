@@ -1,7 +1,5 @@
 #include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
 
-#include <orvoplugin/plugin/erweiterung/HoleServiceAls.h>
-
 namespace {
 
 constexpr tag_erweiterung_typ kTyp = ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG;
@@ -33,5 +31,5 @@ OrvoErweiterung* OrvoXPathMappingServiceErweiterung::clone() const {
 }
 
 orvo::service::IXPathMappingService* OrvoXPathMappingServiceErweiterung::holeService() {
-    return holeServiceAls<orvo::service::IXPathMappingService>();
+    return dynamic_cast<orvo::service::IXPathMappingService*>(OrvoServiceErweiterung::holeService());
 }

@@ -2,97 +2,65 @@
 
 #include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
 #include <orvoplugin/service/Service.h>
-#include <orvoutil/Logger.h>
+#include <orvoutil/Log.h>
 
 #include <cassert>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
 
-/// What the handles of all interfaces have in common: the extension, the object, and a place in the extension's list
-/// of handles. Use `ServiceGriff`.
-class ServiceGriffBasis {
+class OrvoPlugin;
+
+/// What the handles of all interfaces have in common: the extension, the object, and a place in the lists of handles of
+/// the extension and of its plugin. Use `ServiceGriff`.
+class ORVOPLUGIN_API ServiceGriffBasis {
 public:
-    /// Whether the service's plugin was unloaded while this handle still held it. The handle is empty then.
+    /// Whether the service is gone while this handle still held it: its plugin was unloaded, its extension destroyed, or
+    /// the object given back past the handle. The handle is empty then.
     bool istVerwaist() const noexcept { return verwaist_; }
 
     /// Gives the service back before the handle ends; it is empty from then on. An empty handle stays as it is.
-    void gibZurueck() {
-        verwaist_ = false;
-        if (!service_)
-            return;
-        OrvoServiceErweiterung* const erweiterung = erweiterung_;
-        Service* const service = service_;
-        leere();
-        erweiterung->release(service);
-    }
+    void gibZurueck() noexcept;
 
 protected:
     ServiceGriffBasis() noexcept = default;
     ServiceGriffBasis(ServiceGriffBasis&& anderer) noexcept { uebernimm(anderer); }
-    ServiceGriffBasis& operator=(ServiceGriffBasis&& anderer) {
-        if (this != &anderer) {
-            gibZurueck();
-            uebernimm(anderer);
-        }
-        return *this;
-    }
+    ServiceGriffBasis& operator=(ServiceGriffBasis&& anderer) noexcept;
     ~ServiceGriffBasis() { gibZurueck(); }
 
-    /// Holds a service that the extension has just handed out.
-    void halte(OrvoServiceErweiterung& erweiterung, Service& service) noexcept {
-        erweiterung_ = &erweiterung;
-        service_ = &service;
-        reiheEin(erweiterung.griffe_);
-    }
-
-    template <class T>
-    static T* alsSchnittstelle(OrvoServiceErweiterung& erweiterung, Service* service) {
-        return erweiterung.alsSchnittstelle<T>(service);
-    }
+    /// Gets a service from the extension and holds it. Returns: the service; null when there is none.
+    Service* hole(OrvoServiceErweiterung& erweiterung);
 
     OrvoServiceErweiterung* erweiterung_ = nullptr; // null, as is the service, in an empty handle
     Service* service_ = nullptr;
-    bool verwaist_ = false;
 
 private:
+    friend class OrvoPlugin;
     friend class OrvoServiceErweiterung;
 
-    void reiheEin(ServiceGriffBasis*& stelle) noexcept {
-        naechster_ = stelle;
-        verweis_ = &stelle;
-        stelle = this;
-        if (naechster_)
-            naechster_->verweis_ = &naechster_;
-    }
+    enum Liste { DES_PLUGINS, DER_ERWEITERUNG };
+    /// A place in a list that is linked both ways.
+    struct Glied {
+        ServiceGriffBasis* naechster = nullptr;
+        ServiceGriffBasis** verweis = nullptr; // what points to this handle
+    };
 
-    void leere() noexcept {
-        *verweis_ = naechster_;
-        if (naechster_)
-            naechster_->verweis_ = verweis_;
-        erweiterung_ = nullptr;
-        service_ = nullptr;
-    }
+    static void verwaiseAlle(OrvoPlugin& plugin) noexcept;
 
-    void uebernimm(ServiceGriffBasis& anderer) noexcept {
-        verwaist_ = anderer.verwaist_;
-        anderer.verwaist_ = false;
-        if (!anderer.service_)
-            return;
-        OrvoServiceErweiterung& erweiterung = *anderer.erweiterung_;
-        Service& service = *anderer.service_;
-        anderer.leere();
-        halte(erweiterung, service);
+    ServiceGriffBasis* naechsterDerErweiterung() const noexcept {
+        return glieder_[DER_ERWEITERUNG].naechster;
     }
+    bool haelt(const Service* service) const noexcept { return service_ == service; }
+    void halte(OrvoPlugin& plugin, OrvoServiceErweiterung& erweiterung, Service& service) noexcept;
+    void uebernimm(ServiceGriffBasis& anderer) noexcept;
+    void reiheEin(Liste liste, ServiceGriffBasis*& anfang) noexcept;
+    void leere() noexcept;
+    /// The service goes: it is not touched any more.
+    void verwaise() noexcept;
 
-    /// The extension goes, and the service's code with it: neither is touched any more.
-    void verwaise() noexcept {
-        leere();
-        verwaist_ = true;
-    }
-
-    ServiceGriffBasis* naechster_ = nullptr; // in the extension's list
-    ServiceGriffBasis** verweis_ = nullptr;  // what points to this handle in that list
+    OrvoPlugin* plugin_ = nullptr;
+    Glied glieder_[2];
+    bool verwaist_ = false;
 };
 
 /// Holds one service of interface `T`, and gives it back through its extension at its end. Like a `std::unique_ptr`
@@ -104,17 +72,21 @@ private:
 ///
 /// **A handle must end, or be given back, before its plugin is unloaded**: before `OrvoPluginManager::reload`, before
 /// a change of "basis.home_dir", before the end of the process's objects. An observer may still give it back while it
-/// hears `pluginZerstoert`. One that does outlive its plugin is found out, whatever the build: when the extension
-/// goes it empties the handle, which touches neither of them from then on, and the log says so at level error. The
-/// service object itself is lost: its code has left the process. In debug builds (without `NDEBUG`) a use of such a
-/// handle through `->` or `*` ends the process with a message; in others it is the use of a null pointer.
+/// hears `pluginZerstoert`. If a handle outlives its plugin, the library detects it: the handle becomes empty and
+/// orphaned (`istVerwaist`), touches nothing from then on, and the log says so at level error. The service object itself
+/// is lost: its code has left the process. In debug builds (without `NDEBUG`) a use of an empty handle through `->` or
+/// `*` ends the process with a message; in others it is the use of a null pointer.
+///
+/// A handle also becomes orphaned when its object goes otherwise: deleted at the first release of several (see
+/// `FLAG_SERVICE_LOESCHEN`), or given back past the handle with `OrvoServiceErweiterung::release`.
 ///
 /// Parameters: `T` is `Service` or derives from it, not virtually.
 /// Errors: empty when there is no extension, when the factory gives nothing (the log says why), and when the object
 /// is not a `T`: then it has been given back at once, so that nothing keeps the plugin's library open, and the log
-/// names the interface at level warning. Throws nothing but for want of memory.
+/// names the interface at level warning. Throws nothing. A failed opening of the library leaves the plugin's use count
+/// as it was.
 /// Costs: the given operations and a few pointers set; it allocates nothing.
-/// Threads: one thread at a time, as everywhere in this library; the unloading of plugins included.
+/// Threads: one thread at a time; unloading plugins counts as a use of every handle.
 template <class T>
 class [[nodiscard]] ServiceGriff : public ServiceGriffBasis {
     static_assert(std::is_base_of_v<Service, T>,
@@ -125,29 +97,26 @@ public:
     /// Gets a service from the extension; null gives an empty handle.
     template <class Erweiterung>
     explicit ServiceGriff(Erweiterung* erweiterung) {
-        Service* const service = erweiterung ? erweiterung->OrvoServiceErweiterung::holeService() : nullptr;
-        if (!service)
-            return;
-        halte(*erweiterung, *service);
-        constexpr bool istEigene = std::is_same_v<T*, decltype(erweiterung->holeService())>;
-        if (!istVerlangt<istEigene>(*erweiterung, service)) {
+        Service* const service = erweiterung ? hole(*erweiterung) : nullptr;
+        if (service && !istVerlangt(service)) {
             gibZurueck();
             meldeFalscheSchnittstelle();
         }
     }
     ServiceGriff(ServiceGriff&&) noexcept = default;
     /// Gives back what it held before. Moving a handle onto itself changes nothing.
-    ServiceGriff& operator=(ServiceGriff&&) = default;
+    ServiceGriff& operator=(ServiceGriff&&) noexcept = default;
     /// Gives the service back.
     ~ServiceGriff() = default;
 
     explicit operator bool() const noexcept { return service_ != nullptr; }
     /// The service, owned by the plugin or the extension and never by the caller; null in an empty handle. Valid as
-    /// long as the handle holds it.
-    T* get() const noexcept { return static_cast<T*>(service_); }
+    /// long as the handle holds it, so not of a handle that ends with the expression.
+    T* get() const& noexcept { return static_cast<T*>(service_); }
+    T* get() const&& = delete;
     /// The handle must not be empty.
     T* operator->() const noexcept {
-        assert(!verwaist_ && "ServiceGriff: the service's plugin was unloaded while the handle held it");
+        assert(!istVerwaist() && "ServiceGriff: the service's plugin was unloaded while the handle held it");
         assert(service_ && "ServiceGriff: use of an empty handle");
         return get();
     }
@@ -156,22 +125,17 @@ public:
     OrvoServiceErweiterung* getErweiterung() const noexcept { return erweiterung_; }
 
 private:
-    template <bool istEigene> // of the extension's kind: then it knows the class of its objects
-    static bool istVerlangt(OrvoServiceErweiterung& erweiterung, Service* service) {
-        T* verlangter;
+    static bool istVerlangt(Service* service) {
         if constexpr (std::is_same_v<T, Service>)
-            verlangter = service;
-        else if constexpr (istEigene)
-            verlangter = alsSchnittstelle<T>(erweiterung, service);
+            return true;
         else
-            verlangter = dynamic_cast<T*>(service);
-        return verlangter && static_cast<Service*>(verlangter) == service;
+            return static_cast<Service*>(dynamic_cast<T*>(service)) == service;
     }
 
     static void meldeFalscheSchnittstelle() {
-        auto* const logger = orvo::orvoutil::Logger::getInstance("orvo.plugin.erweiterung.ServiceGriff");
-        if (logger && logger->isWarnEnabled())
-            logger->warn(std::string("Service hat nicht die verlangte Schnittstelle: ") + typeid(T).name());
+        orvo::orvoutil::Log("orvo.plugin.erweiterung.ServiceGriff").warn([] {
+            return std::string("Service hat nicht die verlangte Schnittstelle: ") + typeid(T).name();
+        });
     }
 };
 
