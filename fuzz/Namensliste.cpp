@@ -1,6 +1,6 @@
 // The setting that lists the resident plugins.
 
-#include <orvoplugin/plugin/Namensliste.h>
+#include <orvoplugin/plugin/intern/Namensliste.h>
 
 #include "Eingabe.h"
 

@@ -157,19 +157,31 @@ TEST_F(BeobachterStoerfall, OneThatAddsAnotherWhileToldHasItToldFromTheNextEvent
     erwarteAllesWieVorher();
 }
 
-TEST_F(BeobachterStoerfall, OneThatOrdersLoadingWhileToldIsRefused) {
+TEST_F(BeobachterStoerfall, OneThatOrdersRunsWhileToldIsRefused) {
     Beobachter befehlender([&](const std::string&) {
         manager->reload();
         EXPECT_FALSE(manager->ladePlugins());
-        EXPECT_FALSE(manager->ladePlugin(vorher));
+        EXPECT_FALSE(manager->ladePluginsRekursiv(home.pfad("plugins")));
         EXPECT_TRUE(manager->entladePlugins());
     });
     EXPECT_TRUE(ladeNeuMit({&befehlender}));
     EXPECT_EQ(befehlender.gehoert, alles);
     const std::string abgelehnt = "W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ";
-    for (const char* const auftrag : {"reload()", "ladePlugins()", "ladePlugin()", "entladePlugins()"})
+    for (const char* const auftrag :
+         {"reload()", "ladePlugins()", "ladePluginsRekursiv()", "entladePlugins()"})
         EXPECT_EQ(log.anzahl(abgelehnt + auftrag), 4) << auftrag;
     EXPECT_EQ(warnungen().size(), 16u);
+    erwarteAllesWieVorher();
+}
+
+TEST_F(BeobachterStoerfall, OneThatOrdersThePluginOfWhichItIsToldIsRefused) {
+    Beobachter befehlender(
+        [&](const std::string& ereignis) { EXPECT_FALSE(manager->ladePlugin(plugin(ereignis.substr(1)))); });
+    EXPECT_TRUE(ladeNeuMit({&befehlender}));
+    EXPECT_EQ(befehlender.gehoert, alles);
+    EXPECT_EQ(log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ladePlugin()"),
+              4);
+    EXPECT_EQ(warnungen().size(), 4u);
     erwarteAllesWieVorher();
 }
 

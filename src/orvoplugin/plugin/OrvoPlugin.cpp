@@ -1,13 +1,15 @@
 #include <orvoplugin/plugin/OrvoPlugin.h>
 
-#include <orvoplugin/plugin/Einsprungpunkt.h>
-#include <orvoutil/Logger.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
+#include <orvoplugin/plugin/intern/Pluginbibliothek.h>
 #include <orvoutil/PathUtil.h>
 #include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
 
 #include <locale>
+#include <new>
 #include <sstream>
+#include <utility>
 
 using namespace orvo::orvoutil;
 
@@ -17,46 +19,50 @@ OrvoPlugin::LabelEintrag& OrvoPlugin::LabelEintrag::operator=(const LabelEintrag
 OrvoPlugin::LabelEintrag::~LabelEintrag() = default;
 
 OrvoPlugin::OrvoPlugin(const orvo_plugin_version_t& version, SharedLib* sharedLib)
-    : typ_(version.type), sharedLib_(sharedLib), logger_(loggerFuer("OrvoPlugin", sharedLib)) {
-    const KonstruktorSpur spur(logger_, "OrvoPlugin()");
+    : OrvoPlugin(version, Pluginbibliothek::fuer(sharedLib)) {}
+
+OrvoPlugin::OrvoPlugin(const orvo_plugin_version_t& version, Bibliothekszeiger bibliothek)
+    : typ_(version.type),
+      sharedLib_(bibliothek->get()),
+      log_(logFuer("OrvoPlugin", sharedLib_)),
+      bibliothek_(std::move(bibliothek)) {
+    const KonstruktorSpur spur(log_, "OrvoPlugin()");
     spur.ende();
 }
 
 OrvoPlugin::~OrvoPlugin() {
-    const DestruktorSpur spur(logger_, "OrvoPlugin()");
-    {
-        const Laderarbeit laderarbeit; // it is closed if it is open
-        delete sharedLib_;
-    }
+    const DestruktorSpur spur(log_, "OrvoPlugin()");
+    ServiceGriffBasis::verwaiseAlle(*this);
+    bibliothek_.reset();
     spur.ende();
 }
 
 void OrvoPlugin::setProduktVersion(const std::string& version) {
-    const Spur spur(logger_, "OrvoPlugin::setProduktVersion");
+    const Spur spur(log_, "OrvoPlugin::setProduktVersion");
     produktVersion_ = version;
     spur.ende();
 }
 
 void OrvoPlugin::setFileVersion(const std::string& version) {
-    const Spur spur(logger_, "OrvoPlugin::setFileVersion");
+    const Spur spur(log_, "OrvoPlugin::setFileVersion");
     fileVersion_ = version;
     spur.ende();
 }
 
 void OrvoPlugin::addLabelInformation(const LabelEintrag& label) {
-    const Spur spur(logger_, "OrvoPlugin::addLabel");
+    const Spur spur(log_, "OrvoPlugin::addLabel");
     labels_.push_back(label);
     spur.ende();
 }
 
 void OrvoPlugin::setResident(bool resident) {
-    const Spur spur(logger_, "OrvoPlugin::setResident");
+    const Spur spur(log_, "OrvoPlugin::setResident");
     resident_ = resident;
     spur.ende();
 }
 
 void OrvoPlugin::setStatus(const orvo_plugin_status_t& status) {
-    const Spur spur(logger_, "OrvoPlugin::setStatus");
+    const Spur spur(log_, "OrvoPlugin::setStatus");
     status_ = status;
     spur.ende();
 }
@@ -76,25 +82,29 @@ std::string OrvoPlugin::toString() const {
     return text.str();
 }
 
-Logger* OrvoPlugin::loggerFuer(const char* klasse, const SharedLib* sharedLib) {
+Log OrvoPlugin::logFuer(const char* klasse, const SharedLib* sharedLib) noexcept {
     if (!Logger::hatSenke())
-        return nullptr;
-    std::string kategorie = "orvo.plugin.";
-    kategorie += klasse;
-    kategorie += '(';
-    if (sharedLib)
-        kategorie += getOnlyFilenameOfFullFilename(sharedLib->getName());
-    kategorie += ')';
-    return Logger::getInstance(kategorie);
+        return {};
+    try {
+        std::string kategorie = "orvo.plugin.";
+        kategorie += klasse;
+        kategorie += '(';
+        if (sharedLib)
+            kategorie += getOnlyFilenameOfFullFilename(sharedLib->getName());
+        kategorie += ')';
+        return Log(kategorie);
+    } catch (const std::bad_alloc&) { // then the plugin has no log
+        return {};
+    }
 }
 
 const std::string& OrvoPlugin::getBibliotheksname() const {
-    static const std::string& ohneNamen = *new std::string; // outlives whoever asks at the process's end
+    static const std::string& ohneNamen = *new std::string; // outlives callers at the end of the process
     return sharedLib_ ? sharedLib_->getName() : ohneNamen;
 }
 
-SharedLib* OrvoPlugin::gibBibliothekAb() {
-    SharedLib* const bibliothek = sharedLib_;
+OrvoPlugin::Bibliothekszeiger OrvoPlugin::gibBibliothekAb() {
+    Bibliothekszeiger abgegebene = std::exchange(bibliothek_, Pluginbibliothek::fuer(nullptr));
     sharedLib_ = nullptr;
-    return bibliothek;
+    return abgegebene;
 }

@@ -3,15 +3,24 @@
 #include <orvoplugin/Export.h>
 #include <orvoplugin/domain/Veranlagungszeitraum.h>
 #include <orvoplugin/plugin/PluginVersion.h>
+#include <orvoutil/Log.h>
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <string>
 
+class Pluginbibliothek;
+class ServiceGriffBasis;
+
+/// Ends a plugin's library as soon as that is safe.
+struct BibliotheksSchliesser {
+    void operator()(Pluginbibliothek* bibliothek) const noexcept;
+};
+
 namespace orvo::orvoutil {
-class Logger;
 class SharedLib;
-} // namespace orvo::orvoutil
+}
 
 /// Where a plugin stands between being made and being closed for good. A plugin may carry any other value.
 enum orvo_plugin_status_t : std::int32_t {
@@ -26,8 +35,7 @@ enum orvo_plugin_status_t : std::int32_t {
 /// The setters are for the plugin, which is handed the object while it initialises itself, and for the manager.
 ///
 /// Ownership: owns its library handle and closes it when it is destroyed. The plugin manager owns the plugins.
-/// Errors: nothing here throws but for want of memory. A null library handle is taken as one without a name.
-/// Threads: one thread at a time, as everywhere in this library.
+/// Errors: nothing here throws but `std::bad_alloc`. A null library handle is taken as one without a name.
 class ORVOPLUGIN_API OrvoPlugin {
 public:
     /// A label of the plugin; the library stores and copies it, the meaning is the plugin's.
@@ -87,21 +95,31 @@ public:
     const std::list<LabelEintrag>& getLabels() const { return labels_; }
 
 protected:
-    /// The logger of category "orvo.plugin.<klasse>(<file name of the library>)"; null while nobody listens.
-    static orvo::orvoutil::Logger* loggerFuer(const char* klasse, const orvo::orvoutil::SharedLib* sharedLib);
+    using Bibliothekszeiger = std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser>;
+
+    /// Takes the door to the library over, and with it the library.
+    OrvoPlugin(const orvo_plugin_version_t& version, Bibliothekszeiger bibliothek);
+
+    /// The log of category "orvo.plugin.<klasse>(<file name of the library>)".
+    static orvo::orvoutil::Log logFuer(const char* klasse,
+                                       const orvo::orvoutil::SharedLib* sharedLib) noexcept;
 
     /// Path of the library; empty without one.
     const std::string& getBibliotheksname() const;
+    Pluginbibliothek& bibliothek() const { return *bibliothek_; }
     /// Hands the library to the caller; the plugin is left without one.
-    orvo::orvoutil::SharedLib* gibBibliothekAb();
+    Bibliothekszeiger gibBibliothekAb();
     /// Changes the state as `setStatus` does, but leaves no trace in the log.
-    void merkeStatus(orvo_plugin_status_t status) { status_ = status; }
+    void setzeStatus(orvo_plugin_status_t status) { status_ = status; }
     std::int32_t zaehleNutzerHoch() { return ++useCount_; }
     std::int32_t zaehleNutzerRunter() { return --useCount_; }
 
 private:
+    friend class OrvoServiceErweiterung;
+    friend class ServiceGriffBasis;
+
     std::int32_t typ_;
-    orvo::orvoutil::SharedLib* sharedLib_;
+    orvo::orvoutil::SharedLib* sharedLib_; ///< owned by `bibliothek_`
     orvo_plugin_status_t status_ = ORVO_PLUGIN_ERZEUGT;
     std::string produktVersion_;
     std::string fileVersion_;
@@ -111,5 +129,8 @@ private:
     std::string onUnloadFuncName_;
     std::string onLoadFuncName_;
     [[maybe_unused]] std::string reserviert_; ///< kept for the layout; no operation uses it
-    orvo::orvoutil::Logger* logger_;
+    orvo::orvoutil::Log log_;
+    Bibliothekszeiger bibliothek_;
+    ServiceGriffBasis* griffe_ =
+        nullptr; ///< the handles that hold a service of this plugin, the latest first
 };

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <orvoplugin/Export.h>
-
-#include <memory>
+#include <orvoplugin/plugin/LadeBeobachter.h>
 
 class OrvoPlugin;
-class OrvoPluginV1;
 
 namespace orvo::orvoutil {
 class SharedLib;
@@ -14,12 +12,9 @@ class SharedLib;
 /// Turns a shared library into a plugin: opens it, has it say which interface it implements, and lets it describe
 /// itself.
 ///
-/// A plugin may throw anything, also an object of a class of its own. Therefore a library that is refused by such
-/// an exception stays open as long as its loader lives (or until the loader's next library), so that the
-/// exception can be looked at and destroyed: let the loader outlive the handler. A loader that is destroyed while
-/// the exception is still on its way leaves the library to the next loader.
-///
-/// Threads: one thread at a time, as everywhere in this library.
+/// A plugin may throw anything, also an object of a class of its own. So the library of a plugin that throws stays open
+/// while the exception lives; it is closed when the loader ends or loads the next library, or at the next use of any
+/// plugin.
 class ORVOPLUGIN_API OrvoPluginLoader {
 public:
     OrvoPluginLoader();
@@ -35,9 +30,9 @@ public:
     /// Errors: `PluginLoaderException`, `PluginInitException`, or whatever the plugin throws.
     OrvoPlugin* loadPlugin(orvo::orvoutil::SharedLib* bibliothek);
 
-private:
-    struct Obhut;
+    /// The step at which the last `loadPlugin` failed.
+    orvo_plugin_ablehnung_t getSchritt() const { return schritt_; }
 
-    std::unique_ptr<Obhut> obhut_; ///< what is being loaded, or was refused and is kept open
-    int ausnahmenBeiBau_;
+private:
+    orvo_plugin_ablehnung_t schritt_ = ABLEHNUNG_OEFFNEN;
 };

@@ -1,16 +1,12 @@
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
-#include <orvoplugin/plugin/Einsprungpunkt.h>
-#include <orvoplugin/plugin/Einzelinstanz.h>
-#include <orvoplugin/plugin/Fremdcode.h>
 #include <orvoplugin/plugin/LadeBeobachter.h>
-#include <orvoplugin/plugin/Ladeschritt.h>
-#include <orvoplugin/plugin/Namensliste.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
+#include <orvoplugin/plugin/intern/Einzelinstanz.h>
+#include <orvoplugin/plugin/intern/Namensliste.h>
 #include <orvoutil/DirReader.h>
 #include <orvoutil/Einstellungen.h>
-#include <orvoutil/Logger.h>
 #include <orvoutil/PathUtil.h>
 #include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
@@ -18,31 +14,17 @@
 
 #include <algorithm>
 #include <exception>
+#include <iostream>
 #include <memory>
-#include <new>
 #include <set>
 #include <string_view>
 #include <utility>
-
-#ifdef __GLIBCXX__
-// <iostream> would set up the standard streams whenever a process starts with this library, a twentieth of what that
-// takes. Here it waits until there is something to write.
-#include <ostream>
-namespace std {
-extern ostream cout;
-}
-#else
-#include <iostream>
-#endif
 
 using namespace orvo::orvoutil;
 
 namespace {
 
 constexpr char kMarke[] = "OrvoPluginManager"; // tag of this class's log entries
-constexpr int kOhneCode = 99;
-constexpr int kEinstellungGeaendert = 3;
-constexpr char kHomeDir[] = "basis.home_dir";
 constexpr char kPluginVerzeichnis[] = "plugins";
 constexpr char kPluginEndung[] = ".dylib";
 
@@ -52,7 +34,7 @@ constexpr std::string_view kSperrliste[] = {
     "libfrendolin.dylib",     "libbrosmat.dylib",     "libwendrup.dylib",
 };
 
-LadeBeobachter* ladeBeobachter = nullptr; // asked for at each step: it may take itself out at any of them
+LadeBeobachter* ladeBeobachter = nullptr; // re-read before each call: a callback may reset it
 
 /// The resident plugins' names. Never destroyed: plugins may still be loaded while the process ends.
 std::set<std::string>& residentePlugins() {
@@ -60,13 +42,14 @@ std::set<std::string>& residentePlugins() {
     return namen;
 }
 
-void liesResidentePlugins(std::set<std::string>& namen) {
+std::set<std::string> gelesenePluginnamen() {
+    std::set<std::string> namen;
     const std::string liste = Einstellungen().basisResidentPlugins();
     fuerJedenNamen(liste, [&](std::string_view name) {
-        static const std::ios_base::Init ausgabe;
         std::cout << "Resident Plugin: " << name << std::endl;
         namen.emplace(name);
     });
+    return namen;
 }
 
 /// Where a listed file is, with what follows its last dot in lower case. Each name in the listing has a dot.
@@ -79,16 +62,33 @@ std::string pfadMitKleinerEndung(const std::string& verzeichnis, const std::stri
 
 } // namespace
 
-/// Stands for the time in which code of a plugin or an observer runs on the manager's behalf.
-class OrvoPluginManager::Fremdarbeit {
+/// Notes what the manager is doing, for as long as it lives.
+class OrvoPluginManager::Arbeitend {
 public:
-    explicit Fremdarbeit(OrvoPluginManager& manager) : laufende_(manager.fremdarbeit_) { ++laufende_; }
-    Fremdarbeit(const Fremdarbeit&) = delete;
-    Fremdarbeit& operator=(const Fremdarbeit&) = delete;
-    ~Fremdarbeit() { --laufende_; }
+    Arbeitend(OrvoPluginManager& manager, Arbeit arbeit) noexcept
+        : arbeit_(manager.arbeit_), vorher_(std::exchange(manager.arbeit_, arbeit)) {}
+    Arbeitend(const Arbeitend&) = delete;
+    Arbeitend& operator=(const Arbeitend&) = delete;
+    ~Arbeitend() { arbeit_ = vorher_; }
 
 private:
-    int& laufende_;
+    Arbeit& arbeit_;
+    const Arbeit vorher_;
+};
+
+/// A file that is being loaded, until the observers have heard of it.
+struct OrvoPluginManager::Ladevorgang {
+    Ladevorgang(OrvoPluginManager& manager, const std::string& datei) noexcept
+        : pfad(datei), aeusserer(manager.ladevorgang_), innerster(manager.ladevorgang_) {
+        innerster = this;
+    }
+    Ladevorgang(const Ladevorgang&) = delete;
+    Ladevorgang& operator=(const Ladevorgang&) = delete;
+    ~Ladevorgang() { innerster = aeusserer; }
+
+    const std::string& pfad;
+    const Ladevorgang* const aeusserer;
+    const Ladevorgang*& innerster;
 };
 
 OrvoPluginManager* OrvoPluginManager::getInstanz(PluginObserver* observer) {
@@ -98,17 +98,25 @@ OrvoPluginManager* OrvoPluginManager::getInstanz(PluginObserver* observer) {
     return holeEinzelinstanz<OrvoPluginManager>(texte, [&] { return new OrvoPluginManager(observer); });
 }
 
-OrvoPluginManager::OrvoPluginManager(PluginObserver* observer)
-    : logger_(Logger::getInstance(kPluginManagerName)) {
-    const KonstruktorSpur spur(logger_, "OrvoPluginManager()");
-    addObserver(observer);
-    initialisiere();
-    Einstellungen().beobachterAnmelden(this);
+OrvoPluginManager::OrvoPluginManager(PluginObserver* observer) : log_(kPluginManagerName) {
+    const KonstruktorSpur spur(log_, "OrvoPluginManager()");
+    try {
+        addObserver(observer);
+        const std::string home = Einstellungen().basisHomeDir();
+        initialisiere();
+        Einstellungen().beobachterAnmelden(this);
+        if (Einstellungen().basisHomeDir() != home) // changed by a plugin or an observer, and nobody told
+            wechsleHome();
+    } catch (...) {
+        Einstellungen().beobachterAbmelden(this);
+        entladeAlle();
+        throw;
+    }
     spur.ende();
 }
 
 OrvoPluginManager::~OrvoPluginManager() {
-    const DestruktorSpur spur(logger_, "OrvoPluginManager()");
+    const DestruktorSpur spur(log_, "OrvoPluginManager()");
     Einstellungen().beobachterAbmelden(this);
     entladeAlle(); // also while a plugin is at work: then it has ended the process, and does not come back
     status_ = 2;
@@ -116,63 +124,130 @@ OrvoPluginManager::~OrvoPluginManager() {
 }
 
 bool OrvoPluginManager::initialisiere() {
-    const Spur spur(logger_, "OrvoPluginManager::startup"); // has no exit line
-    protokolliere("Starte OrvoPluginManager");
+    const Spur spur(log_, "OrvoPluginManager::startup"); // has no exit line
+    log_.ereignis(kMarke, "Starte OrvoPluginManager");
     initPluginSuchPfad();
     const bool erfolg = ladePlugins();
-    protokolliere(erfolg ? "erfolgreich gestartet" : "nicht erfolgreich gestartet");
+    log_.ereignis(kMarke, erfolg ? "erfolgreich gestartet" : "nicht erfolgreich gestartet");
     status_ = 1;
     return erfolg;
 }
 
 bool OrvoPluginManager::entladePlugins() {
-    if (nimmtAuftragAn("entladePlugins()"))
-        entladeAlle();
+    if (!darfEntladen())
+        return !lehneAb("entladePlugins()");
+    entladeAlle();
+    if (std::exchange(wechselSteht_, false))
+        initPluginSuchPfad();
     return true;
 }
 
-void OrvoPluginManager::entladeAlle() {
-    const Spur spur(logger_, "entladePlugins()");
-    while (!plugins_.empty()) {
-        const Fremdarbeit fremdarbeit(*this); // also for the log's reader: no orders meanwhile
-        std::unique_ptr<OrvoPlugin> plugin(plugins_.front());
-        if (plugin->getStatus() == ORVO_PLUGIN_GELADEN && plugin->getSharedLib())
-            protokolliere("entlade Plugin ", plugin->getSharedLib()->getName());
-        plugins_.pop_front();
-        fremdcode::rufe([&] { notifyUnload(plugin.get()); },
-                        [&](const char* grund) {
-                            if (logger_ && logger_->isErrorEnabled())
-                                logger_->error(std::string("Ausnahme beim Abmelden eines Plugins: ") + grund);
-                        });
-    }
-    spur.ende();
-}
-
 void OrvoPluginManager::reload() {
-    if (!nimmtAuftragAn("reload()"))
+    if (!darfEntladen()) {
+        lehneAb("reload()");
         return;
-    protokolliere("Reload OrvoPluginManager");
+    }
+    log_.ereignis(kMarke, "Reload OrvoPluginManager");
     entladePlugins();
     ladePlugins();
-    protokolliere("Reload OrvoPluginManager erfolgt.");
+    log_.ereignis(kMarke, "Reload OrvoPluginManager erfolgt.");
+}
+
+bool OrvoPluginManager::ladePlugins() {
+    if (arbeit_ != Arbeit::Keine)
+        return lehneAb("ladePlugins()");
+    if (wechselSteht_ && darfEntladen())
+        entladePlugins();
+    const bool erfolg = ladeAlle();
+    holeWechselNach();
+    return erfolg;
+}
+
+bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
+    if (arbeit_ != Arbeit::Keine)
+        return lehneAb("ladePluginsRekursiv()");
+    const bool erfolg = durchsuche(verzeichnis);
+    holeWechselNach();
+    return erfolg;
+}
+
+bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
+    if (arbeit_ == Arbeit::ImGang || wirdGeladen(pfad))
+        return lehneAb("ladePlugin()");
+    const std::string datei = pfad; // which may be the name of a plugin that goes now
+    holeWechselNach();
+    const bool erfolg = ladeDatei(datei, false);
+    holeWechselNach();
+    return erfolg;
 }
 
 void OrvoPluginManager::empfangeAenderungsNachricht(const AenderungsNachricht& nachricht) {
-    if (nachricht.getArt() != kEinstellungGeaendert || nachricht.getSchluessel() != kHomeDir ||
-        !nimmtAuftragAn(kHomeDir))
+    if (nachricht.getArt() != AenderungsNachricht::EINSTELLUNG_GEAENDERT ||
+        nachricht.getSchluessel() != EINSTELLUNG_HOME_DIR)
         return;
-    entladePlugins();
-    initPluginSuchPfad();
-    ladePlugins();
+    wechselSteht_ = true;
+    if (!darfEntladen())
+        log_.warn([] {
+            return std::string("Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: ") +
+                   EINSTELLUNG_HOME_DIR;
+        });
+    holeWechselNach();
+    holeWechselNach(); // a plugin of the new home may have changed it meanwhile
 }
 
-bool OrvoPluginManager::nimmtAuftragAn(const char* auftrag) const {
-    if (fremdarbeit_ == 0 && !Pluginaufruf::laeuft())
-        return true;
-    if (logger_ && logger_->isWarnEnabled())
-        logger_->warn(std::string("Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ") +
-                      auftrag);
+/// Follows a change of the home directory, if there was one and plugins may be unloaded now. What changes it once more
+/// meanwhile is left to the next call, so that two plugins cannot keep the manager busy for ever.
+void OrvoPluginManager::holeWechselNach() {
+    if (wechselSteht_ && darfEntladen())
+        wechsleHome();
+}
+
+void OrvoPluginManager::wechsleHome() {
+    wechselSteht_ = false;
+    entladeAlle();
+    initPluginSuchPfad();
+    ladeAlle();
+}
+
+/// Whether nothing is under way that needs the plugins' code, or the list of plugins as it is.
+bool OrvoPluginManager::darfEntladen() const {
+    return arbeit_ == Arbeit::Keine && !Laufend::gibtEsIrgendeinen();
+}
+
+/// Whether that very file is being loaded: an observer that orders it again and again must not keep the manager busy for
+/// ever.
+bool OrvoPluginManager::wirdGeladen(const std::string& pfad) const {
+    for (const Ladevorgang* vorgang = ladevorgang_; vorgang; vorgang = vorgang->aeusserer)
+        if (vorgang->pfad == pfad)
+            return true;
     return false;
+}
+
+/// Returns: false.
+bool OrvoPluginManager::lehneAb(const char* auftrag) const {
+    log_.warn([&] {
+        return std::string("Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ") + auftrag;
+    });
+    return false;
+}
+
+void OrvoPluginManager::entladeAlle() {
+    const Spur spur(log_, "entladePlugins()");
+    const Arbeitend arbeitend(*this, Arbeit::ImGang);
+    while (!plugins_.empty()) {
+        std::unique_ptr<OrvoPlugin> plugin(plugins_.front());
+        if (plugin->getStatus() == ORVO_PLUGIN_GELADEN && plugin->getSharedLib())
+            log_.ereignis(kMarke, [&] { return "entlade Plugin " + plugin->getSharedLib()->getName(); });
+        plugins_.pop_front();
+        Pluginbibliothek::rufe(
+            [&] { notifyUnload(plugin.get()); },
+            [&](const char* grund) {
+                log_.error([&] { return std::string("Ausnahme beim Abmelden eines Plugins: ") + grund; });
+            });
+        plugin.reset();
+    }
+    Pluginbibliothek::schliesseAufgeschobene();
+    spur.ende();
 }
 
 void OrvoPluginManager::setPluginSuchPfad(const std::string& pfad) {
@@ -183,49 +258,47 @@ void OrvoPluginManager::initPluginSuchPfad() {
     setPluginSuchPfad(concatPath(Einstellungen().basisHomeDir(), kPluginVerzeichnis));
 }
 
-bool OrvoPluginManager::ladePlugins() {
-    if (!nimmtAuftragAn("ladePlugins()"))
-        return false;
-    const Spur spur(logger_, "ladePlugins()");
-    const bool erfolg = ladePluginsRekursiv(pluginSuchPfad_);
+bool OrvoPluginManager::ladeAlle() {
+    const Spur spur(log_, "ladePlugins()");
+    const bool erfolg = durchsuche(pluginSuchPfad_);
     spur.ende();
     return erfolg;
 }
 
-bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
-    const Spur spur(logger_, "ladePluginsRekursiv()");
+bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
+    const Spur spur(log_, "ladePluginsRekursiv()");
+    const Arbeitend arbeitend(*this, Arbeit::ImGang);
     const std::string ort = verzeichnis; // which may be the search path itself: an observer may set that
-    protokolliere("Suche Plugins im Verzeichnis: ", ort);
-    const auto melde = [&](auto was) {
-        if (!ladeBeobachter)
-            return;
-        const Fremdarbeit fremdarbeit(*this); // the walk goes on from here: no orders meanwhile
-        was(*ladeBeobachter);
-    };
-    melde([&](LadeBeobachter& b) { b.betrittVerzeichnis(ort); });
+    log_.ereignis(kMarke, [&] { return "Suche Plugins im Verzeichnis: " + ort; });
+    if (ladeBeobachter)
+        ladeBeobachter->betrittVerzeichnis(ort);
     const DirReader leser(ort, "*.*");
     bool erfolg = true;
-    for (const std::string& datei : leser.getFiles()) {
-        if (isPluginGesperrt(datei)) {
-            protokolliere("Plugin ", datei, " in Sperrliste. Wird ignoriert");
-            melde([&](LadeBeobachter& b) {
-                b.findetDatei(ort, datei, LadeBeobachter::GESPERRT, getFullFilename(ort, datei));
-            });
-            continue;
-        }
-        const std::string voll = pfadMitKleinerEndung(ort, datei);
-        const bool istPlugin = endsWith(voll, kPluginEndung);
-        melde([&](LadeBeobachter& b) {
-            b.findetDatei(ort, datei, istPlugin ? LadeBeobachter::PLUGIN : LadeBeobachter::UEBERGANGEN, voll);
-        });
-        if (istPlugin && !ladePlugin(voll, voll.ends_with(datei)))
+    for (const std::string& datei : leser.getFiles())
+        if (!nimmDatei(ort, datei))
             erfolg = false;
-    }
     for (const std::string& unterverzeichnis : leser.getDirectories())
-        if (!ladePluginsRekursiv(getFullFilename(ort, unterverzeichnis)))
+        if (!durchsuche(getFullFilename(ort, unterverzeichnis)))
             erfolg = false;
     spur.ende();
     return erfolg;
+}
+
+/// Returns: false for a plugin that was not loaded.
+bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::string& datei) {
+    if (isPluginGesperrt(datei)) {
+        log_.ereignis(kMarke, [&] { return "Plugin " + datei + " in Sperrliste. Wird ignoriert"; });
+        if (ladeBeobachter)
+            ladeBeobachter->findetDatei(verzeichnis, datei, LadeBeobachter::GESPERRT,
+                                        getFullFilename(verzeichnis, datei));
+        return true;
+    }
+    const std::string voll = pfadMitKleinerEndung(verzeichnis, datei);
+    const bool istPlugin = endsWith(voll, kPluginEndung);
+    if (ladeBeobachter)
+        ladeBeobachter->findetDatei(verzeichnis, datei,
+                                    istPlugin ? LadeBeobachter::PLUGIN : LadeBeobachter::UEBERGANGEN, voll);
+    return !istPlugin || ladeDatei(voll, voll.ends_with(datei));
 }
 
 bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
@@ -237,7 +310,7 @@ bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
 bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {
     std::set<std::string>& resident = residentePlugins();
     if (resident.empty())
-        liesResidentePlugins(resident);
+        resident = gelesenePluginnamen();
     if (resident.empty())
         return false;
     const std::string name = removeSpecialPatterns(
@@ -245,36 +318,38 @@ bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {
     return resident.contains(orvo::orvoutil::tolower(name)) || resident.contains("alle");
 }
 
-bool OrvoPluginManager::ladePlugin(const std::string& pfad) { return ladePlugin(pfad, false); }
-
-bool OrvoPluginManager::ladePlugin(const std::string& pfad, bool gelistet) {
-    if (!nimmtAuftragAn("ladePlugin()"))
-        return false;
-    // Lasts while an exception is asked for its text, and while a library that was refused is closed.
-    const Fremdarbeit fremdarbeit(*this);
+bool OrvoPluginManager::ladeDatei(const std::string& pfad, bool gelistet) {
+    const Arbeitend arbeitend(*this, Arbeit::ImGang);
+    const Ladevorgang vorgang(*this, pfad);
     if (ladeBeobachter && !ladeBeobachter->ladeDatei(pfad))
         return false;
-    const Spur spur(logger_, "ladePlugin()");
-    protokolliere("Lese Bibliothek: ", pfad);
-    // Outlives the exception that a plugin may throw, and with it the plugin's library does.
-    OrvoPluginLoader loader;
-    const bool geladen =
-        fremdcode::rufe([&] { ladeBibliothek(loader, pfad, gelistet); },
-                        [&](const char* grund) {
-                            protokolliere("Plugin nicht geladen: ", grund);
-                            if (ladeBeobachter)
-                                ladeBeobachter->dateiAbgelehnt(pfad, Ladeschritt::aktueller(), grund);
-                        });
+    const Spur spur(log_, "ladePlugin()");
+    log_.ereignis(kMarke, [&] { return "Lese Bibliothek: " + pfad; });
+    OrvoPluginLoader loader; // outlives an exception of the plugin, and then closes its library
+    OrvoPlugin* plugin = nullptr;
+    const bool geladen = Pluginbibliothek::rufe(
+        [&] {
+            plugin = ladeBibliothek(loader, pfad, gelistet);
+            notifyLoad(plugin);
+        },
+        [&](const char* grund) {
+            log_.ereignis(kMarke, [&] { return std::string("Plugin nicht geladen: ") + grund; });
+            if (ladeBeobachter)
+                ladeBeobachter->dateiAbgelehnt(pfad, plugin ? ABLEHNUNG_BEOBACHTER : loader.getSchritt(),
+                                               grund);
+        });
     if (!geladen)
         return false;
     if (ladeBeobachter)
-        ladeBeobachter->pluginGeladen(pfad, *plugins_.back());
-    protokolliere("Plugin erfolgreich geladen");
+        ladeBeobachter->pluginGeladen(pfad, *plugin);
+    log_.ereignis(kMarke, "Plugin erfolgreich geladen");
     spur.ende();
     return true;
 }
 
-void OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad, bool gelistet) {
+/// Returns: the plugin, in the list of plugins already.
+OrvoPlugin* OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad,
+                                              bool gelistet) {
     auto bibliothek = std::make_unique<SharedLib>(pfad, false);
     if (gelistet)
         bibliothek->merkeListung();
@@ -282,8 +357,7 @@ void OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::stri
     if (!plugin->isResident() && isResidentPlugin(pfad))
         plugin->setResident(true);
     plugins_.push_back(plugin.get());
-    Ladeschritt::ist(ABLEHNUNG_BEOBACHTER);
-    notifyLoad(plugin.release());
+    return plugin.release();
 }
 
 LadeBeobachter* OrvoPluginManager::setLadeBeobachter(LadeBeobachter* beobachter) {
@@ -294,19 +368,23 @@ void OrvoPluginManager::addObserver(PluginObserver* observer) { observers_.anhae
 
 void OrvoPluginManager::removeObserver(PluginObserver* observer) { observers_.entfernen(observer); }
 
-void OrvoPluginManager::notifyLoad(OrvoPlugin* plugin) { sageAllen(&PluginObserver::pluginErzeugt, plugin); }
+void OrvoPluginManager::notifyLoad(OrvoPlugin* plugin) {
+    const Arbeitend arbeitend(*this, Arbeit::Meldung);
+    sageAllen(&PluginObserver::pluginErzeugt, plugin);
+}
 
 void OrvoPluginManager::notifyUnload(OrvoPlugin* plugin) {
+    const Arbeitend arbeitend(*this, Arbeit::ImGang);
     sageAllen(&PluginObserver::pluginZerstoert, plugin);
 }
 
-void OrvoPluginManager::sageAllen(void (PluginObserver::*was)(OrvoPlugin*), OrvoPlugin* plugin) {
-    const Fremdarbeit fremdarbeit(*this);
+void OrvoPluginManager::sageAllen(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin) {
+    const Laufend laufend(Lauf::Beobachter);
     std::exception_ptr erste;
     BeobachterListe<PluginObserver>::Durchlauf durchlauf(observers_);
     while (PluginObserver* const observer = durchlauf.naechster()) {
         try {
-            (observer->*was)(plugin);
+            (observer->*operation)(plugin);
         } catch (...) {
             if (!erste)
                 erste = std::current_exception();
@@ -314,19 +392,4 @@ void OrvoPluginManager::sageAllen(void (PluginObserver::*was)(OrvoPlugin*), Orvo
     }
     if (erste)
         std::rethrow_exception(erste);
-}
-
-void OrvoPluginManager::protokolliere(const char* text) const {
-    if (logger_)
-        logger_->tagged(kMarke, kOhneCode, text, kOhneCode);
-}
-
-void OrvoPluginManager::protokolliere(const char* vorspann, const std::string& wovon,
-                                      const char* nachspann) const {
-    if (!logger_ || !Logger::hatSenke())
-        return;
-    try {
-        logger_->tagged(kMarke, kOhneCode, vorspann + wovon + nachspann, kOhneCode);
-    } catch (const std::bad_alloc&) { // logging changes nothing else: there is no entry then
-    }
 }

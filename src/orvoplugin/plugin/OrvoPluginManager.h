@@ -4,6 +4,7 @@
 #include <orvoplugin/plugin/PluginObserver.h>
 #include <orvoutil/AenderungsBeobachter.h>
 #include <orvoutil/BeobachterListe.h>
+#include <orvoutil/Log.h>
 
 #include <cstdint>
 #include <list>
@@ -13,25 +14,25 @@ class LadeBeobachter;
 class OrvoPlugin;
 class OrvoPluginLoader;
 
-namespace orvo::orvoutil {
-class Logger;
-}
-
 /// Owner of all loaded plugins. It finds the plugin libraries below the subdirectory "plugins" of the home
 /// directory, loads each, and tells its observers; when the setting "basis.home_dir" changes it unloads them all
 /// and loads what lies below the new one.
 ///
 /// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own.
 ///
-/// A library that is no plugin is refused, with a log entry that says why, and costs no other plugin anything.
-/// While plugins or observers are running on the manager's behalf, and while a hook or a factory of a plugin is
-/// running, it takes no orders: a call that would load or unload, and a change of the home directory (by a plugin
-/// that describes itself, say), is refused with a warning in the log.
+/// A bad plugin is logged and skipped; the others are unaffected.
+///
+/// Nothing is unloaded while code of a plugin is on the stack, nor while the manager is at work: `entladePlugins` and
+/// `reload` then do nothing but warn in the log. (`entladePlugins` gives true all the same; `getRegistriertePlugins`
+/// tells whether anything is left.) A change of the home directory that comes meanwhile is carried out when the
+/// manager's work has ended; if it comes from a hook, a factory or the end of a service, at the next call that loads or
+/// unloads. Loading takes no code away: an observer that hears of a plugin may load another one with `ladePlugin`, but not
+/// one that is still being loaded.
 ///
 /// Ownership: owns the plugins, not the observers; an observer removes itself before it goes.
-/// Errors: throws nothing but for want of memory, except where an operation says so.
-/// Threads: one thread at a time, as everywhere in this library. A settings change is handled on the thread that
-/// makes it.
+/// Errors: throws nothing but `std::bad_alloc`, except where an operation says so. A manager that cannot be made leaves
+/// nothing behind.
+/// Threads: a settings change is handled on the thread that makes it.
 class ORVOPLUGIN_API OrvoPluginManager : public orvo::orvoutil::AenderungsBeobachter {
 public:
     /// The process's manager. The first call makes it, with that observer (or none, for null), and so loads all
@@ -39,7 +40,8 @@ public:
     ///
     /// Returns: the manager, owned by the `ObjectLifetimeManager`; null once the process's objects are being
     /// destroyed, and for the start-up and last code of a library opened or closed while the manager is being made.
-    /// Errors: `std::logic_error` from inside a plugin's entry point, and while the manager is being made.
+    /// Errors: `std::logic_error` while the manager is being made.
+    /// Threads: once the manager is made, any number may ask at once.
     static OrvoPluginManager* getInstanz(PluginObserver* observer);
 
     /// Loads all plugins; the observer, unless null, hears of each.
@@ -54,7 +56,8 @@ public:
 
     /// Computes the search path and loads all plugins. Returns: as `ladePlugins`.
     bool initialisiere();
-    /// Unloads every plugin, resident ones too, in the order in which they were loaded. Returns: true.
+    /// Unloads every plugin, resident ones too, in the order in which they were loaded. Returns: true, even if it was
+    /// refused.
     bool entladePlugins();
     /// Unloads all plugins and loads what lies below the search path as it stands.
     void reload();
@@ -101,21 +104,34 @@ public:
     std::int32_t getStatus() const { return status_; }
 
 private:
-    class Fremdarbeit;
+    enum class Arbeit : std::uint8_t {
+        Keine,
+        ImGang,  ///< plugins are looked for, loaded or unloaded
+        Meldung, ///< observers are told of a plugin that was loaded
+    };
+    class Arbeitend;
+    struct Ladevorgang;
 
-    bool nimmtAuftragAn(const char* auftrag) const;
+    bool darfEntladen() const;
+    bool wirdGeladen(const std::string& pfad) const;
+    bool lehneAb(const char* auftrag) const;
     void entladeAlle();
-    void sageAllen(void (PluginObserver::*was)(OrvoPlugin*), OrvoPlugin* plugin);
+    bool ladeAlle();
+    void wechsleHome();
+    void holeWechselNach();
+    void sageAllen(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin);
+    bool durchsuche(const std::string& verzeichnis);
+    bool nimmDatei(const std::string& verzeichnis, const std::string& datei);
     /// Parameters: `gelistet` says that a listing has just shown the path as a regular file.
-    bool ladePlugin(const std::string& pfad, bool gelistet);
-    void ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad, bool gelistet);
-    void protokolliere(const char* text) const;
-    void protokolliere(const char* vorspann, const std::string& wovon, const char* nachspann = "") const;
+    bool ladeDatei(const std::string& pfad, bool gelistet);
+    OrvoPlugin* ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad, bool gelistet);
 
     std::int32_t status_ = 0;
     std::list<OrvoPlugin*> plugins_;
     orvo::orvoutil::BeobachterListe<PluginObserver> observers_;
     std::string pluginSuchPfad_;
-    orvo::orvoutil::Logger* logger_;
-    int fremdarbeit_ = 0; ///< how many calls into plugins and observers are running
+    orvo::orvoutil::Log log_;
+    Arbeit arbeit_ = Arbeit::Keine;
+    const Ladevorgang* ladevorgang_ = nullptr; ///< the innermost one
+    bool wechselSteht_ = false;                ///< the home directory changed and was not followed yet
 };

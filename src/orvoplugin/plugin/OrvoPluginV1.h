@@ -19,16 +19,22 @@ class Unterfallart;
 /// while it has users: `notifyUse` opens it for the first one and calls its OnLoad function, `release` calls its
 /// OnUnload function and closes it after the last one, unless the plugin is resident.
 ///
-/// The count has no floor: a `release` too many takes it below zero, and then the next `notifyUse` is not a first
-/// one and opens nothing. That is wanted, and binds callers: each use is given back once.
+/// By contract the count has no floor: a `release` too many takes it below zero, and then the next `notifyUse` is
+/// not a first one and opens nothing. So each use must be given back exactly once.
 ///
-/// Ownership: owns its extensions and its library. Services that are still out when the plugin is destroyed must
-/// not be touched any more; giving them back in time is the caller's duty.
+/// While an exception is under way or being handled, the library is not closed: the class of the exception may live
+/// there. It is closed at the next use, release, load or unload of any plugin at which there is none. An
+/// `std::exception_ptr` that a client keeps for later is not seen: drop it before the last release.
+///
+/// Ownership: owns its extensions and its library. The caller gives every service back before the plugin is
+/// destroyed; services that are still out must not be touched any more.
 /// Errors: `initialize` and `addErweiterung` throw; all others report in the log. What an OnLoad or OnUnload
 /// function throws ends there, as a warning.
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API OrvoPluginV1 : public OrvoPlugin {
 public:
+    /// The number of the interface, as type records name it.
+    enum : std::int32_t { SCHNITTSTELLE = 1 };
+
     /// Takes the library over, open or not; does not touch it.
     explicit OrvoPluginV1(orvo::orvoutil::SharedLib* sharedLib);
     ~OrvoPluginV1() override;
@@ -41,14 +47,14 @@ public:
     /// Runs the library's `orvo_plugin_initialize`.
     ///
     /// Errors: `PluginInitException` when the library cannot be opened, has no such function, or the function
-    /// refuses; the library is closed then. Whatever the function itself throws passes through, and the library
-    /// stays open until this object is destroyed: the class of what was thrown may live there.
+    /// refuses; the library is closed then. Whatever the function itself throws passes through, with the library
+    /// still open.
     void initialize() override;
 
     /// Keeps a clone of the extension, which points back to this plugin. For the plugin, while it initialises.
     ///
-    /// Errors: `PluginInitException` for an extension whose class lives in the plugin library: its code goes when
-    /// the library is closed.
+    /// Errors: `PluginInitException` for an extension whose class lives in the plugin library, because its code goes
+    /// when the library is closed, and for one whose `clone` gives an object of another class.
     void addErweiterung(const OrvoErweiterung& erweiterung);
 
     /// The extensions in the order in which they were added, owned by the plugin.
@@ -62,16 +68,16 @@ public:
 private:
     friend class OrvoPluginLoader;
 
-    /// Keeps an earlier plugin of the same library, which lives as long as this one and no longer owns the
-    /// library. For a library that declares its interface more than once.
-    void behalteFrueheres(std::unique_ptr<OrvoPluginV1> frueheres);
+    explicit OrvoPluginV1(Bibliothekszeiger bibliothek);
+    /// The plugin for a further type record of the same library: takes the library over, and keeps the earlier plugin.
+    explicit OrvoPluginV1(std::unique_ptr<OrvoPluginV1> frueheres);
 
     bool oeffne();
-    void schliesse();
     void rufeHook(const std::string& name, const char* nichtGefunden, const char* ausnahme);
 
     std::map<tag_erweiterung_typ, std::int32_t> erweiterungsZaehler_;
     std::vector<OrvoErweiterung*> erweiterungen_;
-    orvo::orvoutil::Logger* logger_;
-    std::vector<std::unique_ptr<OrvoPluginV1>> fruehere_;
+    orvo::orvoutil::Log log_;
+    std::vector<std::unique_ptr<OrvoPluginV1>>
+        fruehere_; ///< made for earlier type records of the same library
 };

@@ -1,6 +1,5 @@
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 
-#include <orvoplugin/plugin/Einzelinstanz.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
@@ -9,6 +8,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoFeldInfoDatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
+#include <orvoplugin/plugin/intern/Einzelinstanz.h>
 #include <orvoplugin/registry/RegisterBeobachter.h>
 #include <orvoplugin/registry/Suchtafel.h>
 #include <orvoutil/Latin1.h>

@@ -35,6 +35,10 @@ inline std::vector<Bibliotheksfall> werfendePlugins() {
          eigene},
         {"OwnClassFromInitialize", test_plugins::ThrowsOwnClassFromInitialize, nullptr},
         {"IntFromInitialize", test_plugins::ThrowsIntFromInitialize, nullptr},
+        {"InitExceptionFromInitialize", test_plugins::ThrowsInitException, "GENERELL: vom Plugin selbst"},
+        {"ExtensionOfItsOwnClass", test_plugins::AddsExtensionOfItsOwnClass,
+         "INITIALISIERUNGS_FEHLER: Klasse der Erweiterung liegt in der Plugin-Bibliothek: "
+         "21ErweiterungDesPlugins"},
         {"LoaderExceptionFromInitialize", test_plugins::ThrowsLoaderException,
          "STRUKTUR_FEHLER: vom Plugin selbst"},
         {"ClassDerivedFromInitException", test_plugins::ThrowsClassDerivedFromInitException,

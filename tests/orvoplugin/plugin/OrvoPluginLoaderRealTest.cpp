@@ -53,10 +53,6 @@ const Bibliotheksfall kAbgelehnte[] = {
     {"DeclaresNegativeType", test_plugins::DeclaresNegativeType, kUngueltig},
     {"DeclaresTypesOneAndTwo", test_plugins::DeclaresTypesOneAndTwo, kUngueltig},
     {"DeclaresTypesTwoAndOne", test_plugins::DeclaresTypesTwoAndOne, kUngueltig},
-    {"ThrowsInitException", test_plugins::ThrowsInitException, "GENERELL: vom Plugin selbst"},
-    {"AddsExtensionOfItsOwnClass", test_plugins::AddsExtensionOfItsOwnClass,
-     "INITIALISIERUNGS_FEHLER: Klasse der Erweiterung liegt in der Plugin-Bibliothek: "
-     "21ErweiterungDesPlugins"},
 };
 
 struct Bibliothek {

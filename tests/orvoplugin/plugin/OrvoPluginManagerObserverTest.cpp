@@ -160,25 +160,21 @@ TEST_F(OrvoPluginManagerObserver, GetsItsFirstExceptionBackFromADirectNotificati
     EXPECT_EQ(ereignisse.size(), 2U);
 }
 
-TEST_F(OrvoPluginManagerObserver, IsRefusedEveryOrderToLoadOrUnloadWhileItIsTold) {
+TEST_F(OrvoPluginManagerObserver, IsRefusedEveryRunWhileItIsTold) {
     std::vector<bool> ergebnisse;
     erster.beimErzeugen = erster.beimZerstoeren = [&](OrvoPlugin&) {
         manager->reload();
         ergebnisse = {manager->entladePlugins(), manager->ladePlugins(),
-                      manager->ladePlugin(heimat.ort("libb.dylib"))};
-        Einstellungen().setze("basis.home_dir", heimat.ort());
-        Einstellungen().setze("basis.home_dir", heimat.verzeichnis.pfad());
+                      manager->ladePluginsRekursiv(heimat.ort())};
     };
     meldeAn({&erster});
 
-    const Zeilen warnungen{abgelehnt("reload()"),       abgelehnt("entladePlugins()"),
-                           abgelehnt("ladePlugins()"),  abgelehnt("ladePlugin()"),
-                           abgelehnt("basis.home_dir"), abgelehnt("basis.home_dir")};
+    const Zeilen warnungen{abgelehnt("reload()"), abgelehnt("entladePlugins()"), abgelehnt("ladePlugins()"),
+                           abgelehnt("ladePluginsRekursiv()")};
     melde();
     EXPECT_EQ(log.zeilen(), warnungen);
     EXPECT_EQ(ergebnisse, (std::vector<bool>{true, false, false}));
     EXPECT_THAT(plugins(*manager), ElementsAre("liba.dylib", "libb.dylib"));
-    EXPECT_EQ(manager->getPluginSuchPfad(), heimat.ort());
 
     log.leere();
     manager->notifyUnload(manager->getRegistriertePlugins().front());
@@ -199,6 +195,31 @@ TEST_F(OrvoPluginManagerObserver, IsRefusedEveryOrderToLoadOrUnloadWhileItIsTold
     manager->reload();
     EXPECT_EQ(log.anzahl(abgelehnt("reload()")), 0) << "afterwards orders are taken again";
     EXPECT_THAT(plugins(*manager), ElementsAre("liba.dylib", "libb.dylib"));
+}
+
+TEST_F(OrvoPluginManagerObserver, LoadsNothingWhileAPluginGoes) {
+    erster.beimZerstoeren = [&](OrvoPlugin&) {
+        EXPECT_FALSE(manager->ladePlugin(heimat.ort("libb.dylib"))) << "it would be unloaded at once";
+    };
+    meldeAn({&erster});
+    manager->entladePlugins();
+    EXPECT_TRUE(manager->getRegistriertePlugins().empty());
+    EXPECT_EQ(log.anzahl(abgelehnt("ladePlugin()")), 2);
+    erster.beimZerstoeren = nullptr;
+}
+
+TEST_F(OrvoPluginManagerObserver,
+       HasAHomeThatItChangesFollowedAtTheManagersNextCallAfterADirectNotification) {
+    erster.beimErzeugen = [&](OrvoPlugin&) { Einstellungen().setze("basis.home_dir", heimat.ort()); };
+    meldeAn({&erster});
+    melde();
+    EXPECT_EQ(
+        log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: basis.home_dir"),
+        1);
+    EXPECT_THAT(plugins(*manager), ElementsAre("liba.dylib", "libb.dylib"));
+    manager->ladePlugins();
+    EXPECT_EQ(manager->getPluginSuchPfad(), heimat.ort("plugins"));
+    EXPECT_TRUE(manager->getRegistriertePlugins().empty());
 }
 
 TEST_F(OrvoPluginManagerObserver, MayGiveOrdersAgainAfterOneThrew) {

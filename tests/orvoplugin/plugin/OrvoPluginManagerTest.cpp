@@ -163,7 +163,7 @@ TEST_F(OrvoPluginManagerTest, UnloadsResidentPluginsLikeAllOthers) {
 
 TEST_F(OrvoPluginManagerTest, UnloadsAPluginWithoutALibrary) {
     struct OhneBibliothek : OrvoPlugin {
-        OhneBibliothek() : OrvoPlugin(orvo_plugin_version_t{1}, nullptr) { merkeStatus(ORVO_PLUGIN_GELADEN); }
+        OhneBibliothek() : OrvoPlugin(orvo_plugin_version_t{1}, nullptr) { setzeStatus(ORVO_PLUGIN_GELADEN); }
         void notifyUse() override {}
         void release() override {}
         void initialize() override {}

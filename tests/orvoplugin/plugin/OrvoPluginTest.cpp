@@ -24,7 +24,7 @@ public:
     void release() override {}
     void initialize() override {}
 
-    using OrvoPlugin::merkeStatus;
+    using OrvoPlugin::setzeStatus;
 };
 
 struct OrvoPluginTest : testing::Test {

@@ -118,8 +118,11 @@ std::vector<Fall> faelleDesPlugins() {
           "< OrvoPluginV1::addErweiterung"},
          {}},
         {"AddErweiterungRefused",
-         [](Werkstueck& w) { w.bibliothek->enthaeltAlles = true; },
-         [](Werkstueck& w) { EXPECT_ANY_THROW(w.plugin->addErweiterung(OrvoFADatenServiceErweiterung())); },
+         [](Werkstueck&) {},
+         [](Werkstueck& w) {
+             struct OhneEigenenKlon : OrvoFADatenServiceErweiterung {};
+             EXPECT_ANY_THROW(w.plugin->addErweiterung(OhneEigenenKlon()));
+         },
          {"> OrvoPluginV1::addErweiterung"},
          {}},
         {"ProvidesSaysNothing",

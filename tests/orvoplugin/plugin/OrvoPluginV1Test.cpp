@@ -185,15 +185,37 @@ TEST_F(OrvoPluginV1Test, TakesAnExtensionOfAClassOfTheHosts) {
     EXPECT_EQ(plugin->listeErweiterungen().size(), 1U);
 }
 
+TEST_F(OrvoPluginV1Test, TakesTheLibrarysOwnClassesAlsoWhenThePluginCameIntoTheProcessFirst) {
+    bibliothek->enthaeltAlles = true; // all that came later counts as the plugin's
+    plugin->addErweiterung(pruefung());
+    EXPECT_EQ(plugin->listeErweiterungen().size(), 1u);
+}
+
+TEST_F(OrvoPluginV1Test, RefusesAnExtensionWhoseCloneIsOfAnotherClassByBothNames) {
+    struct OhneEigenenKlon : OrvoFADatenServiceErweiterung {
+        int eigenes = 7;
+    };
+    try {
+        plugin->addErweiterung(OhneEigenenKlon());
+        ADD_FAILURE() << "did not throw";
+    } catch (const PluginInitException& ausnahme) {
+        EXPECT_EQ(ausnahme.getTyp(), PluginInitException::INITIALISIERUNGS_FEHLER);
+        EXPECT_EQ(ausnahme.what(), "INITIALISIERUNGS_FEHLER: Kopie der Erweiterung hat eine andere Klasse: "
+                                   "29OrvoFADatenServiceErweiterung statt " +
+                                       std::string(typeid(OhneEigenenKlon).name()));
+    }
+    EXPECT_TRUE(plugin->listeErweiterungen().empty());
+}
+
 TEST_F(OrvoPluginV1Test, RefusesAnExtensionWhoseClassLiesInTheLibraryByTheNameOfTheClass) {
     bibliothek->enthaeltAlles = true;
     try {
-        plugin->addErweiterung(pruefung());
+        plugin->addErweiterung(ErweiterungDesWirts(1));
         ADD_FAILURE() << "did not throw";
     } catch (const PluginInitException& ausnahme) {
         EXPECT_EQ(ausnahme.getTyp(), PluginInitException::INITIALISIERUNGS_FEHLER);
         EXPECT_STREQ(ausnahme.what(), "INITIALISIERUNGS_FEHLER: Klasse der Erweiterung liegt in der "
-                                      "Plugin-Bibliothek: 34OrvoValidierungsServiceErweiterung");
+                                      "Plugin-Bibliothek: N12_GLOBAL__N_119ErweiterungDesWirtsE");
     }
     EXPECT_TRUE(plugin->listeErweiterungen().empty());
     EXPECT_EQ(plugin->toString().find("ORVO_CHECK"), std::string::npos) << "it is not counted either";

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <orvoplugin/plugin/intern/Pluginbibliothek.h>
+#include <orvoutil/Log.h>
+#include <orvoutil/ObjectLifetimeManager.h>
+#include <orvoutil/Spur.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+/// Names of the two process-wide objects: of registration, and of the log category.
+constexpr char kPluginManagerName[] = "orvo.plugin.OrvoPluginManager";
+constexpr char kErweiterungsManagerName[] = "orvo.plugin.OrvoErweiterungsManager";
+
+/// The texts that tell the two apart.
+struct EinzelinstanzTexte {
+    const char* name;
+    const char* operation; ///< for the traces
+    const char* suche;     ///< debug message before the object is looked for
+    const char* start;     ///< debug message before it is made
+};
+
+/// The registered object, made by `erzeuge` if there is none. A call that finds it writes nothing that threads share.
+///
+/// Returns: the object, owned by the `ObjectLifetimeManager`; null while that destroys its objects, and after the
+/// process has begun to end: nothing is made anew then. Null too while the object is being made, for the start-up and
+/// the last code of a library that is opened or closed: no exception may pass through the system's loader.
+/// Errors: `std::logic_error` for everybody else while the object is being made; `std::bad_alloc` and whatever
+/// `erzeuge` throws, with nothing left behind.
+template <class T, class Erzeuge>
+T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
+    using namespace orvo::orvoutil;
+    static bool inArbeit = false;
+    struct Arbeit {
+        Arbeit() { inArbeit = true; }
+        ~Arbeit() { inArbeit = false; }
+    };
+
+    const Log log = Log::nurFuerDebug(texte.name);
+    const Spur spur(log, texte.operation);
+    ObjectLifetimeManager& lebenszeit = ObjectLifetimeManager::instance();
+    log.debug(texte.suche);
+    T* instanz = lebenszeit.getObject<T>(texte.name);
+    if (!instanz && !lebenszeit.wirdAbgebaut()) {
+        if (inArbeit && Laufend::gibtEs(Lauf::Lader))
+            return nullptr;
+        if (inArbeit)
+            throw std::logic_error(std::string(texte.name) +
+                                   ": wird gerade gestartet und ist noch nicht verfuegbar.");
+        log.debug(texte.start);
+        const Arbeit arbeit;
+        ObjectLifetimeManager::Platz platz(texte.name); // so that nothing fails once the object is made
+        instanz = platz.besetze(std::unique_ptr<T>(erzeuge()));
+    }
+    spur.ende();
+    return instanz;
+}

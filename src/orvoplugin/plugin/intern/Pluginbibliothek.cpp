@@ -1,0 +1,122 @@
+#include <orvoplugin/plugin/intern/Pluginbibliothek.h>
+
+#include <orvoutil/SharedLib.h>
+
+#include <dlfcn.h>
+
+using namespace orvo::orvoutil;
+
+namespace {
+
+/// Whether an exception is under way or being handled, on this thread.
+bool gibtEsAusnahme() noexcept { return std::uncaught_exceptions() > 0 || std::current_exception(); }
+
+/// Whether an address lies in this very library, which outlives every plugin.
+bool istEigenerCode(const void* adresse) {
+    Dl_info dort;
+    Dl_info hier;
+    return dladdr(adresse, &dort) && dladdr(reinterpret_cast<const void*>(&gibtEsAusnahme), &hier) &&
+           dort.dli_fbase == hier.dli_fbase;
+}
+
+} // namespace
+
+Pluginbibliothek::Zeiger Pluginbibliothek::fuer(SharedLib* bibliothek) {
+    std::unique_ptr<SharedLib> uebernommen(bibliothek);
+    return Zeiger(new Pluginbibliothek(std::move(uebernommen)));
+}
+
+Pluginbibliothek::Pluginbibliothek(std::unique_ptr<SharedLib> bibliothek) noexcept
+    : bibliothek_(std::move(bibliothek)) {}
+
+Pluginbibliothek::~Pluginbibliothek() {
+    const Laufend laufend(Lauf::Lader); // its last code runs if it is open
+    bibliothek_.reset();
+}
+
+void BibliotheksSchliesser::operator()(Pluginbibliothek* bibliothek) const noexcept {
+    Pluginbibliothek::schliesseAufgeschobene();
+    if (bibliothek->bibliothek_ && bibliothek->bibliothek_->isLoaded() && gibtEsAusnahme()) {
+        bibliothek->schiebeAuf(bibliothek->log_);
+        bibliothek->herrenlos_ = true;
+    } else {
+        bibliothek->nimmZurueck();
+        delete bibliothek;
+    }
+}
+
+bool Pluginbibliothek::oeffne() {
+    schliesseAufgeschobene();
+    nimmZurueck();
+    schritt_ = ABLEHNUNG_OEFFNEN;
+    if (!bibliothek_)
+        return false;
+    const Laufend laufend(Lauf::Lader);
+    if (bibliothek_->isLoaded() || bibliothek_->load())
+        return true;
+    if (bibliothek_->scheiterteVorDemOeffnen())
+        schritt_ = ABLEHNUNG_DATEIPRUEFUNG;
+    return false;
+}
+
+std::string Pluginbibliothek::getGrund() const {
+    return bibliothek_ ? bibliothek_->getLastError() : std::string();
+}
+
+void Pluginbibliothek::schliesse(Log log) noexcept {
+    schliesseAufgeschobene();
+    if (bibliothek_ && bibliothek_->isLoaded() && gibtEsAusnahme())
+        schiebeAuf(log);
+    else
+        schliesseJetzt(log);
+}
+
+void Pluginbibliothek::schliesseJetzt(Log log) noexcept {
+    const Laufend laufend(Lauf::Lader);
+    bool geschlossen = false;
+    rufe([&] { geschlossen = bibliothek_ && bibliothek_->unload(); }, [](const char*) {});
+    // No blank behind this colon, unlike the message of a failed load; scripts split the line there.
+    if (!geschlossen)
+        log.warn([&] { return "Konnte Plugin nicht entladen:" + getGrund(); });
+}
+
+void* Pluginbibliothek::symbol(const std::string& name) noexcept {
+    void* adresse = nullptr;
+    if (bibliothek_)
+        rufe([&] { adresse = bibliothek_->getSymbol(name); }, [](const char*) {});
+    return adresse;
+}
+
+bool Pluginbibliothek::enthaelt(const void* adresse) const {
+    return bibliothek_ && bibliothek_->enthaelt(adresse) && !istEigenerCode(adresse);
+}
+
+void Pluginbibliothek::schiebeAuf(Log log) noexcept {
+    log_ = log;
+    if (aufgeschoben_)
+        return;
+    aufgeschoben_ = true;
+    naechste_ = std::exchange(aufgeschobene_, this);
+}
+
+/// Takes the library off the list of those that are to be closed later.
+void Pluginbibliothek::nimmZurueck() noexcept {
+    if (!aufgeschoben_)
+        return;
+    Pluginbibliothek** stelle = &aufgeschobene_;
+    while (*stelle != this)
+        stelle = &(*stelle)->naechste_;
+    *stelle = naechste_;
+    aufgeschoben_ = false;
+}
+
+void Pluginbibliothek::schliesseFaellige() noexcept {
+    while (aufgeschobene_ && !gibtEsAusnahme()) {
+        Pluginbibliothek* const faellige = std::exchange(aufgeschobene_, aufgeschobene_->naechste_);
+        faellige->aufgeschoben_ = false;
+        if (faellige->herrenlos_)
+            delete faellige;
+        else
+            faellige->schliesseJetzt(faellige->log_);
+    }
+}

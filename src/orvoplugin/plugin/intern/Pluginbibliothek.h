@@ -1,0 +1,131 @@
+#pragma once
+
+#include <orvoplugin/plugin/LadeBeobachter.h>
+#include <orvoplugin/plugin/OrvoPlugin.h>
+#include <orvoutil/Log.h>
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <utility>
+
+/// What code of plugins or observers is on the stack, so that unsafe calls can be refused.
+enum class Lauf {
+    Lader, ///< a library is opened or closed: its start-up or last code runs, under the system's loader
+    Beschreibung, ///< a plugin describes itself
+    Aufruf,       ///< a hook, a factory, or the end of a service
+    Beobachter,   ///< observers are told of a plugin
+};
+
+/// Counts a run for as long as it lives.
+class Laufend {
+public:
+    explicit Laufend(Lauf lauf) noexcept : anzahl_(anzahlen_[static_cast<int>(lauf)]) { ++anzahl_; }
+    Laufend(const Laufend&) = delete;
+    Laufend& operator=(const Laufend&) = delete;
+    ~Laufend() { --anzahl_; }
+
+    static bool gibtEs(Lauf lauf) noexcept { return anzahlen_[static_cast<int>(lauf)] != 0; }
+    static bool gibtEsIrgendeinen() noexcept {
+        return gibtEs(Lauf::Lader) || gibtEs(Lauf::Beschreibung) || gibtEs(Lauf::Aufruf) ||
+               gibtEs(Lauf::Beobachter);
+    }
+
+private:
+    static inline int anzahlen_[4] = {};
+
+    int& anzahl_;
+};
+
+/// The one door to a plugin's code: owns the library, and alone opens, closes, searches and deletes it. Foreign code
+/// runs only through `rufe` or under a `Laufend`.
+///
+/// A library stays open while an exception is under way or being handled: its class may live there. A close that
+/// falls due meanwhile is put off to the next use, release, load or unload at which there is no exception. (An
+/// `std::exception_ptr` that somebody keeps cannot be seen.)
+///
+/// Ownership: owns the library. Let the door go through its `Zeiger`, which puts the end off as well.
+class Pluginbibliothek {
+public:
+    using Zeiger = std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser>;
+
+    /// Takes the library over, whatever happens; null stands for a library that cannot be opened.
+    static Zeiger fuer(orvo::orvoutil::SharedLib* bibliothek);
+
+    Pluginbibliothek(const Pluginbibliothek&) = delete;
+    Pluginbibliothek& operator=(const Pluginbibliothek&) = delete;
+
+    orvo::orvoutil::SharedLib* get() const noexcept { return bibliothek_.get(); }
+    /// The step of loading that is under way, and so the one that failed when loading ends now.
+    orvo_plugin_ablehnung_t getSchritt() const noexcept { return schritt_; }
+    void setzeSchritt(orvo_plugin_ablehnung_t schritt) noexcept { schritt_ = schritt; }
+
+    /// Returns: whether the library is open now; else the reason stands in `getGrund`. Throws what its start-up code
+    /// throws.
+    bool oeffne();
+    std::string getGrund() const;
+    /// Closes the library, or has it closed later; the log, if any, hears of a failure.
+    void schliesse(orvo::orvoutil::Log log = {}) noexcept;
+    /// Returns: the exported function of that name; null when there is none.
+    template <class Funktion>
+    Funktion* funktion(const std::string& name) noexcept {
+        return reinterpret_cast<Funktion*>(symbol(name));
+    }
+    /// Calls an entry point by which the plugin describes itself. Throws what that throws.
+    template <class Ergebnis, class Argument>
+    static Ergebnis beschreibt(Ergebnis (*einsprung)(Argument*), Argument* argument) {
+        const Laufend laufend(Lauf::Beschreibung);
+        return einsprung(argument);
+    }
+    /// Whether the code or data at that address leaves the process with this library.
+    bool enthaelt(const void* adresse) const;
+
+    /// Closes what was put off, unless there still is an exception.
+    static void schliesseAufgeschobene() noexcept {
+        if (aufgeschobene_)
+            schliesseFaellige();
+    }
+
+    /// The text of an exception as it goes to the log; valid as long as the exception lives.
+    static const char* grundVon(const std::exception& ausnahme) noexcept {
+        const char* const text = ausnahme.what();
+        return text ? text : "";
+    }
+
+    /// Calls `ruf`, and hands the text of whatever it throws to `melde`. The exception is gone on return.
+    /// Returns: whether `ruf` came back without an exception.
+    template <class Ruf, class Melde>
+    static bool rufe(Ruf&& ruf, Melde&& melde) {
+        try {
+            std::forward<Ruf>(ruf)();
+            return true;
+        } catch (const std::exception& ausnahme) {
+            melde(grundVon(ausnahme));
+        } catch (...) {
+            melde("unbekannte Ausnahme");
+        }
+        return false;
+    }
+
+private:
+    friend struct BibliotheksSchliesser;
+
+    explicit Pluginbibliothek(std::unique_ptr<orvo::orvoutil::SharedLib> bibliothek) noexcept;
+    ~Pluginbibliothek();
+
+    static void schliesseFaellige() noexcept;
+
+    void* symbol(const std::string& name) noexcept;
+    void schiebeAuf(orvo::orvoutil::Log log) noexcept;
+    void nimmZurueck() noexcept;
+    void schliesseJetzt(orvo::orvoutil::Log log) noexcept;
+
+    static inline Pluginbibliothek* aufgeschobene_ = nullptr;
+
+    std::unique_ptr<orvo::orvoutil::SharedLib> bibliothek_;
+    orvo_plugin_ablehnung_t schritt_ = ABLEHNUNG_OEFFNEN;
+    bool aufgeschoben_ = false; ///< in the list of those that are to be closed later
+    bool herrenlos_ = false;    ///< and belongs to that list
+    orvo::orvoutil::Log log_;   ///< for the close that was put off
+    Pluginbibliothek* naechste_ = nullptr;
+};
