@@ -48,6 +48,10 @@ function(orvo_library target)
                    SOVERSION ${PROJECT_VERSION_MAJOR})
     # Instantiations of the standard library's templates are every library's own affair.
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+        # so that a 32-bit process too reads directories whose entries have 64-bit numbers
+        if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+            target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
+        endif()
         set(exports "${PROJECT_SOURCE_DIR}/cmake/library.exports")
         target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
         set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${exports}")

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 namespace orvo::orvoutil {
 
@@ -72,28 +73,30 @@ struct Schliesser {
 DirReader::DirReader(const std::string& verzeichnis, const std::string& muster) {
     if (verzeichnis.find('\0') != std::string::npos)
         return;
-    const std::unique_ptr<DIR, Schliesser> offen(opendir(verzeichnis.c_str()));
-    if (!offen)
-        return;
-
-    errno = 0;
-    while (const dirent* const eintrag = readdir(offen.get())) {
-        const char* const name = eintrag->d_name;
-        if (name[0] != '.') {
-            const Art art = artVon(dirfd(offen.get()), *eintrag);
-            if (art == Art::VERZEICHNIS)
-                verzeichnisse_.emplace_back(name);
-            else if (art == Art::DATEI && passt(name, muster))
-                dateien_.emplace_back(name);
-        }
-        errno = 0;
-    }
-    if (errno != 0) {
-        dateien_.clear();
-        verzeichnisse_.clear();
-    }
+    if (const int fehler = lies(verzeichnis, muster); fehler != 0 && fehler != ENOENT)
+        fehler_ = "Verzeichnis nicht lesbar: " + verzeichnis + ": " + std::generic_category().message(fehler);
     dateien_.sort();
     verzeichnisse_.sort();
+}
+
+int DirReader::lies(const std::string& verzeichnis, const std::string& muster) {
+    const std::unique_ptr<DIR, Schliesser> offen(opendir(verzeichnis.c_str()));
+    if (!offen)
+        return errno;
+    for (;;) {
+        errno = 0; // readdir leaves it at the end of the directory
+        const dirent* const eintrag = readdir(offen.get());
+        if (!eintrag)
+            return errno;
+        const char* const name = eintrag->d_name;
+        if (name[0] == '.')
+            continue;
+        const Art art = artVon(dirfd(offen.get()), *eintrag);
+        if (art == Art::VERZEICHNIS)
+            verzeichnisse_.emplace_back(name);
+        else if (art == Art::DATEI && passt(name, muster))
+            dateien_.emplace_back(name);
+    }
 }
 
 } // namespace orvo::orvoutil

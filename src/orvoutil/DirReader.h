@@ -10,7 +10,7 @@ namespace orvo::orvoutil {
 /// The names in a directory as they stood when the object was made, sorted bytewise, so that every run sees the
 /// same order on every file system. Hidden entries (with a leading dot) are left out.
 ///
-/// Errors: a directory that cannot be read yields two empty lists. Nothing throws, but for want of memory.
+/// Errors: what cannot be read is missing from the lists, and `getFehler` gives the reason; `std::bad_alloc`.
 /// Encoding: names are bytes, as the file system has them.
 /// Threads: once made, any number may read.
 class ORVOUTIL_API DirReader {
@@ -23,10 +23,17 @@ public:
     const std::list<std::string>& getFiles() const { return dateien_; }
     /// The subdirectories, whatever their names. Links to directories are left out, so that a walk always ends.
     const std::list<std::string>& getDirectories() const { return verzeichnisse_; }
+    /// Why the directory could not be read, or not to its end: its name and the system's reason. Empty when all was
+    /// read, and for a directory that does not exist, because leaving it out is usual.
+    const std::string& getFehler() const { return fehler_; }
 
 private:
+    /// Returns: 0, or the number of the error that ended the reading.
+    int lies(const std::string& verzeichnis, const std::string& muster);
+
     std::list<std::string> dateien_;
     std::list<std::string> verzeichnisse_;
+    std::string fehler_;
 };
 
 } // namespace orvo::orvoutil

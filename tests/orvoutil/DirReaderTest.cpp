@@ -6,12 +6,16 @@
 
 #include <gmock/gmock.h>
 
+#include <dirent.h>
+#include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 using namespace testing;
 using orvo::orvoutil::DirReader;
@@ -22,6 +26,13 @@ void verweise(const std::string& ziel, const std::string& name) {
     ASSERT_EQ(symlink(ziel.c_str(), name.c_str()), 0);
 }
 
+/// What readdir reports, once for this many entries.
+struct Lesefehler {
+    int nummer = 0;
+    int nachEintraegen = 0;
+};
+Lesefehler lesefehler;
+
 /// Whether a name passes a pattern, by the directory's listing.
 bool passt(const std::string& name, const std::string& muster) {
     const Verzeichnis verzeichnis;
@@ -30,6 +41,16 @@ bool passt(const std::string& name, const std::string& muster) {
 }
 
 } // namespace
+
+/// Stands before the system's.
+extern "C" dirent* readdir(DIR* verzeichnis) {
+    static const auto lies = reinterpret_cast<dirent* (*)(DIR*)>(dlsym(RTLD_NEXT, "readdir"));
+    if (lesefehler.nummer != 0 && lesefehler.nachEintraegen-- == 0) {
+        errno = std::exchange(lesefehler.nummer, 0);
+        return nullptr;
+    }
+    return lies(verzeichnis);
+}
 
 TEST(DirReader, ListsFilesAndDirectoriesApart) {
     const Verzeichnis verzeichnis;
@@ -124,6 +145,33 @@ TEST(DirReader, YieldsNothingForWhatIsNoReadableDirectory) {
         EXPECT_THAT(leser.getFiles(), IsEmpty()) << pfad;
         EXPECT_THAT(leser.getDirectories(), IsEmpty()) << pfad;
     }
+}
+
+TEST(DirReader, KeepsWhatItReadBeforeAnErrorAndTellsTheReason) {
+    const Verzeichnis verzeichnis;
+    for (const char* const name : {"a.x", "b.x", "c.x"})
+        verzeichnis.schreibe(name, "");
+    for (const auto& [nummer, grund] : {std::pair(EIO, "Input/output error"),
+                                        std::pair(EOVERFLOW, "Value too large for defined data type")}) {
+        lesefehler = {nummer, 4}; // "." and ".." may be among the first four entries
+        const DirReader leser(verzeichnis.pfad(), "*.x");
+        EXPECT_THAT(leser.getFiles().size(), AllOf(Ge(2u), Le(3u))) << grund;
+        EXPECT_TRUE(std::is_sorted(leser.getFiles().begin(), leser.getFiles().end()));
+        EXPECT_EQ(leser.getFehler(), "Verzeichnis nicht lesbar: " + verzeichnis.pfad() + ": " + grund);
+    }
+    EXPECT_EQ(DirReader(verzeichnis.pfad(), "*.x").getFiles().size(), 3u);
+    EXPECT_EQ(DirReader(verzeichnis.pfad(), "*.x").getFehler(), "");
+}
+
+TEST(DirReader, GivesNoReasonForADirectoryThatDoesNotExist) {
+    const Verzeichnis verzeichnis;
+    EXPECT_EQ(DirReader(verzeichnis.pfad("fehlt"), "*").getFehler(), "");
+}
+
+TEST(DirReader, GivesTheReasonForWhatIsNoDirectory) {
+    const Verzeichnis verzeichnis;
+    const std::string datei = verzeichnis.schreibe("datei", "");
+    EXPECT_EQ(DirReader(datei, "*").getFehler(), "Verzeichnis nicht lesbar: " + datei + ": Not a directory");
 }
 
 TEST(DirReader, YieldsNothingForADirectoryThatMustNotBeRead) {
