@@ -52,11 +52,13 @@ function(orvo_library target)
         if(CMAKE_SIZEOF_VOID_P EQUAL 4)
             target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
         endif()
+        # The process calls a library's code at its end, so the library stays until then.
+        target_link_options(${target} PRIVATE LINKER:-z,nodelete)
         set(exports "${PROJECT_SOURCE_DIR}/cmake/library.exports")
         target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
         set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${exports}")
-        # Nobody puts functions of their own in the place of these: calls inside a library go straight, and fewer
-        # symbols have to be looked up when a process starts.
+        # No program replaces these functions, so calls inside a library go straight, and fewer symbols have to be looked
+        # up when a process starts.
         target_compile_options(${target} PRIVATE -fno-semantic-interposition)
         target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions LINKER:-O1 LINKER:--as-needed)
         # fewer pages to map for each library

@@ -1,0 +1,27 @@
+// A host that is linked with none of our libraries. It holds the first library named open, has the second one start the
+// registry, closes that and ends.
+
+#include <dlfcn.h>
+
+#include <cstdio>
+
+namespace {
+
+void* oeffne(const char* pfad) {
+    void* const griff = dlopen(pfad, RTLD_NOW | RTLD_LOCAL);
+    if (!griff)
+        std::fprintf(stderr, "%s\n", dlerror());
+    return griff;
+}
+
+} // namespace
+
+int main(int anzahl, char** pfade) {
+    if (anzahl != 3 || !oeffne(pfade[1]))
+        return 1;
+    void* const kunde = oeffne(pfade[2]);
+    if (!kunde)
+        return 1;
+    const auto starte = reinterpret_cast<bool (*)()>(dlsym(kunde, "starteRegistry"));
+    return starte && starte() && dlclose(kunde) == 0 ? 0 : 1;
+}
