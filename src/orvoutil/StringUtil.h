@@ -1,28 +1,75 @@
 #pragma once
 
-// Small helpers for texts. Letter case is that of ASCII, whatever the locale; all other bytes stay as they are.
-// Errors: none but want of memory. Threads: any.
+// Small helpers for texts. Letter case is that of ASCII, whatever the locale; all other bytes stay as they are. What
+// constants are made with is evaluated by the compiler where it can.
+// Errors: `std::bad_alloc`. Threads: any.
 
 #include <orvoutil/Export.h>
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace orvo::orvoutil {
 
+/// The digits of a number, with a minus if it is negative.
+class Ziffernfolge {
+public:
+    constexpr explicit Ziffernfolge(std::int32_t zahl) noexcept {
+        std::uint32_t rest = static_cast<std::uint32_t>(zahl);
+        if (zahl < 0)
+            rest = 0 - rest;
+        do {
+            zeichen_[--anfang_] = static_cast<char>('0' + rest % 10);
+            rest /= 10;
+        } while (rest != 0);
+        if (zahl < 0)
+            zeichen_[--anfang_] = '-';
+    }
+
+    constexpr std::string_view text() const noexcept { return {zeichen_ + anfang_, kLaenge - anfang_}; }
+
+private:
+    enum : std::size_t { kLaenge = 11 }; // sign and ten digits
+
+    char zeichen_[kLaenge] = {};
+    std::size_t anfang_ = kLaenge;
+};
+
 /// The number in decimal.
-ORVOUTIL_API std::string int2String(int zahl);
+constexpr std::string int2String(int zahl) { return std::string(Ziffernfolge(zahl).text()); }
 /// The number in decimal.
 ORVOUTIL_API std::string long2String(long zahl);
 
 /// The number that the whole text is: digits, with a sign if need be.
-/// Returns: 0 for any other text, and for a number that does not fit 32 signed bits.
-ORVOUTIL_API int string2Int(std::string_view text) noexcept;
+/// Returns: none for any other text, and for a number that does not fit 32 signed bits.
+constexpr std::optional<std::int32_t> liesZahl(std::string_view text) noexcept {
+    const bool negativ = text.starts_with('-');
+    if (negativ || text.starts_with('+'))
+        text.remove_prefix(1);
+    if (text.empty())
+        return std::nullopt;
+    std::int64_t zahl = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9')
+            return std::nullopt;
+        zahl = zahl * 10 + (negativ ? '0' - c : c - '0');
+        if (zahl < std::numeric_limits<std::int32_t>::min() ||
+            zahl > std::numeric_limits<std::int32_t>::max())
+            return std::nullopt;
+    }
+    return static_cast<std::int32_t>(zahl);
+}
 
+/// The same. Returns: 0 where there is no such number.
+constexpr int string2Int(std::string_view text) noexcept { return liesZahl(text).value_or(0); }
 /// Whether the text is digits only, at least one, and their value fits 32 signed bits.
-ORVOUTIL_API bool isNumeric(std::string_view text) noexcept;
-
+constexpr bool isNumeric(std::string_view text) noexcept {
+    return !text.starts_with('-') && !text.starts_with('+') && liesZahl(text);
+}
 /// The text with zeros on its left up to that many bytes. It is never cut.
 ORVOUTIL_API std::string formatNumeric(std::string_view text, std::size_t breite);
 
@@ -32,13 +79,21 @@ ORVOUTIL_API std::string tolower(std::string_view text);
 constexpr char tolower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
-
 /// Whether the text ends so, letter case included.
 ORVOUTIL_API bool endsWith(std::string_view text, std::string_view ende) noexcept;
-
 /// Compares bytewise, ignoring letter case. Returns: -1, 0 or 1.
-ORVOUTIL_API int compareIgnoreCase(std::string_view a, std::string_view b) noexcept;
-
+constexpr int compareIgnoreCase(std::string_view a, std::string_view b) noexcept {
+    if (a == b)
+        return 0;
+    const std::size_t gemeinsam = a.size() < b.size() ? a.size() : b.size();
+    for (std::size_t i = 0; i < gemeinsam; ++i) {
+        const auto links = static_cast<unsigned char>(tolower(a[i]));
+        const auto rechts = static_cast<unsigned char>(tolower(b[i]));
+        if (links != rechts)
+            return links < rechts ? -1 : 1;
+    }
+    return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
 /// The text without the first occurrence of the pattern, which stands for itself, byte by byte.
 ORVOUTIL_API std::string removeSpecialPatterns(std::string_view text, std::string_view muster);
 

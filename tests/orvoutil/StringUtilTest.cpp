@@ -77,6 +77,13 @@ TEST(EndsWith, ComparesTheEnd) {
     EXPECT_FALSE(endsWith("", "x"));
 }
 
+// The compiler evaluates what predefined constants are made with.
+static_assert(isNumeric("010") && !isNumeric("-1") && !isNumeric("+1") && !isNumeric(""));
+static_assert(string2Int("-2147483648") == std::numeric_limits<int>::min() && string2Int("2147483648") == 0);
+static_assert(Ziffernfolge(std::numeric_limits<int>::min()).text() == "-2147483648");
+static_assert(Ziffernfolge(0).text() == "0");
+static_assert(compareIgnoreCase("LSTB", "lstb") == 0);
+
 TEST(CompareIgnoreCase, TakesLettersOfBothCasesAsEqual) {
     EXPECT_EQ(compareIgnoreCase("LibZelmak98.DYLIB", "libzelmak98.dylib"), 0);
     EXPECT_EQ(compareIgnoreCase("", ""), 0);

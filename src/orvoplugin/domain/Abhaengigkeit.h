@@ -10,10 +10,8 @@
 
 /// Dependency ("Abhaengigkeit") of an extension: names something that the extension depends on.
 ///
-/// Extensions keep dependencies by value as this base, so only the kind lives on there. That is wanted, and
-/// binds whoever reads an extension's list.
-///
-/// Threads: one thread at a time, as everywhere in this library.
+/// Extensions keep dependencies by value as this base, so only the kind lives on there. By
+/// contract, nothing else can be read from an extension's list.
 class ORVOPLUGIN_API Abhaengigkeit {
 public:
     /// The kinds, values of `getTyp`.

@@ -11,10 +11,8 @@
 /// before its service runs, or that happens after it. What a kind asks for is the services' business; this
 /// library carries it.
 ///
-/// Extensions keep conditions by value as this base, so only the kind lives on there. That is wanted, and binds
-/// whoever reads an extension's lists.
-///
-/// Threads: one thread at a time, as everywhere in this library.
+/// Extensions keep conditions by value as this base, so only the kind lives on there. By contract,
+/// nothing else can be read from an extension's lists.
 class ORVOPLUGIN_API Bedingung {
 public:
     /// The kinds, values of `getTyp`.

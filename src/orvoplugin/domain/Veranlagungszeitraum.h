@@ -17,7 +17,6 @@
 /// kind of period takes no part. (The registry's key has a rule of its own: the year alone.)
 ///
 /// Errors: `orvo::exception::InvalidFormatException`, from the constructor with a pattern and from `parse`.
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API Veranlagungszeitraum {
 public:
     /// Kinds of period, the values of `getTyp`.

@@ -15,8 +15,6 @@ namespace orvo::service {
 
 /// Check service ("Validierungsservice") of a plugin: checks the tax cases of a submission. The plugin derives
 /// from it, implements the check and says which features can be switched.
-///
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API ValidierungsService : public Service {
 public:
     /// Number of a feature; what it means is the service's business.

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <regex>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
@@ -73,7 +74,7 @@ TEST(Konstanten, HaveTheNumbersAndNamesOfTheTable) {
 TEST(Konstanten, StandInTheOrderOfTheTableAndNoneBesides) {
     std::ifstream kopfdatei(KONSTANTEN_H);
     ASSERT_TRUE(kopfdatei.is_open()) << KONSTANTEN_H;
-    const std::regex definition(".*const Unterfallart& (\\w+) =.*");
+    const std::regex definition("const Unterfallart (\\w+) = .*");
     std::vector<std::string> definiert, erwartet;
     std::smatch treffer;
     for (std::string zeile; std::getline(kopfdatei, zeile);)
@@ -98,9 +99,13 @@ TEST(Konstanten, AreFoundByTextsWithoutRegardToCase) {
     EXPECT_EQ(UFA_10.compare(UFA_LSTB), -1);
 }
 
-TEST(Konstanten, AreTheSameValuesInEveryUnit) {
-    EXPECT_EQ(&UFA_LSTB, &lstbAnderswo());
-    EXPECT_EQ(UFA_LSTB.getName(), "LSTB");
+static_assert(std::is_same_v<decltype(UFA_10), const Unterfallart>);
+static_assert(std::is_same_v<decltype(UFA_LSTB), const Unterfallart>);
+static_assert(std::is_same_v<decltype(VZ_UNABHAENGIG), const std::string>);
+
+TEST(Konstanten, AreObjectsOfEachUnit) {
+    EXPECT_NE(&UFA_LSTB, &lstbAnderswo());
+    EXPECT_EQ(lstbAnderswo().getName(), "LSTB");
 }
 
 /// Made before `main`, and maybe before anything else of this unit.

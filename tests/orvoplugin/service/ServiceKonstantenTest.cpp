@@ -2,7 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+#include <string>
+#include <type_traits>
+
 namespace {
+
+static_assert(std::is_same_v<decltype(LEERER_TEXT), const std::string>);
+static_assert(std::is_same_v<decltype(NEUN_NULLEN), const std::string>);
+static_assert(std::is_same_v<decltype(VERFAHREN), const std::array<std::string, 13>>);
 
 TEST(ServiceKonstanten, HaveTheirTexts) {
     EXPECT_EQ(LEERER_TEXT, "");

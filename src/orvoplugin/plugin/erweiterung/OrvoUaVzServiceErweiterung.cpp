@@ -9,9 +9,8 @@ namespace {
 
 using VzListe = std::list<Veranlagungszeitraum>;
 
-/// Whether the sub-case type is the one that stands for any: "notset", in any letter case.
 bool istBeliebig(const Unterfallart& ua) {
-    return orvo::orvoutil::compareIgnoreCase(ua.getName(), "notset") == 0;
+    return orvo::orvoutil::compareIgnoreCase(ua.getName(), Unterfallart::beliebig()) == 0;
 }
 
 bool istBeliebig(const Veranlagungszeitraum& vz) {

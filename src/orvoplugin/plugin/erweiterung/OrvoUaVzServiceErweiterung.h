@@ -13,8 +13,6 @@
 
 /// A service extension that serves certain sub-case types ("Unterfallart") and, for each, certain assessment
 /// periods ("Veranlagungszeitraum"). The registry files it once per pair.
-///
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API OrvoUaVzServiceErweiterung : public OrvoServiceErweiterung {
 public:
     using VzMap = std::map<Unterfallart, std::list<Veranlagungszeitraum>>;
@@ -29,7 +27,7 @@ public:
     virtual const VzMap& getVeranlagungszeitraumUnterfallartMap() const;
 
     /// Adds a sub-case type with its periods. One that is there already keeps the periods it has: the new ones
-    /// are dropped, not merged. That is wanted, and binds plugins that add in several steps.
+    /// are dropped, not merged, by contract: a plugin gives all periods at once.
     virtual void addUnterstuetzteUnterfallArt(const Unterfallart& ua,
                                               const std::list<Veranlagungszeitraum>& vzs);
 

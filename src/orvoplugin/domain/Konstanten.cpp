@@ -1,3 +1,0 @@
-#include <orvoplugin/domain/Konstanten.h>
-
-const NieZerstoert<VordefinierteUnterfallarten> kVordefinierteUnterfallarten;

@@ -1,3 +1,0 @@
-#include <orvoplugin/service/ServiceKonstanten.h>
-
-const NieZerstoert<VordefinierteServiceTexte> kVordefinierteServiceTexte;
