@@ -1,10 +1,10 @@
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
 
 #include <orvoplugin/plugin/erweiterung/ErweiterungTypName.h>
+#include <orvoutil/StringUtil.h>
 
 #include <array>
-#include <charconv>
-#include <cstdint>
+#include <iterator>
 #include <string_view>
 
 namespace {
@@ -20,11 +20,7 @@ public:
         return *this;
     }
 
-    Streuwert& nimm(std::int32_t zahl) {
-        char ziffern[11]; // sign and ten digits
-        const auto ende = std::to_chars(std::begin(ziffern), std::end(ziffern), zahl).ptr;
-        return nimm(std::string_view(ziffern, static_cast<std::size_t>(ende - ziffern)));
-    }
+    Streuwert& nimm(std::int32_t zahl) { return nimm(orvo::orvoutil::Ziffernfolge(zahl).text()); }
 
     constexpr std::uint32_t wert() const { return wert_; }
 
@@ -42,7 +38,7 @@ constexpr auto kAnfaenge = [] {
 
 } // namespace
 
-ErweiterungsSchluessel::ErweiterungsSchluessel() : typ_(NONE), unterfallart_("notset") {}
+ErweiterungsSchluessel::ErweiterungsSchluessel() : typ_(NONE), unterfallart_(Unterfallart::beliebig()) {}
 
 ErweiterungsSchluessel::ErweiterungsSchluessel(const tag_erweiterung_typ& typ, const Unterfallart& ua,
                                                const Veranlagungszeitraum& vz)
@@ -52,21 +48,16 @@ ErweiterungsSchluessel::ErweiterungsSchluessel(const ErweiterungsSchluessel&) = 
 ErweiterungsSchluessel& ErweiterungsSchluessel::operator=(const ErweiterungsSchluessel&) = default;
 ErweiterungsSchluessel::~ErweiterungsSchluessel() = default;
 
-void ErweiterungsSchluessel::setze(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                   const Veranlagungszeitraum& vz) {
-    typ_ = typ;
-    unterfallart_ = ua;
-    veranlagungszeitraum_ = vz;
-}
-
-void ErweiterungsSchluessel::setzeVeranlagungszeitraum(const Veranlagungszeitraum& vz) {
-    veranlagungszeitraum_ = vz;
+std::uint32_t ErweiterungsSchluessel::streuwert(tag_erweiterung_typ typ, std::int32_t nummer,
+                                                std::int32_t jahr) noexcept {
+    Streuwert streuwert = kAnfaenge[erweiterungTypPlatz(typ)];
+    streuwert.nimm(nummer);
+    streuwert.nimm("#");
+    streuwert.nimm(jahr);
+    return streuwert.wert();
 }
 
 std::size_t ErweiterungsSchluessel::operator()(const ErweiterungsSchluessel& schluessel) const {
-    Streuwert streuwert = kAnfaenge[erweiterungTypPlatz(schluessel.typ_)];
-    streuwert.nimm(schluessel.unterfallart_.getNummer());
-    streuwert.nimm("#");
-    streuwert.nimm(schluessel.veranlagungszeitraum_.getJahr());
-    return streuwert.wert();
+    return streuwert(schluessel.typ_, schluessel.unterfallart_.getNummer(),
+                     schluessel.veranlagungszeitraum_.getJahr());
 }

@@ -6,6 +6,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 
 #include <cstddef>
+#include <cstdint>
 
 /// Key under which the registry files an extension: kind of extension, sub-case type ("Unterfallart") and
 /// assessment period ("Veranlagungszeitraum"). The class is also the hash functor of the registry's map.
@@ -14,7 +15,6 @@
 /// are the same: any period of a year finds what is filed for another one of that year.
 ///
 /// A plain value with a virtual destructor. It logs nothing and keeps no logger.
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API ErweiterungsSchluessel {
 public:
     /// The key of nothing: kind `NONE`, sub-case type "notset", the period-independent period. As a hash functor,
@@ -26,14 +26,12 @@ public:
     ErweiterungsSchluessel& operator=(const ErweiterungsSchluessel&);
     virtual ~ErweiterungsSchluessel();
 
-    /// Turns this key into another one, in the memory that it has.
-    void setze(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz);
-    void setzeVeranlagungszeitraum(const Veranlagungszeitraum& vz);
-
     /// Hash of `schluessel`: 32 bits over the text "kind#number#year", kind by its name. Equal keys give equal
     /// hashes, save that a negative number other than -99 and a name of the same text are equal without. (Not
     /// noexcept, so that the table keeps each entry's hash instead of computing it again.)
     std::size_t operator()(const ErweiterungsSchluessel& schluessel) const;
+    /// The same hash, from what it is made of.
+    static std::uint32_t streuwert(tag_erweiterung_typ typ, std::int32_t nummer, std::int32_t jahr) noexcept;
 
     tag_erweiterung_typ getTyp() const { return typ_; }
     const Unterfallart& getUnterfallart() const { return unterfallart_; }

@@ -22,7 +22,6 @@
 /// Returns: a handle, empty when nothing serves the pair, when there is no service to be had, or when it is not a `T`;
 /// see `ServiceGriff`.
 /// Errors: as `OrvoErweiterungsManager::getInstanz`, which the first of these calls makes load all plugins.
-/// Threads: one thread at a time, as everywhere in this library.
 
 /// The check service for the pair.
 template <class T = orvo::service::ValidierungsService>

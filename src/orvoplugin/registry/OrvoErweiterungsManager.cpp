@@ -10,7 +10,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoXPathMappingServiceErweiterung.h>
 #include <orvoplugin/plugin/intern/Einzelinstanz.h>
 #include <orvoplugin/registry/RegisterBeobachter.h>
-#include <orvoplugin/registry/Suchtafel.h>
+#include <orvoplugin/registry/intern/Suchindex.h>
 #include <orvoutil/Latin1.h>
 #include <orvoutil/Logger.h>
 #include <orvoutil/ObjectLifetimeManager.h>
@@ -19,6 +19,7 @@
 
 #include <sstream>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -77,7 +78,7 @@ void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung, cons
     logger->tagged(kMarke, kOhneCode, text.str(), kOhneCode);
 }
 
-/// Beginning and end stand twice in the line. That is its wanted form: whoever reads the log looks for it.
+/// By contract, beginning and end stand twice in the line: readers of the log look for it so.
 void meldeDoppelten(Logger* logger, const OrvoErweiterung* erweiterung, const Unterfallart& ua,
                     const Veranlagungszeitraum& vz) {
     if (!logger || !Logger::hatSenke())
@@ -88,16 +89,43 @@ void meldeDoppelten(Logger* logger, const OrvoErweiterung* erweiterung, const Un
     logger->tagged(kMarke, kOhneCode, anfang + einfach + kHoehereVersion.c_str(), kOhneCode);
 }
 
-/// Every extension of that kind and class, once for each key that it holds.
-template <class T, class Register>
-std::list<T*> sammle(const Register& eintraege, tag_erweiterung_typ typ, Logger* logger,
-                     const char* operation) {
+/// The tax-office data, of which there is one, have a fixed key. It is registered under "Y" and otherwise goes by "YYYY":
+/// both give the year 2000.
+ErweiterungsSchluessel finanzamtsSchluessel(const char* muster) {
+    return {ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0), Veranlagungszeitraum(0, muster)};
+}
+
+/// The kind whose look-ups and listings give that class.
+template <class Klasse>
+constexpr tag_erweiterung_typ kArt = NONE;
+template <>
+constexpr tag_erweiterung_typ kArt<OrvoValidierungsServiceErweiterung> = ORVO_CHECK_SERVICE_ERWEITERUNG;
+template <>
+constexpr tag_erweiterung_typ kArt<OrvoFeldInfoDatenServiceErweiterung> =
+    ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG;
+template <>
+constexpr tag_erweiterung_typ kArt<OrvoFTDatenServiceErweiterung> =
+    ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG;
+template <>
+constexpr tag_erweiterung_typ kArt<OrvoFADatenServiceErweiterung> = ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG;
+template <>
+constexpr tag_erweiterung_typ kArt<OrvoXPathMappingServiceErweiterung> =
+    ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG;
+template <>
+constexpr tag_erweiterung_typ kArt<OrvoDatensatzReaderErweiterung> =
+    ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG;
+
+/// Every extension of the class and its kind, once for each key that it holds.
+template <class Klasse, class Register>
+std::list<Klasse*> sammle(const Register& eintraege, Logger* logger, const char* operation) {
     const Spur spur(logger, operation);
-    std::list<T*> liste;
-    for (const auto& [schluessel, erweiterung] : eintraege)
-        if (erweiterung->getTyp() == typ)
-            if (T* const passende = dynamic_cast<T*>(erweiterung))
-                liste.push_back(passende);
+    std::list<Klasse*> liste;
+    for (const auto& [schluessel, erweiterung] : eintraege) {
+        const bool vonDerArt =
+            std::is_same_v<Klasse, OrvoErweiterung> || erweiterung->getTyp() == kArt<Klasse>;
+        if (Klasse* const passende = vonDerArt ? dynamic_cast<Klasse*>(erweiterung) : nullptr)
+            liste.push_back(passende);
+    }
     spur.ende();
     return liste;
 }
@@ -113,7 +141,7 @@ OrvoErweiterungsManager* OrvoErweiterungsManager::getInstanz() {
 }
 
 OrvoErweiterungsManager::OrvoErweiterungsManager()
-    : logger_(Logger::getInstance(kErweiterungsManagerName)), suchtafel_(std::make_unique<Suchtafel>()) {
+    : logger_(Logger::getInstance(kErweiterungsManagerName)), suchindex_(std::make_unique<Suchindex>()) {
     const Spur spur(logger_, "OrvoErweiterungsManager::OrvoErweiterungsManager");
     initialisiere();
     spur.ende();
@@ -138,7 +166,7 @@ OrvoErweiterungsManager::~OrvoErweiterungsManager() {
         OrvoPluginManager::getInstanz(nullptr)->removeObserver(this);
     if (!registrierteErweiterungen_.empty() && logger_ && logger_->isWarnEnabled())
         logger_->warn(kSpeicherloch.c_str());
-    suchtafel_->leere();
+    suchindex_->leere();
     registrierteErweiterungen_.clear();
     spur.ende();
 }
@@ -173,10 +201,8 @@ void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
 
 void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
     meldeRegistrierung(logger_, erweiterung);
-    // The first one stays, whatever the versions. "Y" here and "YYYY" elsewhere give the same year, 2000.
-    const auto [bestehender, neu] = trageEinWennFrei(
-        {ErweiterungsSchluessel(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "Y")),
-         erweiterung});
+    // The first one stays, whatever the versions.
+    const auto [bestehender, neu] = trageEinWennFrei({finanzamtsSchluessel("Y"), erweiterung});
     if (!registerBeobachter)
         return;
     if (neu)
@@ -210,8 +236,7 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
     const OrvoVersion neueVersion = produktVersionVon(*erweiterung);
     const OrvoVersion bisherigeVersion = produktVersionVon(bisherige);
     if (neueVersion > bisherigeVersion) {
-        suchtafel_->streiche(bestehender->first);
-        registrierteErweiterungen_.erase(bestehender);
+        loesche(bestehender);
         trageEinWennFrei(eintrag);
         if (registerBeobachter)
             registerBeobachter->verdraengt(eintrag.first, *erweiterung, bisherige, REGEL_HOEHERE_VERSION);
@@ -222,21 +247,26 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
     }
 }
 
-/// Enters the pair in the map and in the table beside it, if the key is absent. For want of memory, in neither.
+/// Enters the pair in the map and in the index, if the key is absent; on allocation failure in neither.
 std::pair<OrvoErweiterungsManager::Register::iterator, bool>
 OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
-    suchtafel_->schaffePlatz();
-    suchSchluessel_ = eintrag.first; // which then has the room that it takes to strike the key out again
     const auto ergebnis = registrierteErweiterungen_.insert(eintrag);
-    if (ergebnis.second)
-        suchtafel_->trageEin(ergebnis.first->first, eintrag.second);
+    if (ergebnis.second) {
+        try {
+            suchindex_->trageEin(ergebnis.first->first, eintrag.second);
+        } catch (...) {
+            registrierteErweiterungen_.erase(ergebnis.first);
+            throw;
+        }
+    }
     return ergebnis;
 }
 
 /// Erases by key, whichever extension stands there; see the class comment.
 void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG) {
-        streiche(erweiterung->getTyp(), Unterfallart(0), Veranlagungszeitraum(0, "YYYY"));
+        const ErweiterungsSchluessel schluessel = finanzamtsSchluessel("YYYY");
+        streiche(schluessel.getTyp(), schluessel.getUnterfallart(), schluessel.getVeranlagungszeitraum());
     } else if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung)) {
         for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap())
             for (const Veranlagungszeitraum& vz : vzs)
@@ -244,16 +274,19 @@ void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     }
 }
 
-/// Needs no memory for a key that was entered: what stayed behind would refer to an extension that is gone.
+/// Allocates nothing: an entry that stayed would refer to an extension that is gone.
 void OrvoErweiterungsManager::streiche(tag_erweiterung_typ typ, const Unterfallart& ua,
                                        const Veranlagungszeitraum& vz) {
-    suchSchluessel_.setze(typ, ua, vz);
-    const auto eintrag = registrierteErweiterungen_.find(suchSchluessel_);
-    if (eintrag == registrierteErweiterungen_.end())
+    const Registerfund* const fund = suchindex_->finde(typ, ua, vz.getJahr());
+    if (!fund)
         return;
     if (registerBeobachter)
-        registerBeobachter->entfernt(eintrag->first, *eintrag->second);
-    suchtafel_->streiche(eintrag->first);
+        registerBeobachter->entfernt(*fund->schluessel, *fund->erweiterung);
+    loesche(registrierteErweiterungen_.find(*fund->schluessel));
+}
+
+void OrvoErweiterungsManager::loesche(Register::iterator eintrag) {
+    suchindex_->streiche(eintrag->first);
     registrierteErweiterungen_.erase(eintrag);
 }
 
@@ -266,37 +299,18 @@ OrvoUaVzServiceErweiterung* OrvoErweiterungsManager::alsUaVz(OrvoErweiterung* er
     return uaVz;
 }
 
-/// The extension under the key itself, else under its period-independent one; null when there is neither.
-OrvoErweiterung* OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                                const Veranlagungszeitraum& vz) const {
-    if (!Suchtafel::traegt(ua))
-        return sucheImRegister(typ, ua, vz);
-    const Suchtafel::Platz* const platz = suchtafel_->finde(typ, ua, vz.getJahr(), kOhneJahr);
-    return platz ? platz->erweiterung : nullptr;
+/// The one look-up: the entry of the year, else the period-independent one; null when there is neither.
+const Registerfund* OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                                                   const Veranlagungszeitraum& vz) const noexcept {
+    const Registerfund* const fund = suchindex_->finde(typ, ua, vz.getJahr());
+    return fund ? fund : suchindex_->finde(typ, ua, kOhneJahr);
 }
 
-/// The same, as an extension of the class that a look-up of its kind gives; null too when it is of another one.
+/// The same, as an extension of the class; null too when it is of another one.
 template <class Klasse>
-Klasse* OrvoErweiterungsManager::sucheAls(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                          const Veranlagungszeitraum& vz) const {
-    if (!Suchtafel::traegt(ua))
-        return dynamic_cast<Klasse*>(sucheImRegister(typ, ua, vz));
-    const Suchtafel::Platz* const platz = suchtafel_->finde(typ, ua, vz.getJahr(), kOhneJahr);
-    if (!platz)
-        return nullptr;
-    return platz->vonIhrerKlasse ? static_cast<Klasse*>(platz->erweiterung)
-                                 : dynamic_cast<Klasse*>(platz->erweiterung);
-}
-
-OrvoErweiterung* OrvoErweiterungsManager::sucheImRegister(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                                          const Veranlagungszeitraum& vz) const {
-    suchSchluessel_.setze(typ, ua, vz);
-    auto gefunden = registrierteErweiterungen_.find(suchSchluessel_);
-    if (gefunden == registrierteErweiterungen_.end()) {
-        suchSchluessel_.setzeVeranlagungszeitraum(Veranlagungszeitraum());
-        gefunden = registrierteErweiterungen_.find(suchSchluessel_);
-    }
-    return gefunden == registrierteErweiterungen_.end() ? nullptr : gefunden->second;
+Klasse* OrvoErweiterungsManager::sucheAls(const Unterfallart& ua, const Veranlagungszeitraum& vz) const {
+    const Registerfund* const fund = suche(kArt<Klasse>, ua, vz);
+    return fund ? dynamic_cast<Klasse*>(fund->erweiterung) : nullptr;
 }
 
 OrvoValidierungsServiceErweiterung*
@@ -304,36 +318,37 @@ OrvoErweiterungsManager::findeValidierungsServiceErweiterung(const Unterfallart&
                                                              const Veranlagungszeitraum& vz) const {
     const Spur spur(logger_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
     spur.ende(); // both lines come before the search, and only this one of the look-ups writes any
-    return sucheAls<OrvoValidierungsServiceErweiterung>(ORVO_CHECK_SERVICE_ERWEITERUNG, ua, vz);
+    return sucheAls<OrvoValidierungsServiceErweiterung>(ua, vz);
 }
 
 OrvoFeldInfoDatenServiceErweiterung*
 OrvoErweiterungsManager::findeFeldInfoDatenServiceErweiterung(const Unterfallart& ua,
                                                               const Veranlagungszeitraum& vz) const {
-    return sucheAls<OrvoFeldInfoDatenServiceErweiterung>(ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, ua, vz);
+    return sucheAls<OrvoFeldInfoDatenServiceErweiterung>(ua, vz);
 }
 
 OrvoFTDatenServiceErweiterung*
 OrvoErweiterungsManager::findeFehlertextDatenServiceErweiterung(const Unterfallart& ua,
                                                                 const Veranlagungszeitraum& vz) const {
-    return sucheAls<OrvoFTDatenServiceErweiterung>(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, ua, vz);
+    return sucheAls<OrvoFTDatenServiceErweiterung>(ua, vz);
 }
 
 OrvoXPathMappingServiceErweiterung*
 OrvoErweiterungsManager::findeXPathMappingServiceErweiterung(const Unterfallart& ua,
                                                              const Veranlagungszeitraum& vz) const {
-    return sucheAls<OrvoXPathMappingServiceErweiterung>(ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG, ua, vz);
+    return sucheAls<OrvoXPathMappingServiceErweiterung>(ua, vz);
 }
 
 OrvoDatensatzReaderErweiterung*
 OrvoErweiterungsManager::findeDatensatzReaderServiceErweiterung(const Unterfallart& ua,
                                                                 const Veranlagungszeitraum& vz) const {
-    return sucheAls<OrvoDatensatzReaderErweiterung>(ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG, ua, vz);
+    return sucheAls<OrvoDatensatzReaderErweiterung>(ua, vz);
 }
 
 OrvoFADatenServiceErweiterung* OrvoErweiterungsManager::findeFADatenServiceErweiterung() const {
-    return sucheAls<OrvoFADatenServiceErweiterung>(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0),
-                                                   Veranlagungszeitraum(0, "YYYY"));
+    const ErweiterungsSchluessel schluessel = finanzamtsSchluessel("YYYY");
+    return sucheAls<OrvoFADatenServiceErweiterung>(schluessel.getUnterfallart(),
+                                                   schluessel.getVeranlagungszeitraum());
 }
 
 bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ,
@@ -347,21 +362,14 @@ bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erwei
 
 RegisterAuskunft OrvoErweiterungsManager::schlageNach(tag_erweiterung_typ typ, const Unterfallart& ua,
                                                       const Veranlagungszeitraum& vz) const {
-    RegisterAuskunft auskunft;
-    auskunft.erweiterung = suche(typ, ua, vz);
-    if (!auskunft.erweiterung)
-        return auskunft;
-    // The answer came from the key itself if that has an entry, else from the period-independent one.
-    auto eintrag = registrierteErweiterungen_.find(ErweiterungsSchluessel(typ, ua, vz));
-    if (eintrag != registrierteErweiterungen_.end()) {
-        const bool genau = eintrag->first.getVeranlagungszeitraum() == vz;
-        auskunft.treffer = genau ? RegisterAuskunft::GENAU : RegisterAuskunft::GLEICHES_JAHR;
-    } else {
-        eintrag = registrierteErweiterungen_.find(ErweiterungsSchluessel(typ, ua, Veranlagungszeitraum()));
-        auskunft.treffer = RegisterAuskunft::UNABHAENGIG;
-    }
-    auskunft.schluessel = &eintrag->first;
-    return auskunft;
+    const Registerfund* const fund = suche(typ, ua, vz);
+    if (!fund)
+        return {};
+    const Veranlagungszeitraum& gefunden = fund->schluessel->getVeranlagungszeitraum();
+    const auto treffer = gefunden == vz                       ? RegisterAuskunft::GENAU
+                         : gefunden.getJahr() == vz.getJahr() ? RegisterAuskunft::GLEICHES_JAHR
+                                                              : RegisterAuskunft::UNABHAENGIG;
+    return {treffer, fund->schluessel, fund->erweiterung};
 }
 
 RegisterBeobachter* OrvoErweiterungsManager::setRegisterBeobachter(RegisterBeobachter* beobachter) {
@@ -369,39 +377,35 @@ RegisterBeobachter* OrvoErweiterungsManager::setRegisterBeobachter(RegisterBeoba
 }
 
 std::list<OrvoErweiterung*> OrvoErweiterungsManager::getRegistrierteErweiterungen() const {
-    const Spur spur(logger_, "OrvoErweiterungsManager::getRegistrierteErweiterungen");
-    std::list<OrvoErweiterung*> liste;
-    for (const auto& [schluessel, erweiterung] : registrierteErweiterungen_)
-        liste.push_back(erweiterung);
-    spur.ende();
-    return liste;
+    return sammle<OrvoErweiterung>(registrierteErweiterungen_, logger_,
+                                   "OrvoErweiterungsManager::getRegistrierteErweiterungen");
 }
 
 std::list<OrvoValidierungsServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen() const {
     return sammle<OrvoValidierungsServiceErweiterung>(
-        registrierteErweiterungen_, ORVO_CHECK_SERVICE_ERWEITERUNG, logger_,
+        registrierteErweiterungen_, logger_,
         "OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen");
 }
 
 std::list<OrvoFeldInfoDatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen() const {
     return sammle<OrvoFeldInfoDatenServiceErweiterung>(
-        registrierteErweiterungen_, ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG, logger_,
+        registrierteErweiterungen_, logger_,
         "OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen");
 }
 
 std::list<OrvoFTDatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen() const {
     return sammle<OrvoFTDatenServiceErweiterung>(
-        registrierteErweiterungen_, ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG, logger_,
+        registrierteErweiterungen_, logger_,
         "OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen");
 }
 
 std::list<OrvoFADatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen() const {
     return sammle<OrvoFADatenServiceErweiterung>(
-        registrierteErweiterungen_, ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, logger_,
+        registrierteErweiterungen_, logger_,
         "OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen");
 }
 

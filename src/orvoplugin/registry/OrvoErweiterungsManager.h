@@ -23,7 +23,8 @@ class OrvoUaVzServiceErweiterung;
 class OrvoValidierungsServiceErweiterung;
 class OrvoXPathMappingServiceErweiterung;
 class RegisterBeobachter;
-class Suchtafel;
+class Suchindex;
+struct Registerfund;
 
 namespace orvo::orvoutil {
 class Logger;
@@ -34,8 +35,8 @@ class Logger;
 ///
 /// It observes the plugin manager and files each extension once per pair that it serves. Where two plugins offer
 /// the same, the one with the higher product version stays, and on equal versions the one registered first. When
-/// a plugin goes, everything under its keys goes, also what another plugin had won there: that is wanted, and
-/// binds whoever unloads a single plugin, to load the rest anew.
+/// a plugin goes, everything under its keys goes, by contract also what another plugin had won there: a caller that
+/// unloads a single plugin reloads the rest.
 ///
 /// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own,
 /// which observes the process's plugin manager only if it is the one that starts it.
@@ -44,7 +45,8 @@ class Logger;
 ///
 /// Ownership: owns no extension. An extension found stays valid until its plugin is unloaded.
 /// Errors: a look-up that finds nothing gives null, false or an empty list.
-/// Threads: one thread at a time, as everywhere in this library; look-ups too, for they share a search key.
+/// Threads: one thread at a time, with one exception: several threads may look up and list at once while no thread
+/// loads or unloads plugins or gets services. Look-ups and listings write nothing that is shared.
 class ORVOPLUGIN_API OrvoErweiterungsManager : public PluginObserver {
 public:
     /// The process's registry. The first call makes it, starts the plugin manager and so loads all plugins.
@@ -122,20 +124,18 @@ private:
     std::pair<Register::iterator, bool> trageEinWennFrei(const Register::value_type& eintrag);
     void entferne(const OrvoErweiterung* erweiterung);
     void streiche(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz);
+    void loesche(Register::iterator eintrag);
     OrvoUaVzServiceErweiterung* alsUaVz(OrvoErweiterung* erweiterung) const;
 
-    OrvoErweiterung* suche(tag_erweiterung_typ typ, const Unterfallart& ua,
-                           const Veranlagungszeitraum& vz) const;
+    const Registerfund* suche(tag_erweiterung_typ typ, const Unterfallart& ua,
+                              const Veranlagungszeitraum& vz) const noexcept;
     template <class Klasse>
-    __attribute__((visibility("hidden"))) Klasse* sucheAls(tag_erweiterung_typ typ, const Unterfallart& ua,
+    __attribute__((visibility("hidden"))) Klasse* sucheAls(const Unterfallart& ua,
                                                            const Veranlagungszeitraum& vz) const;
-    OrvoErweiterung* sucheImRegister(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                     const Veranlagungszeitraum& vz) const;
 
     Register registrierteErweiterungen_;
     std::set<OrvoErweiterung*> alleErweiterungen_;
     std::int32_t status_ = 0;
     orvo::orvoutil::Logger* logger_;
-    mutable ErweiterungsSchluessel suchSchluessel_; ///< of look-ups in the map, for its memory
-    std::unique_ptr<Suchtafel> suchtafel_;          ///< holds what the map holds, for look-ups
+    std::unique_ptr<Suchindex> suchindex_; ///< finds the entries of the map
 };

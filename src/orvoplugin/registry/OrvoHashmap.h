@@ -12,7 +12,6 @@ namespace orvo::common {
 /// change when the table grows.
 ///
 /// Ownership: owns keys and values; pointers kept as values stay whose they are.
-/// Threads: one thread at a time, as everywhere in this library.
 template <class Key, class Value, class Hash = std::hash<Key>, class Equal = std::equal_to<Key>,
           class Alloc = std::allocator<std::pair<const Key, Value>>>
 class OrvoHashmap {

@@ -14,7 +14,7 @@ struct RegisterAuskunft {
         KEINER = 0,        ///< nothing was found
         GENAU = 1,         ///< the very period
         GLEICHES_JAHR = 2, ///< another period of the same year
-        UNABHAENGIG = 3,   ///< the period-independent one, for want of one of that year
+        UNABHAENGIG = 3,   ///< the period-independent one; that year has none
     };
 
     Treffer treffer = KEINER;

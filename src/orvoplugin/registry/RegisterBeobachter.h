@@ -15,8 +15,8 @@ enum orvo_register_regel_t : std::int32_t {
     REGEL_ERSTER_BLEIBT = 4,      ///< tax-office data: the first one stays, whatever the versions
 };
 
-/// Whoever wants to know which extension got which key of the registry, and by which rule: tools that show an
-/// operator who answers, and why not another. A client needs none; see
+/// Told which extension got which key of the registry, and by which rule: for tools that show an
+/// operator which extension answers, and why no other. A client needs none; see
 /// `OrvoErweiterungsManager::setRegisterBeobachter`.
 ///
 /// Every operation may be left as it is. It must not throw.

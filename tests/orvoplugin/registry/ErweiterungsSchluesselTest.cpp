@@ -51,15 +51,6 @@ TEST(ErweiterungsSchluessel, IsTheKeyOfNothingByDefault) {
     EXPECT_EQ(vz.getText(), "");
 }
 
-TEST(ErweiterungsSchluessel, TurnsIntoAnotherKey) {
-    ErweiterungsSchluessel schluessel;
-    schluessel.setze(kCheck, 10, jahr(2009));
-    EXPECT_EQ(schluessel, check(10, jahr(2009)));
-    EXPECT_EQ(streuwert(schluessel), streuwert(check(10, jahr(2009))));
-    schluessel.setzeVeranlagungszeitraum(Veranlagungszeitraum());
-    EXPECT_EQ(schluessel, check(10, Veranlagungszeitraum()));
-}
-
 TEST(ErweiterungsSchluessel, LogsNothing) {
     const Mitschnitt mitschnitt;
     const ErweiterungsSchluessel schluessel = check(10, jahr(2009));

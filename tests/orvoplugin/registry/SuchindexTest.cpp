@@ -142,7 +142,7 @@ private:
     std::unordered_map<ErweiterungsSchluessel, OrvoErweiterung*, ErweiterungsSchluessel> eintraege_;
 };
 
-class SuchtafelTest : public Registratur {
+class SuchindexTest : public Registratur {
 protected:
     LosesPlugin& neues(int version) { return plugins_.emplace_back(std::to_string(version)); }
     void melde(LosesPlugin& plugin) {
@@ -218,7 +218,7 @@ private:
 
 } // namespace
 
-TEST_F(SuchtafelTest, AnswersWhatTheLiteralKeyAnswersWhateverComesAndGoes) {
+TEST_F(SuchindexTest, AnswersWhatTheLiteralKeyAnswersWhateverComesAndGoes) {
     const std::vector<Unterfallart> uas = schwierige();
     Los los(20091231);
     std::vector<LosesPlugin*> gemeldete;
@@ -243,7 +243,7 @@ TEST_F(SuchtafelTest, AnswersWhatTheLiteralKeyAnswersWhateverComesAndGoes) {
 }
 
 // One of a pair is there, the other is asked for.
-TEST_F(SuchtafelTest, TellsEveryPairOfSubCaseTypesApartAsTheLiteralKeyDoes) {
+TEST_F(SuchindexTest, TellsEveryPairOfSubCaseTypesApartAsTheLiteralKeyDoes) {
     const std::vector<Unterfallart> uas = schwierige();
     for (const Unterfallart& angeboten : uas) {
         LosesPlugin& plugin = neues(1);
@@ -255,7 +255,7 @@ TEST_F(SuchtafelTest, TellsEveryPairOfSubCaseTypesApartAsTheLiteralKeyDoes) {
     }
 }
 
-TEST_F(SuchtafelTest, KeepsANegativeNumberAndTheNameOfTheSameTextApart) {
+TEST_F(SuchindexTest, KeepsANegativeNumberAndTheNameOfTheSameTextApart) {
     LosesPlugin& plugin = neues(1);
     OrvoErweiterung* const nummer = plugin.biete(Check(-5, jahr(2009)));
     melde(plugin);
@@ -269,7 +269,7 @@ TEST_F(SuchtafelTest, KeepsANegativeNumberAndTheNameOfTheSameTextApart) {
 }
 
 // The hashes of "...FEHLER_TEXT...#-17780975#2009" and "...FEHLER_TEXT...#-99#2009" are the same by chance.
-TEST_F(SuchtafelTest, TakesANegativeNumberForTheNameWhereTheirHashesMeet) {
+TEST_F(SuchindexTest, TakesANegativeNumberForTheNameWhereTheirHashesMeet) {
     LosesPlugin& plugin = neues(1);
     OrvoErweiterung* const nummer = plugin.biete(Fehlertext(-17780975, jahr(2009)));
     melde(plugin);
@@ -283,7 +283,7 @@ TEST_F(SuchtafelTest, TakesANegativeNumberForTheNameWhereTheirHashesMeet) {
     EXPECT_EQ(registry_.findeFehlertextDatenServiceErweiterung("-17780975", jahr(2009)), nullptr);
 }
 
-TEST_F(SuchtafelTest, FindsAllOfThousandsAsPluginsComeAndGo) {
+TEST_F(SuchindexTest, FindsAllOfThousandsAsPluginsComeAndGo) {
     constexpr int kPlugins = 500;
     const auto name = [](int i) { return "Anmeldung der Art " + std::to_string(i); };
     for (int i = 0; i < kPlugins; ++i) {
@@ -312,7 +312,7 @@ TEST_F(SuchtafelTest, FindsAllOfThousandsAsPluginsComeAndGo) {
     EXPECT_TRUE(registry_.getRegistrierteErweiterungen().empty());
 }
 
-TEST_F(SuchtafelTest, KeepsAThousandKindsOfOneSubCaseTypeAndYearApart) {
+TEST_F(SuchindexTest, KeepsAThousandKindsOfOneSubCaseTypeAndYearApart) {
     LosesPlugin& plugin = neues(1);
     for (int art = -500; art < 500; art += 2)
         plugin.biete(BeliebigeArt(static_cast<tag_erweiterung_typ>(art), {{10, {jahr(2009)}}}));
@@ -325,7 +325,7 @@ TEST_F(SuchtafelTest, KeepsAThousandKindsOfOneSubCaseTypeAndYearApart) {
 }
 
 // The table goes by names that belong to entries of the map, which another plugin's take the place of.
-TEST_F(SuchtafelTest, FindsTheWinnerUnderEitherWritingAndNobodyWhenItIsGone) {
+TEST_F(SuchindexTest, FindsTheWinnerUnderEitherWritingAndNobodyWhenItIsGone) {
     LosesPlugin& altes = neues(1);
     LosesPlugin& neueres = neues(2);
     altes.biete(Check("zuwendungsbestaetigung", jahr(2009)));
@@ -349,7 +349,7 @@ public:
 };
 
 // The checked cast that the look-up stands for goes across from the one to the other.
-TEST_F(SuchtafelTest, FindsTheExtensionOfTheKindsClassWhereverItStandsInTheObject) {
+TEST_F(SuchindexTest, FindsTheExtensionOfTheKindsClassWhereverItStandsInTheObject) {
     LosesPlugin& plugin = neues(1);
     const ZweiInEinem zwei;
     OrvoErweiterung* const angeboten = plugin.biete(static_cast<const BeliebigeArt&>(zwei));
