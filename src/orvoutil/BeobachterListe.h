@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <list>
+#include <utility>
 
 namespace orvo::orvoutil {
 
@@ -32,15 +34,13 @@ public:
 
     /// Takes the first entry of that observer out; null and unknown ones are ignored.
     void entfernen(T* beobachter) {
-        std::size_t index = 0;
-        for (auto eintrag = liste_.begin(); eintrag != liste_.end(); ++eintrag, ++index) {
-            if (*eintrag != beobachter)
-                continue;
-            for (Durchlauf* d = durchlaeufe_; d; d = d->naechsterDurchlauf_)
-                d->vergiss(eintrag, index);
-            liste_.erase(eintrag);
+        const auto eintrag = std::find(liste_.begin(), liste_.end(), beobachter);
+        if (!beobachter || eintrag == liste_.end())
             return;
-        }
+        if (durchlaeufe_)
+            *eintrag = nullptr; // goes with the last walk
+        else
+            liste_.erase(eintrag);
     }
 
 private:
@@ -56,10 +56,8 @@ public:
     explicit Durchlauf(BeobachterListe& liste) noexcept
         : liste_(&liste),
           naechster_(liste.liste_.begin()),
-          ende_(liste.liste_.size()),
-          naechsterDurchlauf_(liste.durchlaeufe_) {
-        liste.durchlaeufe_ = this;
-    }
+          uebrige_(liste.liste_.size()),
+          naechsterDurchlauf_(std::exchange(liste.durchlaeufe_, this)) {}
     Durchlauf(const Durchlauf&) = delete;
     Durchlauf& operator=(const Durchlauf&) = delete;
     ~Durchlauf() {
@@ -69,38 +67,31 @@ public:
         while (*verweis != this)
             verweis = &(*verweis)->naechsterDurchlauf_;
         *verweis = naechsterDurchlauf_;
+        if (!liste_->durchlaeufe_)
+            liste_->liste_.remove(nullptr);
     }
 
     /// Returns: the next observer; null at the end.
     T* naechster() noexcept {
-        if (index_ == ende_)
-            return nullptr;
-        ++index_;
-        return *naechster_++;
+        while (uebrige_ > 0) {
+            --uebrige_;
+            if (T* const beobachter = *naechster_++)
+                return beobachter;
+        }
+        return nullptr;
     }
 
 private:
     friend class BeobachterListe;
-    using Eintrag = typename std::list<T*>::iterator;
-
-    void vergiss(Eintrag eintrag, std::size_t index) noexcept {
-        if (eintrag == naechster_)
-            ++naechster_;
-        if (index < index_)
-            --index_;
-        if (index < ende_)
-            --ende_;
-    }
 
     void beende() noexcept {
         liste_ = nullptr;
-        index_ = ende_;
+        uebrige_ = 0;
     }
 
     BeobachterListe* liste_; // null when it is gone
-    Eintrag naechster_;
-    std::size_t index_ = 0; // of `naechster_`
-    std::size_t ende_;      // index behind the last entry to visit
+    typename std::list<T*>::iterator naechster_;
+    std::size_t uebrige_; // how many entries are still to be visited
     Durchlauf* naechsterDurchlauf_;
 };
 

@@ -10,16 +10,20 @@
 #include <cstdlib>
 #include <initializer_list>
 #include <new>
+#include <utility>
 
 namespace {
 
 Zaehler gezaehlt;
 int bisZumMangel = -1; // how many allocations succeed before one fails; none fails below zero
+bool gefehlt = false;
 
 void* teileZu(std::size_t groesse) {
     ++gezaehlt.zuteilungen;
-    if (bisZumMangel >= 0 && bisZumMangel-- == 0)
+    if (bisZumMangel >= 0 && bisZumMangel-- == 0) {
+        gefehlt = true;
         throw std::bad_alloc();
+    }
     if (void* const speicher = std::malloc(groesse ? groesse : 1))
         return speicher;
     throw std::bad_alloc();
@@ -29,8 +33,13 @@ void* teileZu(std::size_t groesse) {
 
 Zaehler Zaehler::bisher() { return gezaehlt; }
 
-Zaehler::Speichermangel::Speichermangel(int zuteilungen) { bisZumMangel = zuteilungen; }
+Zaehler::Speichermangel::Speichermangel(int zuteilungen) {
+    bisZumMangel = zuteilungen;
+    gefehlt = false;
+}
 Zaehler::Speichermangel::~Speichermangel() { bisZumMangel = -1; }
+
+bool Zaehler::fehlteSpeicher() { return gefehlt; }
 
 void* operator new(std::size_t groesse) { return teileZu(groesse); }
 void* operator new[](std::size_t groesse) { return teileZu(groesse); }
@@ -49,6 +58,13 @@ bool Zaehler::zaehltLader() { return true; }
 
 namespace {
 
+/// Lets no allocation fail as long as it lives.
+struct Aussetzer {
+    Aussetzer() : bisher(std::exchange(bisZumMangel, -1)) {}
+    ~Aussetzer() { bisZumMangel = bisher; }
+    const int bisher;
+};
+
 /// The system's own function of that name. Its version differs between processors: it is the library's newest one, or
 /// its first.
 template <class Funktion>
@@ -66,6 +82,7 @@ extern "C" {
 void* dlopen(const char* pfad, int weise) {
     static const auto oeffne = eigentliche<void*(const char*, int)>("dlopen");
     ++gezaehlt.oeffnungen;
+    const Aussetzer aussetzer;
     return oeffne(pfad, weise);
 }
 int dlclose(void* griff) {

@@ -34,7 +34,8 @@ struct Zaehler {
     static bool zaehltLader();
 
     /// Runs `tu` with memory for so many allocations; the next one fails, and those after it succeed again. Returns:
-    /// whether `tu` came to its end, and did not throw `std::bad_alloc`.
+    /// whether `tu` came to its end, and did not throw `std::bad_alloc`. Under the system's loader none fails: a library's
+    /// start-up code cannot be saved from that.
     template <class Tu>
     static bool mitSpeicherFuer(int zuteilungen, Tu&& tu) {
         const Speichermangel mangel(zuteilungen);
@@ -45,6 +46,9 @@ struct Zaehler {
             return false;
         }
     }
+
+    /// Whether an allocation failed in the last `mitSpeicherFuer`.
+    static bool fehlteSpeicher();
 
 private:
     struct Speichermangel {

@@ -4,7 +4,7 @@
 #error "orvoplugin: abgesichert catches exceptions; compile without -fno-exceptions, or without this header"
 #endif
 
-#include <orvoutil/Logger.h>
+#include <orvoutil/Log.h>
 
 #include <exception>
 #include <string>
@@ -26,23 +26,19 @@
 ///         return abgesichert([] { return new Pruefung; });
 ///     }
 
-/// Writes the exception that is being handled to the log, at level error. Swallows want of memory.
+/// Writes the exception that is being handled to the log, at level error.
 __attribute__((visibility("hidden"))) inline void protokolliereAusnahme(const char* wo) noexcept {
-    try {
-        auto* const logger = orvo::orvoutil::Logger::getInstance("orvo.plugin.Absicherung");
-        if (!logger || !logger->isErrorEnabled())
-            return;
-        std::string grund = "unbekannte Ausnahme";
+    orvo::orvoutil::Log("orvo.plugin.Absicherung").error([&] {
+        std::string text = std::string("Ausnahme in ") + wo + ": ";
         try {
             throw;
         } catch (const std::exception& ausnahme) {
-            const char* const text = ausnahme.what();
-            grund = text ? text : "";
-        } catch (...) { // keeps its text
+            const char* const grund = ausnahme.what();
+            return text + (grund ? grund : "");
+        } catch (...) {
+            return text + "unbekannte Ausnahme";
         }
-        logger->error(std::string("Ausnahme in ") + wo + ": " + grund);
-    } catch (...) { // nothing is left to be said
-    }
+    });
 }
 
 /// Calls `ruf` and returns what it returns. If it throws, the log says "Ausnahme in <function>: <text>" at level

@@ -273,6 +273,8 @@ bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
     if (ladeBeobachter)
         ladeBeobachter->betrittVerzeichnis(ort);
     const DirReader leser(ort, "*.*");
+    if (!leser.getFehler().empty())
+        log_.warn(leser.getFehler());
     bool erfolg = true;
     for (const std::string& datei : leser.getFiles())
         if (!nimmDatei(ort, datei))
@@ -370,15 +372,16 @@ void OrvoPluginManager::removeObserver(PluginObserver* observer) { observers_.en
 
 void OrvoPluginManager::notifyLoad(OrvoPlugin* plugin) {
     const Arbeitend arbeitend(*this, Arbeit::Meldung);
-    sageAllen(&PluginObserver::pluginErzeugt, plugin);
+    benachrichtigeAlle(&PluginObserver::pluginErzeugt, plugin);
 }
 
 void OrvoPluginManager::notifyUnload(OrvoPlugin* plugin) {
     const Arbeitend arbeitend(*this, Arbeit::ImGang);
-    sageAllen(&PluginObserver::pluginZerstoert, plugin);
+    benachrichtigeAlle(&PluginObserver::pluginZerstoert, plugin);
 }
 
-void OrvoPluginManager::sageAllen(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin) {
+void OrvoPluginManager::benachrichtigeAlle(void (PluginObserver::*operation)(OrvoPlugin*),
+                                           OrvoPlugin* plugin) {
     const Laufend laufend(Lauf::Beobachter);
     std::exception_ptr erste;
     BeobachterListe<PluginObserver>::Durchlauf durchlauf(observers_);

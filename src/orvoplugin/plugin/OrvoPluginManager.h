@@ -119,7 +119,7 @@ private:
     bool ladeAlle();
     void wechsleHome();
     void holeWechselNach();
-    void sageAllen(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin);
+    void benachrichtigeAlle(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin);
     bool durchsuche(const std::string& verzeichnis);
     bool nimmDatei(const std::string& verzeichnis, const std::string& datei);
     /// Parameters: `gelistet` says that a listing has just shown the path as a regular file.

@@ -69,35 +69,22 @@ struct OrvoBeliebigesArgument {
 /// function of these names that the file declares, and a further one makes them ambiguous, or possible.
 template <class Argument>
 void orvoPruefeSignaturen(Argument a) {
+#define ORVO_PRUEFE_FACTORY(name)                                                                            \
+    static_assert(                                                                                           \
+        !requires { name(a); } && !requires { name(a, a); }, "wrong parameters: write Service* " #name "()")
     static_assert(
         requires { orvo_plugin_get_types(a); } && !requires { orvo_plugin_get_types(a, a); },
         "wrong parameters: write void orvo_plugin_get_types(std::list<orvo_plugin_version_t>*)");
     static_assert(
         requires { orvo_plugin_initialize(a); } && !requires { orvo_plugin_initialize(a, a); },
         "wrong parameters: write bool orvo_plugin_initialize(OrvoPluginV1*)");
-    static_assert(
-        !requires { orvo_plugin_get_check_service(a); } && !requires { orvo_plugin_get_check_service(a, a); },
-        "wrong parameters: write Service* orvo_plugin_get_check_service()");
-    static_assert(
-        !requires { orvo_plugin_get_feldinfo_daten_service(a); } &&
-            !requires { orvo_plugin_get_feldinfo_daten_service(a, a); },
-        "wrong parameters: write Service* orvo_plugin_get_feldinfo_daten_service()");
-    static_assert(
-        !requires { orvo_plugin_get_fehlertext_daten_service(a); } &&
-            !requires { orvo_plugin_get_fehlertext_daten_service(a, a); },
-        "wrong parameters: write Service* orvo_plugin_get_fehlertext_daten_service()");
-    static_assert(
-        !requires { orvo_plugin_get_finanzamt_daten_service(a); } &&
-            !requires { orvo_plugin_get_finanzamt_daten_service(a, a); },
-        "wrong parameters: write Service* orvo_plugin_get_finanzamt_daten_service()");
-    static_assert(
-        !requires { orvo_plugin_get_xpath_mapping_service(a); } &&
-            !requires { orvo_plugin_get_xpath_mapping_service(a, a); },
-        "wrong parameters: write Service* orvo_plugin_get_xpath_mapping_service()");
-    static_assert(
-        !requires { orvo_plugin_get_datensatz_reader_service(a); } &&
-            !requires { orvo_plugin_get_datensatz_reader_service(a, a); },
-        "wrong parameters: write Service* orvo_plugin_get_datensatz_reader_service()");
+    ORVO_PRUEFE_FACTORY(orvo_plugin_get_check_service);
+    ORVO_PRUEFE_FACTORY(orvo_plugin_get_feldinfo_daten_service);
+    ORVO_PRUEFE_FACTORY(orvo_plugin_get_fehlertext_daten_service);
+    ORVO_PRUEFE_FACTORY(orvo_plugin_get_finanzamt_daten_service);
+    ORVO_PRUEFE_FACTORY(orvo_plugin_get_xpath_mapping_service);
+    ORVO_PRUEFE_FACTORY(orvo_plugin_get_datensatz_reader_service);
+#undef ORVO_PRUEFE_FACTORY
 }
 /// Makes the check above run.
 inline void orvoPruefeSignaturen() { orvoPruefeSignaturen(OrvoBeliebigesArgument()); }

@@ -12,7 +12,7 @@
 #include <orvoplugin/registry/RegisterBeobachter.h>
 #include <orvoplugin/registry/intern/Suchindex.h>
 #include <orvoutil/Latin1.h>
-#include <orvoutil/Logger.h>
+#include <orvoutil/Log.h>
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/OrvoVersion.h>
 #include <orvoutil/Spur.h>
@@ -27,8 +27,6 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-constexpr std::int32_t kPluginTypEins = 1;
-constexpr int kOhneCode = 99;
 constexpr std::int32_t kOhneJahr = 0;            // of the period-independent period
 constexpr char kMarke[] = "ErweiterungsManager"; // tag of the registrations' log entries
 constexpr char kUeberschrift[] = "Aktuell Registrierte Erweiterungen: ";
@@ -39,7 +37,8 @@ RegisterBeobachter* registerBeobachter = nullptr;
 
 /// The plugin as one of interface 1; null if it is another.
 OrvoPluginV1* alsPluginV1(OrvoPlugin* plugin) {
-    return plugin && plugin->getTyp() == kPluginTypEins ? dynamic_cast<OrvoPluginV1*>(plugin) : nullptr;
+    return plugin && plugin->getTyp() == OrvoPluginV1::SCHNITTSTELLE ? dynamic_cast<OrvoPluginV1*>(plugin)
+                                                                     : nullptr;
 }
 
 OrvoVersion produktVersionVon(const OrvoErweiterung& erweiterung) {
@@ -48,45 +47,32 @@ OrvoVersion produktVersionVon(const OrvoErweiterung& erweiterung) {
 }
 
 /// "Registriere Erweiterung(<address>,<kind>)"
-void schreibeWen(std::ostream& text, const OrvoErweiterung* erweiterung) {
-    text << "Registriere Erweiterung(" << static_cast<const void*>(erweiterung) << ","
-         << erweiterung->getTyp() << ")";
-}
-
-void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung) {
-    if (!logger || !Logger::hatSenke())
-        return;
+std::ostringstream registrierungVon(const OrvoErweiterung* erweiterung) {
     std::ostringstream text;
     text.imbue(std::locale::classic()); // the host's may write "2.009"
-    schreibeWen(text, erweiterung);
-    logger->tagged(kMarke, kOhneCode, text.str(), kOhneCode);
+    text << "Registriere Erweiterung(" << static_cast<const void*>(erweiterung) << ","
+         << erweiterung->getTyp() << ")";
+    return text;
 }
 
-void meldeRegistrierung(Logger* logger, const OrvoErweiterung* erweiterung, const Unterfallart& ua,
-                        const std::list<Veranlagungszeitraum>& vzs) {
-    if (!logger || !Logger::hatSenke())
-        return;
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    schreibeWen(text, erweiterung);
+std::string registrierungVon(const OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                             const std::list<Veranlagungszeitraum>& vzs) {
+    std::ostringstream text = registrierungVon(erweiterung);
     text << " : ua=" << ua.getName() << " vz=";
     const char* trenner = "";
     for (const Veranlagungszeitraum& vz : vzs) {
         text << trenner << vz.getJahr();
         trenner = ",";
     }
-    logger->tagged(kMarke, kOhneCode, text.str(), kOhneCode);
+    return text.str();
 }
 
 /// By contract, beginning and end stand twice in the line: readers of the log look for it so.
-void meldeDoppelten(Logger* logger, const OrvoErweiterung* erweiterung, const Unterfallart& ua,
-                    const Veranlagungszeitraum& vz) {
-    if (!logger || !Logger::hatSenke())
-        return;
+std::string doppelter(const OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                      const Veranlagungszeitraum& vz) {
     const std::string anfang = "Es existiert schon eine Erweiterung mit dem Schluessel: ";
-    const std::string einfach = anfang + erweiterungTypName(erweiterung->getTyp()) + "/" + ua.getName() +
-                                "/" + vz.getText() + kHoehereVersion.c_str();
-    logger->tagged(kMarke, kOhneCode, anfang + einfach + kHoehereVersion.c_str(), kOhneCode);
+    return anfang + anfang + erweiterungTypName(erweiterung->getTyp()) + "/" + ua.getName() + "/" +
+           vz.getText() + kHoehereVersion.c_str() + kHoehereVersion.c_str();
 }
 
 /// The tax-office data, of which there is one, have a fixed key. It is registered under "Y" and otherwise goes by "YYYY":
@@ -117,8 +103,8 @@ constexpr tag_erweiterung_typ kArt<OrvoDatensatzReaderErweiterung> =
 
 /// Every extension of the class and its kind, once for each key that it holds.
 template <class Klasse, class Register>
-std::list<Klasse*> sammle(const Register& eintraege, Logger* logger, const char* operation) {
-    const Spur spur(logger, operation);
+std::list<Klasse*> sammle(const Register& eintraege, Log log, const char* operation) {
+    const Spur spur(log, operation);
     std::list<Klasse*> liste;
     for (const auto& [schluessel, erweiterung] : eintraege) {
         const bool vonDerArt =
@@ -141,38 +127,36 @@ OrvoErweiterungsManager* OrvoErweiterungsManager::getInstanz() {
 }
 
 OrvoErweiterungsManager::OrvoErweiterungsManager()
-    : logger_(Logger::getInstance(kErweiterungsManagerName)), suchindex_(std::make_unique<Suchindex>()) {
-    const Spur spur(logger_, "OrvoErweiterungsManager::OrvoErweiterungsManager");
+    : log_(kErweiterungsManagerName), suchindex_(std::make_unique<Suchindex>()) {
+    const Spur spur(log_, "OrvoErweiterungsManager::OrvoErweiterungsManager");
     initialisiere();
     spur.ende();
 }
 
 void OrvoErweiterungsManager::initialisiere() {
-    const Spur spur(logger_, "OrvoErweiterungsManager::initialisiere");
-    if (logger_) // tag and text stand the other way round, and only here; log readers know the line so
-        logger_->tagged("Registriere am PluginManager..", kOhneCode, "", kOhneCode);
+    const Spur spur(log_, "OrvoErweiterungsManager::initialisiere");
+    // Tag and text stand the other way round, and only here; log readers know the line so.
+    log_.ereignis("Registriere am PluginManager..", "");
     OrvoPluginManager::getInstanz(this);
     status_ = 2;
     spur.ende();
 }
 
 OrvoErweiterungsManager::~OrvoErweiterungsManager() {
-    const Spur spur(logger_, "OrvoErweiterungsManager::~OrvoErweiterungsManager");
-    if (logger_)
-        logger_->tagged("OrvoErweiterungsManager", kOhneCode, "Deregistriere Instanz am PluginManager..",
-                        kOhneCode);
+    const Spur spur(log_, "OrvoErweiterungsManager::~OrvoErweiterungsManager");
+    log_.ereignis("OrvoErweiterungsManager", "Deregistriere Instanz am PluginManager..");
     // Only an existing manager is asked: this must not start one.
     if (ObjectLifetimeManager::instance().getObject<OrvoPluginManager>(kPluginManagerName))
         OrvoPluginManager::getInstanz(nullptr)->removeObserver(this);
-    if (!registrierteErweiterungen_.empty() && logger_ && logger_->isWarnEnabled())
-        logger_->warn(kSpeicherloch.c_str());
+    if (!registrierteErweiterungen_.empty())
+        log_.warn(kSpeicherloch);
     suchindex_->leere();
     registrierteErweiterungen_.clear();
     spur.ende();
 }
 
 void OrvoErweiterungsManager::pluginErzeugt(OrvoPlugin* plugin) {
-    const Spur spur(logger_, "OrvoErweiterungsManager::pluginErzeugt");
+    const Spur spur(log_, "OrvoErweiterungsManager::pluginErzeugt");
     if (OrvoPluginV1* const v1 = alsPluginV1(plugin)) {
         const std::vector<OrvoErweiterung*>& erweiterungen = v1->listeErweiterungen();
         alleErweiterungen_.insert(erweiterungen.begin(), erweiterungen.end());
@@ -188,7 +172,7 @@ void OrvoErweiterungsManager::pluginErzeugt(OrvoPlugin* plugin) {
 }
 
 void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
-    const Spur spur(logger_, "OrvoErweiterungsManager::pluginZerstoert");
+    const Spur spur(log_, "OrvoErweiterungsManager::pluginZerstoert");
     if (OrvoPluginV1* const v1 = alsPluginV1(plugin)) {
         for (OrvoErweiterung* const erweiterung : v1->listeErweiterungen()) {
             entferne(erweiterung);
@@ -200,7 +184,7 @@ void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
 }
 
 void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
-    meldeRegistrierung(logger_, erweiterung);
+    log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung).str(); });
     // The first one stays, whatever the versions.
     const auto [bestehender, neu] = trageEinWennFrei({finanzamtsSchluessel("Y"), erweiterung});
     if (!registerBeobachter)
@@ -214,7 +198,7 @@ void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweit
 
 void OrvoErweiterungsManager::registriere(OrvoUaVzServiceErweiterung* erweiterung) {
     for (const auto& [ua, vzs] : erweiterung->getVeranlagungszeitraumUnterfallartMap()) {
-        meldeRegistrierung(logger_, erweiterung, ua, vzs);
+        log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung, ua, vzs); });
         for (const Veranlagungszeitraum& vz : vzs)
             trageEin(erweiterung, ua, vz);
     }
@@ -231,7 +215,7 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
             registerBeobachter->eingetragen(eintrag.first, *erweiterung);
         return;
     }
-    meldeDoppelten(logger_, erweiterung, ua, vz);
+    log_.ereignis(kMarke, [&] { return doppelter(erweiterung, ua, vz); });
     const OrvoErweiterung& bisherige = *bestehender->second;
     const OrvoVersion neueVersion = produktVersionVon(*erweiterung);
     const OrvoVersion bisherigeVersion = produktVersionVon(bisherige);
@@ -292,10 +276,11 @@ void OrvoErweiterungsManager::loesche(Register::iterator eintrag) {
 
 OrvoUaVzServiceErweiterung* OrvoErweiterungsManager::alsUaVz(OrvoErweiterung* erweiterung) const {
     auto* const uaVz = dynamic_cast<OrvoUaVzServiceErweiterung*>(erweiterung);
-    if (!uaVz && logger_ && logger_->isWarnEnabled())
-        logger_->warn("Cast auf UfaVzServiceErweiterung fehlgeschlagen");
-    if (!uaVz && registerBeobachter)
-        registerBeobachter->uebergangen(*erweiterung);
+    if (!uaVz) {
+        log_.warn("Cast auf UfaVzServiceErweiterung fehlgeschlagen");
+        if (registerBeobachter)
+            registerBeobachter->uebergangen(*erweiterung);
+    }
     return uaVz;
 }
 
@@ -316,7 +301,7 @@ Klasse* OrvoErweiterungsManager::sucheAls(const Unterfallart& ua, const Veranlag
 OrvoValidierungsServiceErweiterung*
 OrvoErweiterungsManager::findeValidierungsServiceErweiterung(const Unterfallart& ua,
                                                              const Veranlagungszeitraum& vz) const {
-    const Spur spur(logger_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
+    const Spur spur(log_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
     spur.ende(); // both lines come before the search, and only this one of the look-ups writes any
     return sucheAls<OrvoValidierungsServiceErweiterung>(ua, vz);
 }
@@ -354,7 +339,7 @@ OrvoFADatenServiceErweiterung* OrvoErweiterungsManager::findeFADatenServiceErwei
 bool OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ,
                                                                  const Unterfallart& ua,
                                                                  const Veranlagungszeitraum& vz) const {
-    const Spur spur(logger_, "OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt");
+    const Spur spur(log_, "OrvoErweiterungsManager::istUnterfallartUndJahrUnterstuetzt");
     const bool unterstuetzt = suche(typ, ua, vz) != nullptr;
     spur.ende();
     return unterstuetzt;
@@ -377,35 +362,35 @@ RegisterBeobachter* OrvoErweiterungsManager::setRegisterBeobachter(RegisterBeoba
 }
 
 std::list<OrvoErweiterung*> OrvoErweiterungsManager::getRegistrierteErweiterungen() const {
-    return sammle<OrvoErweiterung>(registrierteErweiterungen_, logger_,
+    return sammle<OrvoErweiterung>(registrierteErweiterungen_, log_,
                                    "OrvoErweiterungsManager::getRegistrierteErweiterungen");
 }
 
 std::list<OrvoValidierungsServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen() const {
     return sammle<OrvoValidierungsServiceErweiterung>(
-        registrierteErweiterungen_, logger_,
+        registrierteErweiterungen_, log_,
         "OrvoErweiterungsManager::getRegistrierteValidierungsServiceErweiterungen");
 }
 
 std::list<OrvoFeldInfoDatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen() const {
     return sammle<OrvoFeldInfoDatenServiceErweiterung>(
-        registrierteErweiterungen_, logger_,
+        registrierteErweiterungen_, log_,
         "OrvoErweiterungsManager::getRegistrierteFeldInfoDatenServiceErweiterungen");
 }
 
 std::list<OrvoFTDatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen() const {
     return sammle<OrvoFTDatenServiceErweiterung>(
-        registrierteErweiterungen_, logger_,
+        registrierteErweiterungen_, log_,
         "OrvoErweiterungsManager::getRegistrierteFehlertextDatenServiceErweiterungen");
 }
 
 std::list<OrvoFADatenServiceErweiterung*>
 OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen() const {
     return sammle<OrvoFADatenServiceErweiterung>(
-        registrierteErweiterungen_, logger_,
+        registrierteErweiterungen_, log_,
         "OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen");
 }
 
@@ -419,6 +404,5 @@ std::ostream& OrvoErweiterungsManager::dump(std::ostream& out) const {
 }
 
 void OrvoErweiterungsManager::dump(Logger* logger) const {
-    if (logger && logger->isInfoEnabled())
-        logger->info(std::string(kUeberschrift) + "\n");
+    Log(logger).info([] { return std::string(kUeberschrift) + "\n"; });
 }

@@ -6,6 +6,7 @@
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
 #include <orvoplugin/registry/OrvoHashmap.h>
 #include <orvoplugin/registry/RegisterAuskunft.h>
+#include <orvoutil/Log.h>
 
 #include <cstdint>
 #include <functional>
@@ -53,7 +54,7 @@ public:
     ///
     /// Returns: the registry, owned by the `ObjectLifetimeManager`; null once the process's objects are being
     /// destroyed, and for the start-up and last code of a library opened or closed while the registry is being made.
-    /// Errors: `std::logic_error` from inside a plugin's entry point, and while the registry is being made.
+    /// Errors: `std::logic_error` while the registry is being made.
     static OrvoErweiterungsManager* getInstanz();
 
     OrvoErweiterungsManager();
@@ -136,6 +137,6 @@ private:
     Register registrierteErweiterungen_;
     std::set<OrvoErweiterung*> alleErweiterungen_;
     std::int32_t status_ = 0;
-    orvo::orvoutil::Logger* logger_;
+    orvo::orvoutil::Log log_;
     std::unique_ptr<Suchindex> suchindex_; ///< finds the entries of the map
 };

@@ -1,34 +1,9 @@
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 
-namespace {
+#include <orvoplugin/plugin/intern/UaVzErweiterung.h>
 
-constexpr tag_erweiterung_typ kTyp = ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG;
-constexpr char kFactory[] = "orvo_plugin_get_datensatz_reader_service";
-
-} // namespace
-
-OrvoDatensatzReaderErweiterung::OrvoDatensatzReaderErweiterung(const Unterfallart& ua,
-                                                               const Veranlagungszeitraum& vz)
-    : OrvoUaVzServiceErweiterung(kTyp, ua, vz, kFactory) {}
-
-OrvoDatensatzReaderErweiterung::OrvoDatensatzReaderErweiterung(const std::list<Unterfallart>& uas,
-                                                               const Veranlagungszeitraum& vz)
-    : OrvoUaVzServiceErweiterung(kTyp, uas, vz, kFactory) {}
-
-OrvoDatensatzReaderErweiterung::OrvoDatensatzReaderErweiterung(const Unterfallart& ua,
-                                                               const std::list<Veranlagungszeitraum>& vzs)
-    : OrvoUaVzServiceErweiterung(kTyp, ua, vzs, kFactory) {}
-
-OrvoDatensatzReaderErweiterung::OrvoDatensatzReaderErweiterung(const VzMap& map)
-    : OrvoUaVzServiceErweiterung(kTyp, map, kFactory) {}
-
-OrvoDatensatzReaderErweiterung::OrvoDatensatzReaderErweiterung(const OrvoDatensatzReaderErweiterung&) =
-    default;
-OrvoDatensatzReaderErweiterung::~OrvoDatensatzReaderErweiterung() = default;
-
-OrvoErweiterung* OrvoDatensatzReaderErweiterung::clone() const {
-    return new OrvoDatensatzReaderErweiterung(*this);
-}
+ORVO_UA_VZ_ERWEITERUNG(OrvoDatensatzReaderErweiterung, ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG,
+                       "orvo_plugin_get_datensatz_reader_service")
 
 orvo::service::DatensatzReaderService* OrvoDatensatzReaderErweiterung::holeService() {
     return dynamic_cast<orvo::service::DatensatzReaderService*>(OrvoServiceErweiterung::holeService());

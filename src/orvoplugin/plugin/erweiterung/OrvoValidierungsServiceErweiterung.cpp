@@ -1,34 +1,9 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
-namespace {
+#include <orvoplugin/plugin/intern/UaVzErweiterung.h>
 
-constexpr tag_erweiterung_typ kTyp = ORVO_CHECK_SERVICE_ERWEITERUNG;
-constexpr char kFactory[] = "orvo_plugin_get_check_service";
-
-} // namespace
-
-OrvoValidierungsServiceErweiterung::OrvoValidierungsServiceErweiterung(const Unterfallart& ua,
-                                                                       const Veranlagungszeitraum& vz)
-    : OrvoUaVzServiceErweiterung(kTyp, ua, vz, kFactory) {}
-
-OrvoValidierungsServiceErweiterung::OrvoValidierungsServiceErweiterung(const std::list<Unterfallart>& uas,
-                                                                       const Veranlagungszeitraum& vz)
-    : OrvoUaVzServiceErweiterung(kTyp, uas, vz, kFactory) {}
-
-OrvoValidierungsServiceErweiterung::OrvoValidierungsServiceErweiterung(
-    const Unterfallart& ua, const std::list<Veranlagungszeitraum>& vzs)
-    : OrvoUaVzServiceErweiterung(kTyp, ua, vzs, kFactory) {}
-
-OrvoValidierungsServiceErweiterung::OrvoValidierungsServiceErweiterung(const VzMap& map)
-    : OrvoUaVzServiceErweiterung(kTyp, map, kFactory) {}
-
-OrvoValidierungsServiceErweiterung::OrvoValidierungsServiceErweiterung(
-    const OrvoValidierungsServiceErweiterung&) = default;
-OrvoValidierungsServiceErweiterung::~OrvoValidierungsServiceErweiterung() = default;
-
-OrvoErweiterung* OrvoValidierungsServiceErweiterung::clone() const {
-    return new OrvoValidierungsServiceErweiterung(*this);
-}
+ORVO_UA_VZ_ERWEITERUNG(OrvoValidierungsServiceErweiterung, ORVO_CHECK_SERVICE_ERWEITERUNG,
+                       "orvo_plugin_get_check_service")
 
 orvo::service::ValidierungsService* OrvoValidierungsServiceErweiterung::holeService() {
     return dynamic_cast<orvo::service::ValidierungsService*>(OrvoServiceErweiterung::holeService());
