@@ -1,7 +1,7 @@
 #include <orvoutil/SharedLib.h>
 
+#include <orvoelf/Dateiblick.h>
 #include <orvoutil/Latin1.h>
-#include <orvoutil/ladepruefung/Ladepruefung.h>
 
 #include <dlfcn.h>
 #ifdef __ELF__
@@ -22,8 +22,30 @@ constexpr Latin1Text kKeinGrund{u8"Das System nennt keinen Grund."};
 
 bool hatNullbyte(const std::string& text) { return text.find('\0') != std::string::npos; }
 
+constexpr char kHier[] = "./";
+
 /// Whether the system would search for that path elsewhere.
 bool wirdGesucht(const std::string& pfad) { return pfad.find('/') == std::string::npos; }
+
+bool istNamenszeichen(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+/// The first word in a path for which the loader would put something else; empty when there is none.
+std::string_view platzhalter(std::string_view pfad) {
+    for (std::size_t i = pfad.find('$'); i != std::string_view::npos; i = pfad.find('$', i + 1)) {
+        const bool geklammert = pfad.substr(i + 1).starts_with('{');
+        const std::string_view rest = pfad.substr(i + (geklammert ? 2 : 1));
+        for (const std::string_view name : {"ORIGIN", "LIB", "PLATFORM"}) {
+            if (!rest.starts_with(name))
+                continue;
+            const std::string_view danach = rest.substr(name.size());
+            if (geklammert ? danach.starts_with('}') : danach.empty() || !istNamenszeichen(danach.front()))
+                return pfad.substr(i, name.size() + (geklammert ? 3 : 1));
+        }
+    }
+    return {};
+}
 
 /// Why the system's last call failed.
 std::string grundDesSystems() {
@@ -54,8 +76,11 @@ bool liegtIn(const dl_phdr_info& bibliothek, ElfW(Addr) adresse) {
 int pruefeBibliothek(dl_phdr_info* bibliothek, std::size_t, void* daten) {
     auto& suche = *static_cast<Suche*>(daten);
     suche.eigeneErreicht = suche.eigeneErreicht || bibliothek->dlpi_addr == suche.eigeneBasis;
-    suche.gefunden = suche.eigeneErreicht && liegtIn(*bibliothek, suche.adresse);
-    return suche.gefunden;
+    if (!suche.eigeneErreicht || !liegtIn(*bibliothek, suche.adresse))
+        return 0;
+    // A program can open this library late, by a plugin that needs it: it is still no part of that plugin.
+    suche.gefunden = !liegtIn(*bibliothek, reinterpret_cast<ElfW(Addr)>(&pruefeBibliothek));
+    return 1;
 }
 
 bool liegtInOderDanach(void* griff, const void* adresse) {
@@ -70,8 +95,9 @@ bool liegtInOderDanach(void* griff, const void* adresse) {
 #else
 
 bool liegtInOderDanach(void* griff, const void* adresse) {
-    Dl_info bibliothek;
-    if (!dladdr(adresse, &bibliothek))
+    Dl_info bibliothek, eigene;
+    if (!dladdr(adresse, &bibliothek) || !dladdr(reinterpret_cast<void*>(&liegtInOderDanach), &eigene) ||
+        bibliothek.dli_fbase == eigene.dli_fbase)
         return false;
     void* const ihrGriff = dlopen(bibliothek.dli_fname, RTLD_NOW | RTLD_NOLOAD);
     if (ihrGriff)
@@ -102,9 +128,9 @@ bool SharedLib::load() {
     scheiterteVorDemOeffnen_ = false;
     if (griff_)
         return true;
-    const std::string hier = wirdGesucht(name_) ? "./" + name_ : std::string();
+    const std::string hier = wirdGesucht(name_) ? kHier + name_ : std::string();
     const std::string& dateipfad = hier.empty() ? name_ : hier;
-    if (const std::string grund = hindernis(dateipfad); !grund.empty()) {
+    if (const std::string grund = grundGegen(dateipfad); !grund.empty()) {
         scheiterteVorDemOeffnen_ = true;
         return schlageFehl(grund);
     }
@@ -113,10 +139,12 @@ bool SharedLib::load() {
 }
 
 /// Looks at the file before the system opens it. Returns: why it must not; empty when it may.
-std::string SharedLib::hindernis(const std::string& dateipfad) {
+std::string SharedLib::grundGegen(const std::string& dateipfad) const {
     if (name_.empty() || hatNullbyte(name_))
         return kUngueltigerName;
-    return grundGegenLaden(dateipfad, vorwissen_);
+    if (const std::string_view wort = platzhalter(name_); !wort.empty())
+        return "Platzhalter im Namen: " + std::string(wort);
+    return orvoelf::blickeAufDatei(dateipfad).grund;
 }
 
 bool SharedLib::unload() {
@@ -139,16 +167,17 @@ void* SharedLib::getSymbol(const std::string& name) {
         schlageFehl(kNichtGeoeffnet);
     else if (hatNullbyte(name))
         schlageFehl(kUngueltigerName);
-    else if (void* const adresse = dlsym(griff_, name.c_str()))
-        return merke(name, adresse);
-    else
+    else if (void* const adresse = dlsym(griff_, name.c_str())) {
+        behalteSymbol(name, adresse);
+        return adresse;
+    } else
         schlageFehl("Symbol \"" + name + "\" nicht gefunden. " + grundDesSystems());
     return nullptr;
 }
 
 /// Keeps the address while the library is open. The first few are enough: a plugin has about as many factories and
-/// hooks, and who asks for ever new names gets no slower.
-void* SharedLib::merke(const std::string& name, void* adresse) noexcept {
+/// hooks, and a search through many would take longer than asking the system.
+void SharedLib::behalteSymbol(const std::string& name, void* adresse) noexcept {
     constexpr std::size_t kHoechstens = 8;
     try {
         if (gefundene_.empty())
@@ -157,7 +186,6 @@ void* SharedLib::merke(const std::string& name, void* adresse) noexcept {
             gefundene_.push_back({name, adresse});
     } catch (const std::bad_alloc&) { // then it is looked up again
     }
-    return adresse;
 }
 
 std::string SharedLib::getLastError() const { return fehler_; }
@@ -167,7 +195,7 @@ bool SharedLib::enthaelt(const void* adresse) const { return griff_ && liegtInOd
 /// Says the file's name once, also when the system's reason begins with it.
 bool SharedLib::schlageFehl(const std::string& grund) {
     const std::string anfang = name_ + ": ";
-    const bool genannt = grund.starts_with(wirdGesucht(name_) ? "./" + anfang : anfang);
+    const bool genannt = grund.starts_with(wirdGesucht(name_) ? kHier + anfang : anfang);
     fehler_ = name_.empty() || genannt ? grund : anfang + grund;
     return false;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <orvoutil/Export.h>
-#include <orvoutil/Vorwissen.h>
 
 #include <string>
 #include <vector>
@@ -9,7 +8,7 @@
 namespace orvo::orvoutil {
 
 /// A shared library's file, open or not. It is opened with all its symbols bound at once and visible to nobody
-/// else. Before that its file is checked; one that has not changed since it passed is not read again.
+/// else. Before that its file is looked at: one that was cut off would end the process instead of failing to open.
 ///
 /// Ownership: holds one use of the library while it is open, and gives it back when destroyed.
 /// Errors: every operation that fails leaves a text for `getLastError`; one that succeeds clears it. None throws,
@@ -40,16 +39,12 @@ public:
     /// Why the last operation failed, with the name of the file; empty when it did not.
     virtual std::string getLastError() const;
     /// Whether the address lies in this library, or in one that was loaded after it, as are those that it brought
-    /// along. False when the library is not open.
+    /// along; what holds this class's own code never counts. False when the library is not open.
     virtual bool enthaelt(const void* adresse) const;
 
     /// Whether the last `load` failed before the system's loader saw the file: its name or what is in it is at
     /// fault.
     bool scheiterteVorDemOeffnen() const { return scheiterteVorDemOeffnen_; }
-
-    /// Tells that a listing of the directory has just shown the path as a regular file (see `DirReader`): the next
-    /// opening then does not ask the system for that again.
-    void merkeListung() noexcept { vorwissen_.gelistet = true; }
 
 private:
     /// A symbol of the open library.
@@ -58,8 +53,8 @@ private:
         void* adresse;
     };
 
-    std::string hindernis(const std::string& dateipfad);
-    void* merke(const std::string& name, void* adresse) noexcept;
+    std::string grundGegen(const std::string& dateipfad) const;
+    void behalteSymbol(const std::string& name, void* adresse) noexcept;
     bool schlageFehl(const std::string& grund);
 
     std::string name_;
@@ -67,7 +62,6 @@ private:
     std::string fehler_;
     bool scheiterteVorDemOeffnen_ = false;
     std::vector<Symbol> gefundene_;
-    Vorwissen vorwissen_;
 };
 
 } // namespace orvo::orvoutil

@@ -128,34 +128,17 @@ TEST_F(ElfStoerfall, ALibraryOfImmenseSizeInMemoryIsRefusedAndLeavesNothingMappe
     erwarteHeileBrauchbar();
 }
 
-namespace {
-
-class ElfBitStoerfall : public ElfStoerfall, public testing::WithParamInterface<int> {};
-
-} // namespace
-
-TEST_P(ElfBitStoerfall, InAnyByteOfTheHeadersEndsNoProcess) {
-    imKindprozess([&] {
-        ElfW(Ehdr) kopf;
-        std::memcpy(&kopf, heil.data(), sizeof kopf);
-        ASSERT_EQ(kopf.e_phoff, sizeof kopf);
-        const std::size_t koepfe = kopf.e_phoff + kopf.e_phnum * sizeof(ElfW(Phdr));
-        for (std::size_t stelle = 0; stelle < koepfe; ++stelle) {
-            std::string bytes = heil;
-            bytes[stelle] = static_cast<char>(bytes[stelle] ^ GetParam());
-            schreibeNummeriert(stelle, bytes);
-        }
-        EXPECT_FALSE(starte());
-        // What the loader does not look at may be anything: each file is either loaded or refused.
-        EXPECT_EQ(geladene().size() + ablehnungen().size(), koepfe + 2);
-        EXPECT_GT(ablehnungen().size(), koepfe / 4);
-        EXPECT_EQ(warnungen(), Zeilen{});
-        erwarteSpurlos();
-        erwarteHeileBrauchbar();
-    });
+TEST_F(ElfStoerfall, AFileThatEndsInZerosFromAnyBlockOf64BytesOnIsRefused) {
+    std::size_t anzahl = 0;
+    for (std::size_t ab = 0; ab + 64 <= heil.size(); ab += 64, ++anzahl)
+        schreibeNummeriert(ab, heil.substr(0, ab) + std::string(heil.size() - ab, '\0'));
+    EXPECT_FALSE(starte());
+    EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libzzz.dylib"}));
+    EXPECT_EQ(warnungen(), Zeilen{});
+    EXPECT_EQ(ablehnungen().size(), anzahl);
+    erwarteSpurlos();
+    erwarteHeileBrauchbar();
 }
-
-INSTANTIATE_TEST_SUITE_P(FlippedBits, ElfBitStoerfall, testing::Values(0xFF, 0x01, 0x80));
 
 namespace {
 
@@ -208,8 +191,7 @@ const Kopffehler kKopffehler[] = {
     {"Flags", FELD(e_flags), 0, nullptr},
     {"SegmentsNowhere", FELD(e_phoff), kRiesig, kTabelleAbgeschnitten},
     {"SegmentsBehindTheFile", FELD(e_phoff), 1 << 30, kTabelleAbgeschnitten},
-    {"SegmentsUnaligned", FELD(e_phoff), sizeof(Kopf) + 1, "Segmenttabelle ist nicht ausgerichtet"},
-    {"HeaderSize", FELD(e_ehsize), 0, kGroesse},
+    {"HeaderSize", FELD(e_ehsize), 0, nullptr},
     {"SegmentSizeZero", FELD(e_phentsize), 0, kGroesse},
     {"SegmentSizeHuge", FELD(e_phentsize), kRiesig, kGroesse},
     {"NoSegments", FELD(e_phnum), 0, "keine Segmente"},
@@ -217,9 +199,9 @@ const Kopffehler kKopffehler[] = {
     {"SectionsNowhere", FELD(e_shoff), kRiesig, kAbschnitteAbgeschnitten},
     {"SectionsBehindTheFile", FELD(e_shoff), 1 << 30, kAbschnitteAbgeschnitten},
     {"NoSections", FELD(e_shoff), 0, nullptr},
-    {"SectionSize", FELD(e_shentsize), 0, "unbekannte Form der Abschnittstabelle"},
+    {"SectionSize", FELD(e_shentsize), 0, nullptr},
     {"TooManySections", FELD(e_shnum), kRiesig, kAbschnitteAbgeschnitten},
-    {"SectionNames", FELD(e_shstrndx), 0xFF00, "Abschnitte ohne Namen"},
+    {"SectionNames", FELD(e_shstrndx), 0xFF00, nullptr},
 };
 #undef FELD
 #undef KENNBYTE

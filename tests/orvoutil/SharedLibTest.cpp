@@ -279,6 +279,38 @@ TEST(SharedLib, DoesNotCountWhatWasThereBeforeItAsBroughtAlong) {
     EXPECT_TRUE(gebraucht.enthaelt(schonDagewesenes));
 }
 
+TEST(SharedLib, NeverTakesWhatHoldsItsOwnCodeForAPartOfAnother) {
+    SharedLib lib(LIBORVOUTIL, true); // nothing can be loaded after it that holds this class
+    ASSERT_TRUE(lib.isLoaded()) << lib.getLastError();
+    void* const eigenes = lib.getSymbol("_ZN4orvo8orvoutil9SharedLibD1Ev");
+    ASSERT_NE(eigenes, nullptr);
+    EXPECT_FALSE(lib.enthaelt(eigenes));
+}
+
+TEST(SharedLib, RefusesNamesThatTheLoaderWouldChange) {
+    const Verzeichnis verzeichnis;
+    for (const char* const name : {"$ORIGIN", "$LIB", "$PLATFORM", "${ORIGIN}", "${LIB}", "${PLATFORM}"}) {
+        SharedLib lib(verzeichnis.kopiere(HAS_SYMBOLS, std::string("x") + name), true);
+        EXPECT_TRUE(lib.scheiterteVorDemOeffnen());
+        EXPECT_THAT(lib.getLastError(), EndsWith(std::string("Platzhalter im Namen: ") + name));
+    }
+    for (const char* const name :
+         {"$", "a$", "$ORIGINAL", "${ORIGIN", "$origin", "$LIB_", "${}", "$PLATFORM2", "${LIB"}) {
+        SharedLib lib(verzeichnis.kopiere(HAS_SYMBOLS, name), true);
+        EXPECT_TRUE(lib.isLoaded()) << lib.getLastError();
+    }
+}
+
+TEST(SharedLib, LooksAtTheFileBeforeTheLoaderDoes) {
+    const Verzeichnis verzeichnis;
+    const std::string pfad = verzeichnis.kopiere(HAS_SYMBOLS, "kurz.so");
+    ASSERT_EQ(truncate(pfad.c_str(), 4096), 0); // the loader would fall over it
+    SharedLib lib(pfad);
+    EXPECT_FALSE(lib.load());
+    EXPECT_TRUE(lib.scheiterteVorDemOeffnen());
+    EXPECT_THAT(lib.getLastError(), StartsWith(pfad + ": abgeschnitten: "));
+}
+
 TEST(SharedLib, HasItsOperationsInAFixedOrder) {
     SharedLib lib(HAS_SYMBOLS);
     void** const tabelle = *reinterpret_cast<void***>(&lib); // the destructor has two slots

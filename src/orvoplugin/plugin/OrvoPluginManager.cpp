@@ -176,7 +176,7 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
         return lehneAb("ladePlugin()");
     const std::string datei = pfad; // which may be the name of a plugin that goes now
     holeWechselNach();
-    const bool erfolg = ladeDatei(datei, false);
+    const bool erfolg = ladeDatei(datei);
     holeWechselNach();
     return erfolg;
 }
@@ -300,7 +300,7 @@ bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::str
     if (ladeBeobachter)
         ladeBeobachter->findetDatei(verzeichnis, datei,
                                     istPlugin ? LadeBeobachter::PLUGIN : LadeBeobachter::UEBERGANGEN, voll);
-    return !istPlugin || ladeDatei(voll, voll.ends_with(datei));
+    return !istPlugin || ladeDatei(voll);
 }
 
 bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
@@ -320,7 +320,7 @@ bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {
     return resident.contains(orvo::orvoutil::tolower(name)) || resident.contains("alle");
 }
 
-bool OrvoPluginManager::ladeDatei(const std::string& pfad, bool gelistet) {
+bool OrvoPluginManager::ladeDatei(const std::string& pfad) {
     const Arbeitend arbeitend(*this, Arbeit::ImGang);
     const Ladevorgang vorgang(*this, pfad);
     if (ladeBeobachter && !ladeBeobachter->ladeDatei(pfad))
@@ -331,7 +331,7 @@ bool OrvoPluginManager::ladeDatei(const std::string& pfad, bool gelistet) {
     OrvoPlugin* plugin = nullptr;
     const bool geladen = Pluginbibliothek::rufe(
         [&] {
-            plugin = ladeBibliothek(loader, pfad, gelistet);
+            plugin = ladeBibliothek(loader, pfad);
             notifyLoad(plugin);
         },
         [&](const char* grund) {
@@ -350,12 +350,8 @@ bool OrvoPluginManager::ladeDatei(const std::string& pfad, bool gelistet) {
 }
 
 /// Returns: the plugin, in the list of plugins already.
-OrvoPlugin* OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad,
-                                              bool gelistet) {
-    auto bibliothek = std::make_unique<SharedLib>(pfad, false);
-    if (gelistet)
-        bibliothek->merkeListung();
-    std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(bibliothek.release()));
+OrvoPlugin* OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad) {
+    std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(new SharedLib(pfad, false)));
     if (!plugin->isResident() && isResidentPlugin(pfad))
         plugin->setResident(true);
     plugins_.push_back(plugin.get());

@@ -122,9 +122,8 @@ private:
     void benachrichtigeAlle(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin);
     bool durchsuche(const std::string& verzeichnis);
     bool nimmDatei(const std::string& verzeichnis, const std::string& datei);
-    /// Parameters: `gelistet` says that a listing has just shown the path as a regular file.
-    bool ladeDatei(const std::string& pfad, bool gelistet);
-    OrvoPlugin* ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad, bool gelistet);
+    bool ladeDatei(const std::string& pfad);
+    OrvoPlugin* ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad);
 
     std::int32_t status_ = 0;
     std::list<OrvoPlugin*> plugins_;

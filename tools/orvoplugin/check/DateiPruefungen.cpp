@@ -5,8 +5,6 @@
 #include "check/Vorschlag.h"
 #include "kern/Anzeige.h"
 
-using namespace orvo::orvoutil;
-
 namespace werkzeug::check {
 
 Befund pruefeDateiformat(const Pruefling& p) {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "check/Befund.h"
-
-#include <orvoutil/Bibliotheksbild.h>
+#include "datei/Bibliotheksbild.h"
 
 #include <chrono>
 #include <string>
@@ -14,7 +13,7 @@ namespace werkzeug::check {
 /// What a check gets to see: one file, and those that were given along with it and can be loaded.
 struct Pruefling {
     std::string pfad;
-    orvo::orvoutil::Bibliotheksbild bild;
+    Bibliotheksbild bild;
     std::vector<std::string> andere;
     std::chrono::duration<double> zeitlimit; ///< for code of the plugin
 };

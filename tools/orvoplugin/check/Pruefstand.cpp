@@ -99,8 +99,7 @@ Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const s
 class Dateilauf {
 public:
     Dateilauf(const Pruefauftrag& auftrag, const std::string& pfad)
-        : auftrag_(auftrag),
-          pruefling_{voll(pfad), orvo::orvoutil::Bibliotheksbild(voll(pfad)), {}, auftrag.zeitlimit} {
+        : auftrag_(auftrag), pruefling_{voll(pfad), Bibliotheksbild(voll(pfad)), {}, auftrag.zeitlimit} {
         ergebnis_.pfad = pfad;
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <orvoutil/Bibliotheksbild.h>
+#include "datei/Bibliotheksbild.h"
 
 #include <string>
 #include <string_view>
@@ -11,8 +11,7 @@ namespace werkzeug::check {
 /// C++ function, a function of nearly that name. One sentence, without the full stop.
 /// Parameters: where the name is `fest`, what is exported may be misspelt; where it is the plugin's own choice, the
 /// name may be.
-std::string warumNichtExportiert(const orvo::orvoutil::Bibliotheksinhalt& inhalt, std::string_view name,
-                                 bool fest);
+std::string warumNichtExportiert(const Bibliotheksinhalt& inhalt, std::string_view name, bool fest);
 
 /// Number of letters to put in, take out, replace or swap with the next to make one text the other; the case of
 /// letters does not count.

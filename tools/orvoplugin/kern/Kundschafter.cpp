@@ -1,5 +1,6 @@
 #include "kern/Kundschafter.h"
 
+#include "datei/Bibliotheksbild.h"
 #include "kern/Kindprozess.h"
 #include "kern/Nachfrage.h"
 #include "kern/Ordnung.h"
@@ -13,7 +14,6 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
-#include <orvoutil/Bibliotheksbild.h>
 #include <orvoutil/Einstellungen.h>
 #include <orvoutil/Logger.h>
 #include <orvoutil/PathUtil.h>

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <orvoutil/Export.h>
-
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace orvo::orvoutil {
+namespace werkzeug {
 
 /// How the loader deals with several symbols of one name.
 enum class Symbolbindung : std::int32_t {
@@ -32,7 +30,7 @@ struct Bibliothekssymbol {
     Symbolart art = Symbolart::Andere;
 };
 
-/// What stands in a library's file for the loader, read from the file: `Bibliotheksbild` without the reading.
+/// What stands in a library's file for the loader.
 struct Bibliotheksinhalt {
     std::string soname;                  ///< the name by which other libraries need it; empty for none
     std::vector<std::string> benoetigte; ///< names of the libraries that it needs, in the loader's order
@@ -47,22 +45,22 @@ struct Bibliotheksinhalt {
     bool aendertCode = false;                    ///< its code is written to when it is opened
 };
 
-/// A look into a library's file, without opening it as a library: none of its code runs. Says of a plugin what
-/// cannot be learnt any more once a faulty one has been opened, and of any library what it offers and needs.
+/// A look into a library's file without opening it as a library: none of its code runs. Tells of a plugin what cannot be
+/// learnt any more once a faulty one has been opened, and of any library what it offers and needs.
 ///
-/// The file is checked as `SharedLib::load` checks it; of one that would be refused nothing is read. On systems
-/// whose libraries are not ELF files only that check is made, and the content stays empty.
+/// The file is first looked at as `SharedLib::load` does; of one that would be refused nothing is read, nor of one whose
+/// tables lead out of the file. On systems other than Linux the content stays empty.
 ///
-/// Errors: none throws but for want of memory; what is wrong with a file stands in `getGrund`.
+/// Errors: throws only std::bad_alloc; what is wrong with a file stands in `getGrund`.
 /// Encoding: names are bytes, as in the file; the reason is Latin-1.
 /// Threads: once made, any number may read.
-class ORVOUTIL_API Bibliotheksbild {
+class Bibliotheksbild {
 public:
     /// Parameters: `pfad` names a file, also when it holds no slash.
     explicit Bibliotheksbild(const std::string& pfad);
 
     const std::string& getPfad() const { return pfad_; }
-    /// Whether the file is a library that the loader may see.
+    /// Whether the file is a library that the loader may see and whose tables can be read.
     bool istLadbar() const { return grund_.empty(); }
     /// Why it is not; without the file's name; empty when it is.
     const std::string& getGrund() const { return grund_; }
@@ -82,4 +80,4 @@ private:
     Bibliotheksinhalt inhalt_;
 };
 
-} // namespace orvo::orvoutil
+} // namespace werkzeug

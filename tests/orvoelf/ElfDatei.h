@@ -1,21 +1,14 @@
 #pragma once
 
-#include <orvoutil/ladepruefung/ElfInhalt.h>
-#include <orvoutil/ladepruefung/ElfPruefung.h>
-
-#include <gtest/gtest.h>
 #include <link.h>
 
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <iterator>
-#include <span>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
-/// The bytes of an ELF file in memory, to be looked at, changed and checked.
+/// The bytes of an ELF file in memory, to be looked at and changed.
 class ElfDatei {
 public:
     explicit ElfDatei(const std::string& pfad) {
@@ -75,49 +68,7 @@ public:
 
     void ohneAbschnitte() { kopf().e_shoff = kopf().e_shnum = kopf().e_shstrndx = 0; }
 
-    /// What the check says of the first bytes: the same however many of them are in memory.
-    std::string pruefung(std::size_t anzahl = std::string::npos) const {
-        const std::string_view inhalt = std::string_view(bytes).substr(0, anzahl);
-        Speicher datei(inhalt, 0);
-        std::string grund = orvo::orvoutil::pruefeElf(datei);
-        for (const std::size_t imSpeicher : {inhalt.size(), inhalt.size() / 2, inhalt.size() / 3}) {
-            Speicher zumTeilGelesen(inhalt, imSpeicher);
-            EXPECT_EQ(orvo::orvoutil::pruefeElf(zumTeilGelesen), grund) << imSpeicher << " bytes in memory";
-        }
-        return grund;
-    }
-
-    /// Takes down what stands in it, from a source that can be read so often. Returns: why it could not.
-    std::string inhalt(orvo::orvoutil::Bibliotheksinhalt& inhalt, std::size_t lesungen = 1'000'000) const {
-        Speicher datei(bytes, 0, lesungen);
-        return orvo::orvoutil::liesElf(datei, inhalt);
-    }
-
 private:
-    class Speicher final : public orvo::orvoutil::Bytequelle {
-    public:
-        Speicher(std::string_view inhalt, std::size_t anfang, std::size_t lesungen = 1'000'000)
-            : bytes_(inhalt), anfang_(anfang), lesungen_(lesungen) {}
-        std::uint64_t groesse() const override { return bytes_.size(); }
-        bool lies(std::uint64_t ab, void* ziel, std::size_t anzahl) override {
-            EXPECT_TRUE(anzahl <= bytes_.size() && ab <= bytes_.size() - anzahl) << "reads behind the end";
-            EXPECT_FALSE(ab + anzahl <= anfang_) << "reads what is in memory";
-            if (lesungen_ == 0)
-                return false;
-            --lesungen_;
-            std::memcpy(ziel, bytes_.data() + ab, anzahl);
-            return true;
-        }
-        std::span<const unsigned char> anfang() const override {
-            return {reinterpret_cast<const unsigned char*>(bytes_.data()), anfang_};
-        }
-
-    private:
-        std::string_view bytes_;
-        std::size_t anfang_; // so many bytes of it the check may look at without reading
-        std::size_t lesungen_;
-    };
-
     ElfW(Dyn) * suche(std::int64_t tag) {
         const ElfW(Phdr)& s = segmentVom(PT_DYNAMIC);
         for (std::uint64_t i = 0; i < s.p_filesz / sizeof(ElfW(Dyn)); ++i) {

@@ -1,15 +1,17 @@
-#include <orvoutil/Bibliotheksbild.h>
+#include "datei/Bibliotheksbild.h"
 
+#include "datei/ElfInhalt.h"
+
+#include <orvoelf/Dateiblick.h>
 #include <orvoutil/Latin1.h>
-#include <orvoutil/ladepruefung/Ladepruefung.h>
 
 #include <algorithm>
 
-namespace orvo::orvoutil {
+namespace werkzeug {
 
 namespace {
 
-constexpr Latin1Text kUngueltigerName{u8"Der Name ist ungültig."};
+constexpr orvo::orvoutil::Latin1Text kUngueltigerName{u8"Der Name ist ungültig."};
 
 const Bibliothekssymbol* finde(const std::vector<Bibliothekssymbol>& symbole, std::string_view name) {
     const auto stelle =
@@ -23,7 +25,9 @@ Bibliotheksbild::Bibliotheksbild(const std::string& pfad) : pfad_(pfad) {
     if (pfad.empty() || pfad.find('\0') != std::string::npos)
         grund_ = kUngueltigerName;
     else
-        grund_ = grundGegenLaden(pfad.find('/') == std::string::npos ? "./" + pfad : pfad, inhalt_);
+        grund_ = orvo::orvoelf::blickeAufDatei(pfad).grund;
+    if (grund_.empty())
+        grund_ = liesElf(pfad, inhalt_);
 }
 
 const Bibliothekssymbol* Bibliotheksbild::findeExportiertes(std::string_view name) const {
@@ -40,4 +44,4 @@ bool Bibliotheksbild::hatThreadDestruktoren() const {
     return finde(undefinierte, "__cxa_thread_atexit") || finde(undefinierte, "__cxa_thread_atexit_impl");
 }
 
-} // namespace orvo::orvoutil
+} // namespace werkzeug

@@ -1,4 +1,4 @@
-#include <orvoutil/Bibliotheksbild.h>
+#include "datei/Bibliotheksbild.h"
 
 #include <orvoutil/SharedLib.h>
 
@@ -9,16 +9,17 @@
 
 #include <fstream>
 
-using namespace orvo::orvoutil;
+using namespace werkzeug;
+using orvo::orvoutil::SharedLib;
 using namespace testing;
 
-namespace orvo::orvoutil {
+namespace werkzeug {
 
 static void PrintTo(const Bibliothekssymbol& symbol, std::ostream* aus) {
     *aus << symbol.name << " " << static_cast<int>(symbol.bindung) << " " << static_cast<int>(symbol.art);
 }
 
-} // namespace orvo::orvoutil
+} // namespace werkzeug
 
 namespace {
 
@@ -124,9 +125,8 @@ TEST(Bibliotheksbild, LookingAtALibraryDoesNotOpenIt) {
 
 TEST(Bibliotheksbild, SaysWhyAFileIsNoLibraryAndReadsNothingOfIt) {
     const Verzeichnis verzeichnis;
-    for (const std::string& pfad :
-         {verzeichnis.schreibe("text.so", "text"), verzeichnis.pfad("fehlt.so"), verzeichnis.pfad(),
-          std::string(), std::string("a\0b", 3), std::string("$ORIGIN/x.so")}) {
+    for (const std::string& pfad : {verzeichnis.schreibe("text.so", "text"), verzeichnis.pfad("fehlt.so"),
+                                    verzeichnis.pfad(), std::string(), std::string("a\0b", 3)}) {
         const Bibliotheksbild bild(pfad);
         EXPECT_FALSE(bild.istLadbar()) << pfad;
         EXPECT_NE(bild.getGrund(), "") << pfad;

@@ -14,7 +14,11 @@ struct Vorrat {
 };
 
 Vorrat vorrat;
+#ifdef NUR_NULLEN_JE_THREAD
+thread_local char aufrufe = 0; // small, and at an odd place
+#else
 thread_local int aufrufe = 0;
+#endif
 volatile bool gestartet = false;
 
 } // namespace
