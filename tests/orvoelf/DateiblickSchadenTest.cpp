@@ -51,7 +51,7 @@ auto verliere(std::int64_t tag) {
 
 TEST_F(Schaden, AFileCutAnywhereIsRefused) {
     const std::size_t laenge = heil_.bytes.size();
-    for (std::size_t i = 0; i < laenge; i += i < 1024 ? 1 : 61) {
+    for (std::size_t i = 0; i < laenge; i += i < 256 ? 1 : 97) {
         const Dateibefund befund = blick(heil_.bytes.substr(0, i));
         EXPECT_EQ(befund.mangel, i < SELFMAG ? KEINE_ELF_DATEI : ABGESCHNITTEN) << i << ": " << befund.grund;
     }
@@ -63,7 +63,7 @@ TEST_F(Schaden, AFileThatEndsInZerosIsRefused) {
     // The last number of the section table that is not zero stands 16 bytes before the end.
     const std::size_t laenge = heil_.bytes.size();
     ASSERT_NE(heil_.bytes[laenge - 16], '\0');
-    for (std::size_t i = 0; i <= laenge - 16; i += i < 1024 || i > laenge - 256 ? 1 : 61) {
+    for (std::size_t i = 0; i <= laenge - 16; i += i < 256 || i > laenge - 128 ? 1 : 97) {
         std::string bytes = heil_.bytes;
         bytes.replace(i, laenge - i, laenge - i, '\0');
         EXPECT_FALSE(blick(bytes).istLadbar()) << i;

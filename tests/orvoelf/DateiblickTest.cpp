@@ -97,9 +97,8 @@ TEST_P(DateiblickAufAlle, PassesWhatThenWorks) {
     EXPECT_TRUE(bibliothek.unload());
 }
 
-INSTANTIATE_TEST_SUITE_P(Linked, DateiblickAufAlle, Values(ALLE_BIBLIOTHEKEN), [](const auto& fall) {
-    return std::filesystem::path(fall.param).stem().string().substr(fall.index < 100 ? 0 : 1);
-});
+INSTANTIATE_TEST_SUITE_P(Linked, DateiblickAufAlle, Values(ALLE_BIBLIOTHEKEN),
+                         [](const auto& fall) { return std::filesystem::path(fall.param).stem().string(); });
 
 TEST(Dateiblick, PassesTheLibrariesOfThisSystem) {
     Dl_info bibliothek{};
@@ -120,9 +119,7 @@ TEST(Dateiblick, PassesTheLibrariesOfThisSystem) {
 }
 
 TEST(Dateiblick, TakesThreeSystemCallsForASmallFile) {
-    const Verzeichnis verzeichnis;
-    ElfDatei datei(HAS_EVERYTHING);
-    ASSERT_LT(datei.bytes.size(), 32768U);
+    ASSERT_LT(std::filesystem::file_size(HAS_EVERYTHING), 32768U);
     EXPECT_EQ(aufrufeBei(HAS_EVERYTHING), 3) << "open, read, close";
 }
 
@@ -135,7 +132,6 @@ TEST(Dateiblick, TakesAtMostFiveSystemCallsHoweverLargeTheFileIs) {
         std::filesystem::resize_file(pfad, laenge); // takes no room on the disk
         EXPECT_LE(aufrufeBei(pfad), 5) << laenge;
     }
-    const SharedLib eigene(LIBORVOUTIL, true);
     Dl_info standardbibliothek{};
     ASSERT_NE(dladdr(dlsym(RTLD_DEFAULT, "_ZSt4cout"), &standardbibliothek), 0); // of some megabytes
     EXPECT_LE(aufrufeBei(standardbibliothek.dli_fname), 5);

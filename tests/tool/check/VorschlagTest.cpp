@@ -4,7 +4,7 @@
 
 using namespace testing;
 using namespace werkzeug::check;
-using namespace orvo::orvoutil;
+using namespace werkzeug;
 
 namespace {
 
