@@ -32,7 +32,7 @@ using orvo::orvoutil::ObjectLifetimeManager;
 using Griff = ServiceGriff<orvo::service::ValidierungsService>;
 using Check = OrvoValidierungsServiceErweiterung;
 
-const Unterfallart kA = 10, kB = "Ein Name, der zu lang f\xFCr das Objekt selbst ist";
+const Unterfallart kA = 10, kB = "EinNameDerZuLangFuerDasObjektSelbstIst";
 
 Veranlagungszeitraum jahr2009() { return {2009, "YYYY"}; }
 
@@ -104,6 +104,7 @@ protected:
     }
 
     void erwarteVollstaendig() const {
+        ASSERT_NE(OrvoErweiterungsManager::getInstanz(), nullptr); // first, so that it hears of the plugins
         EXPECT_EQ(manager().getRegistriertePlugins().size(), 2u);
         EXPECT_EQ(registry().getRegistrierteErweiterungen().size(), 3u);
         erwarteStimmig();
