@@ -195,7 +195,8 @@ TEST_F(DateiStoerfall, AnUnreadablePluginDirectoryHasNoPlugins) {
         [&] {
             EXPECT_TRUE(starte());
             EXPECT_EQ(geladene(), Zeilen{});
-            EXPECT_EQ(warnungen(), Zeilen{});
+            EXPECT_EQ(warnungen(), Zeilen{"W Verzeichnis nicht lesbar: " + home.pfad("plugins") +
+                                          ": Permission denied"});
         },
         Benutzer::NIEMAND);
     fs::permissions(home.pfad("plugins"), fs::perms::all);
@@ -203,11 +204,16 @@ TEST_F(DateiStoerfall, AnUnreadablePluginDirectoryHasNoPlugins) {
     erwarteHeileBrauchbar();
 }
 
-TEST_F(DateiStoerfall, AnUnreadableSubdirectoryIsPassedOver) {
+TEST_F(DateiStoerfall, AnUnreadableSubdirectoryIsReportedAndCostsNothingElse) {
     lege(test_plugins::DescribedByFile, "geheim/libmmm.dylib", kEinCheck);
     fs::permissions(plugin("geheim"), fs::perms::none);
-    schlechtes = "libmmm.dylib";
-    imKindprozess([&] { erwarteUebergangen(); }, Benutzer::NIEMAND);
+    imKindprozess(
+        [&] {
+            erwarteAusgang(
+                true, {"libaaa.dylib", "libzzz.dylib"}, {},
+                {"W Verzeichnis nicht lesbar: " + plugin("geheim") + ": Permission denied"});
+        },
+        Benutzer::NIEMAND);
     fs::permissions(plugin("geheim"), fs::perms::all);
 }
 

@@ -46,14 +46,17 @@ std::string erwartetesEcho(const std::string& liste) {
 
 class EinstellungStoerfall : public Stoerfall {
 protected:
-    /// Starts with that home directory, below which there are no plugins.
-    void erwarteNichtsIn(const std::string& heimat, const std::string& suchpfad) {
+    /// Starts with that home directory, below which there are no plugins. The system's reason, if it has one, is told.
+    void erwarteNichtsIn(const std::string& heimat, const std::string& suchpfad,
+                         const std::string& grund = "") {
         Einstellungen().setze("basis.home_dir", heimat);
         EXPECT_TRUE(starte());
         EXPECT_EQ(manager->getPluginSuchPfad(), suchpfad);
         EXPECT_EQ(log.anzahl("[OrvoPluginManager|99|Suche Plugins im Verzeichnis: " + suchpfad + "|99]"), 1);
         EXPECT_EQ(geladene(), Zeilen{});
-        EXPECT_EQ(warnungen(), Zeilen{});
+        EXPECT_EQ(warnungen(),
+                  grund.empty() ? Zeilen{}
+                                : Zeilen{"W Verzeichnis nicht lesbar: " + suchpfad + ": " + grund});
         EXPECT_EQ(finde(kVorher), nullptr);
         erwarteSpurlos();
 
@@ -148,7 +151,8 @@ TEST_F(EinstellungStoerfall, AHomeDirectoryThatDoesNotExistHasNoPlugins) {
 }
 
 TEST_F(EinstellungStoerfall, AHomeDirectoryThatIsAFileHasNoPlugins) {
-    erwarteNichtsIn(home.schreibe("eine Datei", "kein Verzeichnis"), home.pfad("eine Datei/plugins"));
+    erwarteNichtsIn(home.schreibe("eine Datei", "kein Verzeichnis"), home.pfad("eine Datei/plugins"),
+                    "Not a directory");
 }
 
 TEST_F(EinstellungStoerfall, AHomeDirectoryWithANullByteHasNoPlugins) {
@@ -158,7 +162,7 @@ TEST_F(EinstellungStoerfall, AHomeDirectoryWithANullByteHasNoPlugins) {
 
 TEST_F(EinstellungStoerfall, AHomeDirectoryOfEndlessLengthHasNoPlugins) {
     const std::string heimat = "/" + std::string(100000, 'x');
-    erwarteNichtsIn(heimat, heimat + "/plugins");
+    erwarteNichtsIn(heimat, heimat + "/plugins", "File name too long");
 }
 
 TEST_F(EinstellungStoerfall, AHomeDirectoryWithoutAPluginDirectoryHasNoPlugins) {
