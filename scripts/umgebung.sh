@@ -17,6 +17,14 @@ wuensche_pakete() {
     (brauche_pakete "$@") || printf 'Tests that need these are skipped: %s\n' "$*" >&2
 }
 
+# Clang, with the runtime libraries of its sanitizers and its fuzzer, which Debian packs apart.
+brauche_clang() {
+    brauche_pakete clang++:clang
+    clang++ -fsanitize=fuzzer,address,undefined -x c++ -o /dev/null - 2>/dev/null <<'EOF' || installiere_pakete libclang-rt-dev
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char*, decltype(sizeof 0)) { return 0; }
+EOF
+}
+
 # brauche_bibliotheken <package>...
 # The same for packages that bring no command.
 brauche_bibliotheken() {
