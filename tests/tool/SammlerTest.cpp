@@ -4,7 +4,7 @@
 
 #include "Bestandsaufnahme.h"
 #include "kern/Kindprozess.h"
-#include "kern/Kundschafter.h"
+#include "kern/Bestandsermittlung.h"
 
 #include "TestPlugins.h"
 #include "support/Prozess.h"
@@ -209,7 +209,7 @@ TEST(Sammler, TheToolsOwnWorkHasNoTimeLimitAsLongAsItGoesOn) {
     int zeichen = 0; // after the last plugin's code
     const Kindende ende = laufeImKind(
         [&](const Sender& sende) {
-            erkunde(optionen, {}, {}, [&](const std::string& pfad) { sende(pfad); });
+            ermittleBestand(optionen, {}, {}, [&](const std::string& pfad) { sende(pfad); });
         },
         [&](std::string_view pfad) {
             codeLief = codeLief || !pfad.empty();

@@ -1,6 +1,6 @@
 // Checks of what a plugin says of itself.
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
 #include "check/Registratur.h"
 #include "check/Text.h"

@@ -1,6 +1,6 @@
 // Checks of whether and how the library can be opened.
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"

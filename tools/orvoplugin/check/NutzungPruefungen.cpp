@@ -1,6 +1,6 @@
 // Checks of a plugin at work: services, hooks, closing.
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
@@ -161,7 +161,7 @@ std::size_t verlustJeNutzung(const OrvoPluginV1& plugin, std::chrono::duration<d
 } // namespace
 
 Befund pruefeNutzung(const Pruefling& p) {
-    lebe(p.pfad);
+    ladeUndBenutze(p.pfad);
     return bestanden();
 }
 

@@ -1,6 +1,6 @@
 #include "check/PluginDateien.h"
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
 #include "kern/Sammler.h"

@@ -1,6 +1,6 @@
 #include "check/Pruefstand.h"
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "check/Vorschlag.h"
 #include "kern/Anzeige.h"

@@ -1,6 +1,6 @@
 #include "check/Registratur.h"
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Text.h"
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>

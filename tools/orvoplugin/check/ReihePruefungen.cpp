@@ -1,6 +1,6 @@
 // Checks of a plugin beside the others that were given.
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
 #include "check/Registratur.h"
 #include "check/Text.h"

@@ -1,6 +1,6 @@
 // Checks that a plugin leaves the process as it found it: a look before its whole life, and one after it.
 
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
@@ -61,7 +61,7 @@ Befund vergleiche(const Stand& vorher, const Stand& nachher, const std::string& 
 
 Befund vergleicheLeben(const Pruefling& p, const std::string& was, const std::function<Stand()>& blick) {
     const Stand vorher = blick();
-    lebe(p.pfad);
+    ladeUndBenutze(p.pfad);
     return vergleiche(vorher, blick(), was);
 }
 
@@ -260,7 +260,7 @@ Befund pruefeAusgabe(const Pruefling& p) {
     std::string aus, fehler;
     {
         const Mitschrift standardausgabe(STDOUT_FILENO), standardfehler(STDERR_FILENO);
-        lebe(p.pfad);
+        ladeUndBenutze(p.pfad);
         std::fflush(nullptr);
         std::cout.flush();
         std::clog.flush();
@@ -298,7 +298,7 @@ Befund pruefeThreads(const Pruefling& p) {
     const std::size_t vorher = threads();
     if (vorher == 0)
         return uebersprungen("the threads of a process cannot be counted here");
-    lebe(p.pfad);
+    ladeUndBenutze(p.pfad);
     // One that was waited for may still be listed for a moment.
     for (int i = 0; threads() > vorher && i < 50; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
@@ -314,7 +314,7 @@ Befund pruefeKindprozesse(const Pruefling& p) {
 #ifdef __linux__
     prctl(PR_SET_CHILD_SUBREAPER, 1); // also those whose parents are gone come to us
 #endif
-    lebe(p.pfad);
+    ladeUndBenutze(p.pfad);
     int zustand = 0;
     const pid_t kind = waitpid(-1, &zustand, WNOHANG);
     if (kind < 0 && errno == ECHILD)

@@ -218,13 +218,13 @@ private:
             if (symbol.st_name == 0)
                 continue;
             if (symbol.st_shndx == SHN_UNDEF)
-                merke(inhalt_.undefinierte, symbol);
+                fuegeAn(inhalt_.undefinierte, symbol);
             else if (istSichtbar(symbol))
-                merke(inhalt_.exportierte, symbol);
+                fuegeAn(inhalt_.exportierte, symbol);
         }
     }
 
-    void merke(std::vector<Bibliothekssymbol>& symbole, const ElfW(Sym) & symbol) {
+    void fuegeAn(std::vector<Bibliothekssymbol>& symbole, const ElfW(Sym) & symbol) {
         symbole.push_back({text(symbol.st_name), bindungVon(symbol), artVon(symbol)});
     }
 

@@ -2,7 +2,7 @@
 
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
-#include "kern/Kundschafter.h"
+#include "kern/Bestandsermittlung.h"
 #include "kern/Terminal.h"
 #include "kern/Uebertragung.h"
 
@@ -60,7 +60,7 @@ Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std:
     Lauf lauf;
     const auto arbeite = [&](const Sender& sende) {
         const auto bevor = [&](const std::string& pfad) { sende(kVorDatei + pfad); };
-        const Bestand bestand = erkunde(optionen, auftrag, ueberspringe, bevor);
+        const Bestand bestand = ermittleBestand(optionen, auftrag, ueberspringe, bevor);
         if (probe) {
             loeseZeitgeberAus();
             std::this_thread::sleep_for(kNachlauf);

@@ -1,4 +1,4 @@
-#include "check/Buehne.h"
+#include "check/Pluginnutzung.h"
 
 #include "check/Text.h"
 #include "kern/Anzeige.h"
@@ -127,7 +127,7 @@ void benutze(const OrvoPluginV1& plugin) {
     }
 }
 
-void lebe(const std::string& pfad) { benutze(*lade(pfad)); }
+void ladeUndBenutze(const std::string& pfad) { benutze(*lade(pfad)); }
 
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
     std::vector<std::string> zeilen{zeile("product version", plugin.getProduktVersion()),

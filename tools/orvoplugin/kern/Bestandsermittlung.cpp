@@ -1,4 +1,4 @@
-#include "kern/Kundschafter.h"
+#include "kern/Bestandsermittlung.h"
 
 #include "datei/Bibliotheksbild.h"
 #include "kern/Kindprozess.h"
@@ -233,15 +233,15 @@ public:
 
     void eingetragen(const ErweiterungsSchluessel& schluessel,
                      const OrvoErweiterung& erweiterung) noexcept override {
-        merke(schluessel, {SchluesselEreignis::Art::EINGETRAGEN, &erweiterung, nullptr, 0, {}}, true);
+        notiere(schluessel, {SchluesselEreignis::Art::EINGETRAGEN, &erweiterung, nullptr, 0, {}}, true);
     }
     void verdraengt(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
                     const OrvoErweiterung& bisherige, orvo_register_regel_t regel) noexcept override {
-        merke(schluessel, {SchluesselEreignis::Art::VERDRAENGT, &neue, &bisherige, regel, {}}, true);
+        notiere(schluessel, {SchluesselEreignis::Art::VERDRAENGT, &neue, &bisherige, regel, {}}, true);
     }
     void abgewiesen(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
                     const OrvoErweiterung& bestehende, orvo_register_regel_t regel) noexcept override {
-        merke(schluessel, {SchluesselEreignis::Art::ABGEWIESEN, &neue, &bestehende, regel, {}}, false);
+        notiere(schluessel, {SchluesselEreignis::Art::ABGEWIESEN, &neue, &bestehende, regel, {}}, false);
     }
     void uebergangen(const OrvoErweiterung& erweiterung) noexcept override {
         uebergangene.insert(&erweiterung);
@@ -254,7 +254,7 @@ public:
     std::set<const OrvoErweiterung*> uebergangene;
 
 private:
-    void merke(const ErweiterungsSchluessel& schluessel, Ereignis ereignis, bool gewonnen) {
+    void notiere(const ErweiterungsSchluessel& schluessel, Ereignis ereignis, bool gewonnen) {
         ereignis.zeitraum = alsFakt(schluessel.getVeranlagungszeitraum());
         Eintrag& eintrag = eintraege[schluessel];
         if (gewonnen)
@@ -498,7 +498,7 @@ OrvoErweiterungsManager* lade(const Optionen& optionen, Protokoll* protokoll, La
 
 } // namespace
 
-Bestand erkunde(const Optionen& optionen, const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
+Bestand ermittleBestand(const Optionen& optionen, const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
                 const std::function<void(const std::string&)>& bevor) {
     std::cout.rdbuf(nullptr); // the library echoes the resident plugins' names there
     const std::shared_ptr<Protokoll> protokoll = Protokoll::beginne(optionen.log);

@@ -42,7 +42,7 @@ void gibAllesZurueck(OrvoServiceErweiterung& erweiterung);
 void benutze(const OrvoPluginV1& plugin);
 
 /// The whole life of a plugin: loaded, described, each of its services got and given back, its hooks called, closed.
-void lebe(const std::string& pfad);
+void ladeUndBenutze(const std::string& pfad);
 
 /// All that a plugin says of itself, a line each, for people.
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin);
