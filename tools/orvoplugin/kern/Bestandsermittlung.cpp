@@ -398,9 +398,15 @@ AntwortFakt beantworte(const OrvoErweiterungsManager& registratur, const Frage& 
                                         ? Veranlagungszeitraum()
                                         : Veranlagungszeitraum::parse(frage.zeitraum, frage.format.c_str());
     const auto typ = static_cast<tag_erweiterung_typ>(frage.typ);
+    if (hatKeinePaare(typ)) { // whatever was asked for, its one key answers
+        const auto einziger = std::find_if(plaetze.begin(), plaetze.end(),
+                                           [&](const auto& platz) { return platz.first.getTyp() == typ; });
+        if (einziger == plaetze.end())
+            return {RegisterAuskunft::KEINER, 0, alsFakt(vz)};
+        return {RegisterAuskunft::UNABHAENGIG, einziger->second, alsFakt(vz)};
+    }
     const RegisterAuskunft auskunft =
-        hatKeinePaare(typ) ? frageNachAllem(registratur, typ)
-                           : registratur.schlageNach(typ, Unterfallart(frage.unterfallart.c_str()), vz);
+        registratur.schlageNach(typ, Unterfallart(frage.unterfallart.c_str()), vz);
     return {auskunft.treffer, auskunft.schluessel ? plaetze.at(*auskunft.schluessel) : 0, alsFakt(vz)};
 }
 
@@ -498,8 +504,9 @@ OrvoErweiterungsManager* lade(const Optionen& optionen, Protokoll* protokoll, La
 
 } // namespace
 
-Bestand ermittleBestand(const Optionen& optionen, const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
-                const std::function<void(const std::string&)>& bevor) {
+Bestand ermittleBestand(const Optionen& optionen, const Auftrag& auftrag,
+                        const std::set<std::string>& ueberspringe,
+                        const std::function<void(const std::string&)>& bevor) {
     std::cout.rdbuf(nullptr); // the library echoes the resident plugins' names there
     const std::shared_ptr<Protokoll> protokoll = Protokoll::beginne(optionen.log);
 

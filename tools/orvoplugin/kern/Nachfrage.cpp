@@ -72,14 +72,6 @@ ZeileFakt frageAlleJahre(const OrvoErweiterungsManager& registratur,
     return zeile;
 }
 
-RegisterAuskunft frageNachAllem(const OrvoErweiterungsManager& registratur, tag_erweiterung_typ typ) {
-    RegisterAuskunft auskunft =
-        registratur.schlageNach(typ, Unterfallart(0), Veranlagungszeitraum(0, "YYYY"));
-    if (auskunft.treffer != RegisterAuskunft::KEINER)
-        auskunft.treffer = RegisterAuskunft::UNABHAENGIG;
-    return auskunft;
-}
-
 JeSchluessel<const OrvoErweiterung*> frageNachZweiten(OrvoErweiterungsManager& registratur,
                                                       const std::vector<Umstritten>& umstrittene,
                                                       const std::function<void()>& lebenszeichen) {

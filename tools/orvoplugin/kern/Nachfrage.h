@@ -3,7 +3,6 @@
 #include "kern/Fakten.h"
 
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
-#include <orvoplugin/registry/RegisterAuskunft.h>
 
 #include <cstdint>
 #include <functional>
@@ -25,10 +24,6 @@ using JeSchluessel = std::unordered_map<ErweiterungsSchluessel, T, ErweiterungsS
 ZeileFakt frageAlleJahre(const OrvoErweiterungsManager& registratur,
                          const std::vector<const ErweiterungsSchluessel*>& schluessel,
                          const JeSchluessel<std::uint32_t>& orte);
-
-/// What the registry answers for a kind that has no pairs of sub-case type and period (`hatKeinePaare`), by the key
-/// under which the library itself looks for it.
-RegisterAuskunft frageNachAllem(const OrvoErweiterungsManager& registratur, tag_erweiterung_typ typ);
 
 /// A key that several extensions want.
 struct Umstritten {
