@@ -1,6 +1,5 @@
-// Look-ups, each beside its floor: a hash map of the standard library with the same keys, the same equality and the
-// same hash values, asked with a key that is ready. Floor and product of a pair bear one name, with "/floor" and
-// "/product" behind it.
+// Look-ups, each with its floor: a hash map of the standard library with the same keys, equality and hash values,
+// queried with a prepared key. Floor and product of a pair have the same name, followed by "/floor" and "/product".
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
@@ -56,7 +55,7 @@ struct VollerText {
 
 using Bodensatz = std::unordered_map<ErweiterungsSchluessel, OrvoErweiterung*, VollerText>;
 
-/// What a look-up is asked for; the floor's keys are ready beside it.
+/// The queries; the floor's keys are prepared.
 struct Frage {
     Frage(const Unterfallart& u, const Veranlagungszeitraum& v)
         : ua(u), vz(v), schluessel(kCheck, ua, vz), unabhaengig(kCheck, ua, Veranlagungszeitraum()) {}
@@ -67,7 +66,7 @@ struct Frage {
     ErweiterungsSchluessel unabhaengig;
 };
 
-/// A registry and a floor that hold the same.
+/// A registry and a floor with the same entries.
 class Bestand {
 public:
     Bestand() { plugin_.setProduktVersion("1.0"); }
@@ -83,7 +82,7 @@ public:
         plugin_.addErweiterung(Check(ua, vzs));
     }
 
-    /// To be called once, when all is offered.
+    /// Call once, after the last offer.
     void melde() {
         registry_.pluginErzeugt(&plugin_);
         for (OrvoErweiterung* const e : plugin_.listeErweiterungen())
@@ -104,7 +103,7 @@ private:
 
 void mische(std::vector<Frage>& fragen) { std::shuffle(fragen.begin(), fragen.end(), std::mt19937(42)); }
 
-/// Goes through the questions over and over.
+/// Repeats the queries.
 template <class Antworte>
 void frage(benchmark::State& lauf, const std::vector<Frage>& fragen, Antworte&& antworte) {
     std::size_t i = 0;
@@ -163,13 +162,13 @@ BENCHMARK_CAPTURE(hit, product, frageProdukt)->Name("lookup/hit/product")->Arg(3
 BENCHMARK_CAPTURE(miss, floor, frageBoden)->Name("lookup/miss/floor")->Arg(30)->Arg(300)->Arg(3000);
 BENCHMARK_CAPTURE(miss, product, frageProdukt)->Name("lookup/miss/product")->Arg(30)->Arg(300)->Arg(3000);
 
-/// Takes entries and does nothing with them.
+/// A sink that ignores all entries.
 class StummeSenke : public orvo::orvoutil::LogSink {
     void write(const orvo::orvoutil::LogEntry&) override {}
 };
 
-/// Beside each other: no sink, and one at that level, installed before the registry was made. Only at debug level has a
-/// look-up something to write: two traces.
+/// Compares no sink with a sink at that level, installed before the registry is made. Only at debug level does a
+/// look-up write anything: two traces.
 void hitMitSenke(benchmark::State& lauf, LogLevel stufe) {
     Logger::setSink(std::make_shared<StummeSenke>());
     Logger::setLevel(stufe);
@@ -219,7 +218,7 @@ public:
 
 char klein(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
-/// The floor of names: one by one, the length and then the text without regard to case.
+/// The floor for names: a linear search that compares the length, and then the text without regard to case.
 void frageKette(benchmark::State& lauf, const Bestand& bestand, const std::vector<Frage>& fragen) {
     std::vector<std::pair<std::string, OrvoErweiterung*>> kette;
     for (const auto& [schluessel, erweiterung] : bestand.boden())

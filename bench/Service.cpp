@@ -1,5 +1,5 @@
-// Getting and giving back a service. Floor: what the system's loader and the plugin's own functions take for it. Floor
-// and product of a pair bear one name, with "/floor" and "/product" behind it.
+// Getting and releasing a service. The floor is the time of the system's loader and of the plugin's own functions.
+// Floor and product of a pair have the same name, followed by "/floor" and "/product".
 
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
@@ -26,7 +26,7 @@ using orvo::orvoutil::LogLevel;
 constexpr char kDatei[] = "plugins/libpruefung.dylib";
 constexpr char kFactory[] = "orvo_plugin_get_check_service";
 
-/// A home directory with one plugin, whose check services are deleted when they are given back.
+/// A home directory with one plugin, whose check services are deleted on release.
 const Verzeichnis& home() {
     static const Verzeichnis& home = [&]() -> const Verzeichnis& {
         auto& neues = *new Verzeichnis;
@@ -37,7 +37,7 @@ const Verzeichnis& home() {
     return home;
 }
 
-/// Starts anew where other operations have left a plugin manager that knows another directory.
+/// Restarts when other operations have left a plugin manager for another directory.
 OrvoValidierungsServiceErweiterung& erweiterung() {
     orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
     orvo::orvoutil::Einstellungen().setze("basis.home_dir", home().pfad());
@@ -70,7 +70,7 @@ void holeUndGib(benchmark::State& lauf, OrvoValidierungsServiceErweiterung& e) {
     }
 }
 
-/// Another service is out all the time, so the library stays open.
+/// Another service is held throughout, so the library stays open.
 void holeUndGibInGebrauch(benchmark::State& lauf) {
     OrvoValidierungsServiceErweiterung& e = erweiterung();
     Service* const gehalten = e.holeService();
@@ -86,13 +86,13 @@ void inUseFloor(benchmark::State& lauf) {
 BENCHMARK(inUseFloor)->Name("service/in_use/floor");
 BENCHMARK(holeUndGibInGebrauch)->Name("service/in_use/product");
 
-/// Takes entries and does nothing with them.
+/// A sink that ignores all entries.
 class StummeSenke : public orvo::orvoutil::LogSink {
     void write(const orvo::orvoutil::LogEntry&) override {}
 };
 
-/// Beside each other: no sink, and one at that level. The objects of the library must be made while it is installed, to
-/// write to it at all.
+/// Compares no sink with a sink at that level. The library's objects must be made while it is installed, or they write
+/// nothing.
 void mitSenke(benchmark::State& lauf, LogLevel stufe) {
     Logger::setSink(std::make_shared<StummeSenke>());
     Logger::setLevel(stufe);

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-/// Ends the process, so that the fuzzer keeps the input, when something that always holds does not.
+/// Ends the process when an invariant does not hold, so that the fuzzer keeps the input.
 inline void verlange(bool erfuellt, const char* was) {
     if (erfuellt)
         return;
@@ -15,7 +15,7 @@ inline void verlange(bool erfuellt, const char* was) {
     std::abort();
 }
 
-/// An input as texts, one a line, so that the inputs kept can be read and written by people.
+/// An input as texts, one per line, so that inputs are easy to read and write.
 class Zeilen {
 public:
     Zeilen(const std::uint8_t* daten, std::size_t laenge)
@@ -28,7 +28,7 @@ public:
         rest_ = ende == std::string_view::npos ? std::string_view() : rest_.substr(ende + 1);
         return zeile;
     }
-    /// All that is left.
+    /// The rest.
     std::string rest() const { return std::string(rest_); }
 
 private:

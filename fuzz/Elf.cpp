@@ -1,5 +1,5 @@
-// The look at a library's file, and the tool's reader: the input is the file. Both always come to the same result, and
-// the reader never leaves the file, whatever stands in it.
+// The check of a library's file before loading, and the tool's reader; the input is the file. Both always give the same
+// result, and the reader never leaves the file, whatever its contents.
 
 #include <orvoelf/Dateiblick.h>
 
@@ -39,7 +39,7 @@ private:
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* daten, std::size_t laenge, std::size_t hoechstens);
 
-/// Mostly changes one field where it stands: what shifts bytes only breaks the file at once.
+/// Usually changes one field in place: an input with shifted bytes is refused at once.
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* daten, std::size_t laenge,
                                                std::size_t hoechstens, unsigned saat) {
     std::minstd_rand zufall(saat);
@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* daten, std::size_t lae
     const Dateibefund befund = blickeAufDatei(speicher.pfad());
     verlange(befund.istLadbar() == befund.grund.empty(), "a file is refused with a reason");
     verlange(blickeAufDatei(speicher.pfad()).grund == befund.grund, "the result is always the same");
-    werkzeug::Bibliotheksinhalt inhalt; // the reader must cope with what the look refuses too
+    werkzeug::Bibliotheksinhalt inhalt; // the reader must also handle files that the check refuses
     const std::string grund = werkzeug::liesElf(speicher.pfad(), inhalt);
     verlange(grund.empty() || (inhalt.exportierte.empty() && inhalt.benoetigte.empty()),
              "nothing is taken down of a file that cannot be read");

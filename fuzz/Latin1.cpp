@@ -1,4 +1,4 @@
-// Texts on their way to terminals and JSON.
+// Conversion of texts for terminals and JSON.
 
 #include <orvoutil/Latin1.h>
 
@@ -8,7 +8,7 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-/// The characters of a text; ends the process when it is no UTF-8. Written unlike the library's own reader.
+/// The characters of a text; ends the process on invalid UTF-8. Written independently of the library's own reader.
 std::u32string zeichen(const std::string& utf8) {
     std::u32string text;
     for (std::size_t i = 0; i < utf8.size();) {

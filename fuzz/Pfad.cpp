@@ -1,4 +1,4 @@
-// Helpers for paths: two paths, one a line.
+// Helpers for paths: two paths, one per line.
 
 #include <orvoutil/PathUtil.h>
 

@@ -1,4 +1,4 @@
-// Sub-case types: two texts, one a line. A text that begins with '#' and goes on as a number stands for the number.
+// Sub-case types: two texts, one per line. A text of '#' and a number means the number.
 
 #include <orvoplugin/domain/Unterfallart.h>
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
@@ -33,7 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* daten, std::size_t lae
     verlange(a.compare(b) >= -1 && a.compare(b) <= 1, "an order is -1, 0 or 1");
     verlange((a == b) == (a.compare(b) == 0) && (a < b) == (a.compare(b) < 0), "operators go by the order");
     verlange(Unterfallart(a.getNummer()).getNummer() == a.getNummer(), "a number is kept");
-    // A negative number has the hash of a number, and a name of the same text that of a name.
+    // A negative number is hashed as a number, and a name with the same text as a name.
     const bool istAusnahme = hatNegativeNummer(a) != hatNegativeNummer(b);
     if (a == b && !istAusnahme)
         verlange(streuwert(a) == streuwert(b), "what is equal has the same hash");

@@ -1,4 +1,4 @@
-// Versions: three texts, one a line. Their order is total.
+// Versions: three texts, one per line. Their order is total.
 
 #include <orvoutil/OrvoVersion.h>
 
@@ -23,7 +23,7 @@ void pruefe(const OrvoVersion& a, const OrvoVersion& b, const OrvoVersion& c) {
         verlange(ordnung(a, c) == ordnung(b, c), "equal versions have the same place");
 }
 
-/// A number for a text, some small, some of ten digits.
+/// A number derived from a text, some small, some of ten digits.
 std::uint64_t zahl(const std::string& text) {
     std::uint64_t z = 0;
     for (const char c : text)

@@ -1,4 +1,4 @@
-// Periods: a pattern and a text, one a line. Either they are refused, or the period holds together.
+// Periods: a pattern and a text, one per line. Either parsing fails, or the period is consistent.
 
 #include <orvoplugin/domain/InvalidFormatException.h>
 #include <orvoplugin/domain/Veranlagungszeitraum.h>

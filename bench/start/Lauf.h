@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
-/// Runs of a program, seen from outside. Errors: `std::runtime_error` when it cannot be run or fails.
+/// Measures runs of a program from outside. Errors: `std::runtime_error` when it cannot be run or fails.
 
 using Befehl = std::vector<std::string>;
 
 struct Lauf {
     double dauer; ///< for how long it and its children were running from start to end, in microseconds
-    std::vector<double> zahlen; ///< those that its standard output begins with
+    std::vector<double> zahlen; ///< the numbers at the beginning of its standard output
 };
 
 Lauf fuehreAus(const Befehl& befehl);

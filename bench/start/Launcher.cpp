@@ -37,7 +37,7 @@ std::string inhaltVon(const fs::path& datei) {
     return {std::istreambuf_iterator<char>(strom), {}};
 }
 
-/// Home directories with so many plugins, removed at the end.
+/// Home directories with that many plugins, removed at the end.
 class Heime {
 public:
     Heime() : pfad_(fs::temp_directory_path() / ("orvo-bench-" + std::to_string(getpid()))) {
@@ -74,7 +74,7 @@ private:
 
 using Messung = std::function<double()>;
 
-/// Floor, product, floor, product; the first round counts for nothing.
+/// Alternates floor and product; the first round is discarded.
 Vergleich imWechsel(int runden, const Messung& boden, const Messung& produkt) {
     std::vector<double> b, p;
     for (int i = 0; i <= runden; ++i) {
@@ -188,7 +188,7 @@ private:
         return [=, b = befehl(programm, plugins, was)] { return fuehreAus(b).dauer; };
     }
 
-    /// What each plugin beyond the first hundred adds.
+    /// The cost of each plugin beyond the first hundred.
     Vergleich jePlugin(double (*zaehle)(const Befehl&)) const {
         const auto zuwachs = [&](const char* programm) {
             return (zaehle(befehl(programm, 500, "start")) - zaehle(befehl(programm, 100, "start"))) / 400;
@@ -200,7 +200,7 @@ private:
     Heime heime_;
 };
 
-/// By what the name of the operation begins with.
+/// Groups by the beginning of the operation's name.
 const char* zielVon(const std::string& operation) {
     static constexpr std::pair<std::string_view, const char*> kZiele[] = {{"lookup/hit/", "1.0"},
                                                                           {"lookup/miss/", "1.0"},
@@ -215,8 +215,8 @@ const char* zielVon(const std::string& operation) {
     return "";
 }
 
-/// Pairs of operations, measured by Google Benchmark in several repetitions: one of the two has "/floor" in its name
-/// where the other one has "/product".
+/// Pairs of operations, measured by Google Benchmark in several repetitions: one has "/floor" in its name where the
+/// other has "/product".
 void operationen(const fs::path& datei) {
     std::map<std::string, std::vector<double>> zeiten;
     const auto ergebnisse = nlohmann::json::parse(inhaltVon(datei));

@@ -8,9 +8,9 @@
 #include <fstream>
 #include <string>
 
-/// What the two programs measure in themselves, and how they tell it: a line of numbers on standard output.
+/// The measurements that the two programs make themselves, and print as a line of numbers on standard output.
 
-/// For how long this process has been running, in nanoseconds. Time in which others have the processor is left out.
+/// Processor time of this process, in nanoseconds.
 inline double laufzeit() {
     timespec zeit{};
     clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &zeit);
@@ -25,7 +25,7 @@ double nanosekunden(Ruf&& ruf) {
     return laufzeit() - anfang;
 }
 
-/// Memory of this process that is in use, in KiB.
+/// Memory in use by this process, in KiB.
 inline double speicher() {
     std::ifstream datei("/proc/self/statm");
     long gesamt = 0, benutzt = 0;

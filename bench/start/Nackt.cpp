@@ -1,10 +1,10 @@
-// The floor: what a program takes that does with the system's loader alone what has to be done.
+// The floor: the cost of the same work with the system's loader alone.
 //
 //     floor <home> start|types|cycle|memory
 //
 // Each library is opened, its two entry points are looked up and called, and it is closed. For "initialize" the plugin
-// gets an object to describe itself to, as it does from the product, so both let it do the same work. "types" leaves
-// that call out. Built without the product's libraries, it can do no more than "types".
+// gets an object to describe itself to, as from the product, so both do the same work. "types" leaves that call out.
+// Built without the product's libraries, it supports only "types".
 
 #include <orvoplugin/plugin/PluginVersion.h>
 
@@ -94,7 +94,7 @@ void kreise(const std::string& datei, int anzahl) {
     }
 }
 
-/// Grown by, in KiB: with all libraries open, and when they are closed again; and how many are still mapped then.
+/// Growth in KiB, with all libraries open and after closing them, and the number that is still mapped.
 void speicherbedarf(const std::string& verzeichnis) {
     const double vorher = speicher();
     std::vector<void*> griffe;
@@ -121,14 +121,14 @@ int main(int anzahl, char** argumente) {
     const std::string verzeichnis = std::string(argumente[1]) + "/plugins";
     const std::string_view was = argumente[2];
 #ifdef ORVO_BENCH_MIT_BIBLIOTHEK
-    // As the product does, and so needs the same libraries in the same order: the loader goes through them one by one.
+    // As in the product, so it needs the same libraries in the same order: the loader searches them one by one.
     orvo::orvoutil::Einstellungen().setze("basis.home_dir", argumente[1]);
 #endif
     if (was == "types")
         std::printf("%.0f\n", nanosekunden([&] { nurTypen(verzeichnis); }));
 #ifdef ORVO_BENCH_MIT_BIBLIOTHEK
     else if (was == "start") {
-        Plugins plugins; // as in the product, they live longer than the measurement
+        Plugins plugins; // as in the product, they outlive the measurement
         std::printf("%.0f\n", nanosekunden([&] { plugins = starte(verzeichnis); }));
     } else if (was == "cycle") {
         const std::string datei = dateien(verzeichnis).at(0);

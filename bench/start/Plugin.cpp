@@ -1,5 +1,5 @@
-// A plugin with one check service for three years, and so three keys. Each copy of the file serves a sub-case type of
-// its own: the number stands in the file as text, and whoever copies the file writes another one there.
+// A plugin with one check service for three years, and so three keys. Each copy of the file serves another sub-case
+// type: the number is in the file as text, and is replaced on copying.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -10,7 +10,7 @@
 
 namespace {
 
-volatile const char kMarke[] = ORVO_BENCH_MARKE ORVO_BENCH_NUMMER; // volatile: read where it stands
+volatile const char kMarke[] = ORVO_BENCH_MARKE ORVO_BENCH_NUMMER; // volatile: not folded by the compiler
 
 int nummer() {
     int nummer = 0;

@@ -1,8 +1,8 @@
-// The product at the same work as the floor.
+// The product, doing the same work as the floor.
 //
 //     product <home> start|info|debug|cycle|memory
 //
-// "info" and "debug" are starts with a log sink at that level, which takes the entries and does nothing with them.
+// "info" and "debug" are starts with a log sink at that level that ignores all entries.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
@@ -46,7 +46,7 @@ void kreise(OrvoValidierungsServiceErweiterung& e, int anzahl) {
         e.release(e.holeService());
 }
 
-/// As in the floor. What the product needs to be started at all counts as growth too.
+/// As in the floor. Memory that the product needs for its start counts as growth too.
 void speicherbedarf() {
     const double vorher = speicher();
     starte();

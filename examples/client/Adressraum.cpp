@@ -8,7 +8,7 @@
 namespace {
 
 bool istBeimLader(const std::string& pfad) {
-    void* const griff = dlopen(pfad.c_str(), RTLD_LAZY | RTLD_NOLOAD); // asks only, opens nothing
+    void* const griff = dlopen(pfad.c_str(), RTLD_LAZY | RTLD_NOLOAD); // a query only: does not load
     return griff && dlclose(griff) == 0;
 }
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Whether the library's file is part of this process's memory, by the word of the system's loader and, where the
-/// system shows it, of the memory map. The two must agree: a library can be closed and stay all the same.
+/// Whether the library's file is mapped into this process, according to the system's loader and, where available, the
+/// memory map. The two must agree: a library that was closed may stay mapped.
 struct Adressraum {
     bool lautLader = false;
     bool lautSpeicherkarte = false;

@@ -10,18 +10,18 @@
 class OrvoErweiterungsManager;
 class OrvoPlugin;
 
-/// How an answer of the registry came about.
+/// How the registry found an answer.
 enum class Treffer : std::uint8_t {
-    GENAU,         ///< the very period is declared
+    GENAU,         ///< exactly this period is declared
     GLEICHES_JAHR, ///< another period of the same year is
     UNABHAENGIG,   ///< the extension serves any period
-    EINZIGER,      ///< there is one for everybody
+    EINZIGER,      ///< the only one, for all sub-case types and periods
     KEINER
 };
 
-/// Asks the registry who answers for a kind of service, a sub-case type ("Unterfallart") and an assessment period
+/// Looks up the extension for a kind of service, a sub-case type ("Unterfallart") and an assessment period
 /// ("Veranlagungszeitraum").
-/// Returns: null for nobody.
+/// Returns: null when none answers.
 OrvoErweiterung* frage(const OrvoErweiterungsManager& registratur, tag_erweiterung_typ dienst,
                        const Unterfallart& ua, const Veranlagungszeitraum& vz);
 
@@ -32,13 +32,13 @@ Treffer ordneEin(const OrvoErweiterung* antwort, const Unterfallart& ua, const V
 /// Errors: `orvo::exception::InvalidFormatException`.
 Veranlagungszeitraum liesZeitraum(const std::string& text);
 
-/// What people call things, in UTF-8.
+/// Display names, in UTF-8.
 std::string nameVon(tag_erweiterung_typ dienst);
 std::string nameVon(Treffer treffer);
 /// The kind of service that has this name in the log; `NONE` for none.
 tag_erweiterung_typ dienstNamens(const std::string& name);
 /// File name of the plugin's library, without its directory.
 std::string dateiVon(const OrvoPlugin& plugin);
-/// File name and product version; a dash for nobody.
+/// File name and product version; a dash for no plugin.
 std::string dateiUndVersionVon(const OrvoErweiterung* erweiterung);
 std::string jaNein(bool wert);

@@ -15,7 +15,7 @@ bool istErwartet(const OrvoErweiterungsManager& registratur, const Szenario::Anf
     const bool unterstuetzt = registratur.istUnterfallartUndJahrUnterstuetzt(
         anfrage.dienst, Unterfallart(anfrage.unterfallart.c_str()), liesZeitraum(anfrage.zeitraum));
     const std::string datei = antwort ? dateiVon(*antwort->getPlugin()) : std::string();
-    // Tax-office data is filed under no sub-case type, so the registry cannot be asked for support of one.
+    // Tax-office data has no sub-case type, so support for one cannot be queried.
     return datei == anfrage.datei && treffer == anfrage.treffer &&
            (treffer == Treffer::EINZIGER || unterstuetzt == (antwort != nullptr));
 }

@@ -8,7 +8,7 @@ class OrvoErweiterungsManager;
 class OrvoPluginManager;
 struct Szenario;
 
-/// Prints what was loaded, what was refused and why, and which keys were offered twice.
+/// Prints the loaded plugins, the refused files with the reasons, and the keys that were offered twice.
 void berichteBestand(std::ostream& aus, OrvoPluginManager& manager,
                      const OrvoErweiterungsManager& registratur, const LadeProtokoll& protokoll,
                      const Szenario& szenario, Erwartungen& erwartungen);

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-/// Whether everything came as this client expects it.
+/// Records whether the results are as this client expects.
 class Erwartungen {
 public:
-    /// Notes one expectation. `was` names it, for the report, should it fail.
+    /// Records one expectation. `was` names it in the report of failures.
     /// Returns: the mark to print beside it.
     const char* pruefe(bool erfuellt, const std::string& was);
 

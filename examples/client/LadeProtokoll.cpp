@@ -9,7 +9,7 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-/// Takes the beginning off the text. Returns: whether the text began so.
+/// Removes a prefix from the text. Returns: whether the text had it.
 bool nimm(std::string_view& text, std::string_view anfang) {
     if (!text.starts_with(anfang))
         return false;
@@ -17,7 +17,7 @@ bool nimm(std::string_view& text, std::string_view anfang) {
     return true;
 }
 
-/// Takes off and returns what stands before the separator.
+/// Removes and returns the text before the separator.
 std::string nimmBis(std::string_view& text, std::string_view trenner) {
     const std::size_t ende = text.find(trenner);
     std::string vorn(text.substr(0, ende));

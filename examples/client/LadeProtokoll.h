@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// Takes the library's log and keeps what a client wants to know of a loading run: which files were refused and
-/// why, which keys were offered twice, and what plugins themselves have to say.
+/// Receives the library's log and keeps what a client needs of a loading run: the refused files with the reasons, the
+/// keys that were offered twice, and messages of plugins.
 ///
 /// Threads: this client has only one.
 class LadeProtokoll : public orvo::orvoutil::LogSink {

@@ -24,7 +24,7 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-/// What is to be seen at one step.
+/// The state at one step.
 struct Soll {
     std::int32_t nutzungen;
     std::int32_t ausgegeben;

@@ -20,7 +20,7 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-/// Whom the record is about: name, and tax office where it names one that is known.
+/// The subject of the record: the name, and the tax office if known.
 std::string werVon(const OrvoErweiterungsManager& registratur, const std::string& text) {
     const auto gelesen = steuer::liesDatensatz(text);
     const auto* const satz = std::get_if<steuer::Datensatz>(&gelesen);
@@ -49,7 +49,7 @@ void schreibe(std::ostream& aus, const PruefErgebnis& ergebnis) {
         aus << tabelle;
 }
 
-/// Has the records checked, several of them also for going together.
+/// Has the records checked, several of them also for consistency.
 /// Returns: whether there is a service for them.
 bool pruefe(const OrvoErweiterungsManager& registratur, const orvo::data::SteuerfallListe& liste,
             const Unterfallart& ua, const Veranlagungszeitraum& vz, PruefErgebnis& ergebnis) {

@@ -12,5 +12,5 @@ class Veranlagungszeitraum;
 std::vector<std::string> liesDatensaetze(const OrvoErweiterungsManager& registratur, const Unterfallart& ua,
                                          const Veranlagungszeitraum& vz, const std::string& pfad);
 
-/// Name of a tax office, in UTF-8; empty when nobody knows it.
+/// Name of a tax office, in UTF-8; empty when it is unknown.
 std::string finanzamtName(const OrvoErweiterungsManager& registratur, const std::string& nummer);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What this client expects of one home directory. `scripts/demo` lays out the two that it is shown with.
+/// The results that this client expects of one home directory. `scripts/demo` sets up the two that it is run with.
 struct Szenario {
     struct Plugin {
         std::string datei;
@@ -14,16 +14,16 @@ struct Szenario {
     };
     struct Ablehnung {
         std::string datei;
-        std::string grund; ///< must be part of the reason given
+        std::string grund; ///< a part of the reason
     };
-    /// A service that a second plugin offers, and the plugin whose stays.
+    /// A service that a second plugin offers, and the plugin that keeps it.
     struct Kollision {
         tag_erweiterung_typ dienst;
         std::string unterfallart;
         std::string zeitraum;
         std::string gewinner;
     };
-    /// A question to the registry, and its answer; no file for nobody.
+    /// A look-up, and its answer; no file when there is none.
     struct Anfrage {
         tag_erweiterung_typ dienst;
         std::string unterfallart;
@@ -35,7 +35,7 @@ struct Szenario {
         int code;
         std::string feld;
     };
-    /// A file of records to check, and what is found in it.
+    /// A file of records to check, and the expected findings.
     struct Pruefung {
         std::string datei;
         std::string unterfallart;
@@ -55,5 +55,5 @@ Szenario erstesSzenario();
 /// The second one: without the newer check package.
 Szenario zweitesSzenario();
 
-/// Plugins that stay open once they were used, as the setting wants it.
+/// Plugins that stay open after their first use, as the setting lists them.
 constexpr char kResidentePlugins[] = "stammdaten,";

@@ -53,7 +53,7 @@ bool Vorfuehrung::laufe() const {
     const Szenario erstes = erstesSzenario();
     const Szenario zweites = zweitesSzenario();
 
-    // The sink comes first: what happens without one is not told to anybody.
+    // Set the sink first: log entries without a sink are lost.
     const auto protokoll = std::make_shared<LadeProtokoll>();
     Logger::setSink(protokoll);
     const Einstellungen einstellungen;

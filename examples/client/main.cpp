@@ -1,5 +1,5 @@
-// An example client: see ../README.md. Exit status: 0 when everything came as expected, 1 when something did not,
-// 2 for a wrong call.
+// An example client: see ../README.md. Exit status: 0 when all results are as expected, 1 when one is not, 2 for a
+// wrong call.
 
 #include "Vorfuehrung.h"
 

@@ -1,5 +1,5 @@
-// A newer plugin with check services: it takes the wage-tax certificates of 2009 and 2010 over by its higher
-// product version, adds 2011, and serves the sub-case types 10 and 50 as well, 50 in any year.
+// A newer plugin with check services: by its higher product version it replaces the wage-tax certificates of 2009 and
+// 2010; it adds 2011, and serves the sub-case types 10 and 50, the latter in any year.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -27,7 +27,7 @@ private:
     }
 };
 
-/// Adds the check service for what the extension serves.
+/// Adds a check service for the pairs of the extension.
 void fuegeHinzu(OrvoPluginV1& plugin, OrvoValidierungsServiceErweiterung erweiterung) {
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true); // each get makes a new object
     plugin.addErweiterung(erweiterung);
@@ -47,7 +47,7 @@ bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
     fuegeHinzu(*plugin, Erweiterung(UFA_LSTB, pruefung::jahre(2009, 2011)));
     fuegeHinzu(*plugin,
                Erweiterung({{UFA_10, pruefung::jahre(2009, 2010)}, {UFA_50, pruefung::jahre(2009, 2010)}}));
-    fuegeHinzu(*plugin, Erweiterung(UFA_50, Veranlagungszeitraum())); // whatever the period
+    fuegeHinzu(*plugin, Erweiterung(UFA_50, Veranlagungszeitraum())); // for any period
     return true;
 }
 

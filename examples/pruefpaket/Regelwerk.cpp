@@ -7,7 +7,7 @@ using namespace pruefung;
 namespace pruefpaket {
 namespace {
 
-/// Tighter than before: the surcharge is 5.5 per cent of the wage tax at most, the church tax 9 per cent.
+/// Stricter than before: the surcharge is 5.5 per cent of the wage tax at most, the church tax 9 per cent.
 constexpr Anteilsregel kLohnsteuerAnteile[] = {
     {"Lohnsteuer", "Bruttoarbeitslohn", 1000},
     {"Solidaritaetszuschlag", "Lohnsteuer", 55},

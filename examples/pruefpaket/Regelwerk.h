@@ -5,7 +5,7 @@
 
 namespace pruefpaket {
 
-/// How the records of a sub-case type ("Unterfallart") are built: wage-tax certificates, advance returns (10) and
+/// The structure of the records of a sub-case type ("Unterfallart"): wage-tax certificates, advance returns (10) and
 /// annual returns (50).
 /// Returns: null for any other. Valid as long as the library is open.
 const pruefung::Satzaufbau* aufbauFuer(const Unterfallart& ua);

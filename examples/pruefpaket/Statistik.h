@@ -6,13 +6,13 @@
 
 namespace pruefpaket {
 
-/// Counts a check: how many records were looked at, and how many messages there were.
+/// Counts a check: the number of records and of messages.
 void zaehlePruefung(std::size_t datensaetze, std::size_t meldungen);
 
 } // namespace pruefpaket
 
-/// The plugin's hooks. The count begins when the library is opened for its first user, and goes to the log, under
-/// the category "beispiel.pruefpaket", when the last one has gone.
+/// The plugin's hooks. Counting begins when the library is opened for its first user; the result is logged under the
+/// category "beispiel.pruefpaket" after the last one.
 extern "C" {
 ORVO_PLUGIN_EXPORT void pruefpaket_onload();
 ORVO_PLUGIN_EXPORT void pruefpaket_onunload();

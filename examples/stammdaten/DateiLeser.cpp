@@ -14,13 +14,13 @@ constexpr std::size_t kHoechsteGroesse = 1'048'576;
 constexpr Latin1Text kNichtLesbar{u8"Datei nicht lesbar: "};
 constexpr Latin1Text kZuGross{u8"Datei größer als ein Megabyte: "};
 
-/// Reads one byte more than may be in the file, so that a larger one shows.
+/// Reads one byte beyond the limit, so that a larger file is detected.
 bool liesDatei(const std::string& pfad, std::string& inhalt) {
     std::ifstream datei(pfad, std::ios::binary);
     inhalt.resize(kHoechsteGroesse + 1);
     datei.read(inhalt.data(), static_cast<std::streamsize>(inhalt.size()));
     inhalt.resize(static_cast<std::size_t>(datei.gcount()));
-    return datei.eof() || inhalt.size() > kHoechsteGroesse; // neither for a file that is none
+    return datei.eof() || inhalt.size() > kHoechsteGroesse; // false for a directory too
 }
 
 bool istTrennzeile(std::string_view zeile) {

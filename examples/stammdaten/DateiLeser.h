@@ -4,7 +4,7 @@
 
 namespace stammdaten {
 
-/// Reads files of up to one megabyte; a larger one is no file of records.
+/// Reads files of up to one megabyte; larger ones are refused.
 class DateiLeser : public DateiLeserService {
 public:
     bool lies(const std::string& pfad, std::vector<std::string>& datensaetze, std::string& grund) override;

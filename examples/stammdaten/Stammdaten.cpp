@@ -1,5 +1,5 @@
-// A plugin with data services: a reader of record files for any sub-case type that has records here, whatever the
-// period, and the tax offices.
+// A plugin with data services: a reader of record files for the sub-case types with records here and any period, and
+// the tax offices.
 
 #include <orvoplugin/domain/Konstanten.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -20,7 +20,7 @@ bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
     leser.setzeFlag(FLAG_SERVICE_LOESCHEN, true); // each get makes a new object
     plugin->addErweiterung(leser);
 
-    plugin->addErweiterung(OrvoFADatenServiceErweiterung()); // without the flag: there is one object for all
+    plugin->addErweiterung(OrvoFADatenServiceErweiterung()); // without the flag: all users share one object
     return true;
 }
 

@@ -1,5 +1,5 @@
-// A plugin that offers one extension of each kind, with all that an extension can carry, and factories for every
-// behaviour: each object they make counts itself while it lives.
+// A plugin with one extension of each kind, with every attribute that an extension can have, and factories for every
+// behaviour: their objects count themselves.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -32,7 +32,7 @@ public:
     }
 };
 
-/// Classes that only this library knows, with something to free.
+/// Classes known to this library only, which own memory.
 class EigeneStandardausnahme : public std::exception {
 public:
     const char* what() const noexcept override { return text_.c_str(); }
@@ -49,7 +49,7 @@ private:
     std::string text_ = "a text that is too long to be kept within the object itself";
 };
 
-/// A condition and a dependency of classes of the plugin's own.
+/// A condition and a dependency of the plugin's own classes.
 class EigeneBedingung : public Bedingung {
 public:
     EigeneBedingung() : Bedingung(77) {}
@@ -107,12 +107,12 @@ Service* orvo_plugin_get_datensatz_reader_service() {
 
 extern "C" {
 
-/// Makes one object and gives it from then on.
+/// Makes one object, and returns it on each call.
 ORVO_PLUGIN_EXPORT Service* gibtDenselbenService() {
     static Service* const service = new Gezaehlt<Pruefung>;
     return service;
 }
-/// Gives one object that ends with the library.
+/// Returns one object that is destroyed with the library.
 ORVO_PLUGIN_EXPORT Service* gibtStaendigenService() {
     static Pruefung service;
     return &service;

@@ -1,5 +1,5 @@
-// Ends the process from the place that the setting "test.exit" names: types, initialize, onload or factory. When it
-// is closed it asks for the registry and the plugin manager, and says on standard error what it got.
+// Ends the process in the place that the setting "test.exit" names: types, initialize, onload or factory. When it is
+// closed it asks for the registry and the plugin manager, and prints the result to standard error.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>

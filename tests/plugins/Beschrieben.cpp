@@ -1,4 +1,4 @@
-// A plugin that does what a text file beside it says: "<library>.txt", one order a line.
+// A plugin controlled by a text file beside it, "<library>.txt", with one order per line:
 //
 //     produktversion 1.2.0        fileversion 3            label text
 //     resident                    status 2
@@ -10,9 +10,9 @@
 //     factory NAME                the extensions declared after it use that factory
 //     abgelehnt                   initialise returns false, after all orders
 //
-// Without the file it declares nothing and succeeds. What its services do is settled by the factory's name:
-// the standard ones give a new object each, "gleicherService" always the same, "keinService" null,
-// "falscherService" one of no interface, "werfenderService" throws.
+// Without the file it declares nothing and succeeds. The name of a factory decides what its services do: the standard
+// ones give a new object each, "gleicherService" always the same, "keinService" null, "falscherService" one of no
+// interface, "werfenderService" throws.
 
 #include <orvoplugin/domain/Veranlagungszeitraum.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -167,7 +167,7 @@ ORVO_PLUGIN_EXPORT Service* keinService() { return nullptr; }
 ORVO_PLUGIN_EXPORT Service* falscherService() { return new Service; }
 ORVO_PLUGIN_EXPORT Service* werfenderService() { throw std::runtime_error("Factory kann nicht"); }
 
-/// The hooks count their calls in a file beside the library, so that a test sees them after the library is gone.
+/// The hooks count their calls in a file beside the library, so that the count outlives the library.
 ORVO_PLUGIN_EXPORT void zaehleOnLoad() {
     std::ofstream(beschreibung() + ".hooks", std::ios::app) << "load\n";
 }

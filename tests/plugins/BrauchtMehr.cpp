@@ -1,4 +1,4 @@
-// Calls the function BRAUCHT, which lies in another library or nowhere.
+// Calls the function BRAUCHT, which is in another library or missing.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>

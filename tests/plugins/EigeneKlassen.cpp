@@ -1,6 +1,6 @@
-// Uses classes and exceptions in ways that differ by who owns them: adds an extension of a class defined here
-// (EIGENE_Erweiterung), or throws an exception of the host's (WIRFT_Init, WIRFT_Loader), or of a class that is
-// derived from the host's here (WIRFT_EigeneInit), after it has added an extension of the host's.
+// Uses classes and exceptions of different owners: adds an extension of a class defined here (EIGENE_Erweiterung), or
+// throws an exception of the host (WIRFT_Init, WIRFT_Loader), or one of a class derived here from the host's
+// (WIRFT_EigeneInit), after adding an extension of the host.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>

@@ -1,5 +1,5 @@
-// Has everything that a compiler may mark as unique, and a C function from a static library. Its entry points use it
-// all, so that nothing is left out.
+// Has everything that a compiler may mark as unique, and a C function from a static library. Its entry points use all
+// of it, so that nothing is dropped.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>

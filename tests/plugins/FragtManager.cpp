@@ -1,6 +1,6 @@
-// Asks for one of the process-wide objects while it describes itself: FRAGT_Manager or FRAGT_Registry, from
-// AUS_Types or AUS_Initialize. With SCHLUCKT it keeps the refusal for itself, as its product version. AUS_Anfang is a
-// static object's constructor, which runs when the library is opened; the answer is the product version then. AUS_Ende is
+// Asks for one of the process-wide objects while it describes itself: FRAGT_Manager or FRAGT_Registry, from AUS_Types
+// or AUS_Initialize. With SCHLUCKT it catches the refusal, and returns it as its product version. AUS_Anfang is a
+// static object's constructor, which runs when the library is opened; its result is the product version. AUS_Ende is
 // its destructor, which runs when the library is closed.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>

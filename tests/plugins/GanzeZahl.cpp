@@ -1,4 +1,4 @@
-// A plugin whose orvo_plugin_initialize has another result type than the library expects.
+// A plugin whose orvo_plugin_initialize has another return type than the library expects.
 
 #include <orvoplugin/Export.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>

@@ -1,11 +1,11 @@
-// A plugin that does all that the tool's checks ask for, but for the deeds that a text file beside it names:
-// "<library>.txt", one a line: when, what, and with what.
+// A plugin that passes all checks of the tool, except for the faults listed in a text file beside it, "<library>.txt",
+// one per line: when, what, and an argument.
 //
 //     WHEN    oeffnen (start-up code), typen, beschreiben, laden, entladen (the hooks), factory, ende (of a service),
 //             schliessen (the library's last code)
 //     WHAT    see `taten` and `beschreibung`
 //
-// Built with other flags it has faults that stand in the file (see tool_check.cmake).
+// Built with other flags it has faults in the file itself (see tool_check.cmake).
 
 #include <orvoplugin/domain/Konstanten.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -39,14 +39,14 @@
 
 namespace {
 
-/// Classes that only this library knows.
+/// Classes known to this library only.
 class EigeneAusnahme {
     std::string text_ = "a text that is too long to be kept within the object itself";
 };
 
 int geladen = 0;  // OnLoad less OnUnload
 int lebende = 0;  // services
-int geworden = 0; // services ever made
+int geworden = 0; // services made in total
 
 std::string ort() {
     Dl_info wir{};
@@ -64,7 +64,7 @@ void stuerzeAb() {
     std::raise(SIGSEGV);
 }
 
-/// What it can be told to do at any time, by name. The argument is the rest of the line.
+/// Faults that are possible at any time, by name. The argument is the rest of the line.
 void tue(const std::string& was, const std::string& womit) {
     static const std::map<std::string, std::function<void(const std::string&)>> taten{
         {"absturz", [](const std::string&) { stuerzeAb(); }},
@@ -102,7 +102,7 @@ void tue(const std::string& was, const std::string& womit) {
         {"setenv", [](const std::string& wert) { setenv("ORVO_TEST_VARIABLE", wert.c_str(), 1); }},
         {"umask", [](const std::string&) { umask(0123); }},
         {"thread",
-         [](const std::string&) { // whose code is not the plugin's, so that it does not go with it
+         [](const std::string&) { // code outside the plugin, which stays when the plugin is unmapped
              pthread_t thread;
              pthread_create(&thread, nullptr,
                             reinterpret_cast<void* (*)(void*)>(dlsym(RTLD_DEFAULT, "pause")), nullptr);
@@ -143,7 +143,7 @@ void tue(const std::string& was, const std::string& womit) {
 
 using Folge = std::function<void(const std::string&, const std::string&)>;
 
-/// Hands each deed for that time to `folge`: its name and the rest of the line.
+/// Calls `folge` for each fault of that time, with its name and the rest of the line.
 void lies(const char* wann, const Folge& folge) {
     std::ifstream datei(ort() + ".txt");
     for (std::string zeile; std::getline(datei, zeile);) {
@@ -151,7 +151,7 @@ void lies(const char* wann, const Folge& folge) {
         std::string zeit, was, womit;
         if (worte >> zeit >> was && zeit == wann) {
             std::getline(worte >> std::ws, womit);
-            datei.close(); // a deed may look at the descriptors, or never come back
+            datei.close(); // a fault may inspect the descriptors, or not return
             folge(was, womit);
             return;
         }
@@ -183,7 +183,7 @@ public:
         return 0;
     }
 
-    static Pruefung* einzige; ///< for the plugin that gives the same object to all
+    static Pruefung* einzige; ///< when all users get the same object
 };
 
 Pruefung* Pruefung::einzige = nullptr;
@@ -213,7 +213,7 @@ void beschrifte(OrvoPluginV1& plugin, const std::string& text) {
     plugin.addLabelInformation(label);
 }
 
-/// What a description can be told to differ in.
+/// Possible differences in the description.
 void beschreibeAnders(OrvoPluginV1& plugin, const std::string& was, const std::string& womit, bool& erfolg) {
     if (was == "version")
         plugin.setProduktVersion(womit);

@@ -1,3 +1,3 @@
-// A library that is no plugin: it exports none of the entry points.
+// A library that is not a plugin: it exports no entry point.
 
 extern "C" __attribute__((visibility("default"))) int keinEinsprungpunkt() { return 0; }

@@ -1,4 +1,4 @@
-// Has the entry point that describes a plugin, but not the one that says which interface it implements.
+// Has the entry point that describes a plugin, but not the one that names its interface.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>

@@ -1,4 +1,4 @@
-// A C function as static libraries have them that know nothing of plugins.
+// A C function as in a static library that was not written for plugins.
 
 extern "C" int ausStatischerBibliothek();
 extern "C" int ausStatischerBibliothek() { return 1; }

@@ -1,4 +1,4 @@
-// A plugin that misbehaves as a text file beside it says: "<library>.txt", one order a line.
+// A plugin that misbehaves as a text file beside it says, "<library>.txt", with one order per line:
 //
 //     typ N [ANZAHL]         get_types appends that record, so many times; without the order, one of type 1
 //     wirft ORT ART          throws from types, initialize, service, onload or onunload; ART see `wirf`
@@ -10,7 +10,7 @@
 //                            the class that it derives from (geerbt), null (keine), or throws (wirft)
 //     host WIE               an extension that the host makes, of a class of the host's
 //     fragt WEN              asks for the registry or the manager; fragtfrueh WEN does so in get_types
-//     home PFAD              sets the home directory; the path may hold blanks
+//     home PFAD              sets the home directory; the path may contain blanks
 
 #include <orvoplugin/domain/Veranlagungszeitraum.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
@@ -30,7 +30,7 @@
 #include <stdexcept>
 #include <string>
 
-/// Classes that only this library knows.
+/// Classes known to this library only.
 class EigeneAusnahme {
 public:
     virtual ~EigeneAusnahme() = default;
@@ -104,7 +104,7 @@ public:
     throw 42;
 }
 
-/// Hands each order to `befolge`: its word, and the rest of the line.
+/// Calls `befolge` for each order, with its first word and the rest of the line.
 void lies(const std::function<void(const std::string&, std::istream&)>& befolge) {
     Dl_info wir{};
     dladdr(reinterpret_cast<void*>(&orvo_plugin_initialize), &wir);

@@ -1,4 +1,4 @@
-// A plugin that does to its process what a text file beside it says: "<library>.txt", one order a line.
+// A plugin that harms its process as a text file beside it says, "<library>.txt", with one order per line:
 //
 //     tu WANN WAS [ZAHL]     WANN is start (the library is opened), types, initialize or ende (it is closed); WAS:
 //                            segv, abort, exit ZAHL, haenge, schliesse (all descriptors), schreibe (on all
@@ -69,7 +69,7 @@ void begrenze() {
     setrlimit(RLIMIT_NOFILE, &keine);
 }
 
-/// Also where a sanitizer would make something else of the signal.
+/// Crashes also under a sanitizer, which may handle the signal itself.
 void sterbeAn(int signal) {
     std::signal(signal, SIG_DFL);
     std::raise(signal);

@@ -1,4 +1,4 @@
-// Throws from one of the entry points: AUS_Types or AUS_Initialize, WIRFT_... says what.
+// Throws from an entry point: AUS_Types or AUS_Initialize; WIRFT_... selects the exception.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -8,7 +8,7 @@
 
 namespace {
 
-/// A class that only this library knows, with something to free.
+/// A class known to this library only, which owns memory.
 class EigeneAusnahme {
 public:
     virtual ~EigeneAusnahme() = default;

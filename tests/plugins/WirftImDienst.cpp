@@ -1,4 +1,4 @@
-// A check service that throws: the number of the sub-case type says what (see the enumeration).
+// A check service that throws: the number of the sub-case type selects the exception (see the enumeration).
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -11,7 +11,7 @@ namespace {
 
 enum Wurf { EIGENE = 1, EIGENE_STANDARD = 2, ZAHL = 3, STANDARD = 4 };
 
-/// Classes that only this library knows, with something to free.
+/// Classes known to this library only, which own memory.
 class EigeneAusnahme {
 public:
     virtual ~EigeneAusnahme() = default;

@@ -1,2 +1,2 @@
-# What the tests of the extension room load.
+# Plugins for the tests of the extension room.
 orvo_test_plugin(OffersEverything Angebot.cpp)

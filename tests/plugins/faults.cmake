@@ -1,8 +1,8 @@
-# What the tests of the fault catalogue load.
+# Plugins for the tests of the fault catalogue.
 orvo_test_plugin(Misbehaves Stoerenfried.cpp)
 orvo_test_plugin(WithoutTypes OhneTypen.cpp)
 
-# Neither can be opened: the one misses a library that is gone once it is linked, the other a function.
+# Neither can be opened: the first lacks a library that is deleted after linking, the second a function.
 add_library(gibtEsNicht SHARED Leer.cpp)
 set_target_properties(gibtEsNicht PROPERTIES LIBRARY_OUTPUT_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/nirgends")
 orvo_test_plugin(NeedsAMissingLibrary BrauchtMehr.cpp "BRAUCHT=keinEinsprungpunkt")
@@ -11,6 +11,6 @@ set_target_properties(NeedsAMissingLibrary PROPERTIES SKIP_BUILD_RPATH ON)
 orvo_test_plugin(CallsAMissingFunction BrauchtMehr.cpp "BRAUCHT=gibtEsNicht")
 target_link_options(CallsAMissingFunction PRIVATE LINKER:-z,lazy LINKER:-z,undefs)
 
-# Small enough for a test to cut it everywhere.
+# Small enough for a test that cuts it at every place.
 orvo_test_plugin(Small Typen.cpp "TYPEN={1}" MIT_INITIALIZE)
 target_link_options(Small PRIVATE -s)

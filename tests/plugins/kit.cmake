@@ -1,4 +1,4 @@
-# What the tests of the kit load.
+# Plugins for the tests of the kit.
 orvo_test_plugin(GuardsThrowingTypes Abgesichert.cpp AUS_Types)
 orvo_test_plugin(GuardsAThrowingInitialize Abgesichert.cpp AUS_Initialize)
 orvo_test_plugin(GuardsAThrowingFactory Abgesichert.cpp AUS_Factory)

@@ -1,4 +1,4 @@
-# What the tests of the plugin room load.
+# Plugins for the tests of the plugin room.
 orvo_test_plugin(DescribedByFile Beschrieben.cpp)
 orvo_test_plugin(StrippedOfDebugInformation Typen.cpp "TYPEN={1}" MIT_INITIALIZE)
 target_link_options(StrippedOfDebugInformation PRIVATE -s)

@@ -1,2 +1,2 @@
-# What the tests of the registry room load.
+# Plugins for the tests of the registry room.
 orvo_test_plugin(EndsTheProcess BeendetProzess.cpp)

@@ -1,5 +1,5 @@
-# What the tests of the tool's checks load: one plugin that passes them all and has its faults told, and those whose
-# faults stand in the file.
+# Plugins for the tests of the tool's checks: one that passes them all and takes its faults from a text file, and those
+# with faults in the library file itself.
 orvo_test_plugin(Conforms Konform.cpp)
 orvo_test_plugin(HasAUniqueSymbol Konform.cpp MIT_EINMALIGEM_SYMBOL)
 orvo_test_plugin(HasAThreadDestructor Konform.cpp MIT_THREAD_DESTRUKTOR)
@@ -11,7 +11,7 @@ orvo_test_plugin(BindsLate Konform.cpp)
 target_link_options(BindsLate PRIVATE LINKER:-z,lazy)
 orvo_test_plugin(SearchesTheWorkingDirectory Konform.cpp)
 set_target_properties(SearchesTheWorkingDirectory PROPERTIES BUILD_RPATH "lib/relativ")
-# The header that makes a wrong signature a compile error is not in this one.
+# Built without the header that makes a wrong signature a compile error.
 orvo_test_plugin(ReturnsAnInt GanzeZahl.cpp)
 # Misspelt here, and wherever the header declares it.
 orvo_test_plugin(MisspellsInitialize Typen.cpp "TYPEN={1}" MIT_INITIALIZE

@@ -3,8 +3,8 @@
 #include <locale>
 #include <string>
 
-/// Has every stream that is made in its lifetime write numbers as "1.234", as a host with a German locale does. No
-/// locale of the system is needed.
+/// While it lives, every new stream writes numbers as "1.234", as in a host with a German locale. Needs no locale of
+/// the system.
 class DeutscheZahlen {
 public:
     DeutscheZahlen() : vorher_(std::locale::global(std::locale(std::locale::classic(), new Punkte))) {}

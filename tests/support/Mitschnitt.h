@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// Installs a log sink for as long as it lives and keeps every entry. Lines have a short, exact form:
+/// Installs a log sink while it lives, and keeps every entry. Lines have a short, exact form:
 ///
 ///     "> Klasse::op"   "< Klasse::op"          entry and exit of an operation
 ///     "+> Klasse()"    "+< Klasse()"           of a constructor
@@ -24,9 +24,9 @@ public:
     /// All lines, or those of one category.
     std::vector<std::string> zeilen() const;
     std::vector<std::string> zeilen(const std::string& kategorie) const;
-    /// The lines that are no traces and no debug messages.
+    /// The lines without traces and debug messages.
     std::vector<std::string> meldungen() const;
-    /// How many lines are equal to, or hold, that text.
+    /// How many lines equal, or contain, that text.
     int anzahl(const std::string& zeile) const;
     int anzahlMit(const std::string& teil) const;
     void leere();

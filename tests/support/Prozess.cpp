@@ -14,5 +14,5 @@ bool istEingeblendet(const std::string& pfad) {
 
 int offeneDeskriptoren() {
     const std::filesystem::directory_iterator offene("/proc/self/fd");
-    return static_cast<int>(std::distance(begin(offene), end(offene))) - 1; // the listing itself holds one
+    return static_cast<int>(std::distance(begin(offene), end(offene))) - 1; // the listing itself opens one
 }

@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// A directory of its own for one test, removed with everything in it at the end.
+/// A temporary directory for one test, removed with its contents at the end.
 class Verzeichnis {
 public:
     Verzeichnis();
@@ -14,10 +14,10 @@ public:
     /// Path of something in the directory.
     std::string pfad(const std::string& name) const { return pfad_ + "/" + name; }
 
-    /// Each makes the directories on the way, and returns the path of what it made.
+    /// Each creates missing parent directories, and returns the path that it made.
     std::string legeAn(const std::string& verzeichnis) const;
     std::string schreibe(const std::string& datei, const std::string& inhalt) const;
-    /// A copy has an inode of its own, so the system's loader takes it for another library.
+    /// A copy is another inode, so the system's loader treats it as another library.
     std::string kopiere(const std::string& quelle, const std::string& datei) const;
     void entferne(const std::string& name) const;
 

@@ -1,4 +1,4 @@
-// Plugins' texts on their way to a terminal and into JSON.
+// Plugins' texts for a terminal and for JSON.
 
 #include "kern/Anzeige.h"
 

@@ -34,7 +34,7 @@ std::vector<std::string> umgebungMit(const std::vector<std::string>& zusaetze) {
     return umgebung;
 }
 
-/// Reads both until both are closed at the other end.
+/// Reads both streams to their ends.
 void liesAlles(int aus, int fehler, Ergebnis& ergebnis) {
     pollfd quellen[] = {{aus, POLLIN, 0}, {fehler, POLLIN, 0}};
     std::string* const ziele[] = {&ergebnis.ausgabe, &ergebnis.fehler};

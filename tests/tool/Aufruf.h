@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-/// What a run of a program left behind.
+/// The result of a run of a program.
 struct Ergebnis {
     int ausgang = -1; ///< exit code; 128 and the signal's number when a signal ended it
     std::string ausgabe;
-    std::string fehler; ///< what it wrote to standard error
+    std::string fehler; ///< its standard error output
 };
 
 /// Runs a program with arguments, its standard input empty, and waits for its end.

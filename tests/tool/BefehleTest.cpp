@@ -1,6 +1,6 @@
-// The commands on a fixed set of directories: their text and their JSON as they stand in golden/, and their exit codes.
+// The commands on a fixed set of directories: their text and JSON against golden/, and their exit codes.
 
-#include "Bestandsaufnahme.h"
+#include "Heim.h"
 
 #include "TestPlugins.h"
 
@@ -190,7 +190,7 @@ TEST(Befehle, AMissingDirectoryCannotBeRead) {
 
 namespace {
 
-/// A directory below it whose path is longer than the system takes: nobody can read it, not even root.
+/// A subdirectory whose path exceeds the system's limit: even root cannot read it.
 std::string legeZuTiefAn(const std::string& verzeichnis) {
     const std::string name(200, 'd');
     std::string pfad = verzeichnis;
@@ -321,7 +321,7 @@ TEST(Befehle, AReaderOfTheLogWhoGoesCostsNoResult) {
     const Heim heim;
     heim.lege(test_plugins::DescribedByFile, "liba.dylib", "check 10 2009\n");
     heim.lege(test_plugins::DescribedByFile, "libb.dylib", "check 11 2009\n");
-    const std::string rohr = heim.verzeichnis.pfad("rohr"); // written to with nobody at its other end
+    const std::string rohr = heim.verzeichnis.pfad("rohr"); // has no reader
     const Ergebnis ergebnis = rufe(
         "env",
         {"--default-signal=PIPE", "sh", "-c",

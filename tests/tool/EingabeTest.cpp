@@ -1,4 +1,4 @@
-// What people type.
+// User input.
 
 #include "kern/Eingabe.h"
 

@@ -146,7 +146,7 @@ TEST(Kindprozess, WhatTheChildStartedIsKilledWithIt) {
         EXPECT_EQ(lauf.ende.istGut(), !haengt);
         ASSERT_THAT(lauf.saetze, SizeIs(1));
         const pid_t enkel = std::stoi(lauf.saetze[0]);
-        for (int i = 0; lebt(enkel) && i < 500; ++i) { // its new parent takes a moment to see it off
+        for (int i = 0; lebt(enkel) && i < 500; ++i) { // its new parent needs a moment to reap it
             std::ifstream zustand("/proc/" + lauf.saetze[0] + "/stat");
             std::string text((std::istreambuf_iterator<char>(zustand)), {});
             if (text.find(") Z") != std::string::npos)
@@ -193,7 +193,7 @@ TEST(Kindprozess, ChildrenOfTheCallersOwnAreLeftAlone) {
 
 TEST(Kindprozess, ASignalToTheChildsParentEndsTheChildAndNotTheCaller) {
     for (const int signal : {SIGKILL, SIGTERM, SIGHUP}) {
-        const auto vorher = std::signal(signal, SIG_DFL); // it may be ignored by whoever started us
+        const auto vorher = std::signal(signal, SIG_DFL); // the caller may have had it ignored
         const Lauf lauf = laufe([signal](const Sender& sende) {
             sende(std::to_string(getpid()));
             kill(getppid(), signal);
@@ -209,7 +209,7 @@ TEST(Kindprozess, ASignalToTheChildsParentEndsTheChildAndNotTheCaller) {
 
 TEST(Kindprozess, WhoWantsThisProcessToEndLeavesNothingOfTheChild) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        const auto vorher = std::signal(signal, SIG_DFL); // it may be ignored by whoever started us
+        const auto vorher = std::signal(signal, SIG_DFL); // the caller may have had it ignored
         pid_t kind = 0;
         const auto arbeite = [](const Sender& sende) {
             setsid();
@@ -263,7 +263,7 @@ TEST(Kindprozess, AChildThatClosesEverythingIsStillWaitedFor) {
 }
 
 TEST(Kindprozess, TheChildNeitherReadsNorWritesTheStandardStreams) {
-    std::fputs("unwritten ", stdout); // must not come twice
+    std::fputs("unwritten ", stdout); // must not be written twice
     const Lauf lauf = laufe([](const Sender& sende) {
         char zeichen = 0;
         sende(read(STDIN_FILENO, &zeichen, 1) == 0 ? "empty" : "something");

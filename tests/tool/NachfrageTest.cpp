@@ -14,7 +14,7 @@ using namespace werkzeug;
 
 namespace {
 
-/// A plugin directory whose plugins do what their descriptions say.
+/// A plugin directory whose plugins are controlled by text files.
 class Nachfragen : public Test {
 protected:
     void lege(const std::string& name, const std::string& beschreibung) {
@@ -92,7 +92,7 @@ TEST_F(Nachfragen, RowsAreOfOneKindAndSubCaseTypeEachWithNumbersBeforeNames) {
 TEST_F(Nachfragen, TheSecondIsWhoWouldAnswerWithoutTheHoldersPlugin) {
     lege("liba.dylib", "produktversion 1.0\ncheck 10 2009\n");
     lege("libb.dylib", "produktversion 3.0\ncheck 10 2009\ncheck 10 2010\n");
-    lege("libc.dylib", "produktversion 2.0\ncheck 10 2009\n"); // was refused by b, and beats a all the same
+    lege("libc.dylib", "produktversion 2.0\ncheck 10 2009\n"); // was refused because of b, and still beats a
     lege("libd.dylib", "produktversion 2.0\ncheck 10 2009\n"); // equal to c, and later
     const Bestand bestand = sammleDeckung();
     ASSERT_THAT(bestand.schluessel, SizeIs(2));

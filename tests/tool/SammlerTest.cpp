@@ -1,10 +1,10 @@
-// What becomes of a directory whose plugins do harm: the one is a row with what it did, and all others are there.
+// A directory with harmful plugins: each has a row that says what it did, and the other plugins are unaffected.
 
 #include "kern/Sammler.h"
 
-#include "Bestandsaufnahme.h"
-#include "kern/Kindprozess.h"
+#include "Heim.h"
 #include "kern/Bestandsermittlung.h"
+#include "kern/Kindprozess.h"
 
 #include "TestPlugins.h"
 #include "support/Prozess.h"
@@ -27,7 +27,7 @@ namespace {
 
 constexpr double kKurz = 4; // s; enough for a healthy plugin on a busy machine
 
-/// Two healthy plugins around one that does harm.
+/// Two good plugins around a harmful one.
 class Untaten : public Test {
 protected:
     void SetUp() override {

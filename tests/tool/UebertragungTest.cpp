@@ -1,4 +1,4 @@
-// The facts on their way from the child to the parent.
+// Transfer of the facts from the child to the parent.
 
 #include "kern/Uebertragung.h"
 
@@ -52,7 +52,7 @@ TEST(Uebertragung, RefusesFactsThatWereCutOffAnywhere) {
 
 TEST(Uebertragung, TakesNoBytesForFactsThatItCouldNotShow) {
     const std::string bytes = schreibe(beispiel());
-    for (std::size_t i = 0; i < bytes.size(); ++i) // whatever comes out must be safe to walk through
+    for (std::size_t i = 0; i < bytes.size(); ++i) // any result must be safe to traverse
         for (const char byte : {'\0', '\x01', '\x7F', '\xFF'}) {
             std::string verfaelscht = bytes;
             verfaelscht[i] = byte;

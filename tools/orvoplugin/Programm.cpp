@@ -29,7 +29,7 @@ constexpr char kAusgaenge[] =
     "Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
     "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.";
 
-/// The tool's version, and those of the library that it runs on.
+/// The versions of the tool and of the library that it uses.
 std::string versionen() {
     char produkt[16] = "";
     char datei[16] = "";
@@ -39,7 +39,7 @@ std::string versionen() {
            ")";
 }
 
-/// Tells the user of a wrong command line in one line, and where help is.
+/// Reports a wrong command line in one line, with a hint to the help.
 int meldeFalschenAufruf(const CLI::App& app, const CLI::Error& fehler) {
     if (fehler.get_exit_code() == 0) { // --help and --version
         std::ostringstream text;
@@ -51,8 +51,8 @@ int meldeFalschenAufruf(const CLI::App& app, const CLI::Error& fehler) {
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
 }
 
-/// Has every option refuse an empty value, which nobody means: a variable that is not set, in a script, makes it, and
-/// the answer would be that to another question. That no plugin is resident can be meant.
+/// Makes every option refuse an empty value: an unset variable in a script produces it, and the command would answer
+/// another question. An empty list of resident plugins is allowed.
 void verlangeWerte(CLI::App& app) {
     const CLI::Validator nichtLeer(
         [](std::string& wert) { return std::string(wert.empty() ? "must not be empty" : ""); }, "");
@@ -61,14 +61,13 @@ void verlangeWerte(CLI::App& app) {
             option->check(nichtLeer);
 }
 
-/// Leaves them out of the help. They are read all the same, so that the command can say what it takes instead.
+/// Hides them from the help. They are still read, so that the command can name the alternative.
 void verschweigeVerzeichnisOptionen(CLI::App& unterbefehl) {
     for (const char* const name : {"--home", "--dir"})
         unterbefehl.get_option(name)->group("");
 }
 
-/// Tells the user that the last name of a list of resident plugins counts for nothing: the library takes those only
-/// that a comma follows.
+/// Warns that the last name of a list of resident plugins is ignored: the library takes only names followed by a comma.
 void weiseAufFehlendesKommaHin(const Optionen& optionen) {
     const std::string& liste = optionen.resident;
     if (optionen.quiet || liste.empty() || liste.back() == ',')
@@ -112,7 +111,7 @@ int programm(int argc, char** argv) try {
         if (unterbefehl->parsed())
             return static_cast<int>(befehl->fuehreAus(optionen));
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
-} catch (const Unterbrochen& unterbrochen) { // as if nobody had noted the signal
+} catch (const Unterbrochen& unterbrochen) { // as if the signal had not been caught
     std::signal(unterbrochen.signal, SIG_DFL);
     std::raise(unterbrochen.signal);
     return static_cast<int>(Ausgang::NICHT_LESBAR);

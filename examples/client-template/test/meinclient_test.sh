@@ -1,6 +1,6 @@
 #!/bin/sh
 # meinclient_test.sh CLIENT HOME
-# Runs the client with a plugin in its home directory and with none, and looks at what it says and how it ends.
+# Runs the client with a plugin in its home directory and without, and checks its output and exit status.
 client=$1
 home=$2
 failed=0

@@ -1,4 +1,4 @@
-// A plugin for the test of the client: its check service has something to say of each empty record.
+// A plugin for the test of the client: its check service reports each empty record.
 
 #include <orvoplugin/domain/Konstanten.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>

@@ -2,7 +2,7 @@
 
 namespace pruefung {
 
-/// What a check reports as `PruefErgebnis::Meldung::code`. The numbers are for good: clients keep them.
+/// Codes in `PruefErgebnis::Meldung::code`. The numbers never change: clients store them.
 enum Befundcode : int {
     KEIN_DATENSATZ = 100,
     SATZART_FALSCH = 101,

@@ -21,7 +21,7 @@ constexpr Latin1Text kUnbekannteUnterfallart{u8"Diese Unterfallart wird hier nic
 constexpr Latin1Text kDoppelt{
     u8"Für diese Identifikationsnummer gibt es schon einen Datensatz mit demselben Beginn."};
 
-/// Which record a message speaks of; nothing when there is only one.
+/// The record that a message is about; nothing when there is only one.
 std::string vorspannFuer(const SteuerfallListe& liste, std::size_t index) {
     return liste.getAnzahl() > 1 ? "Datensatz " + std::to_string(index + 1) + ": " : std::string();
 }
@@ -50,7 +50,7 @@ int PruefService::checkSammeldatenKonsistenz(const SteuerfallListe& liste, const
         const auto gelesen = steuer::liesDatensatz(liste.getDatensatz(i));
         const auto* const satz = std::get_if<steuer::Datensatz>(&gelesen);
         if (!satz || satz->wert(kIdNr).empty() || satz->wert(kBeginn).empty())
-            continue; // what is no record, or lacks a field, is for `pruefe` to tell
+            continue; // `pruefe` reports invalid records and missing fields
         if (!gesehen.emplace(satz->wert(kIdNr), satz->wert(kBeginn)).second) {
             ergebnis.fuegeHinzu(DATENSATZ_DOPPELT, kIdNr, vorspannFuer(liste, i) + kDoppelt.c_str());
             status = NICHT_KONSISTENT;

@@ -5,18 +5,18 @@
 
 namespace pruefung {
 
-/// Check service that goes by rules: a plugin derives from it and says which kind of record it expects for a
-/// sub-case type ("Unterfallart").
+/// A check service based on rules: a plugin derives from it and names the kind of record that it expects for a sub-case
+/// type ("Unterfallart").
 class PruefService : public orvo::service::ValidierungsService {
 public:
-    /// What `pruefe` and `checkSammeldatenKonsistenz` return.
+    /// Results of `pruefe` and `checkSammeldatenKonsistenz`.
     enum Status : int { OHNE_BEFUND = 0, MIT_BEFUND = 1, NICHT_PRUEFBAR = 2, NICHT_KONSISTENT = 4 };
 
-    /// Checks each record of the list. Messages say which record they speak of when there are several.
+    /// Checks each record of the list. With several records, messages say which one they are about.
     int pruefe(const orvo::data::SteuerfallListe& liste, const Unterfallart& ua,
                const Veranlagungszeitraum& vz, PruefErgebnis& ergebnis) override;
 
-    /// Collected data goes together as long as nobody stands in it twice with the same beginning.
+    /// Collected data is consistent unless a person occurs twice with the same beginning.
     int checkSammeldatenKonsistenz(const orvo::data::SteuerfallListe& liste, const Unterfallart& ua,
                                    const Veranlagungszeitraum& vz, PruefErgebnis& ergebnis) override;
 

@@ -5,13 +5,13 @@
 
 namespace pruefung {
 
-/// What may stand in a field.
+/// The content of a field.
 enum class Feldart : std::uint8_t { TEXT, IDNR, BETRAG, DATUM, FINANZAMT };
 
 struct Feldregel {
     const char* name;
     Feldart art;
-    bool pflicht; ///< whether a record without the field is at fault
+    bool pflicht; ///< whether the field is required
 };
 
 /// An amount that may be at most a share of another one, in thousandths.
@@ -21,8 +21,8 @@ struct Anteilsregel {
     std::int32_t promille;
 };
 
-/// How a kind of record ("Satzart") is built, and how its amounts go together. Every kind has the fields of
-/// `kopffelder` besides its own.
+/// The structure of a kind of record ("Satzart"), and the rules between its amounts. Every kind also has the fields of
+/// `kopffelder`.
 ///
 /// Ownership: views of tables that live as long as the plugin's library is open.
 struct Satzaufbau {
@@ -36,7 +36,7 @@ constexpr char kIdNr[] = "IdNr";
 constexpr char kBeginn[] = "Beginn";
 constexpr char kEnde[] = "Ende";
 
-/// Who, since when, until when: in every record.
+/// Person, beginning and end: in every record.
 std::span<const Feldregel> kopffelder();
 
 /// The own fields of a wage-tax certificate.

@@ -105,7 +105,7 @@ void Satzpruefer::pruefeSatzart(const Datensatz& satz) {
 
 void Satzpruefer::pruefeInhalt(const Feldregel& regel, std::string_view wert) {
     if (wert.empty())
-        return; // told already, where the field must be there
+        return; // reported already, where the field is required
     switch (regel.art) {
     case Feldart::TEXT:
         return;

@@ -11,14 +11,15 @@
 
 namespace pruefung {
 
-/// Checks one record: that it is one, that it has the fields of its kind, what stands in each, and how they go
-/// together. Everything found is reported, in this order and within a step in the order of the rules; one fault
-/// is told once: a field that is missing or unreadable takes no part in what follows.
+/// Checks one record: its form, that it has the fields of its kind, their contents, and the rules between them. All
+/// findings are reported, in this order and within a step in the order of the rules. One fault is reported once: a
+/// missing or unreadable field is left out of the later steps.
 ///
 /// Errors: none for any text. Encoding: record and messages are Latin-1.
 class Satzpruefer {
 public:
-    /// Parameters: `zeitspanne` holds the dates, none for any. `vorspann` begins each message: which record it is.
+    /// Parameters: `zeitspanne` limits the dates; none for no limit. `vorspann` begins each message and names the
+    /// record.
     Satzpruefer(const Satzaufbau& aufbau, const std::optional<steuer::Zeitspanne>& zeitspanne,
                 std::string vorspann, PruefErgebnis& ergebnis)
         : aufbau_(aufbau), zeitspanne_(zeitspanne), vorspann_(std::move(vorspann)), ergebnis_(ergebnis) {}

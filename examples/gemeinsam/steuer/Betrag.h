@@ -5,7 +5,7 @@
 
 namespace steuer {
 
-/// What is wrong with an amount of money ("Betrag").
+/// Errors of an amount of money ("Betrag").
 enum class BetragFehler : std::uint8_t {
     KEINER,
     FORM,    ///< not of the form 1234 or 1234,56
@@ -13,7 +13,7 @@ enum class BetragFehler : std::uint8_t {
     ZU_GROSS ///< more than `kHoechsterBetrag`
 };
 
-/// The largest amount taken, in cents. A thousand times of it still fits, so that shares can be compared.
+/// The largest amount accepted, in cents. A thousand times this amount still fits, so that shares can be compared.
 constexpr std::int64_t kHoechsterBetrag = 99'999'999'999'999;
 
 struct GelesenerBetrag {

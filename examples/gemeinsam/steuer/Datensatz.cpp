@@ -17,7 +17,7 @@ bool istName(std::string_view text) noexcept {
            std::all_of(text.begin(), text.end(), istNamenszeichen);
 }
 
-/// A character of Latin-1 that has no picture.
+/// A control character of Latin-1.
 bool istSteuerzeichen(char c) noexcept {
     const auto zeichen = static_cast<unsigned char>(c);
     return zeichen < 0x20 || (zeichen >= 0x7F && zeichen < 0xA0);
@@ -30,7 +30,7 @@ std::string_view ohneRandblanks(std::string_view text) noexcept {
     return text.substr(erstes, text.find_last_not_of(' ') - erstes + 1);
 }
 
-/// Takes the next line off the text, without its end ("\n" or "\r\n").
+/// Removes and returns the next line, without its end ("\n" or "\r\n").
 std::string_view naechsteZeile(std::string_view& text) noexcept {
     const std::size_t ende = text.find('\n');
     std::string_view zeile = text.substr(0, ende);

@@ -9,11 +9,11 @@
 
 namespace steuer {
 
-/// A record ("Datensatz"): fields in the order in which they stand in the text, one per line as Name=Wert.
+/// A record ("Datensatz"): fields in the order of the text, one per line as Name=Wert.
 ///
-/// Names are ASCII letters, digits and underscores and begin with a letter; values are printable Latin-1 text
-/// without blanks at either end. Empty lines count for nothing. A name may stand there more than once: whoever
-/// checks the record says what is wrong with that.
+/// Names are ASCII letters, digits and underscores and begin with a letter; values are printable Latin-1 text without
+/// blanks at either end. Empty lines are ignored. A name may occur more than once; the check of the record decides
+/// whether that is a fault.
 class Datensatz {
 public:
     struct Feld {
@@ -33,20 +33,20 @@ private:
     std::vector<Feld> felder_;
 };
 
-/// Why a text is no record.
+/// Why a text is not a record.
 struct Lesefehler {
     enum class Art : std::uint8_t {
-        LEER,     ///< not one field
+        LEER,     ///< no fields
         ZU_GROSS, ///< more bytes or fields than a record may have
         ZEILE,    ///< a line that is not of the form Name=Wert
         ZEICHEN   ///< a control character in a value: binary data, or another encoding
     };
 
     Art art = Art::LEER;
-    std::size_t zeile = 0; ///< line at fault, counted from 1; 0 when it is the text as a whole
+    std::size_t zeile = 0; ///< line of the error, counted from 1; 0 for the text as a whole
 };
 
-/// Reads a record. Any bytes will do: what is no record gives the reason, at the first line at fault.
+/// Parses a record from any bytes. Returns: the record, or the first error.
 std::variant<Datensatz, Lesefehler> liesDatensatz(std::string_view text);
 
 } // namespace steuer

@@ -3,7 +3,7 @@
 namespace steuer {
 namespace {
 
-/// The number that the digits from `stelle` on make; nothing when there is another character among them.
+/// The number in the digits from `stelle` on; nothing when there is another character.
 std::optional<int> zahl(std::string_view text, std::size_t stelle, std::size_t laenge) noexcept {
     int wert = 0;
     for (const char c : text.substr(stelle, laenge)) {

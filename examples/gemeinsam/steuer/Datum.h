@@ -12,7 +12,7 @@ using Datum = std::chrono::sys_days;
 /// Returns: nothing for a text of another form, and for a day that does not exist.
 std::optional<Datum> liesDatum(std::string_view text) noexcept;
 
-/// The days from `von` to `bis`, both included; none when they stand the wrong way round.
+/// The days from `von` to `bis`, both included; none when `bis` is before `von`.
 struct Zeitspanne {
     Datum von;
     Datum bis;

@@ -21,7 +21,7 @@ int pruefziffer(std::string_view ziffern) noexcept {
     return (11 - produkt) % 10;
 }
 
-/// Ten digits of which exactly one stands there twice or three times, and each other one once or not at all.
+/// Of ten digits, exactly one occurs twice or three times, and every other at most once.
 bool istWiederholungGueltig(std::string_view ziffern) noexcept {
     std::array<int, 10> anzahl{};
     for (const char ziffer : ziffern)

@@ -5,17 +5,17 @@
 
 namespace steuer {
 
-/// What is wrong with a tax identification number ("Identifikationsnummer"), by the first rule that it breaks.
+/// Errors of a tax identification number ("Identifikationsnummer"): the first rule that it breaks.
 enum class SteuerIdFehler : std::uint8_t {
     KEINER,
     FORM,           ///< not eleven digits, and nothing else
     FUEHRENDE_NULL, ///< the first digit is 0
-    WIEDERHOLUNG,   ///< not exactly one of the first ten digits stands there twice or three times
-    DREI_IN_FOLGE,  ///< one digit stands there three times, side by side
+    WIEDERHOLUNG,   ///< not exactly one of the first ten digits occurs twice or three times
+    DREI_IN_FOLGE,  ///< one digit occurs three times in a row
     PRUEFZIFFER     ///< the eleventh digit is not the check digit of the other ten
 };
 
-/// Checks a number as it stands in a record: no blanks, no separators, any bytes at all.
+/// Checks a number as in a record, without blanks or separators. Accepts any bytes.
 SteuerIdFehler pruefeSteuerId(std::string_view text) noexcept;
 
 } // namespace steuer

@@ -1,4 +1,4 @@
-// Loads the plugin as a client does, checks a good record and a bad one, and sees the library leave the process.
+// Loads the plugin as a client does, checks a good record and a bad one, and verifies that the library is unmapped.
 
 #include <orvoplugin/domain/Konstanten.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>

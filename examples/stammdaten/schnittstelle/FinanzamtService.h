@@ -7,8 +7,7 @@
 
 namespace stammdaten {
 
-/// What the tax-office ("Finanzamt") data of this plugin offers its clients. Client and plugin both include this
-/// header, and nothing else of each other.
+/// The interface of this plugin's tax-office ("Finanzamt") data. Client and plugin share this header only.
 class FinanzamtService : public Service {
 public:
     /// The name of the office with that number of four digits, in Latin-1; empty when there is none.

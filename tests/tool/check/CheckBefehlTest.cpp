@@ -1,6 +1,6 @@
 #include "check/Katalog.h"
 
-#include "../Bestandsaufnahme.h"
+#include "../Heim.h"
 #include "Lauf.h"
 
 #include "TestPlugins.h"
@@ -267,7 +267,7 @@ TEST(CheckBefehl, TextAndJsonOfADirectoryStandAsTheyAre) {
               "laden ausgabe Gr\xFC\xDF"
               "e");
     heim.verzeichnis.schreibe("plugins/libtext.dylib", "no library");
-    // A sanitizer has a way of its own with memory and with crashes.
+    // A sanitizer handles memory and crashes differently.
 #if !defined(__SANITIZE_ADDRESS__)
     const std::vector<std::string> alle{"check", "--skip", "memory"};
     const std::vector<std::string> wenige{"check", "--only", "describes,no-output"};

@@ -1,4 +1,4 @@
-// Plugins whose faults stand in the file or its name, and plugins beside each other.
+// Plugins with faults in the file or its name, and several plugins together.
 
 #include "Lauf.h"
 
@@ -106,7 +106,7 @@ TEST(Dateifaelle, ASymbolThatNobodyHasIsNamed) {
 
 TEST(Dateifaelle, AnotherResultTypeThanBoolIsFound) {
     const Dateilauf lauf = pruefe(test_plugins::ReturnsAnInt);
-    // What the library makes of such a result depends on how it was compiled.
+    // How the library treats such a result depends on how it was compiled.
     EXPECT_THAT(lauf.gruende.at("describes") + lauf.gruende.at("signatures"),
                 HasSubstr("returns 42, which is no bool"));
 }

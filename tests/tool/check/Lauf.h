@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-/// A plugin as the tests want it: a copy of one in a directory of its own, with its orders beside it.
+/// A copy of a test plugin in a temporary directory, with its text file of orders.
 class Pruefplugin {
 public:
     explicit Pruefplugin(const char* quelle, const std::string& auftraege = {},
@@ -22,7 +22,7 @@ private:
     std::string pfad_;
 };
 
-/// What `check --json` said of one file.
+/// The output of `check --json` for one file.
 struct Dateilauf {
     /// Names of the checks that neither passed nor were skipped, with their results.
     std::map<std::string, std::string> auffaellige;

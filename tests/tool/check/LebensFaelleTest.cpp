@@ -1,4 +1,4 @@
-// One plugin that passes every check, and for each check that runs plugin code one that does something else.
+// One plugin that passes every check, and a faulty one for each check that runs plugin code.
 
 #include "check/Katalog.h"
 
@@ -22,7 +22,7 @@ constexpr bool kMitSanitizer = true;
 constexpr bool kMitSanitizer = false;
 #endif
 
-/// A deed of the plugin, the checks that find it, and what the first one says of it.
+/// A fault of the plugin, the checks that find it, and the message of the first one.
 struct Fall {
     const char* name;
     const char* auftrag;
@@ -272,7 +272,7 @@ TEST_P(Faelle, IsFoundByItsCheckAndByNoOther) {
     const Fall& fall = GetParam();
     auto erwartet = fall.auffaellige;
     if (kMitSanitizer)
-        erwartet.erase("memory"); // which cannot be told there
+        erwartet.erase("memory"); // not measured there
     const Pruefplugin plugin(test_plugins::Conforms, fall.auftrag);
     const Dateilauf lauf = pruefe(plugin.pfad(), {"--timeout", kMitSanitizer ? "5" : "2"});
     EXPECT_EQ(lauf.auffaellige, erwartet);

@@ -15,17 +15,17 @@ namespace {
 
 auto heisst(const std::string& name) { return Field(&Bibliothekssymbol::name, name); }
 
-/// A library in order, which a test changes so that it stays one.
+/// A valid library, which a test changes while it stays valid.
 class ElfInhalt : public Test {
 protected:
-    /// What is taken down of the file as it is now.
+    /// The contents of the file as it is now.
     Bibliotheksinhalt gelesen() {
         Bibliotheksinhalt inhalt;
         EXPECT_EQ(lies(inhalt), "");
         return inhalt;
     }
 
-    /// A place among the entries of the dynamic section that no loader needs, with another content.
+    /// An entry of the dynamic section that no loader needs, with other contents.
     void setze(std::int64_t tag, std::uint64_t wert) {
         auto& e = datei_.eintrag(entbehrlicher_);
         e.d_tag = entbehrlicher_ = tag;
@@ -117,7 +117,7 @@ TEST_F(ElfInhalt, TheOlderFormOfSearchPathsCountsWhereTheNewerIsNot) {
     auto& neue = datei_.eintrag(DT_RUNPATH);
     setze(DT_RPATH, symbol("funktion").st_name);
     EXPECT_THAT(gelesen().suchpfade, Contains("/opt/bibliotheken"));
-    neue.d_tag = DT_RELACOUNT; // as good as nothing
+    neue.d_tag = DT_RELACOUNT; // without effect
     neue.d_un.d_val = 0;
     EXPECT_THAT(gelesen().suchpfade, ElementsAre("funktion"));
 }
@@ -152,7 +152,7 @@ TEST_F(ElfInhalt, ATableThatLeadsOutOfTheFileIsNotRead) {
     }
 }
 
-// The names may lie over each other in the file, so that a small one fills the memory of who takes them down.
+// Names may overlap in the file, so that a small file fills the memory of its reader.
 TEST(ElfInhaltNamen, ThatAreTooLongTogetherAreRefused) {
     const Verzeichnis verzeichnis;
     ElfDatei datei(HAS_A_LONG_NAME);

@@ -44,7 +44,7 @@ TEST(Dateischreiber, ReplacesAFileAtOnceAndKeepsItsRights) {
     const Verzeichnis verzeichnis;
     const std::string datei = verzeichnis.schreibe("alt.html", "old");
     chmod(datei.c_str(), 0604);
-    std::ifstream leser(datei); // whoever reads the old one goes on reading it
+    std::ifstream leser(datei); // open readers keep reading the old file
     schreibeDatei(datei, "new");
     EXPECT_EQ(std::string((std::istreambuf_iterator<char>(leser)), {}), "old");
     EXPECT_EQ(inhalt(datei), "new");

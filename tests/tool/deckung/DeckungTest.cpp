@@ -1,6 +1,6 @@
-// orvoplugin coverage: its text and JSON as they stand in golden/, and its exit codes.
+// orvoplugin coverage: its text and JSON against golden/, and its exit codes.
 
-#include "Bestandsaufnahme.h"
+#include "Heim.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>

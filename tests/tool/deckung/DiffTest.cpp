@@ -1,7 +1,7 @@
-// orvoplugin diff: its text and JSON as they stand in golden/, and its exit codes.
+// orvoplugin diff: its text and JSON against golden/, and its exit codes.
 
 #include "Aufruf.h"
-#include "Bestandsaufnahme.h"
+#include "Heim.h"
 
 #include "support/Verzeichnis.h"
 
@@ -208,7 +208,7 @@ TEST_F(Diff, ForeignBytesDoNotReachTheTerminal) {
 }
 namespace {
 
-/// `diff --merge` that hangs for a second while it loads what it has put together, in a directory of ours.
+/// `diff --merge` that hangs for a second while it loads the merged directory, in a temporary directory of the test.
 class Zusammenlegen : public Diff {
 protected:
     Zusammenlegen() {

@@ -1,6 +1,6 @@
 // The page of orvoplugin coverage --html, as a browser shows it.
 
-#include "Bestandsaufnahme.h"
+#include "Heim.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -67,7 +67,7 @@ protected:
         EXPECT_EQ(ergebnis.ausgang, 1) << ergebnis.fehler;
         return seite;
     }
-    /// What the probe found in the browser.
+    /// The results of the probe in the browser.
     Json probe() {
         std::string html = liesDatei(schreibeSeite());
         html.insert(html.rfind("</body>"), "<script>" + liesDatei(ORVO_SEITENPROBE) + "</script>");
@@ -91,7 +91,7 @@ protected:
     const Heim heim_;
 };
 
-/// A text as people see it: what would be a command to a terminal is written out.
+/// A text as displayed: control characters are escaped.
 std::string sichtbar(const std::string& text) {
     return ersetze(ersetze(text, "\x1b", "\\x1b"), "\xC2\x9B", "\\x9b");
 }

@@ -1,5 +1,5 @@
-// Run within the page by SeiteTest: reads the tables as a browser has them, sorts by clicks, walks by keys, filters,
-// and leaves what it found in <pre id="probe">, as an encoded JSON text.
+// Run within the page by SeiteTest: reads the tables as a browser shows them, sorts by clicks, navigates by keys,
+// filters, and stores the results in <pre id="probe"> as an encoded JSON text.
 (() => {
     "use strict";
     const found = {};

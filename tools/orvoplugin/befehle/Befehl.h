@@ -19,11 +19,11 @@ public:
 
     /// Adds the command's own arguments and options; the common ones are added by the program.
     virtual void beschreibe(CLI::App& unterbefehl) = 0;
-    /// Whether --home and --dir say which directory it looks at; its help names them only then.
+    /// Whether it looks at the directory of --home and --dir; only then its help names them.
     virtual bool nimmtVerzeichnisOptionen() const { return true; }
     /// Runs the command: results go to standard output, messages to standard error.
-    /// Errors: `AufrufFehler` for a command line that makes no sense; anything else ends the program with
-    /// `Ausgang::NICHT_LESBAR` and its text.
+    /// Errors: `AufrufFehler` for an invalid command line; anything else ends the program with `Ausgang::NICHT_LESBAR`
+    /// and its text.
     virtual Ausgang fuehreAus(const Optionen& optionen) = 0;
 };
 
@@ -34,8 +34,8 @@ struct BefehlEintrag {
     std::unique_ptr<Befehl> (*mache)();
 };
 
-/// All commands, in the order of the help. A new one is a file in befehle/ (or a folder beside it) and one line in
-/// the table in befehle/Befehle.cpp.
+/// All commands, in the order of the help. To add one, add a file in befehle/ (or a folder beside it) and a line to the
+/// table in befehle/Befehle.cpp.
 const std::vector<BefehlEintrag>& alleBefehle();
 
 } // namespace werkzeug

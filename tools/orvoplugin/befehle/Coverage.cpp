@@ -1,4 +1,4 @@
-// orvoplugin coverage: which plugin serves which sub-case type in which year, and what nobody serves.
+// orvoplugin coverage: which plugin serves which sub-case type in which year, and what is not served.
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
@@ -44,7 +44,7 @@ public:
         gibAus(optionen, dokument, deckungAlsText);
 
         Ausgang ausgang = ausgangVon(bestand);
-        if (wunsch.typ && dokument["types"].empty()) // it was asked for, and is not found
+        if (wunsch.typ && dokument["types"].empty()) // the requested kind was not found
             ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
         if (!dokument["required"].is_null() && dokument["required"]["missing"] != 0)
             ausgang = schwerster(ausgang, Ausgang::DECKUNG_FEHLT);

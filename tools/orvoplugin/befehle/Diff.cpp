@@ -25,7 +25,7 @@ Bestand sammleIn(const std::string& verzeichnis, Optionen optionen) {
     return sammle(optionen, auftrag);
 }
 
-/// Puts the paths of the files' origins in place of those of the temporary directory.
+/// Replaces paths in the temporary directory by the paths of the originals.
 void stelleHerkunftHer(Json& dokument, const Zusammenlegung& zusammenlegung) {
     for (Json& eintrag : dokument["files"]) {
         Json& nachher = eintrag["after"];
@@ -71,7 +71,7 @@ public:
         zusammenlegung.reset();
         gibAus(optionen, dokument, vergleichAlsText);
 
-        // What is refused on both sides is no difference.
+        // A file refused on both sides is no difference.
         Ausgang ausgang = dokument["totals"]["findings"] == 0 ? Ausgang::GUT : Ausgang::BEFUNDE;
         for (const Bestand* const seite : {&vorher, &nachher})
             if (const Ausgang umstaende = ausgangVon(*seite); umstaende != Ausgang::BEFUNDE)

@@ -1,4 +1,4 @@
-// orvoplugin find TYPE [SUB-CASE-TYPE [PERIOD]]: who answers.
+// orvoplugin find TYPE [SUB-CASE-TYPE [PERIOD]]: which extension answers.
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
@@ -84,7 +84,7 @@ public:
         dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);
 
-        // Files that were refused are no findings here, but without those that crashed the answer may be another.
+        // Refused files are no findings here, but the answer may be incomplete without files that crashed.
         const Ausgang umstaende = ausgangVon(bestand);
         const Ausgang ausgang = gefunden ? Ausgang::GUT : Ausgang::BEFUNDE;
         return umstaende == Ausgang::BEFUNDE ? ausgang : schwerster(ausgang, umstaende);

@@ -1,4 +1,4 @@
-// orvoplugin list: every file below the plugin directory, and what became of it.
+// orvoplugin list: every file below the plugin directory, and its state.
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
@@ -12,14 +12,14 @@ namespace werkzeug {
 
 namespace {
 
-/// How many keys each extension's plugin holds, and how many it wanted and does not hold.
+/// How many keys each plugin holds, and how many it offered and does not hold.
 struct Schluesselzahl {
     std::size_t gehalten = 0;
     std::size_t verloren = 0;
 };
 
 std::map<std::uint32_t, Schluesselzahl> zaehleSchluessel(const Bestand& bestand) {
-    std::map<std::uint32_t, Schluesselzahl> zahlen; // by the file's place
+    std::map<std::uint32_t, Schluesselzahl> zahlen; // by the file's index
     for (const SchluesselFakt& schluessel : bestand.schluessel) {
         ++zahlen[schluessel.inhaber.datei].gehalten;
         for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {

@@ -1,4 +1,4 @@
-// orvoplugin show FILE: one plugin whole.
+// orvoplugin show FILE: everything about one plugin.
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
@@ -239,7 +239,7 @@ public:
     Ausgang fuehreAus(const Optionen& optionen) override {
         Auftrag auftrag;
         auftrag.einzeln = pfadDerDatei(optionen);
-        if (auftrag.einzeln.empty()) // its row says why it is not loaded
+        if (auftrag.einzeln.empty()) // its row says why it was not loaded
             return zeige(optionen, bestand_, bestand_.dateien.at(platz_));
         auftrag.exporteVon = auftrag.einzeln;
         const Bestand bestand = sammle(optionen, auftrag);

@@ -1,4 +1,4 @@
-// orvoplugin why: the chain of decisions about a file, or about a look-up.
+// orvoplugin why: the chain of decisions about a file or a look-up.
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
@@ -22,7 +22,7 @@ namespace werkzeug {
 
 namespace {
 
-/// The chain: steps that went well, and the one that did not, if any.
+/// The chain: the steps that succeeded, and the one that failed, if any.
 class Kette {
 public:
     void ja(const char* schritt, const std::string& text) { nimmAuf(schritt, true, text); }
@@ -42,11 +42,11 @@ Json schluss(const char* code, const std::string& text, const std::string& rat) 
 
 // --- Why a file ---
 
-/// The steps of loading, in their order, with what each means when it went well.
+/// The steps of loading, in their order, with the meaning of success.
 struct Ladestufe {
     const char* name;
     const char* gelungen;
-    Grund gruende[2]; ///< with which a file ends there
+    Grund gruende[2]; ///< for ending there
 };
 constexpr Ladestufe kLadestufen[] = {
     {"walk", "the walk through the plugin directory comes by it", {Grund::KEINER, Grund::KEINER}},
@@ -67,12 +67,12 @@ constexpr Ladestufe kLadestufen[] = {
     {"register", "its extensions are filed in the registry", {Grund::BEOBACHTER, Grund::KEINER}},
 };
 
-/// The text of a reason: what the library says, or what the reason means.
+/// The text of a reason: the library's message, or the meaning of the code.
 std::string text(const DateiFakt& datei) {
     return datei.meldung.empty() ? std::string(erklaerung(datei.grund)) : einzeilig(datei.meldung);
 }
 
-/// Returns: whether the file came to its end as a loaded plugin.
+/// Returns: whether the file was loaded.
 bool verfolge(Kette& kette, const DateiFakt& datei) {
     const bool imWeg = std::string_view(stufe(datei.grund)) == "walk";
     const bool imProzess = std::string_view(stufe(datei.grund)) == "process";
@@ -85,7 +85,7 @@ bool verfolge(Kette& kette, const DateiFakt& datei) {
             kette.nein(s.name, text(datei));
             return false;
         }
-        if (imProzess && std::string_view(s.name) == "open") { // from there on its own code may run
+        if (imProzess && std::string_view(s.name) == "open") { // from here on its code may run
             kette.nein("process", text(datei));
             return false;
         }
@@ -179,7 +179,7 @@ std::string aufgezaehlt(const std::set<std::string>& texte) {
     return liste;
 }
 
-/// The files that might have answered, had they been loaded.
+/// Files that were not loaded and might have answered.
 Json nichtGeladene(const Bestand& bestand) {
     Json liste = Json::array();
     for (const DateiFakt& datei : bestand.dateien)
@@ -188,7 +188,7 @@ Json nichtGeladene(const Bestand& bestand) {
     return liste;
 }
 
-/// All kinds that anything is served of.
+/// All kinds that have an entry.
 std::set<std::string> bedienteArten(const Bestand& bestand) {
     std::set<std::string> arten;
     for (const SchluesselFakt& schluessel : bestand.schluessel)
@@ -406,7 +406,7 @@ private:
         dokument["file"] = nullptr;
         dokument["keys_held"] = nullptr;
         dokument["keys_lost"] = nullptr;
-        // Beside an answer only those that crashed count: a refused file is not there in a client either.
+        // For an answer only crashed files count: a client does not have the refused ones either.
         dokument["not_loaded"] = gefunden ? abgestuerzteAlsJson(bestand) : std::move(geladene);
         dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);

@@ -6,20 +6,20 @@
 
 namespace werkzeug::check {
 
-/// What became of one check of one file.
+/// The result of one check of one file.
 enum class Urteil {
     BESTANDEN,
     DURCHGEFALLEN,
     WARNUNG,       ///< works, but not as it should
-    UEBERSPRUNGEN, ///< could not be made, or makes no sense here
-    ABGESTUERZT,   ///< the plugin's code ended the process that it ran in
-    ZU_LANGSAM,    ///< the plugin's code did not come back in time
+    UEBERSPRUNGEN, ///< could not be run, or does not apply
+    ABGESTUERZT,   ///< plugin code ended the process
+    ZU_LANGSAM,    ///< plugin code exceeded the time limit
 };
 
 /// The result's name for people ("timed out") and for programs ("timed_out").
 const char* urteilName(Urteil urteil);
 const char* urteilKennung(Urteil urteil);
-/// Whether a check that builds on this result makes no sense any more.
+/// Whether checks that depend on this result must be skipped.
 bool istHindernis(Urteil urteil);
 
 /// Result and reason; the reason is UTF-8, one line, and empty for a check that passed.
@@ -33,7 +33,7 @@ inline Befund durchgefallen(std::string text) { return {Urteil::DURCHGEFALLEN, s
 inline Befund warnung(std::string text) { return {Urteil::WARNUNG, std::move(text)}; }
 inline Befund uebersprungen(std::string text) { return {Urteil::UEBERSPRUNGEN, std::move(text)}; }
 
-/// Gathers what one check finds at several places.
+/// Collects the findings of one check.
 class Fundliste {
 public:
     void fehler(std::string text) { nimm(fehler_, std::move(text)); }

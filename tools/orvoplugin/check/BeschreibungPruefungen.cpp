@@ -1,7 +1,7 @@
-// Checks of what a plugin says of itself.
+// Checks of the description that a plugin gives of itself.
 
-#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
+#include "check/Pluginnutzung.h"
 #include "check/Registratur.h"
 #include "check/Text.h"
 #include "check/Vorschlag.h"
@@ -24,7 +24,7 @@ namespace werkzeug::check {
 
 namespace {
 
-/// The library, open, and an entry point in it. Errors: `Ladefehler`.
+/// An open library and one of its entry points. Errors: `Ladefehler`.
 template <class Funktion>
 class Einsprung {
 public:
@@ -54,7 +54,7 @@ std::string liste(const std::list<orvo_plugin_version_t>& typen) {
     return text;
 }
 
-/// Appends to a list that is not empty: what stands in it must stay, in front.
+/// Calls the entry point with a list that has an entry already, which must stay in front.
 void pruefeAnhaengen(const std::string& pfad, Fundliste& funde) {
     constexpr std::int32_t kMarke = 4711;
     const Einsprung<GetTypes> getTypes(pfad, kGetTypes);
@@ -64,7 +64,7 @@ void pruefeAnhaengen(const std::string& pfad, Fundliste& funde) {
         funde.fehler("orvo_plugin_get_types does not append to the list: what stood in it is gone or moved");
 }
 
-/// What orvo_plugin_initialize returns, as it comes. Returns: nothing when it throws.
+/// The raw return value of orvo_plugin_initialize. Returns: nothing when it throws.
 std::optional<unsigned char> rufeInitialize(const std::string& pfad) {
     using WieEsKommt = unsigned char (*)(OrvoPluginV1*);
     const Einsprung<WieEsKommt> initialize(pfad, kInitialize);
@@ -72,19 +72,19 @@ std::optional<unsigned char> rufeInitialize(const std::string& pfad) {
     try {
         const volatile unsigned char ergebnis = initialize(&plugin);
         return ergebnis;
-    } catch (...) { // what it throws is told by the library
+    } catch (...) { // the library reports the exception
         return std::nullopt;
     }
 }
 
-/// A function with another result leaves something else than 0 or 1 where a bool is looked for.
+/// A function with another return type leaves a value other than 0 or 1 where a bool is read.
 void pruefeErgebnis(std::optional<unsigned char> ergebnis, Fundliste& funde) {
     if (ergebnis > 1)
         funde.fehler("orvo_plugin_initialize returns " + std::to_string(*ergebnis) +
                      ", which is no bool: does it return another type?");
 }
 
-/// Says whose reason follows: that of an exception may be but a word.
+/// Introduces the reason: the text of an exception alone may be a single word.
 std::string wieBeendet(std::optional<unsigned char> ergebnis) {
     if (!ergebnis)
         return "orvo_plugin_initialize throws: ";
@@ -127,7 +127,7 @@ void pruefeHook(const char* was, const std::string& name, const Pruefling& p, Fu
 } // namespace
 
 Befund pruefeTypen(const Pruefling& p) {
-    std::list<orvo_plugin_version_t> typen; // its nodes are made in the plugin, but freed here
+    std::list<orvo_plugin_version_t> typen; // the plugin allocates its nodes, and they are freed here
     const Einsprung<GetTypes> getTypes(p.pfad, kGetTypes);
     try {
         getTypes(&typen);
@@ -153,7 +153,7 @@ Befund pruefeBeschreibung(const Pruefling& p) {
             return durchgefallen(fehler.what());
         const std::optional<unsigned char> ergebnis = rufeInitialize(p.pfad);
         funde.fehler(wieBeendet(ergebnis) + fehler.what());
-        pruefeErgebnis(ergebnis, funde); // may be what is behind it
+        pruefeErgebnis(ergebnis, funde); // may be the cause
     }
     return funde.befund();
 }

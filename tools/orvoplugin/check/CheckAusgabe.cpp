@@ -123,7 +123,7 @@ Json ergebnisdokument(const std::vector<Dateiergebnis>& ergebnisse) {
 std::string ergebnistext(const Json& dokument, const Farben& farben) {
     std::string text;
     for (const Json& datei : dokument.at("files"))
-        if (datei.at("error").is_null()) { // the others are messages
+        if (datei.at("error").is_null()) { // else it is an error message
             text += text.empty() ? "" : "\n";
             text += textVon(datei, farben);
         }

@@ -18,8 +18,7 @@ Ausgang ausgangVon(const std::vector<Dateiergebnis>& ergebnisse);
 Json ergebnisdokument(const std::vector<Dateiergebnis>& ergebnisse);
 std::string ergebnistext(const Json& dokument, const Farben& farben);
 
-/// What has to be looked at, a line each, for standard error: files that cannot be read, and with `auchBefunde`
-/// checks that did not pass.
+/// The lines for standard error: files that cannot be read and, with `auchBefunde`, checks that did not pass.
 void schreibeMeldungen(std::ostream& out, const std::vector<Dateiergebnis>& ergebnisse, bool auchBefunde);
 
 /// The catalogue.

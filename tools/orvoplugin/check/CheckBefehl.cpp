@@ -46,7 +46,7 @@ public:
         if (liste_)
             return zeigeListe(auswahl, optionen);
         const std::vector<std::string> dateien = alleDateien(optionen);
-        Einstellungen().setze("basis.resident_plugins", optionen.resident); // here, and so in each child
+        Einstellungen().setze("basis.resident_plugins", optionen.resident); // child processes inherit it
         std::vector<Dateiergebnis> ergebnisse = pruefeAlle(dateien, auswahl, optionen);
         if (streng_)
             verschaerfe(ergebnisse);
@@ -68,7 +68,7 @@ private:
         return Ausgang::GUT;
     }
 
-    /// The files that were named and those of the plugin directory, if one was; each once.
+    /// The named files and those of the plugin directory, if given; each once.
     std::vector<std::string> alleDateien(const Optionen& optionen) const {
         std::vector<std::string> dateien = dateien_;
         if (!optionen.dir.empty() || !optionen.home.empty())

@@ -3,7 +3,7 @@
 namespace werkzeug::check {
 
 const std::vector<Pruefung>& katalog() {
-    // The check of the format stands first, and all others build on it without saying so.
+    // The format check comes first; all others depend on it implicitly.
     static const std::vector<Pruefung> pruefungen{
         {"file-format",
          "The file is a whole shared library for this machine and for this release of the libraries.",

@@ -10,32 +10,32 @@
 
 namespace werkzeug::check {
 
-/// What a check gets to see: one file, and those that were given along with it and can be loaded.
+/// The input of a check: one file, and the other given files that can be loaded.
 struct Pruefling {
     std::string pfad;
     Bibliotheksbild bild;
     std::vector<std::string> andere;
-    std::chrono::duration<double> zeitlimit; ///< for code of the plugin
+    std::chrono::duration<double> zeitlimit; ///< for plugin code
 };
 
-/// Where a check is made.
+/// Where a check runs.
 enum class Ort {
-    DATEI,      ///< here: it reads the file and runs none of its code
-    KIND,       ///< in a child process of its own
-    KIND_REIHE, ///< the same, when all files have been through the others: it looks at them together
+    DATEI,      ///< in this process: it only reads the file
+    KIND,       ///< in a child process
+    KIND_REIHE, ///< the same, after all other checks of all files: it looks at them together
 };
 
 /// One check of the catalogue.
 struct Pruefung {
     const char* name; ///< stable: scripts name it
-    const char* satz; ///< what it says of a plugin that passes
-    /// Checks before it in the catalogue that it makes no sense without. They only count when they are made too.
+    const char* satz; ///< what holds for a plugin that passes
+    /// Earlier checks in the catalogue that it depends on. They count only when they are run too.
     std::vector<std::string_view> bautAuf;
     Ort ort;
     Befund (*pruefe)(const Pruefling&);
 };
 
-/// All checks, in the order in which they are made.
+/// All checks, in the order in which they run.
 const std::vector<Pruefung>& katalog();
 
 // The checks themselves, by source.

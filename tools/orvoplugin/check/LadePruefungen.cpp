@@ -1,7 +1,7 @@
 // Checks of whether and how the library can be opened.
 
-#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
+#include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
@@ -24,18 +24,18 @@ namespace werkzeug::check {
 
 namespace {
 
-/// What the loader says to opening the file.
+/// The loader's result for opening the file.
 struct Oeffnung {
     bool gelungen = false;
     std::string grund;                 ///< why not
-    std::vector<std::string> fehlende; ///< the symbols that nobody has, as far as can be found out
+    std::vector<std::string> fehlende; ///< the undefined symbols, as far as they can be determined
 };
 
 bool istGrundEinSymbol(const std::string& grund) {
     return grund.find("undefined symbol") != std::string::npos;
 }
 
-/// All symbols that are missing, where only functions are: then the library opens as long as nobody calls them.
+/// All missing symbols, when only functions are missing: the library then opens with lazy binding.
 std::vector<std::string> fehlendeFunktionen(const Pruefling& p) {
     std::vector<std::string> fehlende;
     const std::string name = p.pfad.find('/') == std::string::npos ? "./" + p.pfad : p.pfad;
@@ -49,8 +49,8 @@ std::vector<std::string> fehlendeFunktionen(const Pruefling& p) {
     return fehlende; // left open: the process ends here
 }
 
-/// Opens the library in a process of its own: its start-up code may crash or hang, and that is another check's affair.
-/// Returns: nothing when it did. Everything that the library needs was there then: that code runs last.
+/// Opens the library in a child process: its start-up code may crash or hang, which another check reports.
+/// Returns: nothing in that case. Everything that the library needs was found then, because start-up code runs last.
 std::optional<Oeffnung> oeffneImKind(const Pruefling& p) {
     std::optional<Oeffnung> oeffnung;
     laufeImKind(
@@ -68,11 +68,11 @@ std::optional<Oeffnung> oeffneImKind(const Pruefling& p) {
             else
                 oeffnung = Oeffnung{satz.empty(), std::string(satz), {}};
         },
-        p.zeitlimit / 2); // so that this check itself comes to an end
+        p.zeitlimit / 2); // leaves time for this check itself
     return oeffnung;
 }
 
-/// The symbol's name in the loader's text.
+/// The symbol's name in the loader's message.
 std::string symbolAus(const std::string& grund) {
     constexpr std::string_view kVor = "undefined symbol: ";
     const std::size_t stelle = grund.find(kVor);
@@ -80,7 +80,7 @@ std::string symbolAus(const std::string& grund) {
     return rest.substr(0, rest.find_first_of(", \t\n"));
 }
 
-/// A directory of its own, gone at the end.
+/// A temporary directory, removed at the end.
 class Arbeitsverzeichnis {
 public:
     Arbeitsverzeichnis() {
@@ -101,7 +101,7 @@ private:
     std::string pfad_;
 };
 
-/// What the plugin manager thinks of a file's name.
+/// How the plugin manager treats a file name.
 struct Namensurteil : LadeBeobachter {
     bool istGefunden = false;
     Dateiart art = UEBERGANGEN;
@@ -116,7 +116,7 @@ struct Namensurteil : LadeBeobachter {
     bool ladeDatei(const std::string&) noexcept override { return false; }
 };
 
-/// Has the manager walk a directory with an empty file of that name.
+/// Makes the manager walk a directory with an empty file of that name.
 Namensurteil urteilUeber(const std::string& name) {
     const Arbeitsverzeichnis verzeichnis;
     std::ofstream(getFullFilename(verzeichnis.pfad(), name)).put('\n');

@@ -1,7 +1,7 @@
-// Checks of a plugin at work: services, hooks, closing.
+// Checks of a plugin in use: services, hooks, closing.
 
-#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
+#include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
 
@@ -37,7 +37,7 @@ std::string factoryVon(const OrvoServiceErweiterung& erweiterung) {
     return zitiert(erweiterung.getServiceFactoryName());
 }
 
-/// Why an extension gave no service: asks its factory itself.
+/// Why an extension gave no service; calls its factory directly.
 std::string warumKeinService(const OrvoPluginV1& plugin, const OrvoServiceErweiterung& erweiterung) {
     SharedLib bibliothek(plugin.getSharedLib()->getName(), true);
     const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(erweiterung.getServiceFactoryName()));
@@ -50,7 +50,7 @@ std::string warumKeinService(const OrvoPluginV1& plugin, const OrvoServiceErweit
     }
 }
 
-/// Gets a service twice at once and once more after that.
+/// Gets two services at the same time, and another one after these.
 void pruefeService(const OrvoPluginV1& plugin, OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
     for (const char* const wann : {"", ", while another is out", ", while others are out"}) {
         if (holeVomRichtigenTyp(erweiterung))
@@ -84,7 +84,7 @@ void pruefeBesitz(OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
     gibAllesZurueck(erweiterung);
 }
 
-/// Runs a function of the plugin and finds what it throws. The exception is gone on return.
+/// Calls a function of the plugin and reports an exception, which is gone on return.
 void haelt(const std::string& was, Fundliste& funde, const std::function<void()>& ruf) {
     try {
         ruf();
@@ -109,7 +109,7 @@ void rufeFactory(SharedLib& bibliothek, const OrvoServiceErweiterung& erweiterun
     });
 }
 
-/// The libraries in the process, by name.
+/// The libraries mapped into the process, by name.
 std::set<std::string> bibliotheken() {
     std::set<std::string> namen;
 #ifdef __linux__
@@ -123,7 +123,7 @@ std::set<std::string> bibliotheken() {
     return namen;
 }
 
-/// Finds the plugin's library, and what it brought along, still in the process.
+/// Reports the plugin's library, and libraries that it loaded, that are still mapped.
 void pruefeWegsein(const Pruefling& p, const std::set<std::string>& vorher, const std::string& wann,
                    Fundliste& funde) {
     if (istImProzess(p.pfad)) {
@@ -136,7 +136,7 @@ void pruefeWegsein(const Pruefling& p, const std::set<std::string>& vorher, cons
                           wann);
 }
 
-/// Bytes that are allocated; 0 where that cannot be told.
+/// Allocated bytes; 0 where the system does not tell.
 std::size_t belegt() {
 #ifdef __GLIBC__
     return mallinfo2().uordblks;
@@ -145,7 +145,7 @@ std::size_t belegt() {
 #endif
 }
 
-/// How many bytes a use of the plugin keeps, on average over some; fewer of a plugin that is slow.
+/// How many bytes a use of the plugin leaks, on average over several uses; over fewer for a slow plugin.
 std::size_t verlustJeNutzung(const OrvoPluginV1& plugin, std::chrono::duration<double> zeit) {
     constexpr std::size_t kRunden = 10;
     const auto ende = std::chrono::steady_clock::now() + zeit;
@@ -219,7 +219,7 @@ Befund pruefeSpeicher(const Pruefling& p) {
         benutze(*plugin);
     if (belegt() == 0)
         return uebersprungen("the memory in use cannot be told here");
-    // What is taken once, by the system's loader for instance, is taken in one section; a loss is one in each.
+    // A one-time allocation, by the system's loader for instance, falls into one section; a leak shows in each.
     std::size_t verlust = std::numeric_limits<std::size_t>::max();
     for (int i = 0; i < kAbschnitte; ++i)
         verlust = std::min(verlust, verlustJeNutzung(*plugin, p.zeitlimit / 4 / kAbschnitte));

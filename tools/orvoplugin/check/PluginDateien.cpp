@@ -26,7 +26,7 @@ bool istLesbar(const std::string& verzeichnis) {
     return offen != nullptr;
 }
 
-/// Sends the path of each plugin file and of each directory that cannot be read, and has no plugin loaded.
+/// Sends the path of each plugin file and of each directory that cannot be read, and refuses to load any plugin.
 class Suche : public LadeBeobachter {
 public:
     explicit Suche(const Sender& sende) : sende_(sende) { OrvoPluginManager::setLadeBeobachter(this); }
@@ -58,7 +58,7 @@ std::vector<std::string> pluginDateien(const Optionen& optionen) {
     std::vector<std::string> dateien;
     constexpr std::chrono::hours kBeliebigLange{24}; // no plugin code runs
     laufeImKind(
-        [&](const Sender& sende) { // whose manager and settings are gone with it
+        [&](const Sender& sende) { // its manager and settings end with it
             beginneOhnePlugins();
             OrvoPluginManager manager(nullptr);
             const Suche suche(sende);

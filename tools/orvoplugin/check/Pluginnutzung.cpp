@@ -83,7 +83,7 @@ std::string laufendeAusnahme() {
 }
 
 std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad) {
-    OrvoPluginLoader loader; // keeps the library open until the exception has been looked at
+    OrvoPluginLoader loader; // keeps the library open while the exception is handled
     std::unique_ptr<OrvoPlugin> plugin;
     try {
         plugin.reset(loader.loadPlugin(new SharedLib(pfad, false)));

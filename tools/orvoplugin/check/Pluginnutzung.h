@@ -1,6 +1,6 @@
 #pragma once
 
-// What the checks in child processes do with a plugin. All of it runs the plugin's code.
+// How the checks in child processes load, use and describe a plugin. Everything here runs plugin code.
 
 #include "check/Befund.h"
 
@@ -16,13 +16,13 @@ class Service;
 
 namespace werkzeug::check {
 
-/// The library refuses a plugin; the text, UTF-8, says why. A check that this leaves has failed.
+/// The library refuses a plugin; the text, UTF-8, gives the reason. A check that does not catch it has failed.
 class Ladefehler : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The text of an exception that is being handled, whatever it is; null texts and foreign classes included.
+/// The text of the exception being handled, of any class and also without a text.
 std::string laufendeAusnahme();
 
 /// Loads a plugin as the manager does. Errors: `Ladefehler`.
@@ -31,30 +31,30 @@ std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad);
 /// The plugin's extensions that hand out services, in their order.
 std::vector<OrvoServiceErweiterung*> serviceErweiterungen(const OrvoPluginV1& plugin);
 
-/// Gets a service of the interface that the extension declares. Returns: null when there is none of it; an object of
-/// another interface is then among the extension's instances.
+/// Gets a service of the interface that the extension declares. Returns: null when the factory gave none of that
+/// interface; an object of another interface is then among the extension's instances.
 Service* holeVomRichtigenTyp(OrvoServiceErweiterung& erweiterung);
 
-/// Gives back everything that an extension has out.
+/// Releases all services of an extension.
 void gibAllesZurueck(OrvoServiceErweiterung& erweiterung);
 
-/// Gets a service of each extension and gives it back.
+/// Gets a service of each extension and releases it.
 void benutze(const OrvoPluginV1& plugin);
 
-/// The whole life of a plugin: loaded, described, each of its services got and given back, its hooks called, closed.
+/// Loads a plugin, gets and releases each of its services, and unloads it.
 void ladeUndBenutze(const std::string& pfad);
 
-/// All that a plugin says of itself, a line each, for people.
+/// The whole description of a plugin, as text lines.
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin);
 
-/// Adds the first line in which two descriptions differ.
+/// Reports the first line in which two descriptions differ.
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                               const std::string& wann, Fundliste& funde);
 
-/// Whether the library of that file is in the process.
+/// Whether the library of that file is mapped into the process.
 bool istImProzess(const std::string& pfad);
 
-/// Points the settings at a home directory without plugins, so that the process's manager and registry begin empty.
+/// Sets a home directory without plugins, so that the process's manager and registry start empty.
 void beginneOhnePlugins();
 
 } // namespace werkzeug::check

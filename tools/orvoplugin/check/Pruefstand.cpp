@@ -40,7 +40,7 @@ const Pruefung* verlange(const std::string& name) {
                        "? 'orvoplugin check --list' names all");
 }
 
-/// Why a file cannot be read; empty when it can. What is not a regular file is not opened: that may wait for ever.
+/// Why a file cannot be read; empty when it can. Only regular files are opened, because others may block.
 std::string warumUnlesbar(const std::string& pfad) {
     struct stat zustand {};
     if (stat(pfad.c_str(), &zustand) != 0 || access(pfad.c_str(), R_OK) != 0)
@@ -50,10 +50,10 @@ std::string warumUnlesbar(const std::string& pfad) {
     return S_ISREG(zustand.st_mode) ? std::string() : "it is no regular file";
 }
 
-/// The path in a form that stays right when a plugin leaves the working directory.
+/// The path in a form that stays valid when a plugin changes the working directory.
 std::string voll(const std::string& pfad) { return std::filesystem::absolute(pfad).string(); }
 
-/// Makes a check here. An exception of ours is a result like any other.
+/// Runs a check in this process. An exception of the tool becomes a result.
 Befund mache(const Pruefung& pruefung, const Pruefling& pruefling) {
     try {
         return pruefung.pruefe(pruefling);
@@ -64,7 +64,7 @@ Befund mache(const Pruefung& pruefung, const Pruefling& pruefling) {
     }
 }
 
-/// The last line that says something.
+/// The last line that is not blank.
 std::string letzteZeile(std::string_view ausgabe) {
     const std::size_t ende = ausgabe.find_last_not_of(" \n\t\r");
     if (ende == std::string_view::npos)
@@ -95,7 +95,7 @@ Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const s
             ende.text() + (letztes.empty() ? "" : ": " + letztes)};
 }
 
-/// The checks of one file on their way.
+/// The checks of one file, in progress.
 class Dateilauf {
 public:
     Dateilauf(const Pruefauftrag& auftrag, const std::string& pfad)
@@ -109,7 +109,7 @@ public:
                 ergebnis_.ergebnisse.push_back({pruefung, befundVon(*pruefung)});
     }
 
-    /// Whether others can be loaded beside this one without harm, as far as was found out.
+    /// Whether, as far as is known, other files can be loaded together with this one.
     bool istVertraeglich() const {
         return std::none_of(
             ergebnis_.ergebnisse.begin(), ergebnis_.ergebnisse.end(), [](const Pruefergebnis& e) {
@@ -135,7 +135,7 @@ private:
                                           : macheImKind(pruefung, pruefling_, auftrag_.log);
     }
 
-    /// The check that this one builds on, directly or not, and that did not come out well.
+    /// The check that did not pass and that this one depends on, directly or not.
     const Pruefergebnis* hindernisFuer(const Pruefung& pruefung) const {
         if (const Pruefergebnis* const format = ergebnisVon(katalog().front().name);
             format && istHindernis(format->befund.urteil))
@@ -182,8 +182,7 @@ std::vector<const Pruefung*> waehle(const std::vector<std::string>& nur,
 
 std::vector<Dateiergebnis> pruefe(const Pruefauftrag& auftrag) {
     std::vector<Dateiergebnis> ergebnisse;
-    std::vector<std::pair<std::size_t, Dateilauf>>
-        laeufe; // of the files that can be read, and where they stand
+    std::vector<std::pair<std::size_t, Dateilauf>> laeufe; // of the readable files, with their positions
     for (const std::string& pfad : auftrag.dateien) {
         ergebnisse.push_back({pfad, warumUnlesbar(pfad), {}});
         if (!ergebnisse.back().unlesbar.empty())

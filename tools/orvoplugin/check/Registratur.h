@@ -11,15 +11,15 @@ class OrvoPluginV1;
 
 namespace werkzeug::check {
 
-/// One pair that an extension serves, and who answers for it.
+/// A pair that an extension serves, and the extension that answers for it.
 struct Zuordnung {
     const OrvoErweiterung* erweiterung = nullptr;
-    const OrvoErweiterung* antwort = nullptr; ///< null when nobody does
+    const OrvoErweiterung* antwort = nullptr; ///< null when none does
     std::string text;                         ///< the pair, for people
 };
 
-/// The process's plugin manager and registry, without the plugins of any directory. For a child process: they are there
-/// but once.
+/// The process's plugin manager and registry, started without plugins. For a child process, because each exists only
+/// once.
 class Registratur {
 public:
     Registratur();
@@ -27,7 +27,7 @@ public:
     /// Returns: the plugin, owned by the manager; null when the manager refuses it.
     const OrvoPluginV1* lade(const std::string& pfad);
 
-    /// Asks the registry for every pair that the plugin's extensions serve.
+    /// Looks up every pair that the plugin's extensions serve.
     void besuche(const OrvoPluginV1& plugin, const std::function<void(const Zuordnung&)>& besucher) const;
 
 private:

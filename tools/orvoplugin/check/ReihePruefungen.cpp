@@ -1,7 +1,7 @@
-// Checks of a plugin beside the others that were given.
+// Checks of a plugin together with the other given ones.
 
-#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
+#include "check/Pluginnutzung.h"
 #include "check/Registratur.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
@@ -18,12 +18,12 @@ namespace werkzeug::check {
 
 namespace {
 
-/// What another plugin answers for.
+/// The keys that another plugin answers for.
 struct Verlust {
     std::size_t anzahl = 0;
     std::string beispiel;
     bool nachVersion =
-        false; ///< whether any of it goes by the version; tax-office data goes to the first file
+        false; ///< whether the version decides for any of them; for tax-office data the first file wins
 };
 
 std::string text(const OrvoPlugin& anderes, const Verlust& verlust) {
@@ -43,7 +43,7 @@ Befund pruefeUeberschneidungen(const Pruefling& p) {
         return uebersprungen("no other plugin that can be loaded was given");
     std::vector<std::string> pfade = p.andere;
     pfade.push_back(p.pfad);
-    std::sort(pfade.begin(), pfade.end()); // as the manager finds the files of a directory
+    std::sort(pfade.begin(), pfade.end()); // the manager's order within a directory
     Registratur registratur;
     const OrvoPluginV1* unseres = nullptr;
     for (const std::string& pfad : pfade)

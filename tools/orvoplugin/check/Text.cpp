@@ -15,7 +15,7 @@ namespace werkzeug::check {
 
 namespace {
 
-/// The beginning of a text that may be of any length: one that a plugin made, or the name of a template.
+/// The beginning of a text of any length, such as a plugin's text or a template's name.
 std::string gekuerzt(std::string text) {
     constexpr std::size_t kLaengster = 80; // bytes
     if (text.size() > kLaengster)

@@ -9,11 +9,11 @@ class Veranlagungszeitraum;
 
 namespace werkzeug::check {
 
-// What a plugin or the system says, for people: UTF-8 that is fit to be shown, and not of any length.
+// Texts of plugins and of the system for people: printable UTF-8 of limited length.
 
 /// A text in quotes.
 std::string zitiert(std::string_view text);
-/// A symbol as it stands in the source, if it is a C++ one.
+/// A symbol as written in the source, demangled if it is a C++ one.
 std::string symbolname(const std::string& name);
 /// The text of an exception.
 std::string ausnahmetext(std::string_view text);

@@ -14,15 +14,15 @@ namespace werkzeug::check {
 
 namespace {
 
-/// How far a name may be from another to have been meant for it: a letter in six, for the entry points' names differ
-/// from each other by more. A name that was broken off is near too.
+/// The largest edit distance at which a name counts as meant: one letter in six, because the names of the entry points
+/// differ by more. A truncated name is near too.
 std::size_t reichweite(std::string_view gewollt) { return gewollt.size() / 6; }
 
 bool istAbgebrochen(std::string_view name, std::string_view gewollt) {
     return gewollt.starts_with(name) && name.size() > gewollt.size() / 2;
 }
 
-/// The function that is nearest to the name, if that is near enough to have been meant.
+/// The function with the nearest name, if near enough.
 const Bibliothekssymbol* naechste(const Bibliotheksinhalt& inhalt, std::string_view gewollt) {
     const Bibliothekssymbol* beste = nullptr;
     std::size_t kleinste = reichweite(gewollt) + 1;
@@ -72,7 +72,7 @@ std::string warumNichtExportiert(const Bibliotheksinhalt& inhalt, std::string_vi
     if (const Bibliothekssymbol* const nahe = naechste(inhalt, name))
         return zitiert(nahe->name) + " is exported, " + was + " is not: did you mean " +
                (fest ? std::string(name) : einzeilig(nahe->name)) + "?";
-    // One that is misspelt, or in a namespace, is another function: a C++ one that nobody exports.
+    // Misspelt or in a namespace, it does not match its extern "C" declaration, and so is not exported.
     if (name.starts_with("orvo_plugin_"))
         return was +
                " is not exported: include orvoplugin/plugin/PluginEntryPoints.h and define it as it stands "

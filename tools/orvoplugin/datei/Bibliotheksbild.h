@@ -7,11 +7,11 @@
 
 namespace werkzeug {
 
-/// How the loader deals with several symbols of one name.
+/// How the loader resolves several symbols of one name.
 enum class Symbolbindung : std::int32_t {
     Global = 1,   ///< the first library that has it wins
-    Schwach = 2,  ///< the same; and when it is missing, its address is null
-    Einmalig = 3, ///< one for the whole process ("unique"): the library that has it is never unmapped
+    Schwach = 2,  ///< the same; its address is null when it is missing
+    Einmalig = 3, ///< one for the whole process ("unique"); its library is never unmapped
     Andere = 4,
 };
 
@@ -20,7 +20,7 @@ enum class Symbolart : std::int32_t {
     Funktion = 1,
     Daten = 2,
     ThreadLokal = 3,
-    Andere = 4, ///< also that of symbols that no library had when this one was linked
+    Andere = 4, ///< also symbols that were undefined at link time
 };
 
 /// A name that a library offers to others, or needs from them.
@@ -30,37 +30,37 @@ struct Bibliothekssymbol {
     Symbolart art = Symbolart::Andere;
 };
 
-/// What stands in a library's file for the loader.
+/// The contents of a library's file that concern the loader.
 struct Bibliotheksinhalt {
     std::string soname;                  ///< the name by which other libraries need it; empty for none
     std::vector<std::string> benoetigte; ///< names of the libraries that it needs, in the loader's order
-    std::vector<std::string> suchpfade;  ///< where it wants these looked for, as written in the file
+    std::vector<std::string> suchpfade;  ///< where these are searched, as written in the file
     std::vector<Bibliothekssymbol> exportierte;  ///< in the file's order
     std::vector<Bibliothekssymbol> undefinierte; ///< in the file's order
-    std::uint32_t startfunktionen = 0;           ///< how many functions run when it is opened
-    std::uint32_t endfunktionen = 0;             ///< and when it is closed
-    bool bindetSofort = false;                   ///< wants all symbols bound when it is opened
+    std::uint32_t startfunktionen = 0;           ///< number of functions that run on opening
+    std::uint32_t endfunktionen = 0;             ///< and on closing
+    bool bindetSofort = false;                   ///< all symbols are bound on opening
     bool bleibtGeladen = false;                  ///< marked as never to be unmapped
-    bool hatThreadLokale = false;                ///< has thread-local variables of its own
-    bool aendertCode = false;                    ///< its code is written to when it is opened
+    bool hatThreadLokale = false;                ///< defines thread-local variables
+    bool aendertCode = false;                    ///< has text relocations
 };
 
-/// A look into a library's file without opening it as a library: none of its code runs. Tells of a plugin what cannot be
-/// learnt any more once a faulty one has been opened, and of any library what it offers and needs.
+/// Reads a library's file without opening the library: none of its code runs. Shows what cannot be examined safely by
+/// opening a faulty plugin, and what any library exports and needs.
 ///
-/// The file is first looked at as `SharedLib::load` does; of one that would be refused nothing is read, nor of one whose
-/// tables lead out of the file. On systems other than Linux the content stays empty.
+/// The file is first checked as `SharedLib::load` does; a file that this would refuse is not read, nor one whose tables
+/// exceed the file. On systems other than Linux the contents stay empty.
 ///
-/// Errors: throws only std::bad_alloc; what is wrong with a file stands in `getGrund`.
+/// Errors: throws only std::bad_alloc; `getGrund` says what is wrong with a file.
 /// Encoding: names are bytes, as in the file; the reason is Latin-1.
-/// Threads: once made, any number may read.
+/// Threads: any number of threads may read a finished object.
 class Bibliotheksbild {
 public:
     /// Parameters: `pfad` names a file, also when it holds no slash.
     explicit Bibliotheksbild(const std::string& pfad);
 
     const std::string& getPfad() const { return pfad_; }
-    /// Whether the file is a library that the loader may see and whose tables can be read.
+    /// Whether the loader may open the file and its tables can be read.
     bool istLadbar() const { return grund_.empty(); }
     /// Why it is not; without the file's name; empty when it is.
     const std::string& getGrund() const { return grund_; }

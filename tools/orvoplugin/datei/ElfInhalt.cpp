@@ -62,7 +62,7 @@ bool istSichtbar(const ElfW(Sym) & symbol) {
            (sichtbarkeit == STV_DEFAULT || sichtbarkeit == STV_PROTECTED);
 }
 
-/// The parts of an ELF file that the loader would map, by their addresses.
+/// The mapped parts of an ELF file, by their addresses.
 class ElfSegmente {
 public:
     explicit ElfSegmente(const std::string& pfad) : datei_(pfad, std::ios::binary) {
@@ -105,7 +105,7 @@ private:
     std::vector<ElfW(Phdr)> koepfe_;
 };
 
-/// Takes down the content of a library.
+/// Reads the contents of a library.
 class Leser {
 public:
     Leser(ElfSegmente& segmente, Bibliotheksinhalt& inhalt) : segmente_(segmente), inhalt_(inhalt) {}
@@ -118,7 +118,7 @@ public:
     }
 
 private:
-    // Names may overlap in the string table, but a table of which each byte is used this often is meant to fill memory.
+    // Names may overlap in the string table, but one that uses each byte this often is meant to exhaust memory.
     static constexpr std::uint64_t kNutzungen = 16, kMindestvorrat = 1 << 20;
 
     void liesDynamik() {
@@ -170,7 +170,7 @@ private:
     }
 
     void liesSuchpfade(const std::string& pfade) {
-        if (pfade.empty()) // as is left by tools that take the paths out of a finished file
+        if (pfade.empty()) // left by tools that remove the paths from a finished file
             return;
         std::size_t ab = 0;
         for (std::size_t ende; (ende = pfade.find(':', ab)) != std::string::npos; ab = ende + 1)
@@ -193,8 +193,8 @@ private:
         inhalt_.aendertCode = wert(DT_TEXTREL) || hatBit(DT_FLAGS, DF_TEXTREL);
     }
 
-    /// The number of symbols, which only the hash tables know. In GNU's form, the words after the filter are per slot
-    /// its first symbol, and then the chains, each of which ends at the first word with bit 0.
+    /// The number of symbols, known from the hash tables only. In GNU's form, the words after the filter hold the first
+    /// symbol of each slot, followed by the chains, each of which ends at a word with bit 0 set.
     std::uint64_t symbolzahl() {
         using Wort = ElfW(Word);
         if (const auto hash = wert(DT_HASH))
@@ -233,7 +233,7 @@ private:
     std::map<std::int64_t, std::uint64_t> werte_; ///< of the dynamic section, by tag; the last one counts
     std::vector<std::uint64_t> benoetigte_;
     std::vector<char> texte_;
-    std::uint64_t uebrig_ = 0; ///< how many bytes of names may still be taken down
+    std::uint64_t uebrig_ = 0; ///< how many more bytes of names may be stored
 };
 
 } // namespace

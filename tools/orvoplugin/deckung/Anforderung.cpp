@@ -56,7 +56,7 @@ std::vector<std::string> worte(const std::string& zeile) {
     }
 }
 
-/// "2009-2015"; what else looks like it is a period.
+/// A range "2009-2015"; anything else of that form is a period.
 bool istSpanne(const std::string& text) {
     return text.size() == 9 && text[4] == '-' && std::count(text.begin(), text.end(), '-') == 1 &&
            text.find_first_not_of("0123456789-") == std::string::npos;
@@ -101,7 +101,7 @@ std::vector<VerlangteZelle> liesAnforderung(const std::string& datei) {
     std::vector<VerlangteZelle> zellen;
     std::string inhalt = liesGanz(datei);
     if (constexpr std::string_view kMarke = "\xEF\xBB\xBF";
-        inhalt.starts_with(kMarke)) // some editors write it
+        inhalt.starts_with(kMarke)) // some editors write a byte order mark
         inhalt.erase(0, kMarke.size());
     std::istringstream strom(inhalt);
     std::size_t nummer = 0;

@@ -26,7 +26,7 @@ const char* antwortcode(const SpanneFakt& spanne) {
     return istEigene(spanne) ? "served" : "fallback";
 }
 
-/// The years that the extension under a key came with, if it is not for the whole year: "2009-05", "2009Q2".
+/// The period of an extension that does not cover the whole year: "2009-05", "2009Q2".
 Json teiljahre(const SchluesselFakt& schluessel) {
     std::vector<std::string> texte;
     bool feiner = false;
@@ -58,7 +58,7 @@ Json zelleAlsJson(const Bestand& bestand, const SpanneFakt& spanne) {
     return zelle;
 }
 
-/// What a kind is shown under: the years that any of its rows has an entry for, and what lies between them.
+/// The columns of a kind: the years that any of its rows has an entry for, and the gaps between them.
 struct Jahre {
     std::set<std::int32_t> eigene;
 
@@ -69,7 +69,7 @@ struct Jahre {
                     eigene.insert(spanne.von);
     }
 
-    /// Years that nobody has an entry for stand one by one when they are few, else together.
+    /// A few years without an entry are shown one by one, more of them together.
     Json spalten() const {
         constexpr std::int64_t kEinzeln = 5;
         Json spalten = Json::array();
@@ -128,7 +128,7 @@ Json zeileAlsJson(const Bestand& bestand, const ZeileFakt& zeile, const Jahre& j
     return json;
 }
 
-/// Whether the kind is asked for by sub-case type and period at all; tax-office data are not.
+/// Whether the kind has sub-case types and periods; tax-office data have none.
 bool hatPaare(const Bestand& bestand, std::int32_t typ) {
     for (const SchluesselFakt& schluessel : bestand.schluessel)
         if (schluessel.typ == typ)
@@ -205,7 +205,7 @@ private:
     std::map<std::string, Json> plugins_;
 };
 
-/// What was asked for and found, or not.
+/// The required cells, served or not.
 Json verlangtesAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
     Json zellen = Json::array();
     std::size_t fehlen = 0;

@@ -11,18 +11,18 @@
 
 namespace werkzeug {
 
-/// What is asked of the report.
+/// The input of the report.
 struct Deckungswunsch {
     std::optional<std::int32_t> typ;    ///< this kind only
     std::string anforderung;            ///< name of the file of required cells; empty for none
-    std::vector<VerlangteZelle> zellen; ///< what stands there
+    std::vector<VerlangteZelle> zellen; ///< the contents of that file
 };
 
-/// What the child has to find out for the report.
+/// What the child must gather for the report.
 Auftrag deckungsauftrag(const Deckungswunsch& wunsch);
 
 /// Which plugin serves which sub-case type in which year, as the document of the coverage command. Text and page are
-/// made of it.
+/// built from it.
 Json deckungsbericht(const Bestand& bestand, const Deckungswunsch& wunsch);
 
 /// "2009", or "2009 to 2011": the years that a kind of the document has an entry for.

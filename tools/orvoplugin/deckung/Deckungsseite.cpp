@@ -18,7 +18,7 @@ constexpr char kKopf[] =
     "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
     "<meta name=\"color-scheme\" content=\"light dark\">\n"
-    // the page asks nobody for anything
+    // the page loads nothing
     "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src 'unsafe-inline'; "
     "script-src 'unsafe-inline'; base-uri 'none'; form-action 'none'\">\n";
 
@@ -62,7 +62,7 @@ std::string sicher(const std::string& text) {
     return html;
 }
 
-/// A text of the document, fit to stand in the page.
+/// A text of the document, escaped for the page.
 std::string sicher(const Json& wert) {
     return sicher(wert.is_string() ? einzeilig(wert.get_ref<const std::string&>())
                                    : (wert.is_null() ? std::string() : wert.dump()));
@@ -72,7 +72,7 @@ std::string element(const char* name, const std::string& inhalt) {
     return std::string("<") + name + ">" + inhalt + "</" + name + ">";
 }
 
-/// The file's name in an element that is cut in its middle when it is too long.
+/// The file's name in an element that shortens its middle when it is too long.
 std::string zweiteiligerName(const Json& datei) {
     constexpr std::size_t kHinten = 10; // "2009.dylib"
     const std::string name = einzeilig(datei.get_ref<const std::string&>());

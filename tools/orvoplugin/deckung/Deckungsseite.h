@@ -6,8 +6,8 @@
 
 namespace werkzeug {
 
-/// The document of the coverage command as an HTML page that needs nothing else: for the screen, for the keyboard and
-/// for paper. All that comes from plugins is escaped.
+/// The document of the coverage command as a self-contained HTML page for screen, keyboard and paper. All text from
+/// plugins is escaped.
 std::string deckungAlsSeite(const Json& dokument);
 
 } // namespace werkzeug

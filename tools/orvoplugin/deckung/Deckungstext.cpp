@@ -1,4 +1,4 @@
-// The coverage document in text form: a table for each kind, in as many blocks as the terminal is too narrow for.
+// The coverage document in text form: a table for each kind, split into blocks that fit the terminal.
 
 #include "deckung/Deckungsbericht.h"
 
@@ -11,12 +11,12 @@ namespace werkzeug {
 
 namespace {
 
-constexpr std::size_t kAbstand = 2;           // between columns, as `Tabelle` has it
+constexpr std::size_t kAbstand = 2;           // between columns, as in `Tabelle`
 constexpr std::size_t kBreitesterName = 28;   // of a sub-case type
-constexpr std::size_t kSchmalster = 12;       // to which a plugin's name is shortened
-constexpr std::size_t kMeisteZellen = 500000; // beyond which nobody reads a table
+constexpr std::size_t kSchmalster = 12;       // of a shortened plugin name
+constexpr std::size_t kMeisteZellen = 500000; // larger tables are unreadable
 
-/// Which marks occur, so that those alone are explained.
+/// The marks that occur: only these are explained.
 struct Zeichenkunde {
     bool ersatz = false;
     bool zweiter = false;
@@ -57,7 +57,7 @@ private:
     const std::string& zeichen(const Json& anbieter) const {
         return zeichen_.at(anbieter["file"].get_ref<const std::string&>());
     }
-    /// "(05)" or "(Q1,Q2,...)": what stands behind the year.
+    /// The suffix of the year: "(05)" or "(Q1,Q2,...)".
     std::string teile(const Json& zeitraeume) {
         constexpr std::size_t kMeiste = 2;
         std::string text;
@@ -183,7 +183,7 @@ std::string typAlsText(const Json& typ, Zellentext& zellentext, std::size_t plat
         return text + "too many cells for a table; --json has them all\n\n";
     Raster r = raster(typ, zellentext, true);
     std::vector<std::size_t> enden = blockenden(r.breiten(), platz);
-    if (enden.size() > 1) { // the versions stand in the list of plugins, too
+    if (enden.size() > 1) { // the list of plugins has the versions too
         r = raster(typ, zellentext, false);
         enden = blockenden(r.breiten(), platz);
     }
@@ -208,7 +208,7 @@ Tabelle plugintabelle(const Json& plugins, bool mitDateiversion, std::size_t nam
     return tabelle;
 }
 
-/// In need of room, the file versions go first, and then the middle of the names.
+/// When space is short, first the file versions are dropped, then names are shortened.
 std::string pluginsAlsText(const Json& plugins, std::size_t platz, const Farben& farben) {
     std::size_t laengster = 0;
     for (const Json& plugin : plugins)

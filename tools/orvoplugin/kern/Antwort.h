@@ -1,6 +1,6 @@
 #pragma once
 
-// What the commands that ask for keys share: who answers under a key, and who does not.
+// Shared by the commands that look up keys: which extension answers, and which does not.
 
 #include "kern/Anzeige.h"
 #include "kern/Fakten.h"
@@ -9,7 +9,7 @@
 
 namespace werkzeug {
 
-/// Who answers under a key: "type", "sub_case_type", "period", "match", "plugin", "factory", "displaced".
+/// The answer for a key: "type", "sub_case_type", "period", "match", "plugin", "factory", "displaced".
 /// Parameters: `treffer` as `RegisterAuskunft::Treffer`; "match" is null for `KEINER`.
 Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, std::int32_t treffer);
 

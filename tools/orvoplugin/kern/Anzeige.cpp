@@ -37,7 +37,7 @@ Zeichen zeichenAn(std::string_view utf8, std::size_t i) {
             4};
 }
 
-/// Whether a terminal or an editor may take the character for something else than a sign to show.
+/// Whether a terminal or an editor may interpret the character instead of showing it.
 bool istBefehl(unsigned zeichen) {
     return zeichen < 0x20 || (zeichen >= 0x7F && zeichen < 0xA0) || zeichen == 0x2028 || zeichen == 0x2029 ||
            zeichen == 0x061C || zeichen == 0x200E || zeichen == 0x200F ||
@@ -112,7 +112,7 @@ Json jsonKopf(const char* befehl, const std::string& suchpfad) {
 
 std::string alsText(const Json& dokument) {
     const std::string text = dokument.dump(2, ' ', false, Json::error_handler_t::replace);
-    return ohneBefehle(text, [](unsigned zeichen) { // outside of strings there is none but the line's end
+    return ohneBefehle(text, [](unsigned zeichen) { // outside of strings the only one is the line feed
         if (zeichen == '\n')
             return std::string("\n");
         char puffer[16];

@@ -1,6 +1,7 @@
 #pragma once
 
-// The way of every result to standard output: plugins' texts never bring a terminal or a reader out of step.
+// Every result goes to standard output through these functions, which escape what could upset a terminal or a JSON
+// parser.
 
 #include "kern/Fakten.h"
 #include "kern/Optionen.h"
@@ -24,8 +25,8 @@ std::string einzeilig(std::string_view text);
 /// The text in UTF-8 as a JSON value: bytes that are valid UTF-8 stay, others are taken as Latin-1.
 Json jsonText(std::string_view text);
 
-/// What every command's JSON begins with: the schema's version and the command; and the plugin directory, for those
-/// that look at one.
+/// The common start of every JSON document: schema version and command, and the plugin directory for commands that read
+/// one.
 Json jsonKopf(const char* befehl);
 Json jsonKopf(const char* befehl, const std::string& suchpfad);
 
@@ -36,9 +37,9 @@ std::string alsText(const Json& dokument);
 std::string anzeige(const UnterfallartFakt& unterfallart);
 std::string anzeige(const ZeitraumFakt& zeitraum);
 
-/// Number of columns that a text that is fit to be shown takes; every character counts as one.
+/// Display width of a printable text in columns; every character counts as one.
 std::size_t anzeigebreite(std::string_view utf8);
-/// The text, in so many columns: what is too long loses its middle, where a "…" stands then.
+/// The text, shortened to that many columns: the middle of a longer text is replaced by "…".
 std::string gekuerzt(const std::string& utf8, std::size_t spalten);
 
 /// Columns as wide as their widest cell. Cells hold text that is fit to be shown.
@@ -58,7 +59,7 @@ public:
     /// A line below the row before, below its second column.
     void bemerkung(std::string text) { zeilen_.back().bemerkungen.push_back(std::move(text)); }
     std::string alsText(const Farben& farben) const;
-    /// Columns that it takes in all, remarks aside.
+    /// Total width in columns, without remarks.
     std::size_t breite() const;
 
 private:
@@ -75,7 +76,7 @@ private:
 /// ask for quiet.
 /// Errors: `std::runtime_error` when they cannot be written.
 void gibAus(const Optionen& optionen, const Json& dokument, std::string (*text)(const Json&, const Farben&));
-/// The same for a text that is always wanted.
+/// The same for a text that is always written.
 void gibAus(const std::string& alles);
 
 /// A number of things: "1 file", "3 files".

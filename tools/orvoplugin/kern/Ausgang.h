@@ -6,12 +6,12 @@ namespace werkzeug {
 
 /// Exit codes, the same for all commands. Where several apply, the largest is given; see `schwerster`.
 enum class Ausgang : int {
-    GUT = 0,             ///< nothing to object to
+    GUT = 0,             ///< no findings
     BEFUNDE = 1,         ///< something was refused, failed or not found
     FALSCHER_AUFRUF = 2, ///< the command line cannot be understood
     NICHT_LESBAR = 3,    ///< a directory or file cannot be read
     ABGESTUERZT = 4,     ///< a plugin crashed, ended its process or took too long
-    DECKUNG_FEHLT = 5,   ///< what was required to be served is not
+    DECKUNG_FEHLT = 5,   ///< a required cell is not served
 };
 
 constexpr Ausgang schwerster(Ausgang a, Ausgang b) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// Facts as parts of the JSON documents. Every command builds its document of these, and its text from the document.
+// Facts as parts of the JSON documents. Every command builds its document from these, and its text from the document.
 
 #include "kern/Anzeige.h"
 #include "kern/Fakten.h"
@@ -16,11 +16,11 @@ Json alsJson(const UnterfallartFakt& unterfallart);
 /// {"number": 1, "name": "ORVO_CHECK_SERVICE_ERWEITERUNG", "label": "CHECK"}
 Json typAlsJson(std::int32_t typ, const std::string& name);
 
-/// What became of a file: "file", "path", "state", "reason", "signal", "exit_status", "output".
+/// The outcome for a file: "file", "path", "state", "reason", "signal", "exit_status", "output".
 Json zeileAlsJson(const Bestand& bestand, const DateiFakt& datei);
 /// Path of the file below the plugin directory; its full path when it lies elsewhere.
 std::string kurzerPfad(const Bestand& bestand, const DateiFakt& datei);
-/// Who offers an extension: "file", "product_version", "file_version", "resident".
+/// The plugin that offers an extension: "file", "product_version", "file_version", "resident".
 Json anbieterAlsJson(const Bestand& bestand, const ErweiterungsOrt& ort);
 
 /// [{"path": "...", "reason": "Permission denied"}] for the directories that cannot be read, and these as text.
@@ -29,7 +29,7 @@ std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben);
 
 /// The rows of the files whose code crashed, ended the process or timed out.
 Json abgestuerzteAlsJson(const Bestand& bestand);
-/// Below an answer: what was not there when it was found ("not_loaded", "unreadable_directories"), and may change it.
+/// Gaps that may change an answer, shown below it: "not_loaded" and "unreadable_directories".
 std::string umstaendeAlsText(const Json& dokument, const Farben& farben);
 
 /// The colour of a state, by its code.

@@ -40,7 +40,7 @@ namespace {
 
 constexpr char kHomeDir[] = "basis.home_dir";
 constexpr char kResidente[] = "basis.resident_plugins";
-/// A home directory below which nothing can lie.
+/// A home directory that cannot have entries.
 constexpr char kNirgends[] = "/dev/null";
 
 // --- The library's values as facts ---
@@ -88,7 +88,7 @@ ErweiterungFakt alsFakt(const OrvoErweiterung& erweiterung) {
     return fakt;
 }
 
-/// Says now and then that the work goes on, which is ours alone and has no limit: for each so many steps.
+/// Reports progress once every so many steps: the evaluation runs no plugin code and has no time limit.
 class Lebenszeichen {
 public:
     explicit Lebenszeichen(const std::function<void(const std::string&)>& bevor) : bevor_(bevor) {}
@@ -126,9 +126,9 @@ PluginFakt alsFakt(const OrvoPlugin& plugin, Lebenszeichen& lebenszeichen) {
     return fakt;
 }
 
-// --- What the manager and the registry tell ---
+// --- What the manager and the registry report ---
 
-/// A file of the walk, until the rows are put into their order.
+/// A file found by the walk, until the rows are sorted.
 struct Fund {
     DateiFakt fakt;
     const OrvoPlugin* plugin = nullptr;
@@ -138,7 +138,7 @@ std::string verzeichnisVon(const std::string& pfad) {
     return pfad.substr(0, std::max<std::size_t>(pfad.rfind('/'), 1));
 }
 
-/// All names in a directory. Returns: 0, or the number of the error why it cannot be read.
+/// Lists all names in a directory. Returns: 0, or the errno why it cannot be read.
 int liesNamen(const std::string& verzeichnis, std::vector<std::string>& namen) {
     struct Schliesser {
         void operator()(DIR* offenes) const { closedir(offenes); }
@@ -179,7 +179,7 @@ public:
         }
     }
     bool ladeDatei(const std::string& pfad) noexcept override {
-        if (funde.empty() && pfad == auftrag_.einzeln) { // of which no walk told
+        if (funde.empty() && pfad == auftrag_.einzeln) { // no walk has reported it
             DateiFakt& datei = funde.emplace_back().fakt;
             verzeichnisse.push_back({verzeichnisVon(pfad), 0});
             datei.name = getOnlyFilenameOfFullFilename(pfad);
@@ -201,15 +201,15 @@ public:
         datei.zustand = Zustand::ABGELEHNT;
         datei.grund = static_cast<Grund>(schritt);
         datei.meldung = grund;
-        if (schritt == ABLEHNUNG_BEOBACHTER) // it is loaded all the same, as the last one
+        if (schritt == ABLEHNUNG_BEOBACHTER) // the plugin is loaded nevertheless, as the last one
             funde.back().plugin = OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().back();
     }
 
     std::vector<VerzeichnisFakt> verzeichnisse;
-    /// What lies in each of them; read before the code of its plugins runs, which may leave no descriptor to read by.
+    /// The entries of each. Read before plugin code runs, which may use up the file descriptors.
     std::vector<std::vector<std::string>> eintraege;
     std::vector<Fund> funde;
-    std::set<std::string> gesehen; ///< full names of all files that the manager told of
+    std::set<std::string> gesehen; ///< full paths of all files that the manager reported
 
 private:
     const Auftrag& auftrag_;
@@ -263,9 +263,9 @@ private:
     }
 };
 
-// --- What the library passes over without a word ---
+// --- Entries that the library skips silently ---
 
-/// Why the walk did not come by an entry of a directory; `KEINER` for a directory, which it came by.
+/// Why the walk did not visit a directory's entry; `KEINER` for a directory, which it did visit.
 Grund grundFuerSchweigen(const std::string& pfad, const char* name) {
     struct stat eigenes;
     struct stat ziel;
@@ -284,7 +284,7 @@ Grund grundFuerSchweigen(const std::string& pfad, const char* name) {
     return Grund::KEINE_DATEI;
 }
 
-/// Adds a row for each entry of the directories that the manager did not tell of.
+/// Adds a row for each entry of the directories that the manager did not report.
 void ergaenze(Ladenotizen& notizen) {
     for (std::size_t i = 0; i < notizen.verzeichnisse.size(); ++i) {
         for (const std::string& name : notizen.eintraege[i]) {
@@ -303,7 +303,7 @@ void ergaenze(Ladenotizen& notizen) {
     }
 }
 
-/// Adds a row for each file that is to be passed over and is not there any more: it was, and did something.
+/// Adds a row for each file to skip that no longer exists: its code has run, and ended the process.
 void ergaenzeVerschwundene(Ladenotizen& notizen, const std::set<std::string>& ueberspringe) {
     for (const std::string& pfad : ueberspringe) {
         if (std::any_of(notizen.funde.begin(), notizen.funde.end(),
@@ -322,11 +322,11 @@ void ergaenzeVerschwundene(Ladenotizen& notizen, const std::set<std::string>& ue
     }
 }
 
-// --- All of it put together ---
+// --- Putting the facts together ---
 
 using Orte = std::unordered_map<const OrvoErweiterung*, ErweiterungsOrt>;
 
-/// The rows in their order, and where each extension stands in them.
+/// Adds the rows in their order. Returns: where each extension stands in them.
 Orte uebernimmDateien(Bestand& bestand, Ladenotizen& laden, const Registernotizen& register_,
                       Lebenszeichen& lebenszeichen) {
     std::stable_sort(laden.funde.begin(), laden.funde.end(), [](const Fund& a, const Fund& b) {
@@ -429,7 +429,7 @@ void uebernimmZeilen(Bestand& bestand, const OrvoErweiterungsManager& registratu
     }
 }
 
-/// Changes the registry for a while, and so comes last.
+/// Changes the registry for a while, so it must come last.
 void uebernimmZweite(Bestand& bestand, OrvoErweiterungsManager& registratur, const Registernotizen& register_,
                      const Schluesselreihe& reihe, const Orte& orte,
                      const std::function<void(const std::string&)>& bevor) {
@@ -457,7 +457,7 @@ Export exportiert(const Bibliotheksbild& bild, const std::string& name) {
 
 void pruefeExporte(DateiFakt& datei) {
     const Bibliotheksbild bild(datei.pfad);
-    if (!bild.istLadbar()) // it was, and cannot be read any more: nothing can be said
+    if (!bild.istLadbar()) // it was loaded, but can no longer be read
         return;
     if (!datei.plugin->onLoad.empty())
         datei.plugin->onLoadExport = exportiert(bild, datei.plugin->onLoad);
@@ -467,8 +467,8 @@ void pruefeExporte(DateiFakt& datei) {
         erweiterung.factoryExport = exportiert(bild, erweiterung.factory);
 }
 
-/// Has the library load the plugins that the options name. Without the home directory of an ordinary client, the
-/// manager starts below a place where nothing lies, and is sent to the right one then.
+/// Has the library load the plugins that the options name. If those do not name a home directory, the manager is
+/// started with an empty one and then given the search path.
 OrvoErweiterungsManager* lade(const Optionen& optionen, Protokoll* protokoll, Ladenotizen& laden,
                               Registernotizen& register_, const std::string& einzeln) {
     const Einstellungen einstellungen;
@@ -516,7 +516,7 @@ Bestand ermittleBestand(const Optionen& optionen, const Auftrag& auftrag,
         lade(optionen, protokoll.get(), laden, register_, auftrag.einzeln);
     if (OrvoPluginManager::setLadeBeobachter(nullptr) != &laden ||
         OrvoErweiterungsManager::setRegisterBeobachter(nullptr) != &register_)
-        meldeKanalVerloren(); // code of a plugin took them out
+        meldeKanalVerloren(); // plugin code has removed them
     bevor(std::string());
 
     Lebenszeichen lebenszeichen(bevor);

@@ -21,7 +21,7 @@ namespace {
     throw std::runtime_error("cannot write " + einzeilig(datei) + ": " + std::strerror(fehler));
 }
 
-/// Closes on every way out, and takes a file that is not finished away.
+/// Closes on every path, and removes an unfinished file.
 struct Offen {
     int deskriptor = -1;
     std::string zuEntfernen;
@@ -53,7 +53,7 @@ bool schreibeGanz(int deskriptor, const std::string& inhalt) {
     return true;
 }
 
-/// What a new file may do, as the user's mask has it.
+/// The permissions of a new file, by the user's mask.
 mode_t ueblicheRechte() {
     const mode_t maske = umask(0);
     umask(maske);
@@ -79,7 +79,7 @@ void schreibeDatei(const std::string& datei, const std::string& inhalt) {
     std::error_code keins;
     const std::filesystem::path ziel =
         gibtEs ? std::filesystem::canonical(datei, keins) : std::filesystem::path(datei);
-    if (gibtEs && access(ziel.c_str(), W_OK) != 0) // whose owner does not want it changed
+    if (gibtEs && access(ziel.c_str(), W_OK) != 0) // write-protected
         scheitere(datei, errno);
     std::string muster = ziel.string() + ".XXXXXX";
     const int deskriptor = mkostemp(muster.data(), O_CLOEXEC);

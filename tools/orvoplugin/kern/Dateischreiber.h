@@ -4,10 +4,10 @@
 
 namespace werkzeug {
 
-/// Puts the text into the file: wholly, or not at all. It is written to a file beside it, which then takes its place,
-/// so that nobody ever reads half of it. A link stays, and the file that it leads to is replaced. What is no regular
-/// file (a pipe, a terminal) is written to as it is.
-/// Errors: `std::runtime_error` that names file and reason; the file is then as it was.
+/// Writes the text to the file atomically: to a temporary file beside it, which then replaces it, so that a reader
+/// never sees half of the text. A link stays, and its target is replaced. A file that is not regular (a pipe, a
+/// terminal) is written to directly.
+/// Errors: `std::runtime_error` that names file and reason; the file is then unchanged.
 void schreibeDatei(const std::string& datei, const std::string& inhalt);
 
 } // namespace werkzeug

@@ -35,8 +35,8 @@ bool gleichtDemMuster(const std::string& text, const std::string& muster) {
     return true;
 }
 
-/// Whether there is such a month, or such a code of a quarter or of the whole year. The library reads any number there,
-/// for plugins to tell apart; a person who types another one has made a mistake.
+/// Whether the month exists, or the code of a quarter or of the whole year. The library accepts any number there, so
+/// that plugins can use their own; on the command line another number is a mistake.
 bool gibtEs(const Veranlagungszeitraum& vz, bool mitTag) {
     const auto zwischen = [](int wert, int von, int bis) { return wert >= von && wert <= bis; };
     const int monat = vz.getZeitraum();

@@ -1,7 +1,7 @@
 #pragma once
 
-// What people type, as the library's values. Nothing here has a rule of its own: numbers, names and periods are read
-// by the library.
+// User input as values of the library. There are no rules of its own here: the library parses numbers, names and
+// periods.
 
 #include "kern/Sammler.h"
 
@@ -10,18 +10,18 @@
 
 namespace werkzeug {
 
-/// The kind of extension: a number, or its name ("ORVO_CHECK_SERVICE_ERWEITERUNG"), or the beginning of the name
-/// without "ORVO_", or else any part of it, that fits one kind only ("check", "reader"), in any letter case.
+/// The kind of extension, by number, by name ("ORVO_CHECK_SERVICE_ERWEITERUNG"), by the beginning of the name without
+/// "ORVO_", or by any part of the name that is unique ("check", "reader"); letter case is ignored.
 /// Errors: `AufrufFehler`, which lists the names.
 std::int32_t liesTyp(const std::string& text);
 
-/// A period, and the library's format to read it under.
+/// A period, and the format to parse it with.
 struct Zeitraumtext {
     std::string text;
     std::string format; ///< empty for the period-independent period
 };
 
-/// A period as people type it: 2009, 2009-05, 2009Q2, 2009-05-31, or VZ_UNABHAENGIG for the period-independent one.
+/// A period as typed: 2009, 2009-05, 2009Q2, 2009-05-31, or VZ_UNABHAENGIG for the period-independent one.
 /// Errors: `AufrufFehler` with the library's reason.
 Zeitraumtext liesZeitraum(const std::string& text);
 

@@ -1,11 +1,11 @@
 #pragma once
 
-// What the tool knows of a plugin directory. The child process gathers it through the library, the parent gets it
-// whole and shows it; see Sammler.h for how a command comes by it. Plain data: everything here can be copied,
-// compared and sent, and nothing points into the library.
+// The facts about a plugin directory. The child process gathers them through the library; the parent receives and shows
+// them. See Sammler.h for how a command gets them. Plain data: everything here can be copied, compared and sent, and
+// nothing points into the library.
 //
-// Encoding: texts are bytes, as plugins and the file system gave them; what goes to a person or into JSON passes
-// through Anzeige.h. Numbers are those of the library's own types.
+// Encoding: texts are bytes as plugins and the file system gave them; Anzeige.h converts them for people and for JSON.
+// Numbers are those of the library's own types.
 
 #include <orvoplugin/plugin/LadeBeobachter.h>
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
@@ -36,13 +36,13 @@ struct UnterfallartFakt {
     std::string name;
 };
 
-/// Whether a kind is asked for by its number alone: tax-office data have neither sub-case types nor periods. The key
-/// under which they stand in the registry means nothing to anybody else.
+/// Whether a kind is looked up without sub-case type and period: tax-office data have neither. Their key in the
+/// registry is internal.
 inline bool hatKeinePaare(std::int32_t typ) { return typ == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG; }
 
 /// Whether a plugin's library exports a function that the plugin names.
 enum class Export : std::int32_t {
-    UNGEPRUEFT = 0, ///< not looked at; see `Auftrag::exporteVon`
+    UNGEPRUEFT = 0, ///< not checked; see `Auftrag::exporteVon`
     JA = 1,
     NEIN = 2,
 };
@@ -53,7 +53,7 @@ struct ErweiterungFakt {
     std::string factory;
     Export factoryExport = Export::UNGEPRUEFT;
     bool bedientUnterfallarten = false; ///< false for tax-office data, and for classes that serve no pairs
-    bool uebergangen = false; ///< the registry passed it over: its class serves no pairs, but its kind should
+    bool uebergangen = false; ///< skipped by the registry: its class serves no pairs, but its kind should
     std::vector<std::pair<UnterfallartFakt, std::vector<ZeitraumFakt>>> angebot; ///< in the library's order
     std::vector<std::int32_t> flags;                                             ///< those that are set
     std::vector<std::int32_t> abhaengigkeiten;                                   ///< the kind of each
@@ -71,7 +71,7 @@ struct LabelFakt {
     std::string text4;
 };
 
-/// What a plugin says of itself.
+/// The description that a plugin gives of itself.
 struct PluginFakt {
     std::int32_t typ = 0;
     std::int32_t status = 0;
@@ -86,7 +86,7 @@ struct PluginFakt {
     std::vector<ErweiterungFakt> erweiterungen;
 };
 
-/// What became of a file.
+/// The state of a file after loading.
 enum class Zustand : std::int32_t {
     GELADEN = 0,
     GESPERRT = 1,    ///< on the block list
@@ -111,9 +111,9 @@ enum class Grund : std::int32_t {
     INITIALISIERUNG = ABLEHNUNG_INITIALISIERUNG,
     BEOBACHTER = ABLEHNUNG_BEOBACHTER,
     SPERRLISTE = 101,      ///< on the block list
-    KEINE_ENDUNG = 102,    ///< it has not the suffix of plugins
+    KEINE_ENDUNG = 102,    ///< it does not have the suffix of plugins
     VERSTECKT = 103,       ///< its name begins with a dot
-    OHNE_PUNKT = 104,      ///< its name has no dot, so the walk never gets to see it
+    OHNE_PUNKT = 104,      ///< its name has no dot, so the walk does not list it
     KEINE_DATEI = 105,     ///< neither a regular file nor a link to one
     VERZEICHNISLINK = 106, ///< a link to a directory
     SIGNAL = 107,          ///< a signal ended the process
@@ -124,7 +124,7 @@ enum class Grund : std::int32_t {
 
 struct DateiFakt {
     std::uint32_t verzeichnis = 0; ///< place in `Bestand::verzeichnisse`
-    std::string name;              ///< as it stands in the directory
+    std::string name;              ///< as in the directory
     std::string pfad;              ///< under which it is loaded, its suffix in lower case
     Zustand zustand = Zustand::UEBERGANGEN;
     Grund grund = Grund::KEINER;
@@ -133,7 +133,7 @@ struct DateiFakt {
     std::int32_t zahl = 0;
     std::string
         ausgabe; ///< for ABGESTUERZT, BEENDET and ZEIT: the last that was written to the standard streams
-    std::optional<PluginFakt> plugin; ///< whenever the manager has the plugin on its list
+    std::optional<PluginFakt> plugin; ///< whenever the manager lists the plugin
 };
 
 struct VerzeichnisFakt {
@@ -154,25 +154,24 @@ struct SchluesselEreignis {
     enum class Art : std::int32_t {
         EINGETRAGEN = 0, ///< `wer` got the free key
         VERDRAENGT = 1,  ///< `wer` took the key over from `gegen`
-        ABGEWIESEN = 2,  ///< `wer` did not get the key, for `gegen` stands there
+        ABGEWIESEN = 2,  ///< `wer` did not get the key: `gegen` kept it
     };
     Art art = Art::EINGETRAGEN;
     ErweiterungsOrt wer;
     ErweiterungsOrt gegen;  ///< unused for EINGETRAGEN
     std::int32_t regel = 0; ///< `orvo_register_regel_t`; 0 for EINGETRAGEN
-    ZeitraumFakt zeitraum;  ///< under which `wer` came; within one year it may be another than the key's
+    ZeitraumFakt zeitraum;  ///< offered by `wer`; may be another period of the key's year
 };
 
-/// A key of the registry, with all that happened to it, in the order in which it did.
+/// A key of the registry and its events in their order.
 struct SchluesselFakt {
     std::int32_t typ = 0;
     std::string typName;
     UnterfallartFakt unterfallart;
     ZeitraumFakt zeitraum;
-    ErweiterungsOrt inhaber; ///< who answers
+    ErweiterungsOrt inhaber; ///< the extension that answers
     std::vector<SchluesselEreignis> ereignisse;
-    std::optional<ErweiterungsOrt>
-        zweiter; ///< who would if the holder's plugin were not there; `Auftrag::deckung`
+    std::optional<ErweiterungsOrt> zweiter; ///< answers if the holder's plugin is missing; `Auftrag::deckung`
 };
 
 /// The answer to `Auftrag::frage`.
@@ -183,7 +182,7 @@ struct AntwortFakt {
     ZeitraumFakt gefragt;         ///< the period, as the library read it
 };
 
-/// Years for which the registry gives one and the same answer.
+/// A range of years with the same answer from the registry.
 struct SpanneFakt {
     std::int32_t von = 0;
     std::int32_t bis = 0;                            ///< the last of them; `kOffen`: and all later ones
@@ -203,7 +202,7 @@ struct ZeileFakt {
     std::optional<std::uint32_t> ohneZeitraum; ///< the key that answers when no period is asked for
 };
 
-/// All that is known of a plugin directory.
+/// All facts about a plugin directory.
 struct Bestand {
     std::string suchpfad;
     std::vector<VerzeichnisFakt> verzeichnisse; ///< in the order of the walk; the first is the search path
@@ -218,7 +217,7 @@ struct Bestand {
     }
     const DateiFakt& datei(const ErweiterungsOrt& ort) const { return dateien.at(ort.datei); }
     const PluginFakt& plugin(const ErweiterungsOrt& ort) const { return datei(ort).plugin.value(); }
-    /// Full path of a file as it stands in its directory.
+    /// Full path of a file, by its name in the directory.
     std::string fundort(const DateiFakt& datei) const {
         return verzeichnisse.at(datei.verzeichnis).pfad + "/" + datei.name;
     }

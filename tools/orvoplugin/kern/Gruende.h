@@ -14,7 +14,7 @@ const char* regelcode(std::int32_t regel);     ///< of a `orvo_register_regel_t`
 const char* treffercode(std::int32_t treffer); ///< of a `RegisterAuskunft::Treffer`
 const char* zeitraumcode(std::int32_t typ);    ///< of a `Veranlagungszeitraum::Typ`
 
-/// The step at which a file's way ended: "walk", "filter", "file_check", "open", "entry_points", "types",
+/// The step at which the loading of a file ended: "walk", "filter", "file_check", "open", "entry_points", "types",
 /// "initialize", "register", "process"; empty for `KEINER`.
 const char* stufe(Grund grund);
 

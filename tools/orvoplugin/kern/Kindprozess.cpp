@@ -28,15 +28,15 @@ namespace {
 
 using Uhr = std::chrono::steady_clock;
 
-/// What stands before each record in the pipe.
+/// Header of each record in the pipe.
 struct Kopf {
     std::uint64_t geheimnis = 0; ///< of this one child
     std::uint32_t nummer = 0;    ///< counted from 0
     std::uint32_t laenge = 0;    ///< bytes that follow
 };
 
-/// The length of the last record, which has no text: it says that the work came back, which an exit code does not,
-/// for a plugin may end the process with any.
+/// Length in the last record, which has no text: it says that the work is complete. An exit code cannot say so, because
+/// a plugin may end the process with any.
 constexpr std::uint32_t kFertig = 0xFFFFFFFF;
 constexpr std::uint32_t kGroessterSatz = 1u << 30;
 constexpr int kKanalVerloren = 121; ///< exit code of a child that can no longer send
@@ -44,7 +44,7 @@ constexpr std::size_t kBehalteneAusgabe = 4096;
 
 int protokoll = STDERR_FILENO;
 
-/// The descriptor under another number that nobody knows.
+/// Moves the descriptor to a random number.
 int verstecke(int deskriptor) {
     constexpr int kErster = 300;
     constexpr int kSpielraum = 600; // below the usual limit of 1,024
@@ -98,7 +98,7 @@ bool schreibeGanz(int deskriptor, const void* daten, std::size_t anzahl) {
     return true;
 }
 
-/// Closes what the child has inherited, but for its standard streams and the two given.
+/// Closes all inherited descriptors except the standard streams and the two given.
 void schliesseGeerbtes([[maybe_unused]] int einer, [[maybe_unused]] int anderer) {
 #ifdef __linux__
     const auto [unten, oben] = std::minmax(einer, anderer);
@@ -114,7 +114,7 @@ void schliesseGeerbtes([[maybe_unused]] int einer, [[maybe_unused]] int anderer)
 #endif
 }
 
-/// Has the system end this process before any other when plugins fill its memory.
+/// Makes the system end this process first when plugins use up the memory.
 void bieteDichBeiSpeichermangelAn() {
 #ifdef __linux__
     const int vorrang = open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
@@ -125,14 +125,14 @@ void bieteDichBeiSpeichermangelAn() {
 #endif
 }
 
-/// Takes the child from whatever the terminal and the parent's end would do to it or it to them.
+/// Separates the child from the terminal, and ties its life to its parent.
 void richteEin(pid_t elternprozess, int saetze, Rohr& fehler) {
-    setsid(); // away from the terminal, on which plugins could write and read by its own name
-    std::signal(SIGPIPE, SIG_IGN); // whoever stops reading our standard error ends no plugin
+    setsid();                      // no controlling terminal, which plugins could open by name
+    std::signal(SIGPIPE, SIG_IGN); // a closed standard error must not end a plugin
 #ifdef __linux__
     prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
-    if (getppid() != elternprozess) // it is gone already
+    if (getppid() != elternprozess) // it has ended already
         _exit(EXIT_FAILURE);
     const rlimit keineAbbilder{0, 0};
     setrlimit(RLIMIT_CORE, &keineAbbilder);
@@ -150,7 +150,7 @@ void richteEin(pid_t elternprozess, int saetze, Rohr& fehler) {
     schliesseGeerbtes(saetze, protokoll);
 }
 
-/// Ends as another process did, by its state.
+/// Ends as another process did, by its wait status.
 [[noreturn]] void endeWie(int zustand) {
     if (WIFEXITED(zustand))
         _exit(WEXITSTATUS(zustand));
@@ -163,8 +163,8 @@ void richteEin(pid_t elternprozess, int saetze, Rohr& fehler) {
     _exit(kKanalVerloren);
 }
 
-/// Goes on in a further process. The one that called stays between it and the tool, and ends as it does: a plugin that
-/// sends its parent a signal meets that one, and both end.
+/// Continues in a new child process. The caller stays between it and the tool, and ends as it does: a signal that a
+/// plugin sends to its parent ends these two processes only.
 void lasseStellvertreter(int rohr) {
     const pid_t stellvertreter = getpid();
     const pid_t kind = fork();
@@ -178,14 +178,14 @@ void lasseStellvertreter(int rohr) {
             _exit(EXIT_FAILURE);
         return;
     }
-    close(rohr); // it is to be read to its end when the other one is gone
+    close(rohr); // so that the reader sees the end when the child has gone
     int zustand = 0;
     while (waitpid(kind, &zustand, 0) < 0 && errno == EINTR) {
     }
     endeWie(zustand);
 }
 
-/// The processes that are this one's children; none where the system does not tell.
+/// The children of this process; none where the system does not tell.
 std::set<pid_t> kinder() {
     std::set<pid_t> liste;
     std::ifstream datei("/proc/thread-self/children");
@@ -194,16 +194,16 @@ std::set<pid_t> kinder() {
     return liste;
 }
 
-/// Ends what a child left behind: processes that lost their parents are ours when we ask for them.
+/// Ends processes that a child left behind: orphans become children of this process on request.
 void raeumeAuf(const std::set<pid_t>& eigene) {
-    std::set<pid_t> fremde = eigene; // also those that we may not end
+    std::set<pid_t> fremde = eigene; // and those that may not be ended
     for (bool fertig = false; !fertig;) {
         fertig = true;
         for (const pid_t kind : kinder())
             if (fremde.insert(kind).second && kill(kind, SIGKILL) == 0) {
                 while (waitpid(kind, nullptr, 0) < 0 && errno == EINTR) {
                 }
-                fremde.erase(kind); // the number may come again
+                fremde.erase(kind); // the number may be reused
                 fertig = false;     // it may have had children itself
             }
     }
@@ -237,7 +237,7 @@ std::string signalname([[maybe_unused]] int signal) {
 
 volatile std::sig_atomic_t unterbrechung = 0; ///< the signal that came
 
-/// Notes the signals that would end this process, while it lives: a child may outlive us that has nobody end it then.
+/// Records signals that would end this process, so that the child is ended first.
 class Signalwache {
 public:
     Signalwache() {
@@ -246,7 +246,7 @@ public:
         notiz.sa_handler = [](int signal) { unterbrechung = signal; };
         for (std::size_t i = 0; i < std::size(kSignale); ++i) {
             sigaction(kSignale[i], nullptr, &vorher_[i]);
-            if (vorher_[i].sa_handler == SIG_DFL) // what is ignored stays so
+            if (vorher_[i].sa_handler == SIG_DFL) // ignored signals stay ignored
                 sigaction(kSignale[i], &notiz, nullptr);
         }
     }
@@ -275,7 +275,7 @@ public:
           empfange_(empfange),
           zeitlimit_(zeitlimit),
           takt_(takt) {
-        for (const pollfd& quelle : quellen_) // something else may hold the pipes open
+        for (const pollfd& quelle : quellen_) // a process it started may hold the pipes open
             fcntl(quelle.fd, F_SETFL, O_NONBLOCK);
         verlaengere();
     }
@@ -293,7 +293,7 @@ public:
 
     Kindende warte() {
         Kindende ende = warteAufEnde();
-        liesAlles(); // the last that it wrote
+        liesAlles(); // its last output
         ende.ausgabe = std::move(ausgabe_);
         return ende;
     }
@@ -334,10 +334,10 @@ private:
                     static_cast<int>(std::clamp<long long>(rest, 0, hoechstens))) > 0;
     }
 
-    /// Reads what is there of both; a stream that never dries up is left for the next time.
+    /// Reads the available data of both; bounded, so that an endless stream does not block.
     void liesAlles() {
         char bytes[kPuffer];
-        for (int i : {kAusgabe, kSaetze}) { // what it wrote before a record belongs before it
+        for (int i : {kAusgabe, kSaetze}) { // output written before a record is read before it
             pollfd& quelle = quellen_[i];
             if (quelle.fd < 0)
                 continue;
@@ -345,7 +345,7 @@ private:
             if (anzahl > 0)
                 nimm(i, std::string_view(bytes, static_cast<std::size_t>(anzahl)));
             else if (anzahl == 0)
-                quelle.fd = -1; // poll looks at it no more; the pipe belongs to the caller
+                quelle.fd = -1; // poll ignores it; the caller owns the pipe
         }
     }
 
@@ -385,7 +385,7 @@ private:
         return istAbgeholt_;
     }
 
-    /// What the child's own end says; records that it sent before are read first.
+    /// The child's wait status; records that it sent before are read first.
     Kindende ende() {
         for (std::size_t vorher = gelesen_ + 1; quellen_[kSaetze].fd >= 0 && gelesen_ != vorher;) {
             vorher = gelesen_;
@@ -401,7 +401,7 @@ private:
 
     Signalwache wache_;
     pid_t kind_;
-    std::set<pid_t> eigene_; ///< children of ours that have nothing to do with this one
+    std::set<pid_t> eigene_; ///< other children of this process
     Kopf erwartet_;
     pollfd quellen_[2];
     const Empfang& empfange_;
@@ -451,11 +451,11 @@ Kindende laufeImKind(const Kindarbeit& arbeit, const Empfang& empfange,
     Rohr fehler;
     std::random_device zufall;
     const std::uint64_t geheimnis = std::uint64_t{zufall()} << 32 | zufall();
-    std::fflush(nullptr); // what is still unwritten is ours, not also the child's
+    std::fflush(nullptr); // so that buffered output is not written twice
     const pid_t wir = getpid();
     std::set<pid_t> eigene = kinder();
 #ifdef __linux__
-    if (eigene.empty()) // what those of others leave behind is not for us
+    if (eigene.empty()) // orphans of other children cannot be told apart
         prctl(PR_SET_CHILD_SUBREAPER, 1);
 #endif
     const pid_t kind = fork();
@@ -473,7 +473,7 @@ Kindende laufeImKind(const Kindarbeit& arbeit, const Empfang& empfange,
     Kindende ende = Aufsicht(kind, std::move(eigene), geheimnis, saetze.lesende(), fehler.lesende(), empfange,
                              zeitlimit, takt)
                         .warte();
-    if (unterbrechung != 0) // it came at the last moment
+    if (unterbrechung != 0) // the signal came after the last check
         throw Unterbrochen{unterbrechung};
     return ende;
 }

@@ -13,53 +13,53 @@ struct Kindende {
         GUT,     ///< its work came back
         SIGNAL,  ///< a signal ended it; `zahl` is its number
         BEENDET, ///< its code ended the process before the work was done; `zahl` is the exit code
-        ZEIT,    ///< it was killed, for nothing came from it in time
-        KANAL, ///< it was killed, for its code closed the way to the parent, or wrote there what is no record
+        ZEIT,    ///< it was killed: it sent nothing in time
+        KANAL,   ///< it was killed: its code closed the channel to the parent, or wrote invalid data to it
     };
 
     Art art = Art::GUT;
     int zahl = 0;
-    std::string ausgabe; ///< the last that was written to its standard error, as it came: at most 4 KiB
+    std::string ausgabe; ///< the end of its standard error output, unchanged: at most 4 KiB
 
     bool istGut() const { return art == Art::GUT; }
     /// For people: "ended by signal 11 (SIGSEGV)" and the like; empty when it ended well.
     std::string text() const;
 };
 
-/// Hands a record from the child to its parent. For the child's work; after it has returned true the parent has the
-/// record even if the child crashes at once.
+/// Sends a record from the child to its parent. Once it has returned true, the parent gets the record even if the child
+/// crashes at once.
 using Sender = std::function<bool(std::string_view)>;
 
-/// What the child does, and what becomes of its records; the latter runs in the parent as they come in.
+/// The work of the child, and the handler of its records; the handler runs in the parent as records arrive.
 using Kindarbeit = std::function<void(const Sender& sende)>;
 using Empfang = std::function<void(std::string_view)>;
 
-/// Somebody wants this process to end, by a signal, while a child is waited for. It is thrown when nothing of the child
-/// is left; who catches it cleans up and ends by that signal. Not to be taken for an error, and so of no error's class.
+/// Thrown when a signal asks this process to end while it waits for a child, after the child has been removed. The
+/// handler cleans up and ends by that signal. It is not an error, and so is not derived from an exception class.
 struct Unterbrochen {
     int signal = 0;
 };
 
-/// In a child: a descriptor for what it has to say on our standard error. Not for plugins: these write to theirs.
+/// In a child: a descriptor of the tool's own standard error. Plugins do not see it: they write to the child's.
 int protokollDeskriptor();
-/// In a child: ends it as one that cannot report any more, for what it has to say was tampered with.
+/// In a child: ends it because its report can no longer be trusted.
 [[noreturn]] void meldeKanalVerloren();
-/// In a child that has nothing to say there: closes it, so that no code in the child comes by it.
+/// In a child that writes no messages: closes that descriptor, so that plugin code cannot use it.
 void schliesseProtokollDeskriptor();
 
-/// Runs work that may crash, hang or end its process, in a child of its own.
+/// Runs work that may crash, hang or end its process in a child process.
 ///
-/// The child is a copy of this process, without its descriptors. Its standard input and output are the null device,
-/// its standard error is kept from the terminal (see `Kindende::ausgabe`); it ignores SIGPIPE. It has a session of its
-/// own, and so no terminal. It dies with us. The way to the parent is a descriptor of random number, and each record
-/// carries a secret of this one child: code in the child that writes to any descriptor does not pass for it. Its parent
-/// is a process that stands in for us, so that a signal to it ends the child only. When the child has ended, or when
-/// for the time given neither a record nor its end has come, all of its process group is killed, and on Linux what
-/// left the group too, so that nothing that it has started stays.
+/// The child is a fork of this process without its descriptors. Its standard input and output are the null device; its
+/// standard error is captured (see `Kindende::ausgabe`). It ignores SIGPIPE, has a session of its own and so no
+/// terminal, and is killed when this process dies. Records go through a descriptor with a random number, and each
+/// carries a secret of this child, so that plugin code that writes to any descriptor cannot forge one. Between child
+/// and tool stands another process as the child's parent: a signal to the parent ends the child only.
+/// When the child has ended, or has sent nothing for the given time, its whole process group is killed; on Linux,
+/// processes that left the group are killed too.
 ///
-/// Parameters: `takt`, if given, is called now and then while the child is waited for.
+/// Parameters: `takt`, if given, is called at intervals while the child runs.
 /// Errors: `Unterbrochen` on SIGINT, SIGTERM and SIGHUP; `std::system_error` when no child can be made. An exception
-/// that leaves the work counts as its end by `abort`.
+/// that leaves the work ends the child by `abort`.
 Kindende laufeImKind(const Kindarbeit& arbeit, const Empfang& empfange,
                      std::chrono::duration<double> zeitlimit, const std::function<void()>& takt = {});
 

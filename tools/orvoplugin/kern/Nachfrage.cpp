@@ -19,7 +19,7 @@ Veranlagungszeitraum imJahr(std::int64_t jahr) {
     return Veranlagungszeitraum::parse(ziffern, std::string(ziffern.size(), 'Y').c_str());
 }
 
-/// Notes who gets which key.
+/// Records which extension gets which key.
 class Besetzung : public RegisterBeobachter {
 public:
     void eingetragen(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& wer) noexcept override {
@@ -50,7 +50,7 @@ ZeileFakt frageAlleJahre(const OrvoErweiterungsManager& registratur,
             spanne.schluessel = orte.at(*auskunft.schluessel);
         return spanne;
     };
-    // All years between two keys are alike to the registry, so one of them is asked for.
+    // The registry answers alike for all years between two keys, so one of them is queried.
     std::int64_t naechstes = SpanneFakt::kErstesJahr;
     const auto fuelleBis = [&](std::int64_t letztes) {
         if (naechstes <= letztes)

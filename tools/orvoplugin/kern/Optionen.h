@@ -25,8 +25,8 @@ struct Optionen {
 /// Adds the options to a command or to the program.
 void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen);
 
-/// The command line was understood by its grammar, but what it says makes no sense (a period that is none, say).
-/// The program tells the user and ends with `Ausgang::FALSCHER_AUFRUF`. The text is UTF-8.
+/// The command line is well-formed but invalid (a bad period, for instance). The program prints the text, which is
+/// UTF-8, and ends with `Ausgang::FALSCHER_AUFRUF`.
 class AufrufFehler : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;

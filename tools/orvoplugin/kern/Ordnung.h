@@ -1,7 +1,7 @@
 #pragma once
 
-// The order in which people read keys, and by which those of two directories are matched. It is a total one, unlike
-// that of the library's keys, and holds equal what they do.
+// The order of keys for people, and for matching the keys of two directories. Unlike the library's order it is total;
+// it treats the same keys as equal.
 
 #include "kern/Fakten.h"
 

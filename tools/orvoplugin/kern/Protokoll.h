@@ -10,12 +10,12 @@
 
 namespace werkzeug {
 
-/// The library's own log on our standard error, as readable UTF-8. For a child process: its own standard error is kept
-/// from the terminal.
+/// Writes the library's log to the tool's standard error, as readable UTF-8. For the child process, whose own standard
+/// error is captured.
 class Protokoll : public orvo::orvoutil::LogSink {
 public:
-    /// Parameters: `stufe` as `Optionen::log` has it. Returns: the log, which the library writes to from now on; null
-    /// when none is wanted.
+    /// Parameters: `stufe` as in `Optionen::log`. Returns: the log, which the library writes to from now on; null for
+    /// no log.
     static std::shared_ptr<Protokoll> beginne(const std::string& stufe);
 
     explicit Protokoll(int deskriptor) : puffer_(deskriptor), strom_(&puffer_), senke_(strom_) {}
@@ -25,7 +25,7 @@ public:
             senke_.write(eintrag);
     }
 
-    bool gewollt = true; ///< false passes entries over
+    bool gewollt = true; ///< entries are dropped while false
 
 private:
     class Puffer : public std::streambuf {

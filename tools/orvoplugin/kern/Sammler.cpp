@@ -1,8 +1,8 @@
 #include "kern/Sammler.h"
 
 #include "kern/Anzeige.h"
-#include "kern/Kindprozess.h"
 #include "kern/Bestandsermittlung.h"
+#include "kern/Kindprozess.h"
 #include "kern/Terminal.h"
 #include "kern/Uebertragung.h"
 
@@ -19,25 +19,26 @@ namespace werkzeug {
 
 namespace {
 
-/// The first byte of a record: what follows it.
-constexpr char kVorDatei = 'D'; ///< the path of the file whose code may run next; empty: no more of any will
-constexpr char kBestand = 'B';  ///< a piece of the facts
+/// First byte of a record: its type.
+constexpr char kVorDatei =
+    'D'; ///< the path of the file whose code may run next; empty when no more plugin code will run
+constexpr char kBestand = 'B'; ///< a piece of the facts
 
 constexpr std::size_t kStueck = 1 << 20; ///< bytes of the facts in one record
 
-/// What a child came to.
+/// The result of one child.
 struct Lauf {
     Kindende ende;
     std::vector<std::string> begonnene; ///< paths, in the order in which their code ran
-    bool codeLief = false;              ///< the end came while code of the last of them ran
+    bool codeLief = false;              ///< it ended while code of the last one ran
     std::optional<Bestand> bestand;
 };
 
-/// Time for threads that a plugin may have left behind to do their damage.
+/// Time for threads that a plugin may have left running to do their damage.
 constexpr auto kNachlauf = std::chrono::milliseconds(150);
 
-/// Has timers that plugins left running go off now: one of them may have ended the process while the code of another
-/// one ran.
+/// Lets timers that plugins left running expire: one of them may have ended the process while code of another plugin
+/// ran.
 void loeseZeitgeberAus() {
     constexpr std::chrono::milliseconds kRechenzeit{50}; // for those that count processor time
     bool laeuft = false;
@@ -97,7 +98,7 @@ Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std:
     if (lauf.ende.istGut() && !probe) {
         try {
             lauf.bestand = liesBestand(bytes);
-        } catch (const UebertragungsFehler&) { // code of a plugin has written over the child's memory
+        } catch (const UebertragungsFehler&) { // plugin code has corrupted the child's memory
             lauf.ende.art = Kindende::Art::KANAL;
         }
     }
@@ -113,8 +114,7 @@ Auftrag nurDiese(const Auftrag& auftrag, std::set<std::string> dateien) {
 
 using Schuld = std::pair<std::string, Kindende>;
 
-/// Which of several files, which together end their process, does so; the last of them when no smaller part of them
-/// does.
+/// Finds the file that ends the process among several that together do so; the last one when no smaller set does.
 Schuld sucheUnter(const Optionen& optionen, const Auftrag& auftrag, Fortschritt& fortschritt,
                   const std::vector<std::string>& dateien, const Kindende& gemeinsam) {
     if (dateien.size() == 1)
@@ -130,8 +130,8 @@ Schuld sucheUnter(const Optionen& optionen, const Auftrag& auftrag, Fortschritt&
     return {dateien.back(), gemeinsam};
 }
 
-/// The file that ended the child's process, and how it does that. Nearly always the one whose code ran last; when
-/// that one does no harm alone, one that ran before it, of which a thread may have been left behind, say.
+/// The file that ended the child's process, and how. Nearly always it is the one whose code ran last. If that one does
+/// no harm when loaded alone, an earlier one did it, through a thread for example.
 Schuld schuldiger(const Optionen& optionen, const Auftrag& auftrag, Fortschritt& fortschritt,
                   const Lauf& lauf) {
     const std::string& letzter = lauf.begonnene.back();

@@ -9,7 +9,7 @@ namespace werkzeug {
 
 enum class Farbe { ROT, GRUEN, GELB, BLASS, FETT };
 
-/// Colours for a stream that goes to a terminal, unless the user wants none (NO_COLOR, TERM=dumb); none otherwise.
+/// Colours for a stream that goes to a terminal, unless the user has switched them off (NO_COLOR, TERM=dumb).
 class Farben {
 public:
     explicit Farben(std::FILE* strom);
@@ -22,20 +22,19 @@ private:
     bool an_;
 };
 
-/// Columns of the terminal that the stream goes to; for any other stream those that COLUMNS says, or 80.
+/// Width of the terminal that the stream goes to; for any other stream COLUMNS, or 80.
 std::size_t terminalbreite(std::FILE* strom);
 
-/// One line on standard error that says what is being done, once it takes longer than a second; on a terminal only. It
-/// is wiped out at the end.
+/// A progress line on standard error, shown after one second and only on a terminal. It is erased at the end.
 class Fortschritt {
 public:
-    /// Parameters: an `an` of false silences it altogether.
+    /// Parameters: nothing is shown when `an` is false.
     explicit Fortschritt(bool an = true);
     Fortschritt(const Fortschritt&) = delete;
     Fortschritt& operator=(const Fortschritt&) = delete;
     ~Fortschritt();
 
-    /// Shows the text, cut to the width of the terminal, in place of the one before.
+    /// Replaces the line by the text, cut to the width of the terminal.
     void zeige(const std::string& text);
 
 private:

@@ -115,7 +115,7 @@ private:
     std::size_t liesAnzahl() {
         std::size_t anzahl = 0;
         lies(anzahl);
-        if (anzahl > rest_.size()) // everything takes a byte at least
+        if (anzahl > rest_.size()) // every element takes at least one byte
             throw UebertragungsFehler("the facts name too large a number");
         return anzahl;
     }

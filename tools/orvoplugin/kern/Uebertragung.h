@@ -9,16 +9,16 @@
 
 namespace werkzeug {
 
-/// The bytes that the parent got are not what a child of ours sends.
+/// The bytes that the parent received are not a valid message from its child.
 class UebertragungsFehler : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The facts as bytes, for the way from the child to the parent. `lebenszeichen`, if given, is called now and then.
+/// Serializes the facts for the parent. `lebenszeichen`, if given, is called at intervals.
 std::string schreibe(const Bestand& bestand, const std::function<void()>& lebenszeichen = {});
 
-/// The facts out of the bytes. Every length, place and enumeration is checked: the child has run the plugins' code.
+/// Parses the facts. Checks every length, index and enumeration: the child has run plugin code.
 /// Errors: `UebertragungsFehler`.
 Bestand liesBestand(std::string_view bytes);
 

@@ -19,7 +19,7 @@ using orvo::orvoutil::OrvoVersion;
 
 // --- Keys ---
 
-/// Who answers in a directory, by kind, sub-case type and year.
+/// Which plugin answers in a directory, by kind, sub-case type and year.
 class Auskunft {
 public:
     explicit Auskunft(const Bestand& bestand) : bestand_(bestand) {
@@ -27,7 +27,7 @@ public:
             zeilen_.emplace(zeilenrang(zeile), &zeile);
     }
 
-    /// {"match": "exact", "plugin": {...}} for the key of another directory; null when nobody answers here.
+    /// {"match": "exact", "plugin": {...}} for the key of another directory; null without an answer here.
     Json fuer(const SchluesselFakt& schluessel) const {
         const auto zeile = zeilen_.find(zeilenrang(schluessel));
         if (zeile == zeilen_.end())
@@ -54,7 +54,7 @@ private:
     std::map<Zeilenrang, const ZeileFakt*> zeilen_;
 };
 
-/// Kind, sub-case type and year of a key; the latter two null for a kind that is not asked for by them.
+/// Kind, sub-case type and year of a key; the latter two are null for a kind without them.
 Json schluesselteil(const Bestand& bestand, const SchluesselFakt& schluessel) {
     const bool paare = bestand.erweiterung(schluessel.inhaber).bedientUnterfallarten;
     const bool jahr = paare && schluessel.zeitraum.jahr != 0;
@@ -63,7 +63,7 @@ Json schluesselteil(const Bestand& bestand, const SchluesselFakt& schluessel) {
             {"year", jahr ? Json(schluessel.zeitraum.jahr) : Json(nullptr)}};
 }
 
-/// The entry as the document has it: what changed, whether that is a finding, and the rest.
+/// The entry for the document: the change, whether it is a finding, and the details.
 Json eintrag(const char* aenderung, bool befund, const Json& rest) {
     Json json{{"change", aenderung}, {"finding", befund}};
     json.update(rest);
@@ -75,7 +75,7 @@ public:
     Schluesselvergleich(const Bestand& vorher, const Bestand& nachher)
         : vorher_(vorher), nachher_(nachher), auskunftVorher_(vorher), auskunftNachher_(nachher) {}
 
-    /// Both lists are in the same order, so that one walk along both meets the equal ones.
+    /// Both lists have the same order, so one pass over both finds the equal keys.
     Json alsJson() {
         auto a = vorher_.schluessel.begin();
         auto b = nachher_.schluessel.begin();
@@ -140,7 +140,7 @@ private:
     Json liste_ = Json::array();
 };
 
-// --- Who does not get the keys that he wants ---
+// --- Plugins that do not get the keys that they offer ---
 
 struct Verlust {
     const SchluesselFakt* schluessel;
@@ -158,7 +158,7 @@ Verluste verlusteIn(const Bestand& bestand) {
                 continue;
             const ErweiterungsOrt& wer =
                 ereignis.art == SchluesselEreignis::Art::VERDRAENGT ? ereignis.gegen : ereignis.wer;
-            if (wer.datei != schluessel.inhaber.datei) // else the plugin has it all the same
+            if (wer.datei != schluessel.inhaber.datei) // else the plugin has the key anyway
                 verluste.insert_or_assign(
                     {schluesselrang(schluessel), kurzerPfad(bestand, bestand.datei(wer))},
                     Verlust{&schluessel, wer, ereignis.regel});
@@ -195,8 +195,8 @@ Json dateiAlsJson(const Bestand& bestand, const DateiFakt* datei) {
     return json;
 }
 
-/// What became of a file, as a code; nothing when that is not worth a word. Of files that are no plugins in either
-/// directory there is none.
+/// The change of a file, as a code; none for an unimportant change and for files that are no plugins in either
+/// directory.
 std::optional<std::pair<const char*, bool>> dateiaenderung(const DateiFakt* a, const DateiFakt* b) {
     using Aenderung = std::pair<const char*, bool>;
     if (istAusfall(b)) {
@@ -237,9 +237,9 @@ Json dateien(const Bestand& vorher, const Bestand& nachher) {
     return liste;
 }
 
-// --- All of it ---
+// --- The document ---
 
-/// How often each change occurs. All that there are stand there, so that readers need not ask first.
+/// How often each change occurs. All changes are listed, also those that do not occur.
 struct Summenzeile {
     const char* was; ///< list of the document
     std::vector<const char*> aenderungen;

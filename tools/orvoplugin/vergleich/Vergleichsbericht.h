@@ -14,10 +14,10 @@ struct Vergleichsseite {
     const Bestand& bestand;  ///< gathered with `Auftrag::deckung`
 };
 
-/// What is different between two plugin directories, as the document of the diff command.
+/// The differences between two plugin directories, as the document of the diff command.
 ///
-/// An entry is a finding when it takes something away: a key lost or gone to a lower version, a file that is refused
-/// or no longer loaded, a plugin that does not get a key that it wants.
+/// An entry is a finding when something is lost: a key that is gone or has gone to a lower version, a file that is
+/// refused or no longer loaded, a plugin that does not get a key that it offers.
 Json vergleichsbericht(const Vergleichsseite& vorher, const Vergleichsseite& nachher, bool zusammengelegt);
 
 /// The document in text form.

@@ -1,4 +1,4 @@
-// The document of the diff command in text form: what is worst comes first.
+// The document of the diff command in text form, the worst changes first.
 
 #include "vergleich/Vergleichsbericht.h"
 

@@ -34,7 +34,7 @@ std::string neuesVerzeichnis() {
     return muster;
 }
 
-/// Which file it is, under whatever name.
+/// Identifies a file independently of its name.
 using Inode = std::pair<dev_t, ino_t>;
 
 Inode inodeVon(const fs::path& pfad) {
@@ -48,7 +48,7 @@ class Leger {
 public:
     explicit Leger(const fs::path& ziel) : ziel_(ziel) {}
 
-    /// Links to all of A's files; what cannot be read there is left out, as it is when A is loaded.
+    /// Links to all of A's files; unreadable directories are skipped, as on loading.
     void legeGrund(const fs::path& a, const fs::path& unterpfad = {}) {
         std::error_code fehler;
         for (const fs::directory_entry& eintrag : fs::directory_iterator(a / unterpfad, fehler)) {
@@ -113,8 +113,8 @@ private:
 
 } // namespace
 
-/// A process that makes the directory, sees to it that it goes when ours is killed, and does nothing else. It makes the
-/// directory itself because there is no moment then at which nobody would clear it away.
+/// A process that only makes the directory, and removes it when the tool is killed. It makes the directory itself so
+/// that there is no moment at which the directory would be left behind.
 class Zusammenlegung::Waechter {
 public:
     Waechter() {
@@ -141,7 +141,7 @@ public:
         }
     }
 
-    /// Empty when it could make none, or there is none of its kind.
+    /// Empty when the directory could not be made, or this system has no such process.
     const std::string& verzeichnis() const { return verzeichnis_; }
 
 private:
@@ -159,7 +159,7 @@ private:
     }
 
     [[noreturn]] static void wache(pid_t eltern, int rohr) noexcept {
-        setsid(); // what the terminal sends is not for us
+        setsid(); // ignores signals of the terminal
         sigset_t alle;
         sigfillset(&alle);
         sigprocmask(SIG_BLOCK, &alle, nullptr);
@@ -167,11 +167,11 @@ private:
         std::string verzeichnis;
         try {
             verzeichnis = neuesVerzeichnis();
-        } catch (const std::exception&) { // which the other one then tries too, and tells of
+        } catch (const std::exception&) { // the tool then tries itself, and reports the error
             _exit(EXIT_FAILURE);
         }
         const bool gesagt = write(rohr, verzeichnis.data(), verzeichnis.size()) > 0;
-        closefrom(0); // nobody is to wait for our end
+        closefrom(0); // no reader must wait for this process
         sigset_t tod;
         sigemptyset(&tod);
         sigaddset(&tod, SIGTERM);

@@ -5,11 +5,11 @@
 
 namespace werkzeug {
 
-/// What would be in plugin directory A if B were copied over it: a directory of its own with links to the files of
-/// both, where B's take the place of those with the same path below A.
+/// The result of copying plugin directory B over A: a temporary directory with links to the files of both, where B's
+/// files replace those with the same path below A.
 ///
-/// A file of B that is there already under another name, as the same inode, is copied instead: copying would have made
-/// two libraries of it, and links would not. The directory goes with the object, also when the process is killed.
+/// A file of B that is already present under another name, as the same inode, is copied: copying B would have made two
+/// libraries, but links would make one. The directory is removed with the object, also when the process is killed.
 class Zusammenlegung {
 public:
     /// Errors: `Unlesbar` when a directory of B cannot be read, or when B has a directory where A has a file or the
@@ -20,9 +20,9 @@ public:
     ~Zusammenlegung();
 
     const std::string& pfad() const { return pfad_; }
-    /// Where the file comes from, by its path below the directory: its full path below A or B.
+    /// The original of a file, by its path below the directory: its full path below A or B.
     std::string herkunft(const std::string& unterpfad) const;
-    /// The text, in which the path of a file of the directory is that of its origin.
+    /// Replaces paths in the directory by the paths of the originals.
     std::string mitHerkunft(std::string text, const std::string& unterpfad) const;
 
 private:

@@ -1,4 +1,4 @@
-#include "Bestandsaufnahme.h"
+#include "Heim.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -1,7 +1,7 @@
-// Checks that a plugin leaves the process as it found it: a look before its whole life, and one after it.
+// Checks that a plugin leaves the process as it found it, by comparing its state before and after the plugin's life.
 
-#include "check/Pluginnutzung.h"
 #include "check/Katalog.h"
+#include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
 
@@ -39,7 +39,7 @@ namespace werkzeug::check {
 
 namespace {
 
-/// What is looked at, by name, and how it stands.
+/// Observed properties, by name, and their values.
 using Stand = std::map<std::string, std::string>;
 
 std::string wertVon(const Stand& stand, const std::string& name) {
@@ -47,7 +47,7 @@ std::string wertVon(const Stand& stand, const std::string& name) {
     return stelle == stand.end() ? "nothing" : einzeilig(stelle->second);
 }
 
-/// Parameters: `was` begins the sentence about each thing that has changed.
+/// Parameters: `was` begins the sentence about each change.
 Befund vergleiche(const Stand& vorher, const Stand& nachher, const std::string& was) {
     Fundliste funde;
     Stand namen = vorher;
@@ -65,7 +65,7 @@ Befund vergleicheLeben(const Pruefling& p, const std::string& was, const std::fu
     return vergleiche(vorher, blick(), was);
 }
 
-/// Any value as text that is equal for equal values.
+/// A value as text; equal for equal values.
 template <class T>
 std::string alsText(const T& wert) {
     std::ostringstream text;
@@ -78,7 +78,7 @@ std::string adresse(Funktion* funktion) {
     return alsText(reinterpret_cast<const void*>(funktion));
 }
 
-/// A descriptor whose output goes to a file of our own while this lives.
+/// Redirects a descriptor to a temporary file while this object lives.
 class Mitschrift {
 public:
     explicit Mitschrift(int deskriptor)
@@ -95,7 +95,7 @@ public:
         std::fclose(datei_);
     }
 
-    /// The beginning of what was written.
+    /// The beginning of the output.
     std::string anfang() const {
         char puffer[60];
         const ssize_t anzahl = pread(fileno(datei_), puffer, sizeof(puffer), 0);
@@ -152,7 +152,7 @@ Stand deskriptoren() {
     std::error_code fehler;
     for (const auto& eintrag : std::filesystem::directory_iterator("/proc/self/fd", fehler)) {
         const std::string ziel = std::filesystem::read_symlink(eintrag.path(), fehler).string();
-        if (!ziel.starts_with("/proc/")) // the listing's own
+        if (!ziel.starts_with("/proc/")) // the listing's own descriptor
             stand["descriptor " + eintrag.path().filename().string()] = ziel;
     }
     return stand;
@@ -199,7 +199,7 @@ std::string rundung() {
     }
 }
 
-/// Some compiler flags make a library switch the smallest numbers off for the whole process when it is opened.
+/// Some compiler flags make a library switch denormal numbers off for the whole process when it is opened.
 std::string kleinsteZahlen() {
     const volatile double kleinste = DBL_MIN;
     const volatile double haelfte = kleinste / 2;
@@ -299,7 +299,7 @@ Befund pruefeThreads(const Pruefling& p) {
     if (vorher == 0)
         return uebersprungen("the threads of a process cannot be counted here");
     ladeUndBenutze(p.pfad);
-    // One that was waited for may still be listed for a moment.
+    // A process that has ended may still be listed for a moment.
     for (int i = 0; threads() > vorher && i < 50; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     const std::size_t mehr = threads() - std::min(vorher, threads());
@@ -312,7 +312,7 @@ Befund pruefeThreads(const Pruefling& p) {
 
 Befund pruefeKindprozesse(const Pruefling& p) {
 #ifdef __linux__
-    prctl(PR_SET_CHILD_SUBREAPER, 1); // also those whose parents are gone come to us
+    prctl(PR_SET_CHILD_SUBREAPER, 1); // adopts orphaned grandchildren as well
 #endif
     ladeUndBenutze(p.pfad);
     int zustand = 0;

@@ -12,7 +12,7 @@ class Heim {
 public:
     Heim() { verzeichnis.legeAn("plugins"); }
 
-    /// Lays a copy of a test plugin below "plugins", with the text that it follows, if any. Returns: its path.
+    /// Copies a test plugin into "plugins", with its text file of orders, if any. Returns: its path.
     std::string lege(const char* bibliothek, const std::string& name, const std::string& text = "") const {
         if (!text.empty())
             verzeichnis.schreibe("plugins/" + name + ".txt", text);
@@ -20,13 +20,13 @@ public:
     }
     std::string plugins() const { return verzeichnis.pfad("plugins"); }
 
-    /// Runs the tool on the directory. Its path reads "@HOME@" in what comes back.
+    /// Runs the tool on the directory. In its output "@HOME@" replaces the path.
     Ergebnis rufe(std::vector<std::string> argumente, const std::vector<std::string>& umgebung = {}) const;
 
     const Verzeichnis verzeichnis;
 };
 
-/// The text with each of one thing replaced by another.
+/// Replaces each occurrence in the text.
 std::string ersetze(std::string text, const std::string& was, const std::string& womit);
 
 /// Compares with the file of that name in tests/tool/golden. With ORVO_GOLDEN=write set, writes the file instead.
