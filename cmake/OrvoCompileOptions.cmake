@@ -1,5 +1,5 @@
-# Options that every target of this tree takes: warnings, hidden symbols, and what lets a closed library
-# really leave the process (GCC's "unique" symbols pin a library for good).
+# Options of every target of this tree: warnings, hidden symbols, and no "unique" symbols of GCC, which would keep a
+# closed library in the process.
 include(CheckCXXCompilerFlag)
 include(CheckLinkerFlag)
 check_cxx_compiler_flag(-fno-gnu-unique ORVO_HAS_NO_GNU_UNIQUE)
@@ -23,8 +23,7 @@ target_compile_options(
 
 # orvo_library(<target> HEADERS <public headers>... SOURCES <sources>...)
 #
-# A shared library of this tree. The public headers stand in one list: what is installed, and what is checked
-# to compile by itself, both come from it.
+# A shared library of this tree. The one list of public headers says which are installed and which must compile alone.
 function(orvo_library target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES")
     add_library(${target} SHARED ${arg_SOURCES})
@@ -46,9 +45,9 @@ function(orvo_library target)
                    VERIFY_INTERFACE_HEADER_SETS ON
                    VERSION ${PROJECT_VERSION}
                    SOVERSION ${PROJECT_VERSION_MAJOR})
-    # Instantiations of the standard library's templates are every library's own affair.
+    # Instantiations of the standard library's templates stay in each library.
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-        # so that a 32-bit process too reads directories whose entries have 64-bit numbers
+        # so that a 32-bit process can read directories with 64-bit inode numbers
         if(CMAKE_SIZEOF_VOID_P EQUAL 4)
             target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
         endif()
@@ -57,8 +56,8 @@ function(orvo_library target)
         set(exports "${PROJECT_SOURCE_DIR}/cmake/library.exports")
         target_link_options(${target} PRIVATE "LINKER:--version-script=${exports}")
         set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${exports}")
-        # No program replaces these functions, so calls inside a library go straight, and fewer symbols have to be looked
-        # up when a process starts.
+        # No program replaces these functions, so calls inside a library are direct, and fewer symbols are looked up at
+        # start-up.
         target_compile_options(${target} PRIVATE -fno-semantic-interposition)
         target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions LINKER:-O1 LINKER:--as-needed)
         # fewer pages to map for each library

@@ -1,11 +1,11 @@
-# What `cmake --install` lays down, in three components:
+# What `cmake --install` installs, in three components:
 #
 #   runtime  both libraries
 #   dev      headers, the package for find_package(orvoplugin), the files for pkg-config, a man page, guides for
 #            developers, projects to start from
-#   tool     the command-line tool, with its man page, shell completion, schema, and the guides for who runs a client
+#   tool     the command-line tool, with its man page, shell completion, schema, and the operator's guides
 #
-# No file holds an absolute path, so the whole can be moved to another prefix.
+# No file holds an absolute path, so an installation can be moved to another prefix.
 include(CMakePackageConfigHelpers)
 
 set(ORVO_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/orvoplugin")
@@ -39,7 +39,7 @@ if(TARGET orvoplugin_tool)
     set_target_properties(
         orvoplugin_tool
         PROPERTIES EXPORT_NAME tool INSTALL_RPATH "$<IF:$<PLATFORM_ID:Darwin>,@loader_path,$ORIGIN>/${libraries}")
-    # An export of its own: a package that was installed without the tool is complete all the same.
+    # A separate export: a package without the tool is complete too.
     install(
         TARGETS orvoplugin_tool
         EXPORT orvopluginToolTargets
@@ -50,7 +50,7 @@ if(TARGET orvoplugin_tool)
         DESTINATION "${ORVO_PACKAGE_DIR}"
         COMPONENT dev)
 
-    # What belongs to the tool lies beside its sources: manual pages, and completion for the shells that have a file here.
+    # Manual pages and shell completion, which are beside the tool's sources.
     set(tool_source "${PROJECT_SOURCE_DIR}/tools/orvoplugin")
     file(GLOB_RECURSE manuals CONFIGURE_DEPENDS "${tool_source}/*.1")
     file(GLOB_RECURSE bash_completion CONFIGURE_DEPENDS "${tool_source}/*.bash")
@@ -82,7 +82,7 @@ install(
     DESTINATION "${ORVO_PACKAGE_DIR}"
     COMPONENT dev)
 
-# pkg-config finds everything from the place of its own file.
+# pkg-config resolves all paths relative to its own file.
 orvo_relative_path(ORVO_PC_PREFIX FROM "${ORVO_PKGCONFIG_DIR}" TO ".")
 orvo_relative_path(ORVO_PC_INCLUDEDIR FROM "." TO "${CMAKE_INSTALL_INCLUDEDIR}")
 orvo_relative_path(ORVO_PC_LIBDIR FROM "." TO "${CMAKE_INSTALL_LIBDIR}")
@@ -97,9 +97,9 @@ foreach(name orvoutil orvoplugin orvoplugin-plugin)
         COMPONENT dev)
 endforeach()
 
-# The guides, a plugin and a client to start from, and the manual page that leads to them. They stand to each other as
-# in this tree, so that their links lead somewhere. Those that operators need come with the tool, and lead to no other;
-# where none is made, developers have them all the same, as theirs lead there.
+# The guides, the plugin and client templates, and the manual page that names them. Their relative places are those of
+# this tree, so that links between them work. The operator's guides come with the tool and link to no other page. If no
+# tool is built, they come with the developer's guides, which link to them.
 set(operators_component dev)
 if(TARGET orvoplugin_tool)
     set(operators_component tool)

@@ -1,5 +1,5 @@
-# What `cpack` makes of the installed components: three Debian packages. What only Debian wants in them, and what they
-# need of the system, comes from debian/Pack.cmake.in while they are being packed.
+# `cpack` makes three Debian packages from the installed components. debian/Pack.cmake.in adds Debian's own files and
+# the dependencies.
 set(ORVO_MAINTAINER "The orvoplugin maintainers <maintainers@users.noreply.c-seed-3d639cce.example>"
     CACHE STRING "Maintainer named in the packages")
 
@@ -58,8 +58,8 @@ if(TARGET orvoplugin_tool) # orvo_add_plugin has the tool check what was built
     string(APPEND CPACK_DEBIAN_DEV_PACKAGE_DEPENDS ", ${CPACK_DEBIAN_TOOL_PACKAGE_NAME} (= ${PROJECT_VERSION})")
 endif()
 
-# Which package a program depends on that links with the libraries, and that the loader's cache follows them. CPack's
-# own way would be scripts that call ldconfig, where Debian has a trigger.
+# The package on which a program that links the libraries depends, and Debian's trigger that updates the loader's cache.
+# CPack itself would write scripts that call ldconfig.
 set(control "${PROJECT_BINARY_DIR}/debian")
 set(shlibs "")
 foreach(library orvoplugin orvoutil)

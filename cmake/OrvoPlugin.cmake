@@ -1,23 +1,23 @@
-# The kit for plugin authors: builds a shared library that the plugin manager accepts, and that truly leaves the
-# process when its last use is given back.
+# The kit for plugin authors: builds a shared library that the plugin manager accepts, and that leaves the process after
+# its last use.
 #
 #   orvo_add_plugin(<target> [SOURCES] <source>... [EXPORTS <name>...] [NO_CHECK])
 #
-# The file is lib<target>.dylib on every system; so the target's name has neither "lib" nor ".dylib". It exports the C
-# functions that are marked with ORVO_PLUGIN_EXPORT, and nothing else: the entry points and factories of
-# PluginEntryPoints.h, which are marked there, and hooks and factories of names of your own, which you declare as
+# The file is lib<target>.dylib on every system, so the target's name has neither "lib" nor ".dylib". It exports only
+# the C functions that are marked with ORVO_PLUGIN_EXPORT: the entry points and factories of PluginEntryPoints.h, which
+# are marked there, and your own hooks and factories, which you declare as
 #
 #   extern "C" ORVO_PLUGIN_EXPORT void wohngeldGeladen();
 #
-#   EXPORTS    of the marked names of your own, export these only; for a plugin that takes in code which marks some too
+#   EXPORTS    of your own marked names, export these only; for a plugin that contains other code with marked names
 #   NO_CHECK   leaves the check out
 #
-# After linking, the tool of the package checks the plugin (ORVO_PLUGIN_CHECKS below), and a finding fails the build
-# with a sentence that names it. The check loads the plugin and lets it describe itself, in a process of its own. It
-# is left out, with a line that says so, when cross-compiling, when the package came without the tool, and when the
-# compiler options of the project, the configuration or the directory name a sanitizer.
+# After linking, the package's tool checks the plugin (ORVO_PLUGIN_CHECKS below). A finding fails the build with a
+# message. The check loads the plugin in a child process and has it describe itself. It is left out, with a status line,
+# when cross-compiling, if the package has no tool, and if the compiler options of the project, the configuration or the
+# directory name a sanitizer.
 #
-#   orvo_plugin_options(<target>)    the options alone, for a library target that you made yourself
+#   orvo_plugin_options(<target>)    the options alone, for an existing library target
 #   orvo_check_plugin(<target>)      the check alone
 include_guard(GLOBAL)
 include(CheckCXXCompilerFlag)
@@ -39,16 +39,15 @@ set(ORVO_PLUGIN_CHECKS
     CACHE INTERNAL "Checks after linking")
 set(ORVO_PLUGIN_EXPORTS_FILE "${CMAKE_CURRENT_LIST_DIR}/plugin.exports" CACHE INTERNAL "Version script of a plugin")
 
-# Sets ORVO_PLUGIN_COMPILE_OPTIONS and ORVO_PLUGIN_LINK_OPTIONS, as the compiler takes them. The version script comes
-# on top.
+# Sets ORVO_PLUGIN_COMPILE_OPTIONS and ORVO_PLUGIN_LINK_OPTIONS for the compiler, without the version script.
 function(orvo_find_plugin_options)
     set(CMAKE_REQUIRED_QUIET ON)
     set(compile
-        # nothing is exported but what is marked: fewer symbols to look up, nothing to be mixed up with the host's
+        # only marked names are exported: fewer symbols to look up, no collision with the host's
         -fvisibility=hidden
         # the same for functions defined in classes and headers (C has none, and GCC warns of it there)
         $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>)
-    # a static in a template or an inline function would be "unique", and never leave the process (Clang makes none)
+    # a static in a template or inline function would be "unique" and keep the library in the process (not with Clang)
     check_cxx_compiler_flag(-fno-gnu-unique ORVO_HAS_NO_GNU_UNIQUE)
     if(ORVO_HAS_NO_GNU_UNIQUE)
         list(APPEND compile -fno-gnu-unique)
@@ -56,15 +55,15 @@ function(orvo_find_plugin_options)
     set(link "")
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         set(link
-            # only libraries that are used, or opening the plugin opens them all
+            # only libraries that are used; otherwise opening the plugin opens them all
             -Wl,--as-needed
-            # the insides of static libraries stay inside
+            # names of static libraries are not exported
             -Wl,--exclude-libs,ALL
             # every symbol is bound when the plugin is opened, so that none can fail later, in the middle of a call
             -Wl,-z,now
-            # a function that is missing fails here rather than in the client's process
+            # a missing function fails here, not in the client's process
             -Wl,-z,defs)
-        # code and data share pages where they may: fewer pages to map for each plugin (gold knows no such option)
+        # code and data share pages where possible: fewer pages to map per plugin (gold has no such option)
         separate_arguments(CMAKE_REQUIRED_LINK_OPTIONS UNIX_COMMAND "${CMAKE_MODULE_LINKER_FLAGS}")
         list(APPEND CMAKE_REQUIRED_LINK_OPTIONS -Wl,-z,noseparate-code)
         check_cxx_source_compiles("int main() {}" ORVO_HAS_NOSEPARATE_CODE)
@@ -77,8 +76,8 @@ function(orvo_find_plugin_options)
 endfunction()
 orvo_find_plugin_options()
 
-# Sets the variable to true where the compiler options name a sanitizer: those of the project, of the configuration, of
-# the directory, or of the target as it is now.
+# Sets the variable to true if the compiler options of the project, the configuration, the directory or the target so
+# far name a sanitizer.
 function(orvo_plugin_has_sanitizer target variable)
     string(TOUPPER "${CMAKE_BUILD_TYPE}" configuration)
     get_target_property(options ${target} COMPILE_OPTIONS)

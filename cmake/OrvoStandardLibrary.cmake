@@ -1,5 +1,5 @@
-# Writes the public header that keeps users of the libraries on the standard library they were built with: objects
-# of its classes cross the boundary, and another one, or another setting of it, lays them out differently.
+# Writes the public header that requires users of the libraries to compile with the same standard library and settings:
+# objects of its classes cross the boundary and must have the same layout.
 include(CheckCXXSourceCompiles)
 
 # orvo_standard_library_has(<variable> <condition of the preprocessor>): sets the variable to 1 or 0
@@ -12,7 +12,7 @@ function(orvo_standard_library_has variable condition)
     endif()
 endfunction()
 
-# orvo_standard_library_header(<target>): writes the header and makes it one of the target's
+# orvo_standard_library_header(<target>): writes the header and adds it to the target
 function(orvo_standard_library_header target)
     orvo_standard_library_has(LIBCXX "defined _LIBCPP_VERSION")
     orvo_standard_library_has(CXX11_ABI "defined _GLIBCXX_USE_CXX11_ABI && _GLIBCXX_USE_CXX11_ABI")

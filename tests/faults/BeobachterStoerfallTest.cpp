@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Writes down what it is told, and then does something.
+/// Records what it is told, then calls a function.
 class Beobachter : public PluginObserver {
 public:
     using Tat = std::function<void(const std::string& ereignis)>;
@@ -36,7 +36,7 @@ private:
 
 class BeobachterStoerfall : public Stoerfall {
 protected:
-    /// Every plugin here is a healthy one: what is bad is the observer.
+    /// All plugins here are healthy; the observer is bad.
     void SetUp() override {
         ASSERT_TRUE(starte());
         erwarteHeileBrauchbar();
@@ -48,7 +48,7 @@ protected:
         erwarteHeileBrauchbar();
     }
 
-    /// Loads anew with these observers, and takes them out again.
+    /// Reloads with these observers, then removes them.
     bool ladeNeuMit(const std::vector<Beobachter*>& beobachter) {
         for (Beobachter* const einer : beobachter)
             manager->addObserver(einer);

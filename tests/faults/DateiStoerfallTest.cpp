@@ -1,4 +1,4 @@
-// Faults in the plugin directory: what lies there in place of a plugin, and how it is named.
+// Faults in the plugin directory: other files in place of a plugin, and odd names.
 
 #include "faults/Stoerfall.h"
 
@@ -141,7 +141,7 @@ TEST_F(DateiStoerfall, ANameWithALineEndIsLoaded) {
 }
 
 TEST_F(DateiStoerfall, ANameOf255BytesIsLoaded) {
-    // No room is left for the text file's name, so this one offers nothing.
+    // The name is too long for a text file beside it, so this plugin offers nothing.
     schlechtes = plugin("lib" + std::string(246, 'm') + ".dylib");
     legeSchlechtes(test_plugins::DescribedByFile);
     erwarteGeladen();

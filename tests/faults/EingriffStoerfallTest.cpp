@@ -1,8 +1,7 @@
-// Faults that come about between the listing of the plugin directory and the opening of a file in it.
+// Faults that occur between the listing of the plugin directory and the opening of a file in it.
 //
-// Between the library's own look at a file and the loader's there is no such moment to step in. A library that is
-// overwritten in place, there or while it is in use, can end the process: whoever updates one writes a new file
-// and renames it.
+// A test cannot intervene between the library's look at a file and the loader's. A library that is overwritten in
+// place, then or while it is in use, can end the process: to update one, write a new file and rename it.
 
 #include "faults/Stoerfall.h"
 
@@ -23,7 +22,7 @@ namespace {
 
 constexpr char kKeineDatei[] = "keine gew\xF6hnliche Datei";
 
-/// Does something to the bad file once it is told of the plugin before it: after the listing, before the opening.
+/// Changes the bad file when it is told of the plugin before it: after the listing, before the opening.
 class Eingriff : public PluginObserver {
 public:
     Eingriff(std::string davor, std::function<void()> tat) : davor_(std::move(davor)), tat_(std::move(tat)) {}
@@ -40,7 +39,7 @@ private:
 
 class EingriffStoerfall : public Stoerfall {
 protected:
-    /// Loads with a healthy plugin in the bad one's place, to which that is done in the midst of it.
+    /// Loads with a healthy plugin in the bad one's place, which is changed during the run.
     bool ladeMit(const std::function<void()>& tat) {
         legeSchlechtes(test_plugins::DescribedByFile, kEinCheck);
         EXPECT_TRUE(starte());

@@ -1,8 +1,8 @@
 // Faults in the two entry points of a plugin: missing ones, wrong type records, exceptions, refusals.
 //
-// Out of reach for a library that runs in the same process: a plugin that ends or damages the process by itself
-// (exit, abort, a wild pointer, an endless loop), and an exception that leaves the constructor of a static object
-// in the plugin. The system's loader lets no exception through, so the process ends in std::terminate.
+// A library in the same process cannot prevent two faults: a plugin that ends or damages the process (exit, abort, a
+// wild pointer, an endless loop), and an exception that leaves the constructor of a static object in the plugin. No
+// exception passes through the system's loader, so the process ends in std::terminate.
 
 #include "faults/Stoerfall.h"
 
@@ -12,7 +12,7 @@ namespace {
 
 class EinsprungpunktStoerfall : public Stoerfall {
 protected:
-    /// The plugin asks for what is being made during the first run, and is there from then on.
+    /// The plugin requests an object that is being made during the first run, and exists from then on.
     void erwarteErstAbgelehntDannGeladen(const std::string& grund) {
         EXPECT_FALSE(starte());
         EXPECT_EQ(ablehnungen(), Zeilen{ablehnung(grund)});

@@ -22,7 +22,7 @@ using orvo::orvoutil::Einstellungen;
 
 namespace {
 
-/// Where the file of the utility library lies; empty when the memory map does not tell.
+/// The directory of the utility library; empty if the memory map does not show it.
 std::string verzeichnisDerBibliothek() {
     std::ifstream karte("/proc/self/maps");
     for (std::string zeile; std::getline(karte, zeile);)
@@ -31,8 +31,8 @@ std::string verzeichnisDerBibliothek() {
     return {};
 }
 
-/// One line for each text that ends in a comma, each time that the list is read. A list without one is read for
-/// each plugin, and says nothing.
+/// One line for each entry that ends in a comma, each time the list is read. A list without such an entry is read for
+/// each plugin and prints nothing.
 std::string erwartetesEcho(const std::string& liste) {
     std::string echo, eintrag;
     for (const char zeichen : liste) {
@@ -60,7 +60,7 @@ protected:
         EXPECT_EQ(finde(kVorher), nullptr);
         erwarteSpurlos();
 
-        Einstellungen().setze("basis.home_dir", home.pfad()); // and from there, all is well again
+        Einstellungen().setze("basis.home_dir", home.pfad()); // the next change works again
         erwarteHeilesHeim(home.pfad());
     }
 
@@ -113,7 +113,7 @@ TEST_F(EinstellungStoerfall, ARelativeHomeDirectoryIsTakenFromTheCurrentOne) {
     std::filesystem::current_path(home.pfad() + "/..");
     Einstellungen().setze("basis.home_dir", "./" + std::filesystem::path(home.pfad()).filename().string());
     EXPECT_TRUE(starte());
-    std::filesystem::current_path(hier); // the path is absolute by now
+    std::filesystem::current_path(hier); // the path is already absolute
     erwarteHeilesHeim(home.pfad());
     EXPECT_TRUE(ladeNeu());
     erwarteHeilesHeim(home.pfad());

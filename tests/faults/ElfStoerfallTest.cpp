@@ -1,4 +1,4 @@
-// Faults in the contents of a plugin's file: what the system's loader must never get to see.
+// Faults in the contents of a plugin's file, which must not reach the system's loader.
 
 #include "faults/Stoerfall.h"
 
@@ -25,14 +25,14 @@ std::string inhaltVon(const std::string& pfad) {
 
 class ElfStoerfall : public Stoerfall {
 protected:
-    /// The bytes of a small plugin that is quite in order.
+    /// The bytes of a small, valid plugin.
     const std::string heil = inhaltVon(test_plugins::Small);
 
     void schreibeSchlechtes(const std::string& inhalt) const {
         home.schreibe("plugins/libmmm.dylib", inhalt);
     }
 
-    /// A bad file for each number; they lie between the healthy ones, in the order of their numbers.
+    /// A bad file for each number; in load order they are between the healthy ones, by number.
     std::string nummeriert(std::size_t nummer) const {
         char name[32];
         std::snprintf(name, sizeof name, "libm%06zu.dylib", nummer);
@@ -104,7 +104,7 @@ TEST_F(ElfStoerfall, AFileCutAtAnyBlockOf64BytesIsRefused) {
 }
 
 TEST_F(ElfStoerfall, ALibraryOfImmenseSizeInMemoryIsRefusedAndLeavesNothingMapped) {
-    // The system's loader gives up only after it has mapped the file, and then forgets about that.
+    // The system's loader fails only after it has mapped the file, and leaves it mapped.
     std::string bytes = heil;
     ElfW(Ehdr) kopf;
     std::memcpy(&kopf, bytes.data(), sizeof kopf);
@@ -142,8 +142,7 @@ TEST_F(ElfStoerfall, AFileThatEndsInZerosFromAnyBlockOf64BytesOnIsRefused) {
 
 namespace {
 
-/// One field of the header with a wrong value, and what becomes of the library; no reason means that the field
-/// is nobody's business.
+/// One field of the header with a wrong value, and the expected reason; no reason means that the field is not used.
 struct Kopffehler {
     const char* name;
     std::size_t stelle;

@@ -1,4 +1,4 @@
-// Faults in what a plugin says of itself: extensions, versions, status, residency, settings.
+// Faults in a plugin's description: extensions, versions, status, residency, settings.
 
 #include "faults/Stoerfall.h"
 
@@ -18,7 +18,7 @@ namespace {
 
 class ErweiterungStoerfall : public Stoerfall {};
 
-/// An extension class of the host's, as the order "host" of the misbehaving plugin wants it.
+/// An extension class of the host, for the order "host" of the misbehaving plugin.
 class HostErweiterung : public OrvoValidierungsServiceErweiterung {
 public:
     explicit HostErweiterung(const std::string& wie)

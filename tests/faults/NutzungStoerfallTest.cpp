@@ -1,7 +1,7 @@
 // Faults in use: factories, hooks, services given back wrongly, files that change on disk.
 //
-// A service that is kept past a reload is the caller's fault and out of the library's reach: its code has left
-// the process. What is proved here is that the reload itself goes well.
+// Keeping a service past a reload is the caller's fault, which the library cannot repair: the code has left the
+// process. These tests show that the reload itself works.
 
 #include "faults/Stoerfall.h"
 
@@ -34,7 +34,7 @@ protected:
         starteMit(test_plugins::DescribedByFile, "produktversion 1.0\nfactory " + name + "\ncheck 50 2009\n");
     }
 
-    /// There is no service to be had, for that reason, and nothing of the attempt is left.
+    /// There is no service, for that reason, and nothing is left of the attempt.
     void erwarteKeinenService(const Zeilen& erwarteteWarnungen) {
         for (int versuch = 0; versuch < 2; ++versuch) {
             log.leere();
@@ -134,7 +134,7 @@ TEST_F(NutzungStoerfall, AReleaseTooMuchOfThePluginItselfOpensNothing) {
     OrvoPlugin* const plugin = geladenes(schlechtes);
     plugin->release();
     EXPECT_EQ(plugin->getUseCount(), -1);
-    EXPECT_EQ(erweiterung->holeService(), nullptr); // its use takes the count to 0 only, so nothing is opened
+    EXPECT_EQ(erweiterung->holeService(), nullptr); // raises the count only to 0, so nothing is opened
     EXPECT_EQ(warnungen(),
               Zeilen{"E Konnte Funktion: gleicherService in Plugin " + schlechtes + " nicht finden."});
     EXPECT_EQ(plugin->getUseCount(), -1);

@@ -1,4 +1,4 @@
-// Faults that show when the system's loader opens a plugin: what it needs is not there.
+// Faults found when the system's loader opens a plugin: something that it needs is missing.
 
 #include "faults/Stoerfall.h"
 

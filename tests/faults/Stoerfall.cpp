@@ -48,7 +48,7 @@ private:
     std::string satz_ = "Datensatz";
 };
 
-/// What of that directory is in the memory map, also of files that are gone since.
+/// The entries of that directory in the memory map, also of files that were removed.
 std::vector<std::string> eingeblendetAus(const std::string& verzeichnis) {
     std::vector<std::string> zeilen;
     std::ifstream karte("/proc/self/maps");
@@ -215,7 +215,7 @@ void Stoerfall::imKindprozess(const std::function<void()>& was, Benutzer benutze
     if (kind == 0) {
         deskriptoren_ =
             offeneDeskriptoren(); // a tool that watches the process may keep its own from the child
-        // A user who is not root is one already from whom permissions can be taken.
+        // Permissions already apply to a user who is not root.
         if (benutzer == Benutzer::NIEMAND && geteuid() == 0 && (setgid(kNiemand) || setuid(kNiemand)))
             ADD_FAILURE() << "root cannot become nobody here, so nothing is proved about permissions";
         else

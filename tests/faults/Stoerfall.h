@@ -16,20 +16,19 @@ class OrvoPluginManager;
 class OrvoValidierungsServiceErweiterung;
 
 /// A fault ("Störfall"): a plugin directory with something bad in it, between two healthy plugins in load order.
-/// Whatever the bad one does, the process lives and the healthy ones are registered and usable; the bad library
-/// is out of the memory map afterwards, and no file descriptor stays open. Each test ends by unloading everything
-/// and looking once more.
+/// In every case the process survives and the healthy plugins are registered and usable; afterwards the bad library is
+/// not in the memory map, and no file descriptor stays open. Each test ends by unloading everything and checking again.
 class Stoerfall : public testing::Test {
 protected:
     using Zeilen = std::vector<std::string>;
 
-    /// What the healthy plugins and, where it is loaded at all, the bad one offer checks for, in the year 2009.
+    /// The sub-case types that the healthy plugins and, if it is loaded, the bad one check, in the year 2009.
     static constexpr int kVorher = 11;
     static constexpr int kNachher = 99;
     static constexpr int kDazwischen = 50;
-    /// What makes the bad one healthy, for the plugin that does what a text says.
+    /// The text that makes the bad plugin healthy.
     static constexpr char kEinCheck[] = "produktversion 1.0\nloeschen\ncheck 50 2009\n";
-    /// Why a file that is not there is refused.
+    /// Why a missing file is refused.
     static constexpr char kFehlt[] = "kann nicht ge\xF6"
                                      "ffnet werden: No such file or directory";
 
@@ -39,7 +38,7 @@ protected:
 
     /// Path of something in the plugin directory.
     std::string plugin(const std::string& name) const { return home.pfad("plugins/" + name); }
-    /// Lays a copy of a test plugin there, with the text that it follows. Returns: the copy's path.
+    /// Copies a test plugin there, with the text that it follows. Returns: the copy's path.
     std::string lege(const char* vorlage, const std::string& name,
                      const std::string& beschreibung = "") const;
     /// The same as the bad one.
@@ -50,20 +49,20 @@ protected:
     /// Unloads everything and loads it again. Returns: what `ladePlugins` returned.
     bool ladeNeu();
 
-    /// The three outcomes, each with everything that goes with it; `starte` included, and a second loading run.
+    /// The three outcomes, each with all its checks; they call `starte` and run the loading a second time.
     /// Refused: the line "Plugin nicht geladen: " + `grund`, and no other line of that kind, no warning, no error.
     void erwarteAbgelehnt(const std::string& grund);
     /// The same, for a file that the library itself or the system's loader does not open.
     void erwarteNichtGeoeffnet(const std::string& grund);
     /// Loaded like any other; the log has these warnings and errors and no others.
     void erwarteGeladen(const Zeilen& warnungen = {});
-    /// Not taken for a plugin file: the log never speaks of it.
+    /// Not taken for a plugin file: the log never mentions it.
     void erwarteUebergangen();
 
-    /// Their parts, for tests that go another way.
+    /// Their parts, for other kinds of test.
     void erwarteHeileBrauchbar();
     void erwarteBrauchbar(int unterfallart, const std::string& pfad);
-    /// Nothing of the plugin directory is mapped, no descriptor is open that was not before.
+    /// Nothing of the plugin directory is mapped, and no further descriptor is open.
     void erwarteSpurlos() const;
 
     OrvoValidierungsServiceErweiterung* finde(int unterfallart) const;
@@ -76,7 +75,7 @@ protected:
     Zeilen warnungen() const;
     static std::string ablehnung(const std::string& grund);
 
-    /// Runs something in a child process, as another user if so wanted; its failures become this test's.
+    /// Runs a function in a child process, optionally as another user; its failures become this test's.
     enum class Benutzer { DERSELBE, NIEMAND };
     void imKindprozess(const std::function<void()>& was, Benutzer benutzer = Benutzer::DERSELBE);
 

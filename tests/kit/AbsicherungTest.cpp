@@ -1,4 +1,4 @@
-// The guard around an author's own code: what it makes of exceptions, by itself and in a real plugin.
+// The guard around an author's own code: how it handles exceptions, alone and in a real plugin.
 
 #include <orvoplugin/plugin/Absicherung.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>

@@ -31,7 +31,7 @@ class AusnahmeDesService : public testing::Test {
 protected:
     bool istOffen() const { return istEingeblendet(pfad); }
 
-    /// As a client does it: the handle ends with the block, also when the service throws.
+    /// Like a client: the handle ends with the block, also when the service throws.
     static void pruefe(Wurf wurf) {
         PruefErgebnis ergebnis;
         if (const auto griff = holeValidierungsService(10, kJahr))

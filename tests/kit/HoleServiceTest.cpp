@@ -109,7 +109,7 @@ TEST_F(HoleService, MayBeHeldNoLongerThanTheNextReload) {
     pruefung.gibZurueck();
 }
 
-/// Gives back what it holds as soon as a plugin goes.
+/// Gives its service back when a plugin is unloaded.
 class Ruecksicht : public PluginObserver {
 public:
     explicit Ruecksicht(ServiceGriffBasis& griff) : griff_(griff) {
@@ -144,7 +144,7 @@ TEST_F(HoleService, MayBeGivenBackWhileAnObserverHearsOfTheUnloading) {
 
 bool leerAmProzessende = false;
 
-/// Is destroyed after the registry, and asks for a service then.
+/// Is destroyed after the registry, and requests a service then.
 class SpaeterFrager {
 public:
     ~SpaeterFrager() {

@@ -1,4 +1,4 @@
-// What the kit's options do for a real plugin.
+// The effect of the kit's options on a real plugin.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/registry/HoleService.h>

@@ -1,4 +1,4 @@
-// The handle on services of a real plugin library: who holds which use of it, and what is left when it goes.
+// Handles on services of a real plugin library: which use each one holds, and what remains after it.
 
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
@@ -46,7 +46,7 @@ class ServiceGriffTest : public testing::Test {
 protected:
     ServiceGriffTest() { erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true); }
 
-    /// Lets each get give the same object, which stays the library's.
+    /// Makes each request return the same object, which the library owns.
     void gibDenselben() {
         erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, false);
         erweiterung.setServiceFactoryName("gibtStaendigenService");
@@ -81,7 +81,7 @@ TEST_F(ServiceGriffTest, GivesItsServiceBackAtItsEnd) {
 }
 
 TEST_F(ServiceGriffTest, GivesItsServiceBackBeforeItsEndWhenAsked) {
-    const Griff anderer(&erweiterung); // keeps the library open, to count in
+    const Griff anderer(&erweiterung); // keeps the library open, so that its counter can be read
     Griff griff(&erweiterung);
     EXPECT_EQ(datei.lebende(), 2);
     griff.gibZurueck();
@@ -234,7 +234,7 @@ TEST_F(ServiceGriffTest, EndsWithTheBlockThatAnExceptionLeaves) {
         EXPECT_EQ(plugin.getUseCount(), 0);
         EXPECT_THAT(erweiterung.getInstanzen(), IsEmpty());
     }
-    { const Griff griff(&erweiterung); } // the library was kept for the exception
+    { const Griff griff(&erweiterung); } // the library was kept open for the exception
     erwarteUnbenutzt();
 }
 
@@ -255,7 +255,7 @@ TEST_F(ServiceGriffTest, LeavesTheUseCountAsItWasWhenTheLibraryCannotBeOpened) {
     erwarteUnbenutzt();
 }
 
-/// An extension class of the host's, whose own `holeService` gives another interface than its plugin's objects have.
+/// An extension class of the host. Its own `holeService` returns another interface than its plugin's objects have.
 class ErweiterungDesHosts : public OrvoFADatenServiceErweiterung {
 public:
     orvo::service::IXPathMappingService* holeService() {

@@ -1,5 +1,5 @@
-// Damaged files: what the look promises to refuse, and with which finding. Damage to a single field that it does not
-// promise to see is the loader's business.
+// Damaged files: what the look promises to refuse, and with which finding. Damage to other single fields is left to the
+// loader.
 
 #include <orvoelf/Dateiblick.h>
 
@@ -26,7 +26,7 @@ protected:
     const ElfDatei heil_{HAS_EVERYTHING};
 };
 
-/// One change to a library that is in order, and what is found then.
+/// One change to a valid library, and the expected finding.
 struct Fall {
     const char* name;
     std::function<void(ElfDatei&)> aendere;
@@ -60,7 +60,7 @@ TEST_F(Schaden, AFileCutAnywhereIsRefused) {
 }
 
 TEST_F(Schaden, AFileThatEndsInZerosIsRefused) {
-    // The last number of the section table that is not zero stands 16 bytes before the end.
+    // The last number of the section table that is not zero is 16 bytes before the end.
     const std::size_t laenge = heil_.bytes.size();
     ASSERT_NE(heil_.bytes[laenge - 16], '\0');
     for (std::size_t i = 0; i <= laenge - 16; i += i < 256 || i > laenge - 128 ? 1 : 97) {

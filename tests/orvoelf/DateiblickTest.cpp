@@ -32,7 +32,7 @@ int systemaufrufe = 0;
 
 } // namespace
 
-// What the look calls: the linker puts these in the place of the system's.
+// The linker replaces the system's functions with these.
 extern "C" {
 
 int __real_open(const char* pfad, int art);
@@ -80,8 +80,8 @@ std::string schreibe(const Verzeichnis& verzeichnis, const ElfDatei& datei) {
 
 } // namespace
 
-/// The search for leaks takes the thread-local variables of a library that was closed for still there, and follows
-/// what stands in their place; so it leaves all of them out.
+/// The leak checker takes thread-local variables of a closed library for alive and follows what is in their place. So
+/// it must leave out all of them.
 extern "C" __attribute__((visibility("default"))) const char* __lsan_default_options() { return "use_tls=0"; }
 
 TEST_P(DateiblickAufAlle, PassesWhatThenWorks) {
@@ -90,7 +90,7 @@ TEST_P(DateiblickAufAlle, PassesWhatThenWorks) {
     ASSERT_TRUE(bibliothek.load()) << bibliothek.getLastError();
     void* const zaehle = bibliothek.getSymbol("zaehle");
     ASSERT_NE(zaehle, nullptr);
-    // Without the table for it, an exception ends the process.
+    // Without the table, an exception ends the process.
     if (!std::strstr(GetParam(), "WithoutUnwinderTable")) {
         EXPECT_EQ(reinterpret_cast<int (*)()>(zaehle)(), 10);
     }
@@ -129,16 +129,16 @@ TEST(Dateiblick, TakesAtMostFiveSystemCallsHoweverLargeTheFileIs) {
     const std::string pfad = verzeichnis.kopiere(HAS_EVERYTHING, "riesig.so");
     for (const std::uintmax_t laenge :
          {std::uintmax_t{60} << 10, std::uintmax_t{4} << 20, std::uintmax_t{5} << 30}) {
-        std::filesystem::resize_file(pfad, laenge); // takes no room on the disk
+        std::filesystem::resize_file(pfad, laenge); // a sparse file
         EXPECT_LE(aufrufeBei(pfad), 5) << laenge;
     }
     Dl_info standardbibliothek{};
-    ASSERT_NE(dladdr(dlsym(RTLD_DEFAULT, "_ZSt4cout"), &standardbibliothek), 0); // of some megabytes
+    ASSERT_NE(dladdr(dlsym(RTLD_DEFAULT, "_ZSt4cout"), &standardbibliothek), 0); // some megabytes
     EXPECT_LE(aufrufeBei(standardbibliothek.dli_fname), 5);
 }
 
 TEST(Dateiblick, ASectionWithoutBitsInsideASegmentWithBitsPasses) {
-    // As the linkage table is on some processors.
+    // Like the procedure linkage table on some processors.
     const Verzeichnis verzeichnis;
     ElfDatei datei(HAS_EVERYTHING);
     datei.abschnittVom(SHT_INIT_ARRAY).sh_type = SHT_NOBITS;
@@ -207,7 +207,7 @@ TEST(Dateiblick, NeverWaitsForWhatIsNoRegularFile) {
     ASSERT_EQ(bind(horcher, reinterpret_cast<const sockaddr*>(&adresse), sizeof(adresse)), 0);
     for (const std::string& pfad : {fifo, buchse, verzeichnis.pfad(), std::string("/dev/null"),
                                     std::string("/dev/tty"), std::string("/dev/zero")}) {
-        EXPECT_EQ(blickeAufDatei(pfad).grund, kKeineDatei) << pfad; // and comes back
+        EXPECT_EQ(blickeAufDatei(pfad).grund, kKeineDatei) << pfad; // and does not block
         EXPECT_EQ(blickeAufDatei(pfad).mangel, Dateimangel::KEINE_DATEI) << pfad;
     }
     close(horcher);
@@ -223,7 +223,7 @@ TEST(Dateiblick, WaitsForTheEndOfAWriteLeaseAsTheLoaderDoes) {
     int bereit[2];
     ASSERT_EQ(pipe(bereit), 0);
     const pid_t inhaber = fork();
-    if (inhaber == 0) { // gives the lease up when somebody asks for the file
+    if (inhaber == 0) { // gives the lease up when the file is opened
         const int deskriptor = __real_open(pfad.c_str(), O_RDWR);
         const char geliehen = fcntl(deskriptor, F_SETLEASE, F_WRLCK) == 0 ? 1 : 0;
         if (write(bereit[1], &geliehen, 1) != 1 || !geliehen)

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-/// The bytes of an ELF file in memory, to be looked at and changed.
+/// The bytes of an ELF file in memory, to read and change.
 class ElfDatei {
 public:
     explicit ElfDatei(const std::string& pfad) {
@@ -18,7 +18,7 @@ public:
 
     std::string bytes;
 
-    /// What stands at a position; writing to it changes the file.
+    /// The value at a position; writing to it changes the file.
     template <class T>
     T& bei(std::uint64_t stelle) {
         if (stelle + sizeof(T) > bytes.size())
@@ -51,7 +51,7 @@ public:
             return *e;
         throw std::out_of_range("no such entry");
     }
-    /// Where in the file an address stands.
+    /// The position of an address in the file.
     std::uint64_t stelle(std::uint64_t adresse) {
         for (unsigned i = 0; i < kopf().e_phnum; ++i) {
             const ElfW(Phdr)& s = segment(i);
@@ -60,7 +60,7 @@ public:
         }
         throw std::out_of_range("no such address");
     }
-    /// What stands in the table that an entry points to.
+    /// The content of the table that an entry points to.
     template <class T>
     T& inTabelle(std::int64_t tag, std::uint64_t nummer = 0) {
         return bei<T>(stelle(eintrag(tag).d_un.d_ptr) + nummer * sizeof(T));

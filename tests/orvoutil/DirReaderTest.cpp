@@ -26,14 +26,14 @@ void verweise(const std::string& ziel, const std::string& name) {
     ASSERT_EQ(symlink(ziel.c_str(), name.c_str()), 0);
 }
 
-/// What readdir reports, once for this many entries.
+/// The error that readdir reports once, after this many entries.
 struct Lesefehler {
     int nummer = 0;
     int nachEintraegen = 0;
 };
 Lesefehler lesefehler;
 
-/// Whether a name passes a pattern, by the directory's listing.
+/// Whether a listing with this pattern shows the name.
 bool passt(const std::string& name, const std::string& muster) {
     const Verzeichnis verzeichnis;
     verzeichnis.schreibe(name, "");
@@ -42,7 +42,7 @@ bool passt(const std::string& name, const std::string& muster) {
 
 } // namespace
 
-/// Stands before the system's.
+/// Replaces the system's.
 extern "C" dirent* readdir(DIR* verzeichnis) {
     static const auto lies = reinterpret_cast<dirent* (*)(DIR*)>(dlsym(RTLD_NEXT, "readdir"));
     if (lesefehler.nummer != 0 && lesefehler.nachEintraegen-- == 0) {

@@ -23,7 +23,7 @@ namespace {
 constexpr char kHomeDir[] = "basis.home_dir";
 constexpr char kResidentPlugins[] = "basis.resident_plugins";
 
-/// Writes its name and what it hears into a common protocol, and then does something.
+/// Writes its name and each message to a common protocol, then calls a function.
 struct Beobachter : AenderungsBeobachter {
     Beobachter(std::string n, std::vector<std::string>& p) : name(std::move(n)), protokoll(p) {
         Einstellungen().beobachterAnmelden(this);
@@ -53,7 +53,7 @@ struct EinstellungenTest : testing::Test {
     std::vector<std::string> protokoll;
 };
 
-/// What a command prints.
+/// The output of a command.
 std::string ausgabe(const std::string& befehl) {
     FILE* const rohr = popen(befehl.c_str(), "r");
     std::string text;
@@ -222,7 +222,7 @@ TEST_F(EinstellungenTest, ServesSeveralThreadsAtOnce) {
                     Einstellungen().setze(schluessel, std::to_string(i));
             });
         threads.emplace_back([] {
-            static Zaehler fluechtig; // may still be told something while it is being taken back
+            static Zaehler fluechtig; // may still be told while it is being removed
             for (int i = 0; i < kRunden; ++i) {
                 Einstellungen().beobachterAnmelden(&fluechtig);
                 Einstellungen().wert("k");

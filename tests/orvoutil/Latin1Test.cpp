@@ -47,20 +47,20 @@ TEST(ToUtf8, KeepsWhatIsUtf8) {
 TEST(ToUtf8, TakesWhatIsNotUtf8AsLatin1) {
     for (const char* const text : {
              "\xFC",             // a letter alone
-             "\xC3",             // cut short
-             "\xE2\x82",         // cut short
-             "\xF0\x9F\x98",     // cut short
-             "\x80",             // no beginning
-             "\xC0\x80",         // longer than need be
-             "\xC1\xBF",         // longer than need be
-             "\xE0\x9F\xBF",     // longer than need be
-             "\xF0\x8F\xBF\xBF", // longer than need be
-             "\xED\xA0\x80",     // half of a pair
-             "\xED\xBF\xBF",     // half of a pair
+             "\xC3",             // truncated
+             "\xE2\x82",         // truncated
+             "\xF0\x9F\x98",     // truncated
+             "\x80",             // no leading byte
+             "\xC0\x80",         // overlong
+             "\xC1\xBF",         // overlong
+             "\xE0\x9F\xBF",     // overlong
+             "\xF0\x8F\xBF\xBF", // overlong
+             "\xED\xA0\x80",     // a single surrogate
+             "\xED\xBF\xBF",     // a single surrogate
              "\xF4\x90\x80\x80", // beyond the last character
-             "\xF8\x88\x80\x80", // no beginning
-             "\xF9\x80\x80\x80", // no beginning
-             "\xFF\xBF\xBF\xBF", // no beginning
+             "\xF8\x88\x80\x80", // no leading byte
+             "\xF9\x80\x80\x80", // no leading byte
+             "\xFF\xBF\xBF\xBF", // no leading byte
          })
         EXPECT_EQ(toUtf8(text), latin1ToUtf8(text));
 }

@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// A sink that does what the test wants.
+/// A sink that calls a function of the test.
 struct Senke : LogSink {
     explicit Senke(std::function<void(const LogEntry&)> t) : tue(std::move(t)) {}
     void write(const LogEntry& eintrag) override { tue(eintrag); }

@@ -21,7 +21,7 @@ namespace {
 
 ObjectLifetimeManager& manager() { return ObjectLifetimeManager::instance(); }
 
-/// Does something when it is destroyed.
+/// Calls a function when it is destroyed.
 struct Objekt {
     explicit Objekt(std::function<void()> t = {}) : beimAbbau(std::move(t)) {}
     Objekt(const Objekt&) = delete;
@@ -45,7 +45,7 @@ struct ObjectLifetimeManagerTest : testing::Test {
     std::vector<std::string> protokoll;
 };
 
-/// Made before `main`, so destroyed after what is made later: when the process's objects are gone.
+/// Made before `main`, so destroyed after the process's objects.
 struct GanzAmEnde {
     ~GanzAmEnde() {
         if (tue)

@@ -25,7 +25,7 @@ MATCHER_P(NamesOnce, text, "") {
     const std::string gesucht = text;
     const std::size_t stelle = arg.find(gesucht);
     return stelle != std::string::npos && arg.find(gesucht, stelle + 1) == std::string::npos &&
-           arg.size() > gesucht.size() + 10; // and says something more
+           arg.size() > gesucht.size() + 10; // and a reason
 }
 
 template <class Funktion>
@@ -33,7 +33,7 @@ Funktion als(void* adresse) {
     return reinterpret_cast<Funktion>(adresse);
 }
 
-/// The library that a function of this process lies in.
+/// The library that contains a function of this process.
 std::string dateiMit(const void* funktion) {
     Dl_info bibliothek{};
     dladdr(funktion, &bibliothek);
@@ -165,7 +165,7 @@ TEST(SharedLib, TakesANameWithoutASlashForAFile) {
     EXPECT_FALSE(unvollstaendige.load());
     EXPECT_THAT(unvollstaendige.getLastError(), NamesOnce("unvollstaendige.so"));
 
-    SharedLib desSystems("libc.so.6"); // there is one, but not here
+    SharedLib desSystems("libc.so.6"); // exists, but not in this directory
     EXPECT_FALSE(desSystems.load());
     EXPECT_THAT(desSystems.getLastError(), NamesOnce("libc.so.6"));
 }
@@ -280,7 +280,7 @@ TEST(SharedLib, DoesNotCountWhatWasThereBeforeItAsBroughtAlong) {
 }
 
 TEST(SharedLib, NeverTakesWhatHoldsItsOwnCodeForAPartOfAnother) {
-    SharedLib lib(LIBORVOUTIL, true); // nothing can be loaded after it that holds this class
+    SharedLib lib(LIBORVOUTIL, true); // no library loaded after it holds this class
     ASSERT_TRUE(lib.isLoaded()) << lib.getLastError();
     void* const eigenes = lib.getSymbol("_ZN4orvo8orvoutil9SharedLibD1Ev");
     ASSERT_NE(eigenes, nullptr);
@@ -304,7 +304,7 @@ TEST(SharedLib, RefusesNamesThatTheLoaderWouldChange) {
 TEST(SharedLib, LooksAtTheFileBeforeTheLoaderDoes) {
     const Verzeichnis verzeichnis;
     const std::string pfad = verzeichnis.kopiere(HAS_SYMBOLS, "kurz.so");
-    ASSERT_EQ(truncate(pfad.c_str(), 4096), 0); // the loader would fall over it
+    ASSERT_EQ(truncate(pfad.c_str(), 4096), 0); // the loader would crash on it
     SharedLib lib(pfad);
     EXPECT_FALSE(lib.load());
     EXPECT_TRUE(lib.scheiterteVorDemOeffnen());

@@ -31,7 +31,7 @@ std::string zeile(const LogEntry& e) {
     return ausgabe.str();
 }
 
-/// What the line says of a text.
+/// How a line shows a text.
 std::string inhalt(const std::string& text) {
     const std::string anfang = "orvo.plugin: ";
     const std::string ganze = zeile(eintrag(LogKind::Message, LogLevel::Info, text));
@@ -133,7 +133,7 @@ TEST(StreamLogSink, FlushesEveryLine) {
 }
 
 TEST(StreamLogSink, LosesNoMoreThanTheLogWhenTheStreamFails) {
-    struct Voll : std::streambuf { // takes nothing
+    struct Voll : std::streambuf { // accepts no byte
     } voll;
     std::ostream ausgabe(&voll);
     ausgabe.exceptions(std::ios::badbit);
@@ -145,7 +145,7 @@ TEST(StreamLogSink, LosesNoMoreThanTheLogWhenTheStreamFails) {
 
 TEST(StreamLogSink, KeepsTheLinesOfSeveralThreadsApart) {
     constexpr int kRunden = 200;
-    struct Traege : std::stringbuf { // leaves others time to write in between
+    struct Traege : std::stringbuf { // gives other threads time to write in between
         std::streamsize xsputn(const char* text, std::streamsize laenge) override {
             const std::streamsize erster = std::stringbuf::xsputn(text, laenge / 2);
             std::this_thread::yield();
@@ -167,7 +167,7 @@ TEST(StreamLogSink, KeepsTheLinesOfSeveralThreadsApart) {
     std::string vorige;
     for (std::string eine; std::getline(zeilen, eine); ++anzahl) {
         EXPECT_THAT(eine, EndsWith(" INFO  orvo.plugin: ganze Zeile"));
-        EXPECT_LE(vorige, eine); // lines stand in the order of their time
+        EXPECT_LE(vorige, eine); // lines are in the order of their time
         vorige = eine;
     }
     EXPECT_EQ(anzahl, 3 * kRunden);

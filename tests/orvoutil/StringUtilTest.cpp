@@ -77,7 +77,7 @@ TEST(EndsWith, ComparesTheEnd) {
     EXPECT_FALSE(endsWith("", "x"));
 }
 
-// The compiler evaluates what predefined constants are made with.
+// Predefined constants are made with these functions at compile time.
 static_assert(isNumeric("010") && !isNumeric("-1") && !isNumeric("+1") && !isNumeric(""));
 static_assert(string2Int("-2147483648") == std::numeric_limits<int>::min() && string2Int("2147483648") == 0);
 static_assert(Ziffernfolge(std::numeric_limits<int>::min()).text() == "-2147483648");

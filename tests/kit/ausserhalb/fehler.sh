@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # fehler.sh <target> <part of a message>...
-# The build of that target fails with a message that holds these parts, and fails again when it is tried again.
+# The build of that target fails with a message that contains these parts, and fails again when repeated.
 . "$SOURCE/tests/package/support.sh"
 
 target=$1

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A target that is named like its file would give it the suffix or the prefix twice. With the suffix it is refused; a
-# prefix may be part of a word (libelle), so the configuration only says what file comes of it.
+# A target named like its file would give the file a second suffix or prefix. A target with the suffix is refused. The
+# prefix may be part of a word (libelle), so the configuration only prints the file name.
 . "$SOURCE/tests/package/support.sh"
 
 work=$WORK-names

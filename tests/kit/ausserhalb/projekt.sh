@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures the authors' project, and builds what is right in it.
+# Configures the authors' project, and builds its correct targets.
 . "$SOURCE/tests/package/support.sh"
 
 fresh "$WORK"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# With a sanitizer, which an author may name in one of several places, a plugin is built unchecked, and the
-# configuration says so.
+# With a sanitizer, which an author may set in several places, a plugin is built unchecked, and the configuration says
+# so.
 . "$SOURCE/tests/package/support.sh"
 
 work=$WORK-sanitizer

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # template.sh <folder of examples>
-# A project to start from, copied to a place outside this tree, builds against the installed package and passes its test.
+# A template, copied to a place outside this tree, builds against the installed package and passes its test.
 . "$SOURCE/tests/package/support.sh"
 
 place=$(mktemp -d)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The client to start from asks for what the plugin to start from serves, and is told when that is gone.
+# The client template uses the service of the plugin template, and reports when it is gone.
 . "$SOURCE/tests/package/support.sh"
 
 work=$WORK-zusammen

@@ -1,5 +1,5 @@
-// A library with everything that a loader looks at: start and end functions, thread-local variables, functions of
-// other libraries, exceptions. Written so that a test that opened it finds out whether it still works.
+// A library with everything that a loader processes: start and end functions, thread-local variables, functions of
+// other libraries, exceptions. A test that opened it can check that it still works.
 
 #include <stdexcept>
 #include <string>
@@ -15,7 +15,7 @@ struct Vorrat {
 
 Vorrat vorrat;
 #ifdef NUR_NULLEN_JE_THREAD
-thread_local char aufrufe = 0; // small, and at an odd place
+thread_local char aufrufe = 0; // small, at an odd address
 #else
 thread_local int aufrufe = 0;
 #endif
@@ -23,11 +23,11 @@ volatile bool gestartet = false;
 
 } // namespace
 
-/// The start function of the library that is told to have this one.
+/// The start function of the library that is linked with `-init` for it.
 extern "C" void eigenerStart();
 extern "C" void eigenerStart() { gestartet = true; }
 
-/// 10 at the first call on a thread, one more at each following; by way of an exception.
+/// 10 at the first call on a thread, one more at each further call; uses an exception.
 extern "C" __attribute__((visibility("default"))) int zaehle() {
     try {
         throw std::runtime_error(std::string(vorrat.zahlen.size() * 3, 'x'));

@@ -1,3 +1,3 @@
-// A program, and no library.
+// A program, not a library.
 
 int main() { return 0; }

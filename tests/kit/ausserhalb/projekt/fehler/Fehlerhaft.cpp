@@ -1,4 +1,4 @@
-// A plugin with one check service, and with the mistake that its build asks for.
+// A plugin with one check service, and with the mistake that its build selects.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
