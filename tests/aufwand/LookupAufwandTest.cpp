@@ -1,4 +1,4 @@
-// What a look-up takes: no memory, whatever is asked and found.
+// The cost of a look-up: no memory, for any request and result.
 
 #include "Zaehler.h"
 
@@ -63,7 +63,7 @@ protected:
         orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
     }
 
-    /// Asks for everything. Returns: how much was found.
+    /// Looks everything up. Returns: how much was found.
     int frageAlles() const {
         int gefundene = 0;
         for (const Unterfallart& ua : uas_)
@@ -79,7 +79,8 @@ protected:
         return gefundene + (registry_->findeFADatenServiceErweiterung() != nullptr);
     }
 
-    // five kinds and the support test: 2 numbers in 3 of the periods, 2 names in 2, a name in all, one with a minus in 2
+    // five kinds and the support test: 2 numbers in 3 of the periods, 2 names in 2, a name in all, one with a minus in
+    // 2
     static constexpr int kGefundene = 6 * (2 * 3 + 2 * 2 + 4 + 2) + 1;
 
     const Verzeichnis home_;

@@ -1,4 +1,4 @@
-// A whole life with memory that runs out: start-up, look-up, get and release, reload, unload, each with its n-th
+// A whole life with failing allocations: start-up, look-up, get and release, reload, unload, each with its n-th
 // allocation failing, for every n. Nothing leaks or crashes, and the next try with memory succeeds.
 
 #include "Zaehler.h"
@@ -36,7 +36,7 @@ const Unterfallart kA = 10, kB = "EinNameDerZuLangFuerDasObjektSelbstIst";
 
 Veranlagungszeitraum jahr2009() { return {2009, "YYYY"}; }
 
-/// Has each entry made, and keeps none.
+/// Makes each entry and keeps none.
 class StummeSenke : public orvo::orvoutil::LogSink {
 public:
     void write(const orvo::orvoutil::LogEntry&) override {}
@@ -127,7 +127,7 @@ TEST_P(SpeichermangelAblauf, OfTheStartLeavesNothingBehindOrARegistryThatListens
                       [] { OrvoErweiterungsManager::getInstanz(); },
                       [&](bool kamAnsEnde) {
                           erwarteGeschlossen();
-                          if (kamAnsEnde) { // perhaps without a plugin, which the log then says
+                          if (kamAnsEnde) { // perhaps without a plugin; the log then says so
                               erwarteStimmig();
                               manager().reload();
                           }
@@ -230,7 +230,7 @@ TEST_P(SpeichermangelAblauf, OfAnUnloadKeepsNothing) {
     fuerJedeZuteilung(
         [] {
             manager().reload();
-            check(kA)->holeService(); // in use when it goes
+            check(kA)->holeService(); // in use when it is unloaded
         },
         [] { manager().entladePlugins(); },
         [&](bool kamAnsEnde) {

@@ -1,4 +1,4 @@
-// What is left when memory runs out in the middle, wherever that is: each allocation fails once.
+// What is left after a failed allocation: each allocation fails once.
 
 #include "Zaehler.h"
 
@@ -28,7 +28,7 @@ using Check = OrvoValidierungsServiceErweiterung;
 
 Veranlagungszeitraum jahr(int zahl) { return {zahl, "YYYY"}; }
 
-/// Has each entry made, and keeps none.
+/// Makes each entry and keeps none.
 class StummeSenke : public orvo::orvoutil::LogSink {
 public:
     void write(const orvo::orvoutil::LogEntry&) override {}
@@ -42,7 +42,7 @@ protected:
     const Verzeichnis home_;
 };
 
-/// A plugin without a library, with so many keys that a registry's tables grow over them.
+/// A plugin without a library, with so many keys that a registry's tables grow.
 class VieleSchluessel : public OrvoPluginV1 {
 public:
     explicit VieleSchluessel(const std::string& version) : OrvoPluginV1(nullptr) {
@@ -55,7 +55,7 @@ public:
         addErweiterung(Check(paare));
     }
 
-    /// How many of its keys a look-up finds.
+    /// The number of its keys that a look-up finds.
     static std::size_t gefundeneIn(const OrvoErweiterungsManager& registry) {
         std::size_t gefundene = 0;
         for (int i = 0; i < kHaelfte; ++i) {
@@ -90,7 +90,7 @@ TEST_F(Speichermangel, LetsNoKeyStandInTheListingThatNoLookUpFinds) {
     }
 }
 
-// An extension that stayed in the registry would be asked for when it is long gone.
+// An extension left in the registry would be used after its end.
 TEST_F(Speichermangel, LeavesNothingOfAPluginThatGoes) {
     OrvoErweiterungsManager registry;
     VieleSchluessel plugin("1.0.0");

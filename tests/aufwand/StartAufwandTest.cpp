@@ -1,4 +1,4 @@
-// What finding, checking and describing plugins takes.
+// The cost of finding, checking and describing plugins.
 
 #include "Zaehler.h"
 
@@ -51,7 +51,7 @@ protected:
     const Verzeichnis home_;
 };
 
-/// Whether one reading takes in the whole file, as it does with plugins that are delivered.
+/// Whether one read covers the whole file, as with delivered plugins.
 bool istKlein(const char* datei) { return fs::file_size(datei) < 32768; }
 
 TEST_F(StartAufwand, ListsEachDirectoryOnce) {
@@ -100,7 +100,7 @@ protected:
         bibliothek.unload();
         return zaehler;
     }
-    /// The link is new, the file that it leads to is as old as the build.
+    /// The link is new; its target is as old as the build.
     void zeigeAuf(const std::string& ziel) const {
         fs::remove(link_);
         fs::create_symlink(ziel, link_);

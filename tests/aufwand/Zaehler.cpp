@@ -15,7 +15,7 @@
 namespace {
 
 Zaehler gezaehlt;
-int bisZumMangel = -1; // how many allocations succeed before one fails; none fails below zero
+int bisZumMangel = -1; // how many allocations succeed before one fails; below zero none fails
 bool gefehlt = false;
 
 void* teileZu(std::size_t groesse) {
@@ -58,7 +58,7 @@ bool Zaehler::zaehltLader() { return true; }
 
 namespace {
 
-/// Lets no allocation fail as long as it lives.
+/// No allocation fails as long as it lives.
 struct Aussetzer {
     Aussetzer() : bisher(std::exchange(bisZumMangel, -1)) {}
     ~Aussetzer() { bisZumMangel = bisher; }

@@ -1,8 +1,7 @@
 #pragma once
 
-// Counts what the program it is linked into asks of the system, from whichever library: memory by `operator new`, and
-// the calls of the loader and of the file system. It does so by standing before the system's own functions. So it can
-// also let memory run out.
+// Counts what its program requests from the system, in all libraries: memory by `operator new`, and calls of the loader
+// and of the file system. It replaces the system's functions for that, so it can also make allocations fail.
 
 #include <new>
 
@@ -14,11 +13,11 @@ struct Zaehler {
     int verzeichnisse = 0; ///< listed
     int dateien = 0;       ///< opened, not by the loader
     int lesungen = 0;      ///< from such files
-    int zustaende = 0;     ///< asked for: what an entry of a directory or an open file is
+    int zustaende = 0;     ///< queries of the state of a directory entry or an open file
 
-    /// What there was since the program began.
+    /// The counts since the start of the program.
     static Zaehler bisher();
-    /// What there was while `tu` ran.
+    /// The counts while `tu` ran.
     template <class Tu>
     static Zaehler waehrend(Tu&& tu) {
         const Zaehler vorher = bisher();
@@ -30,12 +29,12 @@ struct Zaehler {
                 nachher.lesungen - vorher.lesungen,           nachher.zustaende - vorher.zustaende};
     }
 
-    /// Whether these calls are counted; a sanitizer stands before them itself.
+    /// Whether these calls are counted; a sanitizer replaces them itself.
     static bool zaehltLader();
 
-    /// Runs `tu` with memory for so many allocations; the next one fails, and those after it succeed again. Returns:
-    /// whether `tu` came to its end, and did not throw `std::bad_alloc`. Under the system's loader none fails: a library's
-    /// start-up code cannot be saved from that.
+    /// Runs `tu` with memory for so many allocations; the next one fails, later ones succeed again. Returns: whether
+    /// `tu` returned without `std::bad_alloc`. Inside the system's loader none fails: a library's start-up code cannot
+    /// handle it.
     template <class Tu>
     static bool mitSpeicherFuer(int zuteilungen, Tu&& tu) {
         const Speichermangel mangel(zuteilungen);

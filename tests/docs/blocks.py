@@ -36,12 +36,12 @@ LOG_LINE = re.compile(r"^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} (?:DEBUG|INFO |WA
 
 
 def fragment(name):
-    """What stands around a piece of code."""
+    """The code around a fragment."""
     return ROOT / "tests" / "docs" / "fragments" / f"{name}.in"
 
 
 def commands(text):
-    """The single commands of a block, without remarks."""
+    """The single commands of a block, without comments."""
     lines = re.sub(r"\\\n\s*", " ", text).splitlines()
     lines = [re.sub(r"(^|\s+)#.*$", "", line).strip() for line in lines]
     return [part.strip() for line in lines if line for part in line.split("&&")]
@@ -178,7 +178,7 @@ class Reader:
         self.folder = before
 
     def sh_run_by(self, block):
-        """Looked at by `check`; what a test cannot run is run elsewhere."""
+        """`check` reads it; what a test cannot run is run elsewhere."""
 
     def run_commands(self, block):
         """Runs the block where the one before it ended: same folder, same variables."""
@@ -202,7 +202,7 @@ class Reader:
                                 if "=" in entry and entry.split("=", 1)[0] not in own)
 
     def check_log(self, block):
-        """Every line of the libraries' log that comes by stands in the operator's guide."""
+        """Every line of the libraries' log in the output is in the operator's guide."""
         for line in self.printed.splitlines():
             entry = LOG_LINE.match(line)
             if entry and not logtexts.is_known(entry.group(1), self.patterns):
@@ -229,7 +229,7 @@ class Reader:
                 self.fail(block, f"there is no {path} below {base}")
 
     def mermaid(self, block):
-        """Looked at by `check`."""
+        """`check` reads it."""
 
 
 def copy_of_tree(work):

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The glossary's terms: each is in order, explained, used by the code, and what it points to is a term or said to be
-one of the code."""
+"""The glossary's terms: each is in order, explained and used by the code, and the names of its type column are in the
+code."""
 
 import re
 import sys
@@ -30,7 +30,7 @@ def check(document, words):
         bare = ascii_spelling(re.sub(r"\s*\(.*", "", term))
         if not meaning:
             raise Mistake(f"{document.where(number)}: {term} is not explained")
-        # A German term lives on in compound and inflected names, so it is looked for inside the words.
+        # German terms are parts of compound and inflected names, so they are searched inside the words.
         for part in re.split(r",\s*", bare):
             if not any(part.lower() in word for word in folded):
                 raise Mistake(f"{document.where(number)}: no name in the sources has {part} in it")

@@ -36,7 +36,7 @@ def without_comments(text):
 
 
 def without_assertions(text):
-    """The source without what is said to whoever compiles or debugs it: `static_assert(...)` and `assert(...)`."""
+    """The source without texts for developers: `static_assert(...)` and `assert(...)`."""
     while match := re.search(r"\b(?:static_)?assert\s*\(", text):
         depth, end = 1, match.end()
         while depth and end < len(text):
@@ -54,7 +54,7 @@ def plain(literal):
 
 
 def strings(text):
-    """Every string, adjacent ones as the one that they are."""
+    """Every string; adjacent literals are one string."""
     found, end = [], None
     for match in LITERAL.finditer(text):
         if end is not None and not text[end : match.start()].strip():
@@ -132,7 +132,7 @@ def is_known(text, patterns):
 
 
 def composed_of(part, literals):
-    """Whether a text is a row of strings of the sources."""
+    """Whether a text is a sequence of strings of the sources."""
     reached = {0}
     for end in range(1, len(part) + 1):
         if any(part[start:end] in literals for start in reached):

@@ -80,7 +80,7 @@ def read(path):
 
 
 def documents():
-    """Every Markdown file of the tree. Build folders are not looked into: other tests are at work there."""
+    """Every Markdown file of the tree. Build folders are left out: other tests write there."""
     found = []
     for folder, folders, files in os.walk(ROOT):
         folders[:] = [name for name in folders if name not in (".git", "build") and not name.startswith("build-")]

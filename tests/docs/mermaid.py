@@ -1,4 +1,4 @@
-"""Looks at Mermaid diagrams without a browser: the kind is known, lines have a known form, what opens is closed,
+"""Checks Mermaid diagrams without a browser: the kind is known, lines have a known form, every block is closed,
 every participant is declared once and used, and names of code exist in the sources."""
 
 import functools

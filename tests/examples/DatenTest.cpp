@@ -1,5 +1,5 @@
-// The records in examples/data, read as the example plugins' clients read them: each is at fault where its name and
-// its remark say, under the rules of the newer plugin; two also under those of the older one.
+// The records in examples/data, read as the example plugins' clients read them: each has the fault that its name and
+// its comment state, under the rules of the newer plugin; two also under those of the older one.
 
 #include <client/TextListe.h>
 #include <gmock/gmock.h>
@@ -40,7 +40,7 @@ std::vector<std::string> lies(const std::string& datei) {
     return texte;
 }
 
-/// Checks the records, several also for going together, as a client does.
+/// Checks the records as a client does; several are also checked as one submission.
 PruefErgebnis pruefe(ValidierungsService& service, const std::string& datei, const Unterfallart& ua,
                      const Veranlagungszeitraum& vz) {
     const TextListe liste(lies(datei));
@@ -143,7 +143,7 @@ TEST(Beispieldaten, WouldBeGoodButForTheFaultTheyShow) {
         return service.pruefe(TextListe({text}), UFA_LSTB, {2009, "YYYY"}, ergebnis);
     };
     EXPECT_EQ(nachbesserung("lstb-2009-pruefziffer.txt", "47036892815", "47036892816"),
-              0); // as the remark says
+              0); // as the comment says
     EXPECT_EQ(nachbesserung("lstb-2009-drei-in-folge.txt", "11123456780", "86095742719"), 0);
     EXPECT_EQ(nachbesserung("lstb-2009-zuschlag.txt", "356,76", "327,03"), 0);
     EXPECT_EQ(nachbesserung("falsche-kodierung.txt",

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// In the child: hands the result over and ends as a process does, with all that is checked at its end.
+/// In the child: passes the result and exits normally, so that the checks at process end run.
 [[noreturn]] void uebergib(const std::optional<std::string>& ergebnis, int rohr) {
     if (ergebnis && write(rohr, ergebnis->data(), ergebnis->size()) < 0)
         std::abort();

@@ -4,6 +4,6 @@
 #include <optional>
 #include <string>
 
-/// Runs `ruf` in a child process, so that the caller survives whatever comes of it.
-/// Returns: what `ruf` returned; when the process did not end well, the way it ended.
+/// Runs `ruf` in a child process, so that the caller survives a crash.
+/// Returns: the result of `ruf`; if the process failed, how it ended.
 std::optional<std::string> imKindprozess(const std::function<std::optional<std::string>()>& ruf);

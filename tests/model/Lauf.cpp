@@ -26,19 +26,19 @@ namespace modell {
 
 namespace {
 
-constexpr std::size_t kHoechstzahl = 30; // so that loading all once more, again and again, ends
+constexpr std::size_t kHoechstzahl = 30; // bounds how often everything is loaded again
 
-/// Services that nobody deletes any more, in a list that keeps them from counting as lost.
+/// Services that are not deleted any more. The list keeps them from being reported as leaks.
 auto& verwaiste = *new std::vector<const void*>;
 
-/// What is out goes with its plugin, and is not touched any more.
+/// Services in use go with their plugin and are not touched any more.
 void lassVerwaisen(const Plugin& plugin) {
     for (const auto& erweiterung : plugin.erweiterungen)
         for (const auto& [service, anzahl] : erweiterung->instanzen)
             verwaiste.push_back(service);
 }
 
-/// The service as the extension's own class hands it out, which may be null though an object was made.
+/// The service as the extension's own class returns it; null if the object is of another class.
 ::Service* holeTypisiert(OrvoErweiterung* erweiterung) {
     if (auto* const check = dynamic_cast<OrvoValidierungsServiceErweiterung*>(erweiterung))
         return check->holeService();
@@ -76,7 +76,7 @@ void Aufbau::beschreibe(std::size_t datei, const std::string& text) {
     if (texte_[datei] == text)
         return;
     const std::string name = dateien_[datei] + ".txt";
-    std::filesystem::remove(name); // some file systems wait for the disk when a file is written over
+    std::filesystem::remove(name); // overwriting a file waits for the disk on some file systems
     std::ofstream(name) << text;
     texte_[datei] = text;
 }
@@ -146,7 +146,7 @@ void Lauf::fuehreAus(const Schritt& schritt) {
         ObjectLifetimeManager::instance().destroyAll();
         return beginne();
     case Schritt::Art::SUCHE:
-        return; // every step is followed by its look-up
+        return; // a look-up follows every step
     case Schritt::Art::HOLE:
         return hole(modell_.finde(schritt.frage));
     case Schritt::Art::HOLE_VON:
@@ -209,7 +209,7 @@ void Lauf::ladeAlle() {
         modell_.lade(aufbau_.dateien()[datei], beschreibungen_[datei]);
 }
 
-/// Takes a plugin out as a single one goes: of the manager's list, with word to the observers.
+/// Unloads a single plugin: takes it off the manager's list and tells the observers.
 void Lauf::entlade(std::size_t welches) {
     auto& liste = manager_->getRegistriertePlugins();
     const auto eintrag = std::next(liste.begin(), static_cast<std::ptrdiff_t>(welches));
@@ -251,7 +251,7 @@ void Lauf::hole(Erweiterung* erweiterung) {
     gleich("Service", soll == Service::PASSENDER, service != nullptr);
     if (soll == Service::KEINER || unterschied_)
         return;
-    if (!service) // the object of the wrong class stands among the instances all the same
+    if (!service) // the object of the wrong class is an instance too
         for (const auto& [instanz, anzahl] :
              dynamic_cast<OrvoServiceErweiterung&>(*echteErweiterung).getInstanzen())
             if (const auto bekannte = erweiterung->instanzen.find(instanz);

@@ -19,8 +19,8 @@ class Service;
 
 namespace modell {
 
-/// The plugin files, laid out once for all sequences: two home directories with plugins, one without, and some files
-/// that lie in none.
+/// The plugin files, made once for all sequences: two home directories with plugins, one without, and some files
+/// outside of them.
 class Aufbau {
 public:
     Aufbau();
@@ -28,10 +28,10 @@ public:
     const std::vector<std::string>& dateien() const { return dateien_; }
     std::size_t anzahlHomes() const { return homes_.size(); }
     const std::string& home(std::size_t n) const { return homes_[n].first; }
-    /// The files below that home directory, in the order in which they are to be loaded.
+    /// The files below that home directory, in load order.
     const std::vector<std::size_t>& dateienIn(std::size_t home) const { return homes_[home].second; }
 
-    /// Lays the text beside that file.
+    /// Writes the text file beside that file.
     void beschreibe(std::size_t datei, const std::string& text);
 
 private:
@@ -39,20 +39,20 @@ private:
 
     Verzeichnis verzeichnis_;
     std::vector<std::string> dateien_;
-    std::vector<std::string> texte_; ///< what this process has laid beside each; nothing at first
+    std::vector<std::string> texte_; ///< the text files beside the plugin files; empty at first
     std::vector<std::pair<std::string, std::vector<std::size_t>>> homes_;
 };
 
 /// One sequence, run on the libraries and on the model side by side.
 class Lauf {
 public:
-    /// With a log of the libraries, what it says is compared too.
+    /// With a log of the libraries, its lines are compared too.
     explicit Lauf(Aufbau& aufbau, const Mitschnitt* protokoll = nullptr);
     Lauf(const Lauf&) = delete;
     Lauf& operator=(const Lauf&) = delete;
     ~Lauf();
 
-    /// Returns: the first difference between the libraries and the model; nothing when there is none.
+    /// Returns: the first difference between the libraries and the model, if any.
     std::optional<std::string> fuehreAus(const Folge& folge);
 
 private:

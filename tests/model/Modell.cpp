@@ -38,7 +38,7 @@ int jahrVon(const std::string& zeitraum) {
     return jahr == 98 || jahr == 99 ? 1900 + jahr : 2000 + jahr;
 }
 
-/// The numbers of a version, behind which there are as many zeros as one likes.
+/// The numbers of a version; missing ones count as zero.
 std::vector<int> zahlenVon(const std::string& version) {
     std::vector<int> zahlen(8, 0);
     std::size_t stelle = 0;

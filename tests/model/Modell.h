@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// The registry and the use counts as anybody would write them who has the rules before him and no eye for speed:
-/// lists that are searched from the front. It knows nothing of the libraries under test.
+/// The registry and the use counts, written plainly from the rules and without regard to speed: lists that are searched
+/// from the front. It uses nothing of the libraries under test.
 namespace modell {
 
 /// An extension as a plugin declares it.
@@ -17,7 +17,7 @@ struct Angebot {
     std::string factory;            ///< empty for the kind's own
 };
 
-/// What a plugin says of itself.
+/// A plugin's description.
 struct Beschreibung {
     std::string version;
     bool resident = false;
@@ -29,7 +29,7 @@ struct Beschreibung {
     std::string text() const;
 };
 
-/// What a client asks for.
+/// A client's request.
 struct Frage {
     int typ = 1;
     std::string ua;
@@ -59,27 +59,27 @@ struct Plugin {
     int ausgegeben() const;
 };
 
-/// What becomes of a request for a service.
+/// The result of a request for a service.
 enum class Service { KEINER, PASSENDER, FALSCHER };
 
 class Modell {
 public:
-    /// Loads the plugin. Returns: whether it could be.
+    /// Returns: whether the plugin was loaded.
     bool lade(const std::string& pfad, const Beschreibung& beschreibung);
     void entlade(std::size_t plugin);
     void entladeAlle();
 
-    /// What the look-up finds; null for nothing.
+    /// The result of the look-up; null if nothing is found.
     Erweiterung* finde(const Frage& frage) const;
     Erweiterung* findeFinanzamt() const { return finde({4, "0", "2000"}); }
     bool istUnterstuetzt(const Frage& frage) const { return finde(frage) != nullptr; }
 
     static void nutze(Plugin& plugin);
     static void lass(Plugin& plugin);
-    /// Whether `lass` leaves the library open under the services that are out.
+    /// Whether `lass` leaves the library open for services in use.
     static bool darfLassen(const Plugin& plugin);
 
-    /// Asks for a service; `merke` tells which object came.
+    /// Requests a service; `merke` says which object it is.
     static Service hole(Erweiterung& erweiterung);
     static void merke(Erweiterung& erweiterung, const void* service);
     void gib(Erweiterung& erweiterung, const void* service);
@@ -88,8 +88,8 @@ public:
     /// The extension of each key, in no order.
     std::vector<Erweiterung*> registriert() const;
 
-    int doppelte = 0;   ///< how many keys were found taken, by versioned extensions
-    int unbekannte = 0; ///< how many services were given back that were not out
+    int doppelte = 0;   ///< how many keys of versioned extensions were taken
+    int unbekannte = 0; ///< how many unknown services were given back
 
 private:
     struct Schluessel {

@@ -1,7 +1,7 @@
 // Random sequences of operations, run on the libraries with real plugin files and on a naive model of them. Any
 // difference is a fault, and so is a crash; the shortest sequence found that still shows it is printed.
 //
-//     ORVO_MODELL_SAAT     seed of the first sequence; the next ones count on from it
+//     ORVO_MODELL_SAAT     seed of the first sequence; the next ones count up from it
 //     ORVO_MODELL_FOLGEN   how many sequences
 
 #include "Kindprozess.h"
@@ -35,7 +35,7 @@ protected:
         return modell::Erzeuger(saat).folge(kSchritte, aufbau_.dateien().size(), aufbau_.anzahlHomes());
     }
 
-    /// Every fourth sequence is run with a log.
+    /// Every fourth sequence runs with a log.
     std::optional<std::string> unterschied(const Folge& folge, std::uint64_t saat) {
         std::optional<Mitschnitt> mitschnitt;
         if (saat % 4 == 0)
@@ -47,7 +47,7 @@ protected:
         return imKindprozess([&] { return unterschied(folge, saat); });
     }
 
-    /// Leaves steps out, in ever smaller groups, as long as a difference remains.
+    /// Leaves steps out, in smaller and smaller groups, as long as a difference remains.
     Folge verkuerze(Folge folge, std::uint64_t saat) {
         for (std::size_t gruppe = folge.size() / 2; gruppe > 0;) {
             bool kuerzer = false;
@@ -76,7 +76,7 @@ protected:
         return text + unterschiedEinzeln(kurze, saat).value_or("(not seen again)");
     }
 
-    /// Runs the sequences of those seeds in one process. Returns: what went wrong; nothing when all went well.
+    /// Runs the sequences of those seeds in one process. Returns: the failure, if any.
     std::optional<std::string> pruefe(std::uint64_t von, std::uint64_t bis) {
         const auto gemeinsam = imKindprozess([&] {
             std::optional<std::string> erster;

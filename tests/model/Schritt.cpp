@@ -24,7 +24,7 @@ constexpr const char* kFactories[] = {"",
                                       "werfenderService",
                                       "fehlenderService"};
 
-/// Each as often as it is wanted among the steps.
+/// Each kind of step as often as its weight.
 constexpr Art kSchritte[] = {
     Art::BESCHREIBE,  Art::BESCHREIBE,   Art::HOME,      Art::HOME,     Art::LADE_DATEI, Art::LADE_DATEI,
     Art::LADE_DATEI,  Art::LADE_DATEI,   Art::LADE_ALLE, Art::ENTLADE,  Art::ENTLADE,    Art::ENTLADE,
@@ -130,7 +130,7 @@ Beschreibung Erzeuger::beschreibung() {
             angebot.jahre.push_back(eines(kJahre));
         angebot.factory = eines(kFactories);
         if (b.loeschen && angebot.factory == "gleicherService")
-            angebot.factory.clear(); // an object that is no one's to delete
+            angebot.factory.clear(); // an object that must not be deleted
         b.angebote.push_back(angebot);
     }
     return b;

@@ -7,31 +7,31 @@
 #include <string>
 #include <vector>
 
-/// What a sequence of operations is made of, and where sequences come from.
+/// The steps of a sequence of operations, and the generator of sequences.
 namespace modell {
 
 struct Schritt {
     enum class Art {
-        BESCHREIBE,   ///< lays another description beside plugin file `wen`
+        BESCHREIBE,   ///< writes another description beside plugin file `wen`
         HOME,         ///< sets home directory `wen`
         LADE_DATEI,   ///< loads plugin file `wen`
-        LADE_ALLE,    ///< loads all below the search path, once more
+        LADE_ALLE,    ///< loads everything below the search path again
         ENTLADE,      ///< unloads plugin `wen`, alone
         ENTLADE_ALLE, ///< all of them
         RELOAD,
         NEUSTART,    ///< destroys all objects of the process and starts anew
-        SUCHE,       ///< asks `frage`
-        HOLE,        ///< asks `frage` and gets a service from what was found
+        SUCHE,       ///< looks `frage` up
+        HOLE,        ///< looks `frage` up and gets a service from the result
         HOLE_VON,    ///< gets a service from extension `was` of plugin `wen`
-        GIB,         ///< gives back service `wen` of those that are out
+        GIB,         ///< gives back service `wen` of those in use
         GIB_NOCHMAL, ///< gives back service `wen` of those that were given back
         GIB_ANDEREM, ///< gives service `wen` back to extension `was` of its plugin
-        NUTZE,       ///< one user more of plugin `wen`
-        LASS,        ///< one fewer, also of none
+        NUTZE,       ///< adds a use of plugin `wen`
+        LASS,        ///< removes a use, also below zero
     };
 
     Art art = Art::SUCHE;
-    /// Where they stand for something that is there, they are taken modulo how many there are.
+    /// An index is taken modulo the number of existing objects.
     std::size_t wen = 0;
     std::size_t was = 0;
     Frage frage;

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the packages say of themselves, and what lies where.
+# The packages' metadata, and the places of their files.
 . "$(dirname -- "$0")/support.sh"
 
 major=${VERSION%%.*}
@@ -36,6 +36,6 @@ for deb in "$WORK/debs"/*.deb; do
     strange=$(grep -vE '^[^ ]+ root/root ' <<<"$listing" || true)
     [[ -z $strange ]] || fail "$name holds files of strange owners:"$'\n'"$strange"
 done
-# The runtime of another major version may lie beside this one: no file in it without a version in its name.
+# Runtimes of two major versions can be installed together: every file name has the version.
 listing=$(dpkg-deb -c "$WORK/debs/${runtime}_${VERSION}_"*.deb)
 ! grep -qE '\.so( |$)|include/|\.cmake|\.pc$' <<<"$listing" || fail "$runtime holds what is for development"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the Debian packages, as somebody with a strict umask, and unpacks them.
+# Makes the Debian packages under a strict umask, and unpacks them.
 . "$(dirname -- "$0")/support.sh"
 need dpkg-deb dpkg
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the packages with dpkg below a private root, with the machine's own packages as the ones that are there,
-# and removes them again. Nothing may stay.
+# Installs the packages with dpkg below a private root, with the machine's packages listed as installed, and removes
+# them again. Nothing may remain.
 . "$(dirname -- "$0")/support.sh"
 need dpkg
 ((EUID == 0)) || skip "dpkg installs for root only"
@@ -8,7 +8,7 @@ need dpkg
 root=$WORK/dpkg
 fresh "$root/var/lib/dpkg/info"
 mkdir -p -- "$root/var/lib/dpkg/updates" "$root/var/log"
-# Of the machine's packages, what is said of them: the dependencies are then checked in earnest.
+# The list of the machine's packages, so that dpkg really checks the dependencies.
 awk -v RS= -v ORS='\n\n' '!/^Package: (lib)?orvoplugin/' /var/lib/dpkg/status >"$root/var/lib/dpkg/status"
 on_root() { dpkg --root="$root" --log=/dev/null --no-triggers "$@" 2> >(grep -v 'files list file for package' >&2); }
 files() { (cd -- "$root" && find . -mindepth 1 -path ./var -prune -o -print | sort); }

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The tool's package alone holds the guides to it, and none of their links leads to a page that it does not hold. Of
-# all packages together, no page has such a link.
+# The tool's package alone has complete guides: none of their links leads to a page of another package. In all packages
+# together, no link is dead.
 . "$(dirname -- "$0")/support.sh"
 need python3
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Without a setting, the home directory is the libraries' own, wherever these lie: a copy elsewhere has its own.
+# Without a setting, the home directory is that of the libraries; a copy elsewhere has its own.
 . "$(dirname -- "$0")/support.sh"
 
 fresh "$WORK/elsewhere"

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Installs the components one by one, looks at what each brings, and moves the whole to another place.
+# Installs the components one by one, checks the files of each, and moves the whole to another place.
 . "$(dirname -- "$0")/support.sh"
 
 major=${VERSION%%.*}
 documents=share/doc/orvoplugin
-# what each component brings; of what there is much of, one or two
+# files of each component; of many alike, one or two
 declare -A files=(
     [runtime]="$LIBDIR/liborvoplugin.so.$major $LIBDIR/liborvoutil.so.$major"
     [dev]="$LIBDIR/liborvoplugin.so $LIBDIR/liborvoutil.so

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # line.sh <prefix> <name>
-# Builds a client and a plugin with one line of the compiler each, with what pkg-config says, and runs them.
+# Builds a client and a plugin with one compiler command each, with pkg-config's flags, and runs them.
 . "$(dirname -- "$0")/support.sh"
 need pkg-config
 
@@ -22,7 +22,7 @@ exported=$(nm -D --defined-only "$build/libwohngeld.dylib" | awk '{print $3}' | 
 [[ $exported == $'orvo_plugin_get_check_service\norvo_plugin_get_types\norvo_plugin_initialize' ]] ||
     fail "the plugin exports more, or less, than its entry points:"$'\n'"$exported"
 
-# With the flags of a client it is a plugin as well. What it lacks then, the check says.
+# With a client's flags it is a plugin too. The check reports what it lacks.
 # shellcheck disable=SC2046
 "$CXX" -std=c++20 -shared -fPIC "$source/Wohngeld.cpp" $(pkg-config --cflags --libs orvoplugin) \
     -o "$build/libohneflags.dylib"
@@ -36,7 +36,7 @@ if [[ $TOOL == 1 ]]; then
         fail "the check finds fault with the plugin's own flags"
 fi
 
-# A name that nobody defines must not wait for its first call.
+# An undefined name must not fail only at its first call.
 echo 'void nobody(); extern "C" void somebody() { nobody(); }' >"$build/Offen.cpp"
 # shellcheck disable=SC2046
 demand_part "$(refused "$CXX" -std=c++20 "$build/Offen.cpp" $(pkg-config --cflags --libs orvoplugin-plugin) \

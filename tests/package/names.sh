@@ -12,7 +12,7 @@ for name in orvoplugin orvoutil; do
 done
 demand_part "$(readelf -dW "$WORK/moved/$LIBDIR/liborvoplugin.so")" \
     "Shared library: [liborvoutil.so.$major]" 'Library runpath: [$ORIGIN]'
-# nothing but each other, the standard library and the system's own
+# only each other, the standard library and the system's own
 needed=$(readelf -dW "$WORK/moved/$LIBDIR"/lib*.so."$VERSION" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort -u)
 while read -r library; do
     [[ $library =~ ^(liborvoutil|libstdc\+\+|libc\+\+|libc\+\+abi|libgcc_s|libm|libc|libdl|ld-linux.*)\.so ]] ||

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # project.sh <prefix> <name>
-# Configures, builds and runs a client and a plugin against the package below that prefix.
+# Configures, builds and runs a client and a plugin against the package of that prefix.
 . "$(dirname -- "$0")/support.sh"
 
 build=$WORK/project-$2

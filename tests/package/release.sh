@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A plugin that was built against libraries of another SOVERSION is refused with a log entry that names both, whether
-# these libraries can be found, and would come into the process beside the right ones, or not.
+# A plugin that was built against libraries of another SOVERSION is refused with a log entry that names both, whether or
+# not these libraries can be found and would be loaded beside the right ones.
 . "$(dirname -- "$0")/support.sh"
 
 major=${VERSION%%.*}

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# A plugin that is built with another standard library, another setting of it, an older language, or without
-# what the headers need of it, stops at the header with a sentence.
+# Compiling a plugin with another standard library, another setting of it, an older language, or without a language
+# feature that the headers need fails at the header with a message.
 . "$(dirname -- "$0")/support.sh"
 
 plugin=$SOURCE/tests/package/projekt/Wohngeld.cpp
@@ -15,7 +15,7 @@ demand_part "$(refused compile -fno-rtti)" "orvoplugin: the libraries ask object
 demand_part "$(refused compile -fno-exceptions -include orvoplugin/plugin/Absicherung.h)" \
     "orvoplugin: abgesichert catches exceptions; compile without -fno-exceptions, or without this header"
 
-# The other standard library, where it is installed; GCC takes it as a folder of headers.
+# The other standard library, if installed; GCC uses it as a folder of headers.
 for folder in /usr/include/c++/v1 /usr/lib/llvm-*/include/c++/v1; do
     [[ -f $folder/version ]] || continue
     demand_part "$(refused compile -nostdinc++ -isystem "$folder")" \

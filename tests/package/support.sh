@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# To be sourced: what the scripts of this folder share. They get their places from the test's environment.
+# Sourced by the scripts of this folder. Their paths come from the test's environment.
 set -euo pipefail
 export LC_ALL=C
 : "${WORK:?}" "${BUILD:?}" "${SOURCE:?}" "${LIBDIR:?}" "${VERSION:?}" # never a folder below the root by accident
@@ -16,7 +16,7 @@ skip() {
     exit 77
 }
 
-# need <command>... : skips the test where one is missing
+# need <command>... : skips the test if one is missing
 need() {
     local command
     for command in "$@"; do
@@ -24,7 +24,7 @@ need() {
     done
 }
 
-# demand <text> <line>... : fails unless each line stands in the text
+# demand <text> <line>... : fails unless each line is in the text
 demand() {
     local text=$1 line
     shift
@@ -42,7 +42,7 @@ demand_part() {
     done
 }
 
-# refused <command>... : fails if the command does not; prints what it said
+# refused <command>... : fails unless the command fails; prints its output
 refused() {
     local text
     if text=$("$@" 2>&1); then
@@ -51,7 +51,7 @@ refused() {
     printf '%s\n' "$text"
 }
 
-# fresh <directory>: makes it, empty
+# fresh <directory>: makes an empty directory
 fresh() {
     rm -rf -- "$1"
     mkdir -p -- "$1"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # template.sh <folder of examples>
-# A project to start from, as it comes with the package: copied, built, and tried by its own test.
+# A template from the package: copied, built, and run by its own test.
 . "$(dirname -- "$0")/support.sh"
 
 template=$WORK/$1

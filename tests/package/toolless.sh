@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Whoever installs the libraries and what belongs to development, but no tool, has a package that works.
+# The package works with the libraries and the development files, without the tool.
 . "$(dirname -- "$0")/support.sh"
 
 rm -rf -- "$WORK/toolless" "$WORK/project-toolless"

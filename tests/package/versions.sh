@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What find_package takes: the same major version, and nothing newer than what is there.
+# find_package accepts the same major version, and nothing newer than the installed one.
 . "$(dirname -- "$0")/support.sh"
 
 fresh "$WORK/versions"

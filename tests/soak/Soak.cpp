@@ -1,9 +1,10 @@
-// Loads, uses, releases and reloads plugins over and over, and watches what the process holds.
+// Loads, uses, releases and reloads plugins repeatedly, and checks the process's resources.
 //
 //     soak [CYCLES]
 //
-// Each cycle looks up and uses a service of a plugin, sees its library come and go, and reloads: every other time by
-// changing the home directory, which swaps the set. Beside healthy plugins each set has files that are refused.
+// Each cycle looks up and uses a service of a plugin, checks that its library is opened and closed, and reloads: every
+// other time by changing the home directory, which swaps the set. Each set has healthy plugins and files that are
+// refused.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
@@ -70,7 +71,7 @@ void benutze(const std::string& bibliothek) {
 }
 
 bool istEben(const Stand& anfang, const Stand& ende) {
-    constexpr long kSpielraum = 1024; // KiB; the allocator's, not per cycle
+    constexpr long kSpielraum = 1024; // KiB for the allocator, not per cycle
     return ende.speicher <= anfang.speicher + kSpielraum && ende.abbildungen <= anfang.abbildungen + 2 &&
            ende.deskriptoren == anfang.deskriptoren;
 }

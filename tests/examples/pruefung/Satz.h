@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-/// The text of a record, made from a good one by changing its fields.
+/// The text of a record, made from a valid one by changing its fields.
 class Satz {
 public:
-    /// A wage-tax certificate of the year 2009 in which nothing is to be found.
+    /// A wage-tax certificate of the year 2009 without faults.
     static Satz bescheinigung() {
         Satz satz;
         satz.felder_ = {{"Satzart", "LSTB"},
@@ -27,7 +27,7 @@ public:
         return satz;
     }
 
-    /// Gives the field that value; a field that is not there yet comes last.
+    /// Sets the field; a new field is appended.
     Satz& setze(const std::string& name, const std::string& wert) {
         const auto feld = std::find_if(felder_.begin(), felder_.end(),
                                        [&](const auto& paar) { return paar.first == name; });
@@ -36,7 +36,7 @@ public:
         feld->second = wert;
         return *this;
     }
-    /// Adds a field at the end, whether or not there is one of that name.
+    /// Appends a field, even if there is one of that name.
     Satz& dazu(const std::string& name, const std::string& wert) {
         felder_.emplace_back(name, wert);
         return *this;
@@ -57,7 +57,7 @@ private:
     std::vector<std::pair<std::string, std::string>> felder_;
 };
 
-/// What was found, without the words.
+/// The findings, without their texts.
 struct Befund {
     int code;
     std::string feld;

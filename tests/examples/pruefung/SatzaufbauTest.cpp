@@ -13,7 +13,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// The fields in their order, each with a letter for what may stand in it, in capitals where it must be there.
+/// The fields in their order, each with a letter for its content; a capital marks a required field.
 std::vector<std::string> felder(std::span<const Feldregel> regeln) {
     std::vector<std::string> liste;
     for (const Feldregel& regel : regeln)

@@ -172,7 +172,7 @@ TEST_F(SatzprueferTest, TakesAnEmptyFieldForAMissingOne) {
 TEST_F(SatzprueferTest, TellsADoubleFieldAndChecksTheFirst) {
     constexpr Latin1Text kMehrfach{u8"Das Feld steht mehrfach im Datensatz."};
     EXPECT_EQ(befundtext(Satz::bescheinigung().dazu("Name", "x").text()), kMehrfach.sicht());
-    // What stands there the second time is not looked at.
+    // The second value is not checked.
     EXPECT_THAT(befunde(Satz::bescheinigung().dazu("IdNr", "x").dazu("Lohnsteuer", "-1").dazu("IdNr", "y")),
                 ElementsAre(Befund{104, "IdNr"}, Befund{104, "Lohnsteuer"}, Befund{104, "IdNr"}));
     EXPECT_THAT(befunde(Satz::bescheinigung().setze("Name", "").dazu("Name", "x")),

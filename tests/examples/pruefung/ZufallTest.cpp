@@ -1,5 +1,4 @@
-// Texts at random, from a fixed seed: whatever stands in a record, the check comes to an end, and what it reports is
-// well formed.
+// Random texts from a fixed seed: for every record the check ends, and its report is well formed.
 
 #include <pruefung/Satzpruefer.h>
 
@@ -30,7 +29,7 @@
 namespace pruefung {
 namespace {
 
-/// The numbers are the same with every standard library: the distributions of the library are not used.
+/// The numbers are the same with every standard library: its distributions are not used.
 class Zufall {
 public:
     explicit Zufall(unsigned saat) : quelle_(saat) {}
@@ -96,7 +95,7 @@ void veraendere(std::string& text, Zufall& zufall) {
     case 4:
         text.insert(stelle, zufall.eines(stuecke()));
         break;
-    case 5: // a part once more, somewhere else
+    case 5: // a part copied to another place
         text.insert(zufall.unter(text.size() + 1), text, stelle, kTeil);
         break;
     default: // a field without its value
@@ -115,7 +114,7 @@ bool istDruckbar(const std::string& text) {
                        [](unsigned char c) { return c >= 0x20 && (c < 0x7F || c >= 0xA0); });
 }
 
-/// The kinds of content that can be at fault in a field: one fault of it at most is told.
+/// The kinds of content that can be faulty in a field: at most one fault of it is reported.
 bool istInhaltsfehler(int code) {
     return code >= IDNR_FORM && code <= FINANZAMT_FORM && code != BETRAG_UEBER_GRENZE &&
            code != ENDE_VOR_BEGINN;
@@ -133,7 +132,7 @@ bool istFeldRichtig(const PruefErgebnis::Meldung& meldung, const steuer::Datensa
 
 class ZufallTest : public testing::Test {
 protected:
-    /// Without a zero behind the text, so that a reader that goes too far is found out.
+    /// Without a terminating zero, so that a read past the end is detected.
     PruefErgebnis pruefe(const Satzaufbau& aufbau, const std::string& text) const {
         const std::vector<char> zeichen(text.begin(), text.end());
         PruefErgebnis ergebnis;
@@ -186,7 +185,7 @@ TEST_F(ZufallTest, EveryTextIsCheckedToTheEnd) {
         gute += ergebnis.getMeldungen().empty();
         ASSERT_FALSE(HasFailure()) << "text " << i << ": " << testing::PrintToString(text);
     }
-    // The texts are worth the while: good ones among them, and nearly every kind of fault.
+    // The texts cover enough: valid ones, and nearly every kind of fault.
     EXPECT_GE(gute, 100);
     EXPECT_GE(anzahl_.size(), 15u) << testing::PrintToString(anzahl_);
 }

@@ -21,7 +21,7 @@ namespace {
 
 using enum BetragFehler;
 
-/// Without a zero behind it, so that a reader that goes too far is found out.
+/// Without a terminating zero, so that a read past the end is detected.
 GelesenerBetrag lies(const std::string& text) {
     const std::vector<char> zeichen(text.begin(), text.end());
     return liesBetrag({zeichen.data(), zeichen.size()});

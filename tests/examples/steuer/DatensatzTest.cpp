@@ -14,13 +14,13 @@ using testing::ElementsAre;
 using testing::Pair;
 using enum Lesefehler::Art;
 
-/// Without a zero behind it, so that a reader that goes too far is found out.
+/// Without a terminating zero, so that a read past the end is detected.
 std::variant<Datensatz, Lesefehler> lies(const std::string& text) {
     const std::vector<char> zeichen(text.begin(), text.end());
     return liesDatensatz({zeichen.data(), zeichen.size()});
 }
 
-/// The fields as pairs; none for a text that is no record.
+/// The fields as pairs; empty for a text that is no record.
 std::vector<std::pair<std::string, std::string>> felder(const std::string& text) {
     std::vector<std::pair<std::string, std::string>> paare;
     const auto gelesen = lies(text);

@@ -12,7 +12,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Without a zero behind it, so that a reader that goes too far is found out.
+/// Without a terminating zero, so that a read past the end is detected.
 std::optional<Datum> lies(const std::string& text) {
     const std::vector<char> zeichen(text.begin(), text.end());
     return liesDatum({zeichen.data(), zeichen.size()});

@@ -22,11 +22,11 @@ namespace {
 
 using enum SteuerIdFehler;
 
-/// What ISO 7064 MOD 11,10 comes to over digits with their check digit: 1 for a number that is right.
+/// The result of ISO 7064 MOD 11,10 over digits with their check digit: 1 for a valid number.
 int mod11_10(const std::string& ziffern) {
     int p = 10;
     for (std::size_t i = 0; i + 1 < ziffern.size(); ++i) {
-        const int s = (p + (ziffern[i] - '0') - 1) % 10 + 1; // modulo 10, with 10 in the place of 0
+        const int s = (p + (ziffern[i] - '0') - 1) % 10 + 1; // modulo 10, with 10 for 0
         p = 2 * s % 11;
     }
     return (p + (ziffern.back() - '0')) % 10;
@@ -39,7 +39,7 @@ std::string mitPruefziffer(const std::string& zehn) {
     return nummer;
 }
 
-/// The rules once more, for eleven digits.
+/// The rules again, for eleven digits.
 SteuerIdFehler erwartet(const std::string& nummer) {
     if (nummer[0] == '0')
         return FUEHRENDE_NULL;
@@ -95,14 +95,14 @@ struct Fall {
 
 TEST(SteuerId, TellsTheFirstRuleBroken) {
     const Fall faelle[] = {
-        {mitPruefziffer("0123456781"), FUEHRENDE_NULL}, // nothing else is wrong with it
+        {mitPruefziffer("0123456781"), FUEHRENDE_NULL}, // no other fault
         {"00000000000", FUEHRENDE_NULL},
         {"0123456789", FORM},
         {mitPruefziffer("1234567890"), WIEDERHOLUNG}, // each digit once
         {mitPruefziffer("1122345678"), WIEDERHOLUNG}, // two digits twice
         {mitPruefziffer("1212134567"), WIEDERHOLUNG}, // one three times, another twice
         {mitPruefziffer("1213141567"), WIEDERHOLUNG}, // one four times
-        {mitPruefziffer("1111234567"), WIEDERHOLUNG}, // and side by side
+        {mitPruefziffer("1111234567"), WIEDERHOLUNG}, // and adjacent
         {mitPruefziffer("1112223456"), WIEDERHOLUNG},
         {"11111111111", WIEDERHOLUNG},
         {mitPruefziffer("1112345678"), DREI_IN_FOLGE},
@@ -115,7 +115,7 @@ TEST(SteuerId, TellsTheFirstRuleBroken) {
 }
 
 TEST(SteuerId, LeavesTheCheckDigitOutOfTheRulesForRepetition) {
-    // The first ten digits end in the same digit twice: three in a row with the check digit, and still good.
+    // The first ten digits end in the same digit twice: three in a row with the check digit, still valid.
     std::string zehn = "1234567899";
     int gefunden = 0;
     do {

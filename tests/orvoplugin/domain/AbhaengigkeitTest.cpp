@@ -41,7 +41,7 @@ TEST(Abhaengigkeit, KeepsOnlyItsKindInAListOfTheBase) {
 
 TEST(Abhaengigkeit, IsDeletedThroughItsBase) {
     static_assert(std::has_virtual_destructor_v<Abhaengigkeit>);
-    // Nothing may be left over here: the leak checkers look at it.
+    // Nothing may leak here; the leak checkers test it.
     const std::unique_ptr<Abhaengigkeit> abhaengigkeit =
         std::make_unique<UfaVzAbhaengigkeit>(kUa, Vz(2007, "YYYY"), Vz(2009, "YYYY"));
     EXPECT_EQ(abhaengigkeit->getTyp(), 0);

@@ -37,7 +37,7 @@ TEST(Bedingung, KeepsOnlyItsKindInAListOfTheBase) {
 
 TEST(Bedingung, IsDeletedThroughItsBase) {
     static_assert(std::has_virtual_destructor_v<Bedingung>);
-    // Nothing may be left over here: the leak checkers look at it.
+    // Nothing may leak here; the leak checkers test it.
     const std::unique_ptr<Bedingung> bedingung = std::make_unique<UfaPruefungBedingung>(kUa, kVz);
     EXPECT_EQ(bedingung->getTyp(), 0);
 }

@@ -108,7 +108,7 @@ TEST(Konstanten, AreObjectsOfEachUnit) {
     EXPECT_EQ(lstbAnderswo().getName(), "LSTB");
 }
 
-/// Made before `main`, and maybe before anything else of this unit.
+/// Made before `main`, perhaps before anything else of this unit.
 const Unterfallart kVorMain = UFA_ZUWENDUNGSBESTAETIGUNG;
 
 TEST(Konstanten, AreThereBeforeMain) { EXPECT_EQ(kVorMain.getName(), "Zuwendungsbestaetigung"); }

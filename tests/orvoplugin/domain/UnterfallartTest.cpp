@@ -58,7 +58,7 @@ TEST(Unterfallart, OfTheNumberThatMeansNoneIsKnownByItsName) {
     EXPECT_EQ(ua.getNummer(), kOhne);
     EXPECT_EQ(ua.getName(), "-99");
     EXPECT_EQ(ua.compare(Unterfallart("-99")), 0);
-    // Compared by name, so "-99" stands before "-100" although the number would not.
+    // Compared by name, so "-99" does not sort like the number.
     EXPECT_EQ(ua.compare(Unterfallart(-100)), 1);
     EXPECT_EQ(ua.compare(Unterfallart(10)), -1);
 }
@@ -77,7 +77,7 @@ TEST(Unterfallart, ComparesByNameAsSoonAsOneSideHasNoNumber) {
     EXPECT_EQ(Unterfallart(10).compare(Unterfallart("LSTB")), -1);
     EXPECT_EQ(Unterfallart("LSTB").compare(Unterfallart(10)), 1);
     EXPECT_EQ(Unterfallart("010").compare(Unterfallart("0x")), -1);
-    EXPECT_EQ(Unterfallart(9).compare(Unterfallart("10a")), 1); // '9' stands behind '1'
+    EXPECT_EQ(Unterfallart(9).compare(Unterfallart("10a")), 1); // '9' sorts after '1'
 }
 
 TEST(Unterfallart, ComparesNamesWithoutRegardToCase) {

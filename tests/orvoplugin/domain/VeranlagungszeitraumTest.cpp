@@ -17,14 +17,14 @@ using orvo::exception::InvalidFormatException;
 using testing::ElementsAre;
 using Vz = Veranlagungszeitraum;
 
-/// All that a period tells of itself: kind, year, month code, day, quarter.
+/// All fields of a period: kind, year, month code, day, quarter.
 using Felder = std::tuple<int, int, int, int, int>;
 
 Felder felder(const Vz& vz) {
     return {vz.getTyp(), vz.getJahr(), vz.getZeitraum(), vz.getTag(), vz.getQuartal()};
 }
 
-/// What is wrong with that text under that pattern; "" when nothing is.
+/// The error of that text under that pattern; "" if there is none.
 std::string meldung(const std::string& text, const char* format) {
     try {
         Vz::parse(text, format);

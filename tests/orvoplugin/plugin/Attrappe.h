@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-/// A shared library that is none: it does what a test tells it, and notes what is asked of it.
+/// A fake shared library: it does what a test sets, and records the calls.
 class Attrappe : public orvo::orvoutil::SharedLib {
 public:
-    /// What outlives the object.
+    /// Outlives the object.
     struct Notizen {
         std::vector<std::string> aufrufe; ///< "load", "unload", "symbol NAME"
         int zerstoert = 0;

@@ -1,4 +1,4 @@
-// The one plugin manager of the process: when it is made, and to whom it is refused.
+// The one plugin manager of the process: when it is made, and when a request is refused.
 
 #include <orvoplugin/plugin/intern/Einzelinstanz.h>
 
@@ -27,14 +27,14 @@ constexpr char kName[] = "orvo.plugin.OrvoPluginManager";
 struct EinzelinstanzTest : testing::Test {
     Zeilen ereignisse;
     Zeuge zeuge{ereignisse};
-    Heimat heimat; // goes first, and the manager with it
+    Heimat heimat; // destroyed first, and the manager with it
 
     static OrvoPluginManager* registriert() {
         return ObjectLifetimeManager::instance().getObject<OrvoPluginManager>(kName);
     }
 };
 
-/// What a request is refused with; empty when it is not.
+/// The text with which a request is refused; empty if it is not.
 std::string ablehnung() {
     try {
         OrvoPluginManager::getInstanz(nullptr);
@@ -143,7 +143,7 @@ TEST_F(EinzelinstanzTest, GivesTheStartUpCodeNullAlsoWhenAnObserverOpensTheLibra
 TEST_F(EinzelinstanzTest, GivesTheLastCodeOfALibraryNullWhileItIsBeingMade) {
     heimat.lege(test_plugins::AsksForManagerWhenClosed, "liba.dylib");
     heimat.lege(test_plugins::AsksForRegistryWhenClosed, "libb.dylib");
-    heimat.lege(test_plugins::ThrowsStandardExceptionFromTypes, "libc.dylib"); // and those after it
+    heimat.lege(test_plugins::ThrowsStandardExceptionFromTypes, "libc.dylib"); // and for later plugins
     ASSERT_NE(OrvoErweiterungsManager::getInstanz(), nullptr);
     EXPECT_THAT(plugins(*registriert()), ElementsAre("liba.dylib", "libb.dylib"));
     registriert()->reload();
@@ -181,7 +181,7 @@ TEST_F(EinzelinstanzTest, IsNullForWhoAsksDuringTheTeardownWhenItIsGoneOrNeverWa
         OrvoPluginManager unwichtig(nullptr);
         OrvoPluginManager* antwort = &unwichtig;
         ObjectLifetimeManager::instance().addObject("test.Fragende", new Fragende(antwort));
-        if (gabEsEinen) // made later, so destroyed before
+        if (gabEsEinen) // made later, so destroyed earlier
             OrvoPluginManager::getInstanz(nullptr);
         const Mitschnitt log;
         ObjectLifetimeManager::instance().destroyAll();

@@ -11,7 +11,7 @@
 /// The name of a table's case as the name of its test.
 constexpr auto nameDesFalls = [](const auto& fall) { return std::string(fall.param.name); };
 
-/// A plugin library and the text that it brings about.
+/// A plugin library and the text that it causes.
 struct Bibliotheksfall {
     const char* name;
     const char* bibliothek;
@@ -20,7 +20,7 @@ struct Bibliotheksfall {
 
 inline std::ostream& operator<<(std::ostream& out, const Bibliotheksfall& fall) { return out << fall.name; }
 
-/// Whatever an entry point may throw that is not of the library's own classes.
+/// Exceptions of an entry point that are not of the library's own classes.
 inline std::vector<Bibliotheksfall> werfendePlugins() {
     static constexpr char standard[] = "Standardausnahme aus dem Plugin";
     static constexpr char eigene[] = "Ausnahme einer Klasse des Plugins, mit einem langen Text: \xFC"

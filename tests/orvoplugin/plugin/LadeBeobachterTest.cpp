@@ -1,4 +1,4 @@
-// What an observer of the loading hears of each file, and that nothing else changes by it.
+// What an observer of the loading hears of each file, and that the observer changes nothing else.
 
 #include <orvoplugin/plugin/LadeBeobachter.h>
 
@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Notes everything that it hears, and passes over the files that it is told to.
+/// Records everything that it hears, and skips the files that a test names.
 class Horcher : public LadeBeobachter {
 public:
     Horcher() : vorher_(OrvoPluginManager::setLadeBeobachter(this)) {}
@@ -52,7 +52,7 @@ private:
     LadeBeobachter* vorher_;
 };
 
-/// The step at which the only library of a plugin directory is refused; 0 when it is loaded.
+/// The step at which the only library of a plugin directory is refused; 0 if it is loaded.
 int schrittVon(const char* bibliothek) {
     const Heimat heimat;
     heimat.lege(bibliothek, "libx.dylib");
@@ -220,7 +220,7 @@ TEST(LadeBeobachter, IsRefusedWhateverItAsksTheManagerToLoadOrUnload) {
 
     private:
         void bestelle() {
-            if (++bestellungen < 20) // or it would go on for ever
+            if (++bestellungen < 20) // otherwise it would never end
                 manager->reload();
         }
     };

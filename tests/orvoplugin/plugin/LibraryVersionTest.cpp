@@ -12,7 +12,7 @@
 
 namespace {
 
-/// A buffer with room behind what is written, full of a byte that is in neither text.
+/// A buffer larger than the texts, filled with a byte that is in neither.
 struct Puffer {
     std::array<char, 32> bytes;
     Puffer() { bytes.fill('#'); }

@@ -1,4 +1,4 @@
-// The loader with real libraries: what they are refused for, what they throw, and that they leave the process.
+// The loader with real libraries: why they are refused, what they throw, and that they leave the process.
 
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
 
@@ -20,7 +20,7 @@ using orvo::orvoutil::SharedLib;
 
 namespace {
 
-/// Loads and returns what the exception says; looks at everything that the exception refers to.
+/// Loads and returns the text of the exception; reads everything that the exception refers to.
 template <class Ladevorgang>
 std::optional<std::string> grund(const std::string& pfad, Ladevorgang lade, bool offenErwartet) {
     try {

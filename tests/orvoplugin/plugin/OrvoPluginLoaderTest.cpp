@@ -46,7 +46,7 @@ struct OrvoPluginLoaderTest : testing::Test {
         bibliothek->exportiere("orvo_plugin_initialize", beschreibt);
     }
 
-    /// The failure and its text; the library must be gone with it.
+    /// The failure and its text; the library must be destroyed.
     void erwarteFehler(orvo_plugin_loader_exception_typ_t typ, const std::string& text) {
         try {
             loader.loadPlugin(bibliothek);

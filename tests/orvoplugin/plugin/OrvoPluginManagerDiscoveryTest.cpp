@@ -63,7 +63,7 @@ TEST_F(OrvoPluginManagerDiscovery, SkipsTheBlockedNamesAsTheyAreListed) {
         heimat.lege(test_plugins::DescribedByFile, name);
         erwartet.push_back(markiert(std::string("Plugin ") + name + " in Sperrliste. Wird ignoriert"));
     }
-    erwartet.push_back(markiert("erfolgreich gestartet")); // which a blocked file does not change
+    erwartet.push_back(markiert("erfolgreich gestartet")); // a blocked file does not change this
     const Mitschnitt log(LogLevel::Error);
     OrvoPluginManager manager(nullptr);
     EXPECT_THAT(plugins(manager), IsEmpty());
@@ -116,7 +116,7 @@ TEST_F(OrvoPluginManagerDiscovery, LooksForAFileWithCapitalsInItsSuffixUnderTheL
 TEST_F(OrvoPluginManagerDiscovery, TakesADirectoryForADirectoryWhateverItsName) {
     heimat.lege(test_plugins::DescribedByFile, "libd.dylib/libx.dylib");
     heimat.lege(test_plugins::DescribedByFile,
-                "libfrendolin.dylib/liby.dylib"); // nor are directories blocked
+                "libfrendolin.dylib/liby.dylib"); // directories are not blocked
     OrvoPluginManager manager(nullptr);
     EXPECT_THAT(plugins(manager), ElementsAre("libx.dylib", "liby.dylib"));
 }

@@ -1,4 +1,4 @@
-// Plugins that throw, or that change the settings, while the manager has them describe themselves or closes them.
+// Plugins that throw or change the settings while they describe themselves or are closed.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
@@ -25,12 +25,12 @@ using testing::ElementsAre;
 
 namespace {
 
-/// The text as it stands in the log.
+/// The text as the log shows it.
 std::string imLog(const Bibliotheksfall& fall) {
     return std::string("Plugin nicht geladen: ") + (fall.text ? fall.text : "unbekannte Ausnahme");
 }
 
-/// Notes whether a library is open at the moment at which its refusal is written.
+/// Records whether a library is open when its refusal is written.
 struct Horcher : orvo::orvoutil::LogSink {
     explicit Horcher(std::string p) : pfad(std::move(p)) {}
     void write(const LogEntry& eintrag) override {
@@ -44,7 +44,7 @@ struct Horcher : orvo::orvoutil::LogSink {
     bool offen = false;
 };
 
-/// Gives an order when a certain entry is written.
+/// Calls a function when a certain entry is written.
 struct Besteller : orvo::orvoutil::LogSink {
     explicit Besteller(std::string wann) : wann_(std::move(wann)) {}
     void write(const LogEntry& eintrag) override {

@@ -1,4 +1,4 @@
-// What observers may do while the manager tells them of plugins, and what becomes of it.
+// What observers may do while the manager tells them of plugins, and the results.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
@@ -21,7 +21,7 @@ std::string abgelehnt(const std::string& auftrag) {
     return "W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: " + auftrag;
 }
 
-/// A manager with the plugins liba.dylib and libb.dylib, loaded before anybody observes, and observers for it.
+/// A manager with the plugins liba.dylib and libb.dylib, loaded before there are observers, and observers for it.
 struct OrvoPluginManagerObserver : testing::Test {
     Heimat heimat;
     Mitschnitt log{LogLevel::Info};
@@ -61,7 +61,7 @@ TEST_F(OrvoPluginManagerObserver, IsToldTwiceWhenRegisteredTwiceAndOnceWhenThenT
     melde();
     EXPECT_THAT(ereignisse, ElementsAre("1+liba.dylib", "2+liba.dylib", "1+liba.dylib"));
     ereignisse.clear();
-    manager->removeObserver(&erster); // the first entry goes
+    manager->removeObserver(&erster); // removes the first entry
     melde();
     EXPECT_THAT(ereignisse, ElementsAre("2+liba.dylib", "1+liba.dylib"));
 }

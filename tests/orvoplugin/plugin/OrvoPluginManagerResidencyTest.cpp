@@ -1,5 +1,5 @@
-// Which plugins are resident. The list is read once for the process, so each of these tests needs a process of its
-// own, which ctest gives it; run together in one process, all but the first are skipped.
+// Which plugins are resident. The list is read once per process, so each of these tests needs its own process. ctest
+// gives it one; in a shared process all but the first are skipped.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
@@ -33,7 +33,7 @@ struct OrvoPluginManagerResidency : testing::Test {
 
     bool resident(const std::string& pfad) const { return manager.isResidentPlugin(pfad); }
 
-    /// What the question writes to the standard output.
+    /// What the query writes to standard output.
     std::string ausgabe(const std::string& pfad) const {
         testing::internal::CaptureStdout();
         resident(pfad);

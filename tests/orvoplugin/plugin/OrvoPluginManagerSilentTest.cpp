@@ -14,7 +14,7 @@
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Without a sink, and with one that takes errors only, everything goes the same way.
+// The results are the same without a sink, and with one that takes errors only.
 
 namespace {
 
@@ -25,7 +25,7 @@ public:
     OrvoErweiterung* clone() const override { return new Andere(*this); }
 };
 
-/// A plugin that says it is of interface 1, and is not.
+/// A plugin that claims interface 1 but is of another class.
 class Falschgelabelt : public OrvoPlugin {
 public:
     Falschgelabelt() : OrvoPlugin({1}, nullptr) {}

@@ -22,7 +22,7 @@ using orvo::orvoutil::SharedLib;
 
 namespace {
 
-/// A manager over a directory with the plugin liba.dylib; libz.dylib, which is none, lies elsewhere.
+/// A manager over a directory with the plugin liba.dylib; libz.dylib, which is no plugin, is elsewhere.
 struct Werkstueck {
     Werkstueck() {
         heimat.beschreibe("liba.dylib", "produktversion 1\nfileversion 2\n");
@@ -101,7 +101,7 @@ std::vector<Fall> faelle() {
         {"LadePlugin", [](Werkstueck& w) { w.manager->ladePlugin(w.heimat.ort("liba.dylib")); }, geladen()},
         {"LadePluginThatFailsHasNoExit",
          [](Werkstueck& w) {
-             w.manager->setPluginSuchPfad(w.heimat.verzeichnis.pfad()); // where @ stands for now
+             w.manager->setPluginSuchPfad(w.heimat.verzeichnis.pfad()); // for which @ stands now
              w.manager->ladePlugin(w.keins);
          },
          {"> ladePlugin()", markiert("Lese Bibliothek: @/libz.dylib"), "> loadPlugin()",

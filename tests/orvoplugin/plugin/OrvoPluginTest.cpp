@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The record without any behaviour.
+/// The record alone, without behaviour.
 class NurDatensatz : public OrvoPlugin {
 public:
     explicit NurDatensatz(orvo::orvoutil::SharedLib* bibliothek, std::int32_t typ = 1)

@@ -24,7 +24,7 @@ bool misslingt(OrvoPluginV1*) { return false; }
 void hook() {}
 [[noreturn]] void werfenderHook() { throw 42; }
 
-/// A plugin whose library does as told.
+/// A plugin with a fake library.
 struct Werkstueck {
     Attrappe::Notizen notizen;
     Attrappe* bibliothek = new Attrappe(notizen, "/p/libx.dylib");
@@ -35,7 +35,7 @@ using Schritt = std::function<void(Werkstueck&)>;
 
 struct Fall {
     const char* name;
-    Schritt vorher; ///< not looked at
+    Schritt vorher; ///< not compared
     Schritt schritt;
     Zeilen mitDebug;
     Zeilen ohneDebug;
@@ -56,7 +56,7 @@ Schritt initialisiere(Funktion funktion) {
     };
 }
 
-/// One operation's entry and exit at debug, and nothing above.
+/// One operation's entry and exit at debug level; nothing at higher levels.
 Fall paar(const char* name, const std::string& operation, Schritt schritt) {
     return {name, nichts, std::move(schritt), {"> " + operation, "< " + operation}, {}};
 }
@@ -223,7 +223,7 @@ std::vector<Fall> faelleDesPlugins() {
 
 class PluginTraces : public testing::TestWithParam<Fall> {};
 
-/// The plugin's own lines of a step, in the order written.
+/// The plugin's own lines of a step, in order.
 Zeilen mitschrift(const Fall& fall, LogLevel stufe) {
     Mitschnitt log(stufe);
     Werkstueck w;
@@ -237,7 +237,7 @@ Zeilen mitschrift(const Fall& fall, LogLevel stufe) {
     return zeilen;
 }
 
-/// What a plugin looks like after a step.
+/// The state of a plugin after a step.
 std::string zustand(const Werkstueck& w) {
     std::string text = w.plugin->toString() + std::to_string(w.plugin->getStatus()) + " " +
                        std::to_string(w.plugin->getUseCount()) + (w.plugin->isResident() ? " resident" : "");
@@ -268,7 +268,7 @@ TEST_P(PluginTraces, ChangeNothingElse) {
             verstummt.bibliothek = new Attrappe(verstummt.notizen, "/p/libx.dylib"));
         GetParam().vorher(verstummt);
     }
-    GetParam().schritt(verstummt); // has a logger, but nobody listens any more
+    GetParam().schritt(verstummt); // has a logger, but no sink is left
     GetParam().vorher(ohneLog);
     GetParam().schritt(ohneLog);
     EXPECT_EQ(zustand(mitLog), zustand(ohneLog));

@@ -30,7 +30,7 @@ OrvoValidierungsServiceErweiterung pruefung(const char* ua = "10") {
     return OrvoValidierungsServiceErweiterung(Unterfallart(ua), kJahr);
 }
 
-/// An extension of the host's that is of no kind known here, and may refuse to be copied.
+/// An extension of the host, of an unknown kind, which may fail to clone itself.
 class ErweiterungDesWirts : public OrvoErweiterung {
 public:
     explicit ErweiterungDesWirts(int typ, bool kopierbar = true, int* zerstoert = nullptr)
@@ -186,7 +186,7 @@ TEST_F(OrvoPluginV1Test, TakesAnExtensionOfAClassOfTheHosts) {
 }
 
 TEST_F(OrvoPluginV1Test, TakesTheLibrarysOwnClassesAlsoWhenThePluginCameIntoTheProcessFirst) {
-    bibliothek->enthaeltAlles = true; // all that came later counts as the plugin's
+    bibliothek->enthaeltAlles = true; // everything loaded later counts as the plugin's
     plugin->addErweiterung(pruefung());
     EXPECT_EQ(plugin->listeErweiterungen().size(), 1u);
 }
@@ -277,7 +277,7 @@ TEST_F(OrvoPluginV1Test, PassesOverTaxOfficeDataWithoutAnErrorAndReportsOthersTh
     const Mitschnitt log(orvo::orvoutil::LogLevel::Info);
     plugin = std::make_unique<OrvoPluginV1>(new Attrappe(notizen));
     plugin->addErweiterung(OrvoFADatenServiceErweiterung());
-    plugin->addErweiterung(ErweiterungDesWirts(4)); // by its kind, whatever its class
+    plugin->addErweiterung(ErweiterungDesWirts(4)); // counts by kind, not by class
     EXPECT_THAT(plugin->providesUnterfallartUndVeranlagungszeitraum(Unterfallart("10"), kJahr), IsEmpty());
     EXPECT_EQ(log.anzahlMit("Cast"), 0);
 

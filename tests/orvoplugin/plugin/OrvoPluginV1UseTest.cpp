@@ -30,7 +30,7 @@ void hook() {
 void wirftText() { throw std::runtime_error("Hook f\xFCr nichts"); }
 void wirftZahl() { throw 42; }
 
-/// A plugin with a library that does as told, and a log of the levels above debug.
+/// A plugin with a fake library, and a log of the levels above debug.
 struct OrvoPluginV1UseTest : testing::Test {
     Mitschnitt log{orvo::orvoutil::LogLevel::Info};
     Attrappe::Notizen notizen;
@@ -57,10 +57,10 @@ std::string inhalt(const std::string& datei) {
 } // namespace
 
 TEST_F(OrvoPluginV1UseTest, OpensForTheFirstUserAndClosesAfterTheLast) {
-    plugin.notifyUse(); // the first user's
+    plugin.notifyUse(); // the first user
     EXPECT_EQ(plugin.getUseCount(), 1);
     EXPECT_EQ(plugin.getStatus(), ORVO_PLUGIN_GELADEN);
-    plugin.notifyUse(); // the second user's
+    plugin.notifyUse(); // the second user
     EXPECT_EQ(plugin.getUseCount(), 2);
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load"));
 
@@ -68,7 +68,7 @@ TEST_F(OrvoPluginV1UseTest, OpensForTheFirstUserAndClosesAfterTheLast) {
     EXPECT_EQ(plugin.getUseCount(), 1);
     EXPECT_EQ(plugin.getStatus(), ORVO_PLUGIN_GELADEN);
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load"));
-    plugin.release(); // nobody is
+    plugin.release(); // no user is left
     EXPECT_EQ(plugin.getUseCount(), 0);
     EXPECT_EQ(plugin.getStatus(), ORVO_PLUGIN_ENTLADEN);
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load", "unload"));
@@ -114,13 +114,13 @@ TEST_F(OrvoPluginV1UseTest, GoesBelowZeroAndThenSkipsTheOpening) {
     plugin.release();
     EXPECT_EQ(plugin.getUseCount(), -2);
     plugin.notifyUse();
-    plugin.notifyUse(); // back to zero, and nothing was opened
+    plugin.notifyUse(); // back to zero; nothing was opened
     EXPECT_EQ(plugin.getUseCount(), 0);
     EXPECT_EQ(plugin.getStatus(), ORVO_PLUGIN_ERZEUGT);
     EXPECT_THAT(notizen.aufrufe, IsEmpty());
     EXPECT_THAT(log.meldungen(), IsEmpty());
 
-    plugin.notifyUse(); // a first one again
+    plugin.notifyUse(); // a first use again
     EXPECT_EQ(plugin.getUseCount(), 1);
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load"));
 }
@@ -200,7 +200,7 @@ TEST_F(OrvoPluginV1UseTest, KeepsAResidentPluginOpenAndItsHookUncalled) {
     EXPECT_EQ(gerufen, 0);
     EXPECT_THAT(log.meldungen(), ElementsAre(kLade));
 
-    plugin.notifyUse(); // a first user again: said to be loaded, but open already
+    plugin.notifyUse(); // a first use again: logged as a load, although already open
     EXPECT_EQ(plugin.getUseCount(), 1);
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load"));
     EXPECT_THAT(log.meldungen(), ElementsAre(kLade, kLade));

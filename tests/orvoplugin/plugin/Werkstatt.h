@@ -36,8 +36,8 @@ inline Zeilen plugins(OrvoPluginManager& manager) {
     return namen;
 }
 
-/// A home directory of its own, which the settings name as long as it lives. The process-wide objects and the
-/// settings are gone with it, so the next test starts anew.
+/// A home directory, which is set as long as this object lives. Its end destroys the process-wide objects and resets
+/// the settings, so the next test starts anew.
 class Heimat {
 public:
     explicit Heimat(bool eingestellt = true) {
@@ -59,19 +59,19 @@ public:
     std::string lege(const char* bibliothek, const std::string& name) const {
         return verzeichnis.kopiere(bibliothek, "plugins/" + name);
     }
-    /// Puts a plugin there that describes itself by that text.
+    /// Puts a plugin there that describes itself as the text says.
     std::string beschreibe(const std::string& name, const std::string& text = "") const {
         verzeichnis.schreibe("plugins/" + name + ".txt", text);
         return lege(test_plugins::DescribedByFile, name);
     }
-    /// Where the plugins lie, or something among them.
+    /// The plugin directory, or a path in it.
     std::string ort() const { return verzeichnis.pfad("plugins"); }
     std::string ort(const std::string& name) const { return ort() + "/" + name; }
 
     const Verzeichnis verzeichnis;
 };
 
-/// An observer that notes "+libx.dylib" and "-libx.dylib", and then does what the test wants.
+/// An observer that records "+libx.dylib" and "-libx.dylib", then calls a function of the test.
 class Zeuge : public PluginObserver {
 public:
     using Tat = std::function<void(OrvoPlugin&)>;

@@ -1,4 +1,4 @@
-// The report of the registry, which is its heading alone.
+// The report of the registry, which is only a heading.
 
 #include "Registratur.h"
 

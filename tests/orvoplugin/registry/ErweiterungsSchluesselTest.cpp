@@ -136,7 +136,7 @@ TEST(ErweiterungsSchluessel, HashesAllNamesOfAYearAlike) {
     EXPECT_FALSE(check("LSTB", jahr(2009)) == check("ZMDO", jahr(2009)));
 }
 
-// Both rules are fixed: a negative number and a name of the same text are equal by name, and no text of theirs is.
+// Both rules are fixed: a negative number and a name of the same text are equal by name, but their key texts differ.
 TEST(ErweiterungsSchluessel, HashesANegativeNumberAndTheEqualNameApart) {
     EXPECT_EQ(check(-5, jahr(2009)), check("-5", jahr(2009)));
     EXPECT_NE(streuwert(check(-5, jahr(2009))), streuwert(check("-5", jahr(2009))));

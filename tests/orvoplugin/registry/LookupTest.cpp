@@ -19,7 +19,7 @@ using Check = OrvoValidierungsServiceErweiterung;
 using Finder = std::function<OrvoErweiterung*(const OrvoErweiterungsManager&, const Unterfallart&,
                                               const Veranlagungszeitraum&)>;
 
-/// One look-up by pair: its kind, how to ask, and how to make an extension of it.
+/// One look-up by pair: its kind, its functions, and how to make an extension of it.
 struct Suche {
     tag_erweiterung_typ typ;
     Finder finde;
@@ -50,7 +50,7 @@ const Suche kSuchen[] = {
         ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG),
 };
 
-/// An extension that serves pairs and is of none of the concrete classes.
+/// An extension that serves pairs, of none of the concrete classes.
 class Fremde : public OrvoUaVzServiceErweiterung {
 public:
     Fremde(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz)
@@ -62,7 +62,7 @@ public:
 
 class LookupTest : public Registratur {
 protected:
-    /// Announces the plugin as it stands.
+    /// Announces the plugin as it is now.
     void melde(LosesPlugin& plugin) { registry_.pluginErzeugt(&plugin); }
 
     OrvoErweiterungsManager registry_;
@@ -135,7 +135,7 @@ TEST_F(LookupTest, FindsSubCaseTypesByNumberOrByNameIgnoringCase) {
         EXPECT_EQ(registry_.findeValidierungsServiceErweiterung(ua, jahr(2009)), name) << ua.getName();
 }
 
-// "notset" stands for any sub-case type in an extension's own support test only.
+// "notset" means any sub-case type only in an extension's own support test.
 TEST_F(LookupTest, TakesTheNameNotsetForAnOrdinaryOne) {
     LosesPlugin plugin("1.0");
     OrvoErweiterung* const erweiterung = plugin.biete(Check("notset", jahr(2009)));

@@ -129,7 +129,7 @@ TEST_F(OrvoErweiterungsManagerTest, IsEmptyWhenAllPluginsAreUnloaded) {
     EXPECT_TRUE(registry.getRegistrierteErweiterungen().empty());
 }
 
-// The plugin manager looks at no observer but its first one's.
+// The plugin manager uses only the observer of the first request.
 TEST_F(OrvoErweiterungsManagerTest, HearsNothingWhenThePluginManagerWasThereBefore) {
     lege("eins", "check 10 2009\n");
     OrvoPluginManager* const plugins = OrvoPluginManager::getInstanz(nullptr);
@@ -144,7 +144,7 @@ TEST_F(OrvoErweiterungsManagerTest, ObservesThePluginManagerThatItStarts) {
     lege("eins", "check 10 2009\n");
     auto registry = std::make_unique<OrvoErweiterungsManager>();
     EXPECT_EQ(registry->getRegistrierteErweiterungen().size(), 1u);
-    registry.reset(); // takes itself out of the observers
+    registry.reset(); // removes itself from the observers
     OrvoPluginManager::getInstanz(nullptr)->reload();
     EXPECT_EQ(OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().size(), 1u);
 }
@@ -153,12 +153,12 @@ TEST_F(OrvoErweiterungsManagerTest, WarnsWhenItGoesWhileExtensionsAreFiled) {
     const Mitschnitt mitschnitt(LogLevel::Warn);
     lege("eins", "check 10 2009\n");
     starte();
-    ObjectLifetimeManager::instance().destroyAll(); // the registry goes first, while the plugins are loaded
+    ObjectLifetimeManager::instance().destroyAll(); // the registry goes first, with the plugins loaded
     EXPECT_EQ(mitschnitt.anzahl(kSpeicherloch), 1);
 }
 
 TEST_F(OrvoErweiterungsManagerTest, FindsNothingOnceItHasForgottenAllAtItsEnd) {
-    /// A log that looks something up when the registry says its last line.
+    /// A log that looks something up when the registry writes its last line.
     class Frager : public orvo::orvoutil::LogSink {
     public:
         void write(const orvo::orvoutil::LogEntry& eintrag) override {
@@ -211,7 +211,7 @@ TEST_F(OrvoErweiterungsManagerTest, LeavesTheExtensionsToTheirPluginsWhenItGoes)
 
 TEST_F(OrvoErweiterungsManagerTest, DoesNotStartAPluginManagerOnlyToTakeItselfOut) {
     auto registry = std::make_unique<OrvoErweiterungsManager>();
-    ObjectLifetimeManager::instance().destroyAll(); // the plugin manager goes before the registry
+    ObjectLifetimeManager::instance().destroyAll(); // the plugin manager is destroyed before the registry
     const Mitschnitt mitschnitt;
     registry.reset();
     EXPECT_EQ(mitschnitt.anzahlMit("Starte Manager"), 0);
@@ -241,7 +241,7 @@ TEST_F(OrvoErweiterungsManagerTest, IsNotToBeHadTwiceUnderOneName) {
     };
     ObjectLifetimeManager::instance().addObject(kName, new Fremder{fremd});
     EXPECT_THROW(OrvoErweiterungsManager::getInstanz(), std::logic_error);
-    // The registry made in vain has left the plugin manager again.
+    // The registry whose making failed has removed itself from the plugin manager.
     OrvoPluginManager::getInstanz(nullptr)->reload();
     ObjectLifetimeManager::instance().destroyAll();
     EXPECT_EQ(fremd, 1);

@@ -11,7 +11,7 @@
 
 namespace {
 
-// The instance that the registry uses, written out.
+// The instance that the registry uses.
 using Register =
     orvo::common::OrvoHashmap<ErweiterungsSchluessel, OrvoErweiterung*, ErweiterungsSchluessel,
                               std::equal_to<ErweiterungsSchluessel>,

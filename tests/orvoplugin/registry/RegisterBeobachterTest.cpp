@@ -1,4 +1,4 @@
-// What an observer of the registry hears of each key, and what a look-up tells of the key that answered.
+// What an observer of the registry hears of each key, and what a look-up reports of the key that answered.
 
 #include "Registratur.h"
 
@@ -21,7 +21,7 @@ using Check = OrvoValidierungsServiceErweiterung;
 
 std::string wer(const OrvoErweiterung& erweiterung) { return erweiterung.getPlugin()->getProduktVersion(); }
 
-/// "LSTB 2009", by what the key says.
+/// "LSTB 2009": the content of a key.
 std::string wo(const ErweiterungsSchluessel& schluessel) {
     return schluessel.getUnterfallart().getName() + " " +
            std::to_string(schluessel.getVeranlagungszeitraum().getJahr());
@@ -69,7 +69,7 @@ public:
 
 } // namespace
 
-/// A registry over no plugins; the tests announce theirs themselves.
+/// A registry without plugins; the tests announce theirs themselves.
 class RegisterBeobachterTest : public Registratur {
 protected:
     OrvoErweiterungsManager registry_;

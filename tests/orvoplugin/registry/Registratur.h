@@ -11,18 +11,18 @@
 
 #include <string>
 
-/// A test with a home directory of its own, for the settings to point to. The process's registry and plugin
-/// manager, if the test makes them, go with it.
+/// A test with its own home directory, which the settings name. Its end destroys the process's registry and plugin
+/// manager, if the test made them.
 class Registratur : public testing::Test {
 protected:
     Registratur();
     ~Registratur() override;
 
-    /// Lays a plugin "plugins/lib<name>.dylib" that does what `auftraege` says. Returns: its path.
+    /// Makes a plugin "plugins/lib<name>.dylib" that follows `auftraege`. Returns: its path.
     std::string lege(const std::string& name, const std::string& auftraege) const;
     /// The process's registry; the first call loads the plugins.
     static OrvoErweiterungsManager& starte();
-    /// Takes the plugin of that name out of the plugin manager as a single one goes: list, observers, object.
+    /// Unloads the single plugin of that name: takes it off the list, tells the observers, deletes it.
     static void entlade(const std::string& name);
 
     /// The first extension of the loaded plugin of that name.
@@ -33,9 +33,9 @@ protected:
 
 Veranlagungszeitraum jahr(int zahl);
 
-/// "Registriere Erweiterung(<address>,<kind>)<rest>" as it stands in the log.
+/// "Registriere Erweiterung(<address>,<kind>)<rest>" as the log shows it.
 std::string registriere(const OrvoErweiterung* erweiterung, const std::string& rest = "");
-/// The line that tells of a second extension under one key; `schluessel` is "kind/sub-case type/period".
+/// The line about a second extension under one key; `schluessel` is "kind/sub-case type/period".
 std::string doppelt(const std::string& schluessel);
 
 /// A plugin without a library, which a test describes and announces itself.

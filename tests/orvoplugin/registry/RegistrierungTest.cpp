@@ -21,7 +21,7 @@ constexpr char kKategorie[] = "orvo.plugin.OrvoErweiterungsManager";
 
 } // namespace
 
-/// A registry over no plugins; the tests announce theirs themselves.
+/// A registry without plugins; the tests announce theirs themselves.
 class RegistrierungTest : public Registratur {
 protected:
     OrvoErweiterung* filed(const Unterfallart& ua, int zahl) const {
@@ -134,7 +134,7 @@ TEST_F(RegistrierungTest, CollidesOnlyWithinAKind) {
     EXPECT_EQ(registry_.findeFeldInfoDatenServiceErweiterung(10, jahr(2009)), feldinfo);
 }
 
-// Keys know no more of a period than its year, so two months of a year collide, also within one extension.
+// Keys hold only the year of a period, so two months of a year collide, also within one extension.
 TEST_F(RegistrierungTest, FilesTheFirstOfTwoPeriodsOfAYear) {
     LosesPlugin plugin("1.0");
     OrvoErweiterung* const erweiterung =
@@ -151,7 +151,7 @@ TEST_F(RegistrierungTest, KeepsTheFirstTaxOfficeDataExtensionWhateverTheVersions
     registry_.pluginErzeugt(&erstes);
     registry_.pluginErzeugt(&zweites);
     EXPECT_EQ(registry_.findeFADatenServiceErweiterung(), erste);
-    registry_.pluginZerstoert(&zweites); // removes by key, whose entry it is
+    registry_.pluginZerstoert(&zweites); // removes by key, also another plugin's entry
     EXPECT_EQ(registry_.findeFADatenServiceErweiterung(), nullptr);
 }
 
@@ -182,7 +182,7 @@ public:
     void initialize() override {}
 };
 
-/// Says that it is of interface 1 without being what goes with it.
+/// Claims interface 1 but is of another class.
 class Hochstapler : public OrvoPlugin {
 public:
     Hochstapler() : OrvoPlugin(orvo_plugin_version_t{1}, nullptr) {}
@@ -191,14 +191,14 @@ public:
     void initialize() override {}
 };
 
-/// An extension of a kind that should serve pairs, and does not.
+/// An extension of a kind that should serve pairs, but of a class that does not.
 class OhnePaare : public OrvoServiceErweiterung {
 public:
     explicit OhnePaare(tag_erweiterung_typ typ) : OrvoServiceErweiterung(typ, "factory") {}
     OrvoErweiterung* clone() const override { return new OhnePaare(*this); }
 };
 
-/// An extension that serves pairs, of a kind of its own choice.
+/// An extension that serves pairs, of any kind.
 class MitPaaren : public OrvoUaVzServiceErweiterung {
 public:
     MitPaaren(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz)

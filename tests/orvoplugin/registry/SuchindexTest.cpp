@@ -1,5 +1,5 @@
-// The quick look-up answers what the literal one would: a map by the keys' own hash and equality, filled and emptied by
-// the rules of registration.
+// The index gives the same answers as the plain rules: a map with the keys' own hash and equality, filled and emptied
+// by the rules of registration.
 
 #include "Registratur.h"
 
@@ -21,7 +21,7 @@ namespace {
 using Check = OrvoValidierungsServiceErweiterung;
 using Fehlertext = OrvoFTDatenServiceErweiterung;
 
-/// A kind of any number, also of those that have a class of their own.
+/// A kind with any number, also those with their own class.
 class BeliebigeArt : public OrvoUaVzServiceErweiterung {
 public:
     BeliebigeArt(tag_erweiterung_typ typ, const VzMap& map)
@@ -33,7 +33,7 @@ constexpr tag_erweiterung_typ kArten[] = {
     NONE, ORVO_CHECK_SERVICE_ERWEITERUNG, ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG,
     static_cast<tag_erweiterung_typ>(7), static_cast<tag_erweiterung_typ>(-1)};
 
-/// Sub-case types that are hard to keep apart or together.
+/// Sub-case types that are easily confused, or easily taken for different.
 std::vector<Unterfallart> schwierige() {
     std::vector<Unterfallart> uas;
     for (const int nummer : {0, 1, 10, 11, 99, 100, -1, -5, -98, -99, -100, std::numeric_limits<int>::min(),
@@ -100,7 +100,7 @@ std::vector<Veranlagungszeitraum> jahre() {
             jahr(2010)};
 }
 
-/// The registry's rules, word by word, over a map that hashes the keys' texts.
+/// The registry's rules, written plainly over a map that hashes the keys' texts.
 class Woertlich {
 public:
     void melde(const LosesPlugin& plugin) {
@@ -128,7 +128,7 @@ public:
 
 private:
     static std::string version(const OrvoErweiterung* erweiterung) {
-        return erweiterung->getPlugin()->getProduktVersion(); // of one digit here, so the text decides
+        return erweiterung->getPlugin()->getProduktVersion(); // one digit here, so compared as text
     }
     template <class Tu>
     static void jedesPaar(const LosesPlugin& plugin, Tu&& tu) {
@@ -242,7 +242,7 @@ TEST_F(SuchindexTest, AnswersWhatTheLiteralKeyAnswersWhateverComesAndGoes) {
     vergleicheAlle(uas);
 }
 
-// One of a pair is there, the other is asked for.
+// One of a pair is registered, the other is looked up.
 TEST_F(SuchindexTest, TellsEveryPairOfSubCaseTypesApartAsTheLiteralKeyDoes) {
     const std::vector<Unterfallart> uas = schwierige();
     for (const Unterfallart& angeboten : uas) {
@@ -268,7 +268,7 @@ TEST_F(SuchindexTest, KeepsANegativeNumberAndTheNameOfTheSameTextApart) {
     EXPECT_EQ(registry_.findeValidierungsServiceErweiterung("-5", jahr(2009)), name);
 }
 
-// The hashes of "...FEHLER_TEXT...#-17780975#2009" and "...FEHLER_TEXT...#-99#2009" are the same by chance.
+// The hashes of "...FEHLER_TEXT...#-17780975#2009" and "...FEHLER_TEXT...#-99#2009" collide.
 TEST_F(SuchindexTest, TakesANegativeNumberForTheNameWhereTheirHashesMeet) {
     LosesPlugin& plugin = neues(1);
     OrvoErweiterung* const nummer = plugin.biete(Fehlertext(-17780975, jahr(2009)));
@@ -324,7 +324,7 @@ TEST_F(SuchindexTest, KeepsAThousandKindsOfOneSubCaseTypeAndYearApart) {
             << art;
 }
 
-// The table goes by names that belong to entries of the map, which another plugin's take the place of.
+// The index refers to names in the map's entries, which another plugin's entries replace.
 TEST_F(SuchindexTest, FindsTheWinnerUnderEitherWritingAndNobodyWhenItIsGone) {
     LosesPlugin& altes = neues(1);
     LosesPlugin& neueres = neues(2);
@@ -340,7 +340,7 @@ TEST_F(SuchindexTest, FindsTheWinnerUnderEitherWritingAndNobodyWhenItIsGone) {
     EXPECT_EQ(registry_.findeValidierungsServiceErweiterung("Zuwendungsbestaetigung", jahr(2009)), sieger);
 }
 
-/// Two extensions in one object: what a plugin offers is the first, and the class of its kind is the other's.
+/// Two extensions in one object: the plugin offers the first; the second has the class of its kind.
 class ZweiInEinem : public BeliebigeArt, public Check {
 public:
     ZweiInEinem()
@@ -348,7 +348,7 @@ public:
     OrvoErweiterung* clone() const override { return static_cast<BeliebigeArt*>(new ZweiInEinem(*this)); }
 };
 
-// The checked cast that the look-up stands for goes across from the one to the other.
+// The look-up's checked cast goes across from the first to the second.
 TEST_F(SuchindexTest, FindsTheExtensionOfTheKindsClassWhereverItStandsInTheObject) {
     LosesPlugin& plugin = neues(1);
     const ZweiInEinem zwei;

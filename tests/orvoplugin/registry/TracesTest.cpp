@@ -33,7 +33,7 @@ Zeilen ohneSpuren(const Zeilen& alle) {
     return uebrige;
 }
 
-/// An extension of a kind that should serve pairs, and does not.
+/// An extension of a kind that should serve pairs, but of a class that does not.
 class OhnePaare : public OrvoServiceErweiterung {
 public:
     OhnePaare() : OrvoServiceErweiterung(ORVO_CHECK_SERVICE_ERWEITERUNG, "factory") {}
@@ -53,7 +53,7 @@ protected:
             operation(registry);
             EXPECT_EQ(mitschnitt.zeilen(kKategorie), level == LogLevel::Debug ? zeilen : ohneSpuren(zeilen));
         }
-        OrvoErweiterungsManager stumm; // took no logger, for there was no sink
+        OrvoErweiterungsManager stumm; // has no logger, because there was no sink
         operation(stumm);
         const Mitschnitt mitschnitt;
         operation(stumm);
@@ -170,7 +170,7 @@ TEST_F(TracesTest, TellsOfEachSubCaseTypeInTheirOrder) {
              "< OrvoErweiterungsManager::pluginErzeugt"});
 }
 
-// Whichever stays: the line comes before the versions are compared. It shows the period's text, not its year.
+// The line is written before the versions are compared. It shows the period's text, not its year.
 TEST_F(TracesTest, TellsOfEachSecondExtensionOnce) {
     LosesPlugin altes("1.0"), neues("2.0");
     altes.biete(Check(10, jahr(2009)));
@@ -185,7 +185,7 @@ TEST_F(TracesTest, TellsOfEachSecondExtensionOnce) {
     registry.pluginZerstoert(&neues);
     registry.pluginErzeugt(&neues);
     mitschnitt.leere();
-    registry.pluginErzeugt(&altes); // loses, and is told of all the same
+    registry.pluginErzeugt(&altes); // loses, and is logged too
     EXPECT_EQ(mitschnitt.anzahl(doppelt("ORVO_CHECK_SERVICE_ERWEITERUNG/10/2009")), 1);
 }
 

@@ -25,7 +25,7 @@ private:
     std::vector<std::string> saetze_;
 };
 
-/// A check that supports the features 7 and -3 and finds as many faults as there are cases.
+/// A check with the features 7 and -3 that finds one fault per case.
 class Pruefung : public ValidierungsService {
 public:
     Pruefung() {
@@ -40,7 +40,7 @@ public:
     }
 };
 
-/// One that takes collected data of up to three cases.
+/// A check that accepts collected data of up to three cases.
 class Sammelpruefung : public Pruefung {
 public:
     int checkSammeldatenKonsistenz(const orvo::data::SteuerfallListe& liste, const Unterfallart&,
@@ -95,7 +95,7 @@ TEST(ValidierungsService, DoesNotSwitchAFeatureThatIsNotSupported) {
     EXPECT_FALSE(service.setFeature(8, true));
     EXPECT_FALSE(service.setFeature(8, false));
     EXPECT_FALSE(service.isFeatureSet(8));
-    // Nothing was kept for later either.
+    // Nothing is kept for a later call.
     service.addSupportedFeature(8);
     EXPECT_FALSE(service.isFeatureSet(8));
 }

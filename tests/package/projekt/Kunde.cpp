@@ -1,4 +1,4 @@
-// Asks for the check service for LSTB 2009, uses it, and says what came of it. The home directory may be given.
+// Requests the check service for LSTB 2009, uses it, and prints the result. The home directory is an optional argument.
 #include <orvoplugin/domain/Konstanten.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-// What GCC would mark as unique in the process, and so keep the library there for good.
+// GCC would make this a unique symbol, which keeps the library in the process.
 template <typename T>
 struct Zaehler {
     static inline T stand{};

@@ -1,5 +1,5 @@
-// The six classes that plugins create. They differ by a row of one table, so each test here runs for all of them
-// that it concerns.
+// The six classes that plugins create. They differ by one row of a table, so each test runs for all rows to which it
+// applies.
 
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
@@ -61,7 +61,7 @@ struct Namen {
     }
 };
 
-/// One of the class, for the tests that do not mind which pairs it serves.
+/// An object of the class, for tests that do not depend on its pairs.
 template <class Erweiterung>
 Erweiterung eine() {
     if constexpr (std::is_default_constructible_v<Erweiterung>)
@@ -113,7 +113,7 @@ TYPED_TEST(KonkreteErweiterung, TakesAnObjectOfAnotherClassOnlyWhereAnyServiceWi
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
     const bool beliebig = std::is_same_v<typename TypeParam::Ergebnis, Service>;
     EXPECT_EQ(erweiterung.holeService() != nullptr, beliebig);
-    // Either way the object is entered and holds the plugin.
+    // In both cases the object is entered and holds the plugin.
     EXPECT_EQ(erweiterung.getAusgegeben(), 1);
     EXPECT_EQ(datei.plugin->getUseCount(), 1);
     ASSERT_THAT(erweiterung.getInstanzen(), SizeIs(1));

@@ -15,7 +15,7 @@ using testing::IsEmpty;
 constexpr auto flag(int nummer) { return static_cast<orvo_erweiterung_flag_t>(nummer); }
 constexpr auto typ(int nummer) { return static_cast<tag_erweiterung_typ>(nummer); }
 
-/// The least there is to an extension. It counts its deletions.
+/// A minimal extension. It counts its deletions.
 class Erweiterung : public OrvoErweiterung {
 public:
     explicit Erweiterung(tag_erweiterung_typ typ = NONE) : OrvoErweiterung(typ) {}
@@ -88,7 +88,7 @@ TEST(OrvoErweiterung, HasFiveFlagsEachByItself) {
     Erweiterung erweiterung;
     for (int gesetzt = 0; gesetzt < 5; ++gesetzt) {
         erweiterung.setzeFlag(flag(gesetzt), true);
-        erweiterung.setzeFlag(flag(gesetzt), true); // once more changes nothing
+        erweiterung.setzeFlag(flag(gesetzt), true); // a second time changes nothing
         for (int i = 0; i < 5; ++i)
             EXPECT_EQ(erweiterung.istFlagGesetzt(flag(i)), i == gesetzt) << i;
         erweiterung.setzeFlag(flag(gesetzt), false);
@@ -118,7 +118,7 @@ TEST(OrvoErweiterung, SaysWhatItRefusesInTheBitSetsWords) {
 
 TEST(OrvoErweiterung, PointsToThePluginGivenWithoutAskingItAnything) {
     Erweiterung erweiterung;
-    auto* const plugin = reinterpret_cast<OrvoPlugin*>(&erweiterung); // any address will do
+    auto* const plugin = reinterpret_cast<OrvoPlugin*>(&erweiterung); // any address
     erweiterung.setPlugin(plugin);
     EXPECT_EQ(erweiterung.getPlugin(), plugin);
     erweiterung.setPlugin(nullptr);
@@ -139,7 +139,7 @@ TEST(OrvoErweiterung, KeepsOnlyTheBasePartOfItsDependencies) {
     }
 }
 
-/// Dependencies of kinds of their own, to tell them apart.
+/// Dependencies of different kinds, to distinguish them.
 class EigeneAbhaengigkeit : public Abhaengigkeit {
 public:
     explicit EigeneAbhaengigkeit(int typ) : Abhaengigkeit(typ) {}
@@ -170,7 +170,7 @@ TEST(OrvoErweiterung, IsClonedWithPluginFlagsDependenciesAndCount) {
     EXPECT_EQ(klon->getAbhaengigkeiten().size(), 1u);
     EXPECT_EQ(klon->getAusgegeben(), 1);
 
-    // From here on each goes its own way.
+    // From here on they are independent.
     erweiterung.setzeFlag(flag(4), false);
     erweiterung.addAbhaengigkeit(UfaVzAbhaengigkeit(Unterfallart(12)));
     EXPECT_TRUE(klon->istFlagGesetzt(flag(4)));

@@ -1,4 +1,4 @@
-// Services from a real plugin library: when it is open, who lives, and what is left.
+// Services from a real plugin library: when it is open, which services live, and what remains.
 
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
@@ -79,7 +79,7 @@ TEST_F(ServiceAusPlugin, IsMadeAnewAfterEachReload) {
 }
 
 TEST_F(ServiceAusPlugin, StaysThePluginsWithoutTheFlag) {
-    plugin.notifyUse(); // keeps the library open for a look
+    plugin.notifyUse(); // keeps the library open for inspection
     auto* const service = erweiterung.holeService();
     ASSERT_NE(service, nullptr);
     erweiterung.release(service);
@@ -103,7 +103,7 @@ TEST_F(ServiceAusPlugin, HandedOutTwiceIsOneEntryWithTwoUses) {
     EXPECT_EQ(plugin.getUseCount(), 1);
     EXPECT_EQ(datei.lebende(), 1);
 
-    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true); // the last one takes it along
+    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true); // the last release deletes it
     erweiterung.release(service);
     EXPECT_THAT(erweiterung.getInstanzen(), IsEmpty());
     EXPECT_EQ(erweiterung.getAusgegeben(), 0);
@@ -123,7 +123,7 @@ TEST_F(ServiceAusPlugin, HandedOutTwiceUnderTheFlagIsGoneAtItsFirstReturn) {
     EXPECT_EQ(erweiterung.getAusgegeben(), 1);
     EXPECT_EQ(plugin.getUseCount(), 1);
 
-    // Under the flag the second return would delete it again; without it only the use goes back.
+    // With the flag the second release would delete it again; without it only the use is given back.
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, false);
     erweiterung.release(service);
     EXPECT_FALSE(datei.istOffen());
@@ -161,14 +161,14 @@ TEST_F(ServiceAusPlugin, OfAnotherClassIsNotHandedOutButStaysEntered) {
     EXPECT_TRUE(datei.istOffen());
     EXPECT_THAT(mitschnitt.zeilen(kKategorie), IsEmpty());
 
-    // Whoever knows of it can still give it back.
+    // A caller that has the pointer can still give it back.
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
     erweiterung.release(erweiterung.getInstanzen().begin()->first);
     EXPECT_EQ(erweiterung.getAusgegeben(), 0);
     EXPECT_FALSE(datei.istOffen());
 }
 
-/// A factory that makes no service, and what the log says of it: "%" stands for the library's path.
+/// A factory that makes no service, and its log line: "%" stands for the library's path.
 struct Fehlschlag {
     const char* factory;
     const char* meldung;
@@ -195,7 +195,7 @@ TEST_P(ServiceAusPluginOhneErfolg, LeavesThePluginAsItWas) {
         EXPECT_THAT(mitschnitt.zeilen(kKategorie), ElementsAre(meldung));
     }
 
-    // And the next request succeeds.
+    // The next request succeeds.
     erweiterung.setServiceFactoryName("orvo_plugin_get_check_service");
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
     auto* const service = erweiterung.holeService();
@@ -221,7 +221,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(ServiceAusPlugin, OfALibraryThatDoesNotOpenTakesTheUseCountBelowZero) {
     datei.verzeichnis.entferne("libangebot.dylib");
     EXPECT_EQ(erweiterung.holeService(), nullptr);
-    // The use was never counted, yet it is given back: from now on the plugin is never opened.
+    // By contract an uncounted use is given back too: from now on the plugin is never opened.
     EXPECT_EQ(plugin.getUseCount(), -1);
     EXPECT_EQ(plugin.getStatus(), ORVO_PLUGIN_ERZEUGT);
     datei.verzeichnis.kopiere(test_plugins::OffersEverything, "libangebot.dylib");

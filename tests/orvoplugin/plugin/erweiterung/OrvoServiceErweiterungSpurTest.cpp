@@ -1,4 +1,4 @@
-// What a service extension writes to the log: per operation and way through it, with the calls around the lines.
+// What a service extension writes to the log: per operation and path through it, together with the calls.
 
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
@@ -26,7 +26,7 @@ const std::string kOhnePlugin = "E Erweiterung geh\xF6rt zu keinem Plugin. Kein 
 /// The calls and lines of one operation, at each level.
 class OrvoServiceErweiterungSpur : public Probe {
 protected:
-    /// Runs `tat` on a new extension that was made under that level. Returns: what happened, without the making.
+    /// Runs `tat` on a new extension made at that level. Returns: the transcript without the construction.
     Ablauf ablaufBei(std::optional<LogLevel> level, const std::function<void(Erweiterungsprobe&)>& tat) {
         std::optional<Mitschreiber> mitschreiber;
         if (level)
@@ -150,7 +150,7 @@ TEST_F(OrvoServiceErweiterungSpur, IsMissingForGoodWhereNobodyListenedAtTheMakin
     erweiterung.release(nullptr);
     EXPECT_EQ(erweiterung.holeService(), nullptr);
     EXPECT_THAT(seither(), ElementsAre("notifyUse", "symbol fabrik", "fabrik", "release"));
-    // A copy asks anew.
+    // A copy gets its own logger.
     Erweiterungsprobe kopie(erweiterung);
     seither();
     kopie.release(nullptr);

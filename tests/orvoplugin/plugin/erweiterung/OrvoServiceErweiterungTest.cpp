@@ -91,7 +91,7 @@ TEST_F(OrvoServiceErweiterungTest, CountsAServiceThatIsHandedOutTwice) {
     EXPECT_EQ(plugin.getUseCount(), 0);
 
     seither();
-    erweiterung.release(&dienst); // once too often
+    erweiterung.release(&dienst); // one time too many
     EXPECT_THAT(seither(), IsEmpty());
     EXPECT_EQ(erweiterung.getAusgegeben(), 0);
     EXPECT_EQ(plugin.getUseCount(), 0);
@@ -227,7 +227,7 @@ TEST_F(OrvoServiceErweiterungTest, DoesNotTakeBackInACopyWhatTheOriginalHandedOu
     EXPECT_THAT(seither(), IsEmpty());
     EXPECT_EQ(kopie.getAusgegeben(), 1);
     EXPECT_EQ(plugin.getUseCount(), 1);
-    // What the copy hands out itself it takes back.
+    // The copy takes back what it handed out itself.
     EXPECT_EQ(kopie.holeService(), &dienst);
     EXPECT_EQ(kopie.getAusgegeben(), 2);
     kopie.release(&dienst);
@@ -247,8 +247,8 @@ TEST_F(OrvoServiceErweiterungTest, LeavesServicesThatAreOutAloneWhenItEnds) {
     EXPECT_EQ(plugin.getUseCount(), 1);
 }
 
-/// An object of a library, with the table of its virtual functions where another library of the same layout has that
-/// of another class.
+/// An object of a library. Its virtual table has the address at which another library of the same layout has that of
+/// another class.
 struct Gegenstand {
     struct {
         std::ptrdiff_t anfang = 0;
@@ -260,7 +260,7 @@ struct Gegenstand {
     Service* alsService() { return reinterpret_cast<Service*>(&verweis); }
 };
 
-/// Complete, as only a class of a plugin is.
+/// A complete class, as only plugins have.
 class EinePruefung : public orvo::service::ValidierungsService {
     int pruefe(const orvo::data::SteuerfallListe&, const Unterfallart&, const Veranlagungszeitraum&,
                PruefErgebnis&) override {
@@ -276,7 +276,7 @@ TEST_F(OrvoServiceErweiterungTest, ChecksTheClassAnewWhenTheLibraryMayHaveBeenAn
     naechster = gegenstand.alsService();
     gegenstand.tabelle.klasse = &typeid(EinePruefung);
     ASSERT_NE(pruefung.holeService(), nullptr);
-    pruefung.release(naechster); // nobody holds the library: it closes, and its file is exchanged
+    pruefung.release(naechster); // the last use: the library closes, and its file is replaced
 
     Dienst anderer;
     naechster = &anderer;

@@ -129,7 +129,7 @@ TEST(OrvoUaVzServiceErweiterung, IsCopiedWithPairsOfItsOwn) {
     EXPECT_EQ(kopie->getServiceFactoryName(), "fabrik");
 }
 
-/// What a host may override, and who sees it.
+/// The functions that a host may override.
 class Ueberschrieben : public UaVzProbe {
 public:
     using UaVzProbe::UaVzProbe;

@@ -3,11 +3,11 @@
 #include <cstddef>
 #include <cstring>
 
-/// The place of a virtual function in the table of its class, the two forms of the destructor being the first two;
-/// as the C++ ABI of ELF systems on x86-64 writes it down in a pointer to the function: one more than the offset.
-/// Plugins are built against these places, so a function that moves breaks every plugin there is.
+/// The slot of a virtual function in the table of its class; the two forms of the destructor are the first two. The C++
+/// ABI of ELF systems on x86-64 stores it in a pointer to the function, as the offset plus one. Plugins are compiled
+/// with these slots, so a function that moves breaks every existing plugin.
 ///
-/// Elsewhere pointers to functions are written in another way, and tests of places are left out.
+/// Other systems represent such pointers in another way; there the tests of slots are left out.
 #if defined(__ELF__) && defined(__x86_64__)
 #define ORVO_TEST_KENNT_PLAETZE 1
 #else

@@ -32,7 +32,7 @@ TEST(Plaetze, OfExtensionsForPairsFollowInTheirOrder) {
 
 #endif
 
-/// Calls that a virtual function would send elsewhere.
+/// Calls that would reach another function if they were virtual.
 template <class Basis>
 class NichtUeberschreibbar : public Basis {
 public:

@@ -24,7 +24,7 @@ public:
 
     bool istOffen() const { return istEingeblendet(pfad); }
 
-    /// The plugin's extension of that kind, of the class that goes with it.
+    /// The plugin's extension of that kind, as its class.
     template <class Erweiterung>
     Erweiterung& erweiterung() const {
         for (OrvoErweiterung* const eine : plugin->listeErweiterungen())
@@ -33,7 +33,7 @@ public:
         throw std::logic_error("no such extension in the plugin");
     }
 
-    /// Number of the plugin's services that live. The plugin must be in use.
+    /// Number of living services of the plugin. The plugin must be in use.
     int lebende() const {
         return reinterpret_cast<int (*)()>(plugin->getSharedLib()->getSymbol("lebendeServices"))();
     }

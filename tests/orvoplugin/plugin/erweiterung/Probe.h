@@ -14,12 +14,11 @@
 #include <string>
 #include <vector>
 
-// A service extension over a plugin and a library that are none: what happens stands in one transcript, calls and
-// log lines together in their order.
+// A service extension over a fake plugin and a fake library. One transcript has the calls and log lines in their order.
 
 using Ablauf = std::vector<std::string>;
 
-/// The extension's lines go into the transcript as long as it lives.
+/// Writes the extension's lines to the transcript as long as it lives.
 class Mitschreiber {
 public:
     explicit Mitschreiber(Ablauf& ablauf, orvo::orvoutil::LogLevel level = orvo::orvoutil::LogLevel::Debug) {
@@ -44,7 +43,7 @@ private:
     };
 };
 
-/// A plugin that counts its users and writes down who asks for it.
+/// A plugin that counts its users and records the calls.
 class Pluginprobe : public OrvoPlugin {
 public:
     Pluginprobe(Ablauf& ablauf, orvo::orvoutil::SharedLib* bibliothek)
@@ -64,7 +63,7 @@ private:
     Ablauf& ablauf_;
 };
 
-/// The least there is to a service extension.
+/// A minimal service extension.
 class Erweiterungsprobe : public OrvoServiceErweiterung {
 public:
     explicit Erweiterungsprobe(const std::string& factory = "fabrik", tag_erweiterung_typ typ = NONE)
@@ -73,7 +72,7 @@ public:
     OrvoErweiterung* clone() const override { return new Erweiterungsprobe(*this); }
 };
 
-/// The set-up of one test: `fabrik` makes what `naechster` says.
+/// The set-up of one test: `fabrik` returns `naechster`.
 class Probe : public testing::Test {
 protected:
     Probe() {
@@ -83,7 +82,7 @@ protected:
     }
     ~Probe() override { eine = nullptr; }
 
-    /// A service that writes down its end.
+    /// A service that records its destruction.
     class Dienst : public Service {
     public:
         ~Dienst() override { eine->ablauf.push_back("delete"); }
@@ -97,7 +96,7 @@ protected:
         static void operator delete(void*, void*) {}
     };
 
-    /// What was written down since the last time.
+    /// The transcript since the last call.
     Ablauf seither() {
         Ablauf bisher;
         bisher.swap(ablauf);

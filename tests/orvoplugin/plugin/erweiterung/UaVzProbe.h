@@ -4,7 +4,7 @@
 
 #include <list>
 
-/// The least there is to an extension for sub-case types and periods.
+/// A minimal extension for sub-case types and periods.
 class UaVzProbe : public OrvoUaVzServiceErweiterung {
 public:
     UaVzProbe(const Unterfallart& ua, const Veranlagungszeitraum& vz)

@@ -25,7 +25,7 @@ bool bietet(const Vz& angeboten, const Vz& gefragt) {
     return UaVzProbe(kZehn, angeboten).unterstuetzt(kZehn, gefragt);
 }
 
-/// What one period offered holds and what not, periods written as YYYY, YYYYMM or YYYYMMTT.
+/// Which periods an offered period contains; written as YYYY, YYYYMM or YYYYMMTT.
 struct Angebot {
     const char* angeboten;
     std::vector<const char*> enthalten;
@@ -151,21 +151,21 @@ TEST(Unterstuetzung, FindsThePeriodAmongSeveralInAnyOrder) {
 }
 
 TEST(Unterstuetzung, TakesOfEqualPeriodsTheFirstWhateverItsKind) {
-    const Vz immer = mitArt(jahr(2009), Vz::IMMER); // equal to the year 2009, for kinds are not compared
+    const Vz immer = mitArt(jahr(2009), Vz::IMMER); // equal to the year 2009, because kinds are not compared
     UaVzProbe jahrZuerst(kZehn, std::list<Vz>{jahr(2009), immer});
     EXPECT_TRUE(jahrZuerst.unterstuetzt(kZehn, jahr(2009)));
     EXPECT_FALSE(jahrZuerst.unterstuetzt(kZehn, jahr(2010)));
     UaVzProbe immerZuerst(kZehn, std::list<Vz>{immer, jahr(2009)});
     EXPECT_TRUE(immerZuerst.unterstuetzt(kZehn, jahr(2010)));
 
-    // Across sub-case types the order is theirs.
+    // Sub-case types order the pairs first.
     UaVzProbe mehrere(VzMap{{12, {immer}}, {10, {jahr(2009)}}});
     EXPECT_FALSE(mehrere.unterstuetzt(kBeliebig, jahr(2010)));
     EXPECT_TRUE(mehrere.unterstuetzt(Unterfallart(12), jahr(2010)));
 }
 
 TEST(Unterstuetzung, ServesNotsetItselfWhenItWasNamed) {
-    // A plugin may name the word like any sub-case type; asked for, it still stands for all of them.
+    // A plugin may declare the word as a sub-case type; in a query it still stands for all of them.
     UaVzProbe probe(VzMap{{"notset", {jahr(2008)}}, {10, {jahr(2009)}}});
     EXPECT_TRUE(probe.unterstuetzt(kBeliebig, jahr(2008)));
     EXPECT_TRUE(probe.unterstuetzt(kBeliebig, jahr(2009)));

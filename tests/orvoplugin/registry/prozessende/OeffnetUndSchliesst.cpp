@@ -1,5 +1,5 @@
-// A host that is linked with none of our libraries. It holds the first library named open, has the second one start the
-// registry, closes that and ends.
+// A host that is not linked with our libraries. It keeps the first named library open, has the second one start the
+// registry, closes that one and ends.
 
 #include <dlfcn.h>
 

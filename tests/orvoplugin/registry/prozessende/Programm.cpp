@@ -1,5 +1,5 @@
-// A process that ends in the state named by its environment: ORVO_SZENARIO says which, ORVO_HOME where the plugins
-// are. The log goes to standard error line by line, and so does what the process sees of itself on its way out.
+// A process that ends in a state given by its environment: ORVO_SZENARIO names the state, ORVO_HOME the plugins' home
+// directory. The log goes to standard error line by line, and so does what the process reports of itself at its end.
 
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
@@ -37,7 +37,7 @@ public:
     void write(const LogEntry& eintrag) override { schreibe(Mitschnitt::zeile(eintrag)); }
 };
 
-/// What is still there, as seen from `ort`.
+/// What still exists, as seen from `ort`.
 void siehNach(const std::string& ort) {
     schreibe("-- " + ort);
     schreibe(std::string("Registry: ") + (OrvoErweiterungsManager::getInstanz() ? "da" : "keine"));
@@ -53,7 +53,7 @@ void richteEin() {
     Einstellungen().setze("basis.home_dir", umgebung("ORVO_HOME"));
 }
 
-// Services that are never given back. The list outlives all that ends with the process.
+// Services that are never given back. The list outlives every object of the process.
 auto& ausstehend = *new std::vector<Service*>;
 
 OrvoValidierungsServiceErweiterung* pruefung() {
@@ -72,7 +72,7 @@ void benutze() {
     pruefung()->release(service);
 }
 
-/// Lets the plugin end the process, from its first loading or from a later one, or when it is used.
+/// Has the plugin end the process: at its first loading, a later one, or its use.
 void beendeAus(const char* ort, bool spaeter = false) {
     if (spaeter)
         OrvoErweiterungsManager::getInstanz();
@@ -82,7 +82,7 @@ void beendeAus(const char* ort, bool spaeter = false) {
     holeService();
 }
 
-/// Calls what it was given when it is destroyed.
+/// Calls a function when it is destroyed.
 class BeimAbbau {
 public:
     explicit BeimAbbau(std::function<void()> ruf) : ruf_(std::move(ruf)) {}
@@ -97,7 +97,7 @@ private:
     std::function<void()> ruf_;
 };
 
-// Made before anything of the libraries is asked for, so destroyed after all that they registered.
+// Made before the libraries register anything, so destroyed after everything that they registered.
 const BeimAbbau zuletzt([] {
     if (ist("im letzten statischen Destruktor"))
         richteEin();
@@ -115,7 +115,7 @@ const bool beimStart = [] {
     return true;
 }();
 
-/// Runs when all static objects of the program are gone.
+/// Runs after all static objects of the program are destroyed.
 __attribute__((destructor)) void ganzZuletzt() {
     if (ist("im Destruktor der Programmdatei")) {
         richteEin();

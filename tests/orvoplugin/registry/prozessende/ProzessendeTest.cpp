@@ -1,5 +1,5 @@
-// How a process ends that uses the library: whatever state it is in, it ends cleanly, gives back all that it made,
-// and makes nothing anew on its way out.
+// How a process ends that uses the library: in every state it ends cleanly, frees everything, and makes nothing anew at
+// its end.
 
 #include "TestPlugins.h"
 #include "support/Verzeichnis.h"
@@ -22,7 +22,7 @@ struct Szenario {
     const char* name;
     const char* plugins;             ///< letters, one each: see `lege`
     std::vector<std::string> ablauf; ///< lines that the process writes in this order, with others in between
-    int gestartet;                   ///< how many registries and plugin managers it makes in all
+    int gestartet;                   ///< how many registries and plugin managers it makes
 };
 
 std::string nameVon(const testing::TestParamInfo<Szenario>& info) {
@@ -78,11 +78,11 @@ protected:
     void lege(char art) {
         const std::string pruefung = "produktversion 1.0\nloeschen\ncheck 10 2009\n";
         switch (art) {
-        case 'p': // one that is used
+        case 'p': // a used one
             return beschreibe("liba", pruefung);
-        case 'r': // one that stays open once it was used
+        case 'r': // one that stays open after its first use
             return beschreibe("libb", "resident\n" + pruefung);
-        case 'g': // one whose service is an object of its own
+        case 'g': // one whose service is a static object
             return beschreibe("libc", "factory gleicherService\n" + pruefung);
         case 'h': // one with hooks
             return beschreibe("libd", "onload zaehleOnLoad\nonunload zaehleOnUnload\n" + pruefung);
@@ -124,7 +124,7 @@ TEST_P(ProzessendeTest, IsClean) {
     }
     EXPECT_EQ(anzahl(ergebnis.ausgabe, "nicht gefunden. Starte Manager"),
               static_cast<std::size_t>(GetParam().gestartet));
-    // Whatever is loaded after the registry went is loaded by one that was started anew.
+    // What is loaded after the registry's end is loaded by a new one.
     const std::size_t abbau = ergebnis.ausgabe.rfind("~OrvoErweiterungsManager");
     if (abbau != std::string::npos) {
         EXPECT_EQ(ergebnis.ausgabe.find("Lese Bibliothek", abbau), std::string::npos);
@@ -145,7 +145,7 @@ const std::vector<std::string> kAbbau = {"> OrvoErweiterungsManager::~OrvoErweit
                                          "< OrvoErweiterungsManager::~OrvoErweiterungsManager",
                                          "~> OrvoPluginManager()", "~< OrvoPluginManager()"};
 
-/// The lines of the end of the objects alone, with the plugins' libraries in that state afterwards.
+/// The lines of the objects' end alone, with the state of the plugins' libraries afterwards.
 std::vector<std::string> abbau(const std::string& bibliotheken) {
     std::vector<std::string> zeilen = kAbbau;
     zeilen.insert(zeilen.end(),
@@ -153,13 +153,13 @@ std::vector<std::string> abbau(const std::string& bibliotheken) {
     return zeilen;
 }
 
-/// Those lines of the end, with that of a plugin between those of the manager.
+/// The same lines, with a plugin's line between those of the manager.
 std::vector<std::string> mitPlugin(std::vector<std::string> zeilen) {
     zeilen.insert(std::find(zeilen.begin(), zeilen.end(), "~< OrvoPluginManager()"), "~< OrvoPluginV1");
     return zeilen;
 }
 
-/// The lines before the objects are destroyed, those of their end, and what is left at the very last.
+/// The lines before the objects are destroyed, those of their end, and what remains at the end of the process.
 std::vector<std::string> ablauf(std::vector<std::string> zeilen) {
     const std::vector<std::string> ende = abbau("zu");
     zeilen.insert(zeilen.end(), ende.begin(), ende.end());
@@ -193,14 +193,14 @@ const Szenario kSzenarien[] = {
     {"Einstellung danach", "p", ablauf({"Service: geholt", "-- Ende"}), 2},
     {"selbst abgebaut", "p", ablauf({"Service: geholt", "-- neu", "Service: geholt", "-- Ende"}), 4},
     {"quick_exit", "p", {"Service: geholt"}, 2},
-    // What the plugin asks for when it is closed: the registry is gone by then, the manager is going.
+    // What the plugin gets when it is closed: the registry is gone, the manager is being destroyed.
     {"Services ausgegeben",
      "e",
      {"Service: geholt", "-- Ende", "< OrvoErweiterungsManager::~OrvoErweiterungsManager",
       "~> OrvoPluginManager()", "Plugin fragt nach Registry: keiner", "Plugin fragt nach Manager: da",
       "~< OrvoPluginManager()", "-- zuletzt", "Registry: keine", "Manager: keiner", "Bibliotheken: zu"},
      2},
-    // The plugin that ends the process from its entry point is never closed: its code is still under way.
+    // A plugin that ends the process from its entry point is never closed: its code is still running.
     {"exit beim Start", "e", {"-- zuletzt", "Registry: keine", "Manager: keiner", "Bibliotheken: offen"}, 2},
     {"exit beim Nachladen aus types", "pe", mitPlugin(abbau("offen")), 2},
     {"exit beim Nachladen aus initialize", "pe", mitPlugin(abbau("offen")), 2},

@@ -1,5 +1,5 @@
-// Several threads at once do what they may while nothing loads, unloads or gets services. ThreadSanitizer reports what
-// they share and write.
+// Several threads look up and list at once while no thread loads, unloads or gets services. ThreadSanitizer reports
+// shared writes.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -76,7 +76,7 @@ std::size_t liste(const OrvoErweiterungsManager& registry) {
            registry.getRegistrierteFinanzamtsDatenErweiterungen().size();
 }
 
-/// Returns: whether everything was found that is there.
+/// Returns: whether every registered entry was found.
 bool frageAlles(const OrvoErweiterungsManager& registry) {
     const Unterfallart vorhandene[] = {10, "010", "ZUWENDUNGSBESTAETIGUNG", -5, "-17780975"};
     const Unterfallart fehlende[] = {11, -6, "-5", "Zuwendung", ""};
@@ -87,7 +87,7 @@ bool frageAlles(const OrvoErweiterungsManager& registry) {
         for (const Unterfallart& ua : fehlende)
             gefundene += schlageNach(registry, ua, jahr(zahl));
     }
-    constexpr int kPaare = 2 * 5;     // years and sub-case types that are there
+    constexpr int kPaare = 2 * 5;     // registered years and sub-case types
     constexpr std::size_t kJeArt = 8; // keys of a kind
     constexpr std::size_t kArten = 5; // kinds with such keys, three of them with a listing
     return gefundene == 7 * kPaare + 1 && liste(registry) == (kArten + 3) * kJeArt + 2;
