@@ -21,12 +21,15 @@ target_compile_options(
               $<$<AND:$<CXX_COMPILER_ID:Clang>,$<CONFIG:Debug,RelWithDebInfo>>:-gdwarf-4>
               $<$<BOOL:${ORVO_WERROR}>:-Werror>)
 
-# orvo_library(<target> HEADERS <public headers>... SOURCES <sources>...)
+# orvo_library(<target> UNITS <names>... HEADERS <further public headers>... [SOURCES <further sources>...])
 #
-# A shared library of this tree. The one list of public headers says which are installed and which must compile alone.
+# A shared library of this tree. A unit is a public header and the source of the same name. The public headers listed
+# here are those that are installed and that must compile alone.
 function(orvo_library target)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;SOURCES")
-    add_library(${target} SHARED ${arg_SOURCES})
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "UNITS;HEADERS;SOURCES")
+    list(TRANSFORM arg_UNITS APPEND ".h" OUTPUT_VARIABLE headers)
+    list(TRANSFORM arg_UNITS APPEND ".cpp" OUTPUT_VARIABLE sources)
+    add_library(${target} SHARED ${sources} ${arg_SOURCES})
     add_library(orvo::${target} ALIAS ${target})
     target_sources(
         ${target}
@@ -35,6 +38,7 @@ function(orvo_library target)
                BASE_DIRS
                "${PROJECT_SOURCE_DIR}/src"
                FILES
+               ${headers}
                ${arg_HEADERS})
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:orvo_compile_options>)
