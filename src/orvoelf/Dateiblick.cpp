@@ -80,8 +80,7 @@ private:
         constexpr int kArt = O_RDONLY | O_CLOEXEC | O_NOCTTY;
         const int deskriptor = open(pfad, kArt | O_NONBLOCK);
         struct stat zustand;
-        if (deskriptor >= 0 ||
-            errno != EWOULDBLOCK) // else it is under a write lease: wait as the loader does
+        if (deskriptor >= 0 || errno != EWOULDBLOCK) // a write lease: wait as the loader does
             return deskriptor;
         return stat(pfad, &zustand) == 0 && S_ISREG(zustand.st_mode) ? open(pfad, kArt) : -1;
     }
@@ -105,7 +104,7 @@ private:
 
 #ifdef __linux__
 
-/// The header of the library that this code is in: the measure for class, byte order and processor.
+/// The header of the library that this code is in: class, byte order and processor must be the same.
 extern "C" const ElfW(Ehdr) eigenerElfKopf __asm__("__ehdr_start") __attribute__((visibility("hidden")));
 
 constexpr Latin1Text kUngueltigeGroesse{u8"ungültige Größe eines ELF-Kopfes"};
@@ -120,7 +119,7 @@ constexpr Latin1Text kNullen{u8"nicht zu Ende geschrieben: Abschnittstabelle end
 constexpr Latin1Text kFremdeAusgabe{u8"für eine andere Ausgabe gebaut: braucht "};
 constexpr Latin1Text kHier{u8", hier ist "};
 
-/// Ends the look with a defect unless all is well.
+/// Throws a defect unless the condition holds.
 void verlange(bool erfuellt, Dateimangel sonst, std::string_view was, std::string_view grund = {}) {
     if (!erfuellt)
         throw Dateibefund{sonst, std::string(was).append(grund)};
@@ -148,7 +147,6 @@ struct Tabelle {
 };
 
 constexpr std::int64_t kRelrSz = 35, kRelr = 36, kRelrEnt = 37; // newer than some systems' headers
-constexpr std::size_t kNoetige = 2;                             // of the tables, the first two
 constexpr Tabelle kTabellen[] = {
     {"DT_STRTAB", DT_STRTAB, DT_STRSZ, 0, 1},
     {"DT_SYMTAB", DT_SYMTAB, 0, 0, sizeof(ElfW(Sym))},
@@ -174,7 +172,7 @@ constexpr std::size_t platzVon(std::int64_t tag) {
     return (tag | 0xF) == 0x6FFFFFFF || tag == DT_GNU_HASH ? 48 + static_cast<std::size_t>(tag & 0xF) : 47;
 }
 
-/// The look at the content: a step ends it by throwing what it found.
+/// The look at the content. A step throws the defect that it finds.
 class ElfBlick {
 public:
     explicit ElfBlick(Datei& datei) : datei_(datei) {}
@@ -222,7 +220,7 @@ private:
                 continue;
             verlange(s.p_filesz <= s.p_memsz, i, kLaengerInDerDatei);
             verlange(s.p_memsz <= kMaxAdresse && s.p_vaddr <= kMaxAdresse - s.p_memsz, i, kZuWeit);
-            verlange(istZweierpotenz(s.p_align), i, kUngueltigeAusrichtung);
+            verlange((s.p_align & (s.p_align - 1)) == 0, i, kUngueltigeAusrichtung);
             verlange(s.p_vaddr >= speicherende_, i, " liegt nicht hinter dem vorigen");
             speicherende_ = s.p_vaddr + s.p_memsz;
         }
@@ -230,8 +228,7 @@ private:
         verlange(dynamik_, "kein dynamischer Abschnitt");
     }
 
-    /// The file is complete when its segments and its section table are there. Linkers put that table last, and it
-    /// does not end in zeros.
+    /// A complete file holds its segments and its section table, which linkers put last and which does not end in zeros.
     void pruefeEnde() {
         constexpr std::size_t kKopf = sizeof(ElfW(Shdr));
         const std::size_t anzahl = kopf_.e_shentsize == kKopf && kopf_.e_shoff > 0 ? kopf_.e_shnum : 0;
@@ -249,7 +246,7 @@ private:
                  NICHT_ZU_ENDE_GESCHRIEBEN, kNullen);
     }
 
-    /// What the loader reads or protects through a segment's address has to lie in memory that it loads.
+    /// What the loader reads or protects through a segment's address must lie in memory that it loads.
     void pruefeLage() const {
         for (std::size_t i = 0; i < kopf_.e_phnum; ++i) {
             const ElfW(Phdr)& s = segmente_[i];
@@ -307,8 +304,8 @@ private:
         verlange(!hat(DT_JMPREL) || art == DT_RELA || art == DT_REL, "DT_JMPREL", kUnvollstaendig);
     }
 
-    /// A library of another release would come into the process beside this one, and each would take the other's
-    /// classes for its own. Where no reading is left for a name, the loader decides.
+    /// A library of another release would be loaded beside this one and mix up their classes. Where no reading is left for
+    /// a name, the loader decides.
     void pruefeBedarf() {
         constexpr std::uint64_t kMaxName = 48;
         const std::uint64_t texte = wert(DT_STRTAB), laenge = wert(DT_STRSZ);
@@ -327,7 +324,7 @@ private:
         }
     }
 
-    /// Bytes that cannot be had end the look: the file is cut off before their end; otherwise the loader decides.
+    /// Bytes that cannot be read end the look. Unless the file is cut off before them, the loader decides.
     const unsigned char* hole(std::uint64_t ab, std::size_t anzahl, const char* was) {
         if (const unsigned char* const bytes = datei_.bytes(ab, anzahl))
             return bytes;
@@ -357,9 +354,7 @@ private:
                    ? std::min<std::uint64_t>(s.p_offset, Datei::kWeitesteStelle) + s.p_filesz
                    : 0;
     }
-    static bool istZweierpotenz(std::uint64_t zahl) { return (zahl & (zahl - 1)) == 0; }
-
-    // Where the loader cannot reserve the memory, it leaves the file mapped; no library comes near this much.
+    // The loader leaves the file mapped when it cannot reserve the memory. No library needs this much.
     static constexpr std::uint64_t kMaxAdresse = std::uint64_t{1} << 31,
                                    kGroessteSeite = std::uint64_t{1} << 16;
 
@@ -371,8 +366,7 @@ private:
     bool hatInterpreter_ = false;
     std::array<std::uint64_t, 64> werte_{}; ///< of the dynamic section; of a tag that occurs twice, the last
     std::uint64_t vorhandene_ = 0;          ///< a bit for each of them
-    std::array<std::uint64_t, 16>
-        benoetigte_{}; ///< names of needed libraries, by place; more are not looked at
+    std::array<std::uint64_t, 16> benoetigte_{}; ///< places of the names of needed libraries
 };
 
 Dateibefund pruefe(Datei& datei) { return ElfBlick(datei).pruefe(); }

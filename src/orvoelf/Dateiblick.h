@@ -5,7 +5,7 @@
 
 namespace orvo::orvoelf {
 
-/// What is wrong with a file ("Mangel": defect). Each value calls for advice of its own.
+/// What is wrong with a file ("Mangel": defect).
 enum class Dateimangel : std::int32_t {
     KEINER = 0,
     NICHT_ZU_OEFFNEN,          ///< missing, no permission, an error of the device
@@ -27,14 +27,12 @@ struct Dateibefund {
     bool istLadbar() const { return mangel == Dateimangel::KEINER; }
 };
 
-/// Looks at a library's file before the system's loader does, which trusts what it maps: a truncated file can end the
-/// process instead of failing to load.
+/// Looks at a library's file before the system's loader does, because a truncated file can end the process instead of
+/// failing to load. On systems other than Linux only the kind of the file is checked.
 ///
 /// Refuses a file that was cut off or not written to its end; of all else, only what the loader would refuse or not
 /// survive. In doubt, the loader decides. Takes at most five system calls for a file that passes, whatever its size:
-/// relocations, symbols and sections are not read. On systems other than Linux only the kind of the file is checked.
-///
-/// Between this look and the loader's own the file can still change: replace a library by renaming a new file.
+/// relocations, symbols and sections are not read. The file can still change before the loader opens it.
 ///
 /// Parameters: `pfad` names a file, with a slash in it, as the loader gets it.
 /// Errors: throws only std::bad_alloc. Threads: any.

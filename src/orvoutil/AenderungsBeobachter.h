@@ -22,7 +22,7 @@ private:
     std::string schluessel_;
 };
 
-/// Wants to hear of changes; see `Einstellungen::beobachterAnmelden`.
+/// Observer of changes; see `Einstellungen::beobachterAnmelden`.
 class ORVOUTIL_API AenderungsBeobachter {
 public:
     /// Called after the change, on the thread that made it.

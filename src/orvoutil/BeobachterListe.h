@@ -7,11 +7,11 @@
 
 namespace orvo::orvoutil {
 
-/// List of observers that may change while it is being walked: an observer that is told something may remove
-/// itself or others, add others, or destroy the list.
+/// List of observers that may change while it is being walked: an observer may remove itself or others, add others,
+/// or destroy the list.
 ///
-/// Ownership: owns its entries, not the observers.
-/// Errors: only `anhaengen` can fail, for want of memory.
+/// Ownership: does not own the observers.
+/// Errors: only `anhaengen` throws, `std::bad_alloc`.
 /// Threads: one at a time, for the list and all walks over it.
 template <class T>
 class BeobachterListe {
@@ -32,13 +32,13 @@ public:
             liste_.push_back(beobachter);
     }
 
-    /// Takes the first entry of that observer out; null and unknown ones are ignored.
+    /// Removes the first entry of that observer; null and unknown ones are ignored.
     void entfernen(T* beobachter) {
         const auto eintrag = std::find(liste_.begin(), liste_.end(), beobachter);
         if (!beobachter || eintrag == liste_.end())
             return;
         if (durchlaeufe_)
-            *eintrag = nullptr; // goes with the last walk
+            *eintrag = nullptr; // erased after the last walk
         else
             liste_.erase(eintrag);
     }
@@ -48,8 +48,8 @@ private:
     Durchlauf* durchlaeufe_ = nullptr; // the walks under way
 };
 
-/// One walk over a list, in the order of its entries. Entries removed on the way are not visited, nor are those
-/// appended since the walk began. It ends early when the list is destroyed.
+/// One walk over a list, in the order of its entries, without those removed or appended since it began. It ends early
+/// when the list is destroyed.
 template <class T>
 class BeobachterListe<T>::Durchlauf {
 public:
@@ -91,7 +91,7 @@ private:
 
     BeobachterListe* liste_; // null when it is gone
     typename std::list<T*>::iterator naechster_;
-    std::size_t uebrige_; // how many entries are still to be visited
+    std::size_t uebrige_; // entries still to be visited
     Durchlauf* naechsterDurchlauf_;
 };
 

@@ -7,28 +7,27 @@
 
 namespace orvo::orvoutil {
 
-/// The names in a directory as they stood when the object was made, sorted bytewise, so that every run sees the
-/// same order on every file system. Hidden entries (with a leading dot) are left out.
+/// The names in a directory when the object was made, sorted bytewise: the same order on every file system. Hidden
+/// entries (with a leading dot) are left out.
 ///
 /// Errors: what cannot be read is missing from the lists, and `getFehler` gives the reason; `std::bad_alloc`.
 /// Encoding: names are bytes, as the file system has them.
-/// Threads: once made, any number may read.
 class ORVOUTIL_API DirReader {
 public:
-    /// Parameters: `muster` chooses among the files: '*' stands for any number of bytes, '?' for one, every other
-    /// byte for itself. So "*.*" takes only names with a dot in them.
+    /// Parameters: `muster` selects files: '*' stands for any number of bytes, '?' for one. So "*.*" takes only names
+    /// with a dot in them.
     DirReader(const std::string& verzeichnis, const std::string& muster);
 
     /// The regular files whose names match the pattern, and links to such files.
     const std::list<std::string>& getFiles() const { return dateien_; }
     /// The subdirectories, whatever their names. Links to directories are left out, so that a walk always ends.
     const std::list<std::string>& getDirectories() const { return verzeichnisse_; }
-    /// Why the directory could not be read, or not to its end: its name and the system's reason. Empty when all was
-    /// read, and for a directory that does not exist, because leaving it out is usual.
+    /// Why the directory could not be read to its end: its name and the system's reason. Empty when all was read, and
+    /// for a directory that does not exist.
     const std::string& getFehler() const { return fehler_; }
 
 private:
-    /// Returns: 0, or the number of the error that ended the reading.
+    /// Returns: 0, or the system's error number.
     int lies(const std::string& verzeichnis, const std::string& muster);
 
     std::list<std::string> dateien_;

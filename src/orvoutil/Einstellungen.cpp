@@ -28,7 +28,7 @@ std::string verzeichnisDerBibliothek() {
     return "/"; // anything but the current directory
 }
 
-/// The settings of the process. Never destroyed: they are asked until the process is gone.
+/// The settings of the process. Never destroyed: destructors read them to the end of the process.
 struct Zustand {
     std::mutex sperre;
     std::map<std::string, std::string, std::less<>> werte; // no empty ones
@@ -46,21 +46,19 @@ struct Zustand {
         return eintrag == werte.end() ? std::string() : eintrag->second;
     }
 
-    /// Returns: whether the value is another now. Call with the lock held.
+    /// Returns: whether the value changed. Call with the lock held.
     bool aendere(const std::string& schluessel, const std::string& wert) {
         if (wert.empty())
             return werte.erase(schluessel) > 0;
-        const auto [eintrag, neu] = werte.try_emplace(schluessel, wert);
-        if (neu)
-            return true;
-        if (eintrag->second == wert)
+        const auto eintrag = werte.find(schluessel);
+        if (eintrag != werte.end() && eintrag->second == wert)
             return false;
-        eintrag->second = wert;
+        werte.insert_or_assign(schluessel, wert);
         return true;
     }
 };
 
-// The library's file may have been named relative to the directory that is current while it is being loaded.
+// Made while the library is loaded: its file may be named relative to the directory that is current then.
 [[maybe_unused]] const Zustand& beimLaden = Zustand::hole();
 
 } // namespace

@@ -14,21 +14,15 @@ void haengeAn(std::string& utf8, char latin1) {
     }
 }
 
-std::size_t laengeNachErstemByte(unsigned char erstes) {
-    if (erstes < 0x80)
-        return 1;
-    if (erstes < 0xC0)
-        return 0;
-    if (erstes < 0xE0)
-        return 2;
-    return erstes < 0xF0 ? 3 : 4;
-}
-
 /// Returns: the length of the valid UTF-8 sequence that the text begins with; 0 when it begins with none.
 std::size_t laengeDerSequenz(std::string_view text) {
     constexpr unsigned kKleinstes[] = {0, 0, 0x80, 0x800, 0x10000}; // by length: shorter ones hold less
     const auto erstes = static_cast<unsigned char>(text.front());
-    const std::size_t laenge = laengeNachErstemByte(erstes);
+    const std::size_t laenge = erstes < 0x80   ? 1
+                               : erstes < 0xC0 ? 0
+                               : erstes < 0xE0 ? 2
+                               : erstes < 0xF0 ? 3
+                                               : 4;
     if (laenge < 2 || laenge > text.size())
         return laenge == 1 ? 1 : 0;
     unsigned zeichen = erstes & (0xFFu >> (laenge + 1));

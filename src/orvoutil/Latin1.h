@@ -1,6 +1,6 @@
 #pragma once
 
-// The system's texts are Latin-1, its source files UTF-8, terminals and JSON UTF-8 again: what goes between them.
+// The system's texts are Latin-1; source files, terminals and JSON are UTF-8.
 
 #include <orvoutil/Export.h>
 
@@ -41,11 +41,10 @@ private:
     std::size_t laenge_ = 0;
 };
 
-/// The text, in which each byte is one Latin-1 character, in UTF-8.
+/// Latin-1 text in UTF-8.
 ORVOUTIL_API std::string latin1ToUtf8(std::string_view latin1);
 
-/// The text in UTF-8, for texts with names of files in them: bytes that are valid UTF-8 stay, all others are taken
-/// as Latin-1.
+/// The text in UTF-8, for texts with file names in them: valid UTF-8 stays, other bytes are taken as Latin-1.
 ORVOUTIL_API std::string toUtf8(std::string_view text);
 
 } // namespace orvo::orvoutil

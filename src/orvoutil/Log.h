@@ -7,16 +7,14 @@
 
 namespace orvo::orvoutil {
 
-/// The log of one class: a logger, or none while nobody listens. Callers write without asking first.
+/// The log of one class: a logger, or none without a sink. Callers write without testing for it.
 ///
 ///     log_.warn("Konnte OnUnload Funktion in Plugin nicht laden");
 ///     log_.error([&] { return "Konnte Plugin nicht laden: " + grund; });
 ///
 /// A text is given as it is, or as a callable that makes it; the callable runs only if the entry is written.
 ///
-/// Ownership: refers to a logger, which lives as long as the process.
-/// Errors: none. What building a text throws is swallowed, and the entry with it.
-/// Threads: any.
+/// Errors: none. When building a text throws, the entry is lost.
 class Log {
 public:
     /// Both codes of every event.
@@ -24,40 +22,25 @@ public:
 
     constexpr Log(Logger* logger = nullptr) noexcept
         : logger_(logger) {} // NOLINT(google-explicit-constructor)
-    /// The log of that category. Without memory for it there is none.
+    /// The log of that category; none on allocation failure.
     explicit Log(std::string_view kategorie) noexcept : logger_(hole(kategorie)) {}
-    /// The log of that category if debug entries are written at the moment, else none: for operations that write
-    /// nothing but traces and must cost nothing without them.
+    /// The log of that category while debug entries are written, else none: for operations that only trace.
     static Log nurFuerDebug(std::string_view kategorie) noexcept {
         return Logger::istAn(LogLevel::Debug) ? Log(kategorie) : Log();
     }
 
-    template <class Text>
-    void debug(const Text& text) const noexcept {
-        schreibe(LogLevel::Debug, &Logger::debug, text);
-    }
-    template <class Text>
-    void info(const Text& text) const noexcept {
-        schreibe(LogLevel::Info, &Logger::info, text);
-    }
-    template <class Text>
-    void warn(const Text& text) const noexcept {
-        schreibe(LogLevel::Warn, &Logger::warn, text);
-    }
-    template <class Text>
-    void error(const Text& text) const noexcept {
-        schreibe(LogLevel::Error, &Logger::error, text);
-    }
+    void debug(const auto& text) const noexcept { schreibe(LogLevel::Debug, &Logger::debug, text); }
+    void info(const auto& text) const noexcept { schreibe(LogLevel::Info, &Logger::info, text); }
+    void warn(const auto& text) const noexcept { schreibe(LogLevel::Warn, &Logger::warn, text); }
+    void error(const auto& text) const noexcept { schreibe(LogLevel::Error, &Logger::error, text); }
 
     /// A trace such as `Logger::leave`, written at debug level.
-    template <class Text>
-    void spure(void (Logger::*art)(std::string_view) noexcept, const Text& text) const noexcept {
+    void spure(void (Logger::*art)(std::string_view) noexcept, const auto& text) const noexcept {
         schreibe(LogLevel::Debug, art, text);
     }
 
     /// An event, written whatever the level.
-    template <class Marke, class Text>
-    void ereignis(const Marke& marke, const Text& text) const noexcept {
+    void ereignis(const auto& marke, const auto& text) const noexcept {
         if (!logger_ || !Logger::hatSenke())
             return;
         try {
@@ -78,9 +61,8 @@ private:
             return std::string_view(text);
     }
 
-    template <class Text>
     void schreibe(LogLevel stufe, void (Logger::*art)(std::string_view) noexcept,
-                  const Text& text) const noexcept {
+                  const auto& text) const noexcept {
         if (!logger_ || !Logger::istAn(stufe))
             return;
         try {

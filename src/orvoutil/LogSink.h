@@ -22,8 +22,7 @@ enum class LogKind : std::int32_t {
     Tagged, ///< an event: `tag`, `code1`, `text`, `code2`
 };
 
-/// One entry of the log. It owns its texts, so a sink may keep a copy.
-///
+/// One entry of the log.
 /// Encoding: texts are Latin-1; paths in them are bytes as the file system has them.
 struct LogEntry {
     LogKind kind = LogKind::Message;
@@ -35,13 +34,11 @@ struct LogEntry {
     int code2 = 0;
 };
 
-/// Where the log goes: the one seam through which a host takes the log into its own; see `Logger::setSink`.
+/// Takes the log into that of the host; see `Logger::setSink`.
 class ORVOUTIL_API LogSink {
 public:
-    /// Takes one entry.
-    /// Errors: whatever it throws is swallowed.
-    /// Threads: called on the thread that logs, by several at once where several log. It may itself log,
-    /// but must not have plugins loaded or unloaded: the one of which it is told may be on its way.
+    /// Takes one entry. It may log, but must not load or unload plugins. What it throws is swallowed.
+    /// Threads: called on the thread that logs, so on several at once.
     virtual void write(const LogEntry& eintrag) = 0;
     virtual ~LogSink();
 };

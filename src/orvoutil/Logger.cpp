@@ -6,11 +6,14 @@
 
 namespace orvo::orvoutil {
 
-/// The log of the process. Never destroyed: it is written until the process is gone.
+using enum LogKind;
+using enum LogLevel;
+
+/// The log of the process. Never destroyed: destructors log to the end of the process.
 struct __attribute__((visibility("hidden"))) Logger::Zustand {
     std::mutex sperre;
     std::shared_ptr<LogSink> senke;
-    LogLevel stufe = LogLevel::Info;
+    LogLevel stufe = Info;
     std::map<std::string, Logger*, std::less<>> logger; // by category
 
     static Zustand& hole() {
@@ -47,7 +50,7 @@ Logger* Logger::getInstance(std::string_view kategorie) {
     auto gefunden = zustand.logger.find(kategorie);
     if (gefunden == zustand.logger.end())
         gefunden = zustand.logger.emplace(kategorie, nullptr).first;
-    if (!gefunden->second)
+    if (!gefunden->second) // also after an earlier call ran out of memory here
         gefunden->second = new Logger(kategorie);
     return gefunden->second;
 }
@@ -55,40 +58,28 @@ Logger* Logger::getInstance(std::string_view kategorie) {
 void Logger::setSink(std::shared_ptr<LogSink> senke) {
     Zustand& zustand = Zustand::hole();
     const std::lock_guard halter(zustand.sperre);
-    zustand.senke.swap(senke); // the former one goes with the argument, when no lock is held any more
+    zustand.senke.swap(senke); // the former one is destroyed with the argument, after the lock
     zustand.stelleSchwelle();
 }
 
 void Logger::setLevel(LogLevel stufe) {
     Zustand& zustand = Zustand::hole();
     const std::lock_guard halter(zustand.sperre);
-    zustand.stufe = std::min(stufe, LogLevel::Error);
+    zustand.stufe = std::min(stufe, Error);
     zustand.stelleSchwelle();
 }
 
-void Logger::debug(std::string_view text) noexcept { schreibe(LogKind::Message, LogLevel::Debug, text); }
-void Logger::info(std::string_view text) noexcept { schreibe(LogKind::Message, LogLevel::Info, text); }
-void Logger::warn(std::string_view text) noexcept { schreibe(LogKind::Message, LogLevel::Warn, text); }
-void Logger::error(std::string_view text) noexcept { schreibe(LogKind::Message, LogLevel::Error, text); }
+void Logger::debug(std::string_view text) noexcept { schreibe(Message, Debug, text); }
+void Logger::info(std::string_view text) noexcept { schreibe(Message, Info, text); }
+void Logger::warn(std::string_view text) noexcept { schreibe(Message, Warn, text); }
+void Logger::error(std::string_view text) noexcept { schreibe(Message, Error, text); }
 
-void Logger::enter(std::string_view operation) noexcept {
-    schreibe(LogKind::Enter, LogLevel::Debug, operation);
-}
-void Logger::leave(std::string_view operation) noexcept {
-    schreibe(LogKind::Leave, LogLevel::Debug, operation);
-}
-void Logger::enterConstructor(std::string_view operation) noexcept {
-    schreibe(LogKind::ConstructorEnter, LogLevel::Debug, operation);
-}
-void Logger::leaveConstructor(std::string_view operation) noexcept {
-    schreibe(LogKind::ConstructorLeave, LogLevel::Debug, operation);
-}
-void Logger::enterDestructor(std::string_view operation) noexcept {
-    schreibe(LogKind::DestructorEnter, LogLevel::Debug, operation);
-}
-void Logger::leaveDestructor(std::string_view operation) noexcept {
-    schreibe(LogKind::DestructorLeave, LogLevel::Debug, operation);
-}
+void Logger::enter(std::string_view text) noexcept { schreibe(Enter, Debug, text); }
+void Logger::leave(std::string_view text) noexcept { schreibe(Leave, Debug, text); }
+void Logger::enterConstructor(std::string_view text) noexcept { schreibe(ConstructorEnter, Debug, text); }
+void Logger::leaveConstructor(std::string_view text) noexcept { schreibe(ConstructorLeave, Debug, text); }
+void Logger::enterDestructor(std::string_view text) noexcept { schreibe(DestructorEnter, Debug, text); }
+void Logger::leaveDestructor(std::string_view text) noexcept { schreibe(DestructorLeave, Debug, text); }
 
 void Logger::tagged(const char* tag, int code1, const char* text, int code2) noexcept {
     schreibeEreignis(tag ? tag : "", code1, text ? text : "", code2);
@@ -110,8 +101,7 @@ void Logger::schreibeEreignis(std::string_view tag, int code1, std::string_view 
     if (!hatSenke())
         return;
     try {
-        Zustand::uebergib(
-            {LogKind::Tagged, LogLevel::Info, kategorie_, std::string(text), std::string(tag), code1, code2});
+        Zustand::uebergib({Tagged, Info, kategorie_, std::string(text), std::string(tag), code1, code2});
     } catch (...) { // logging changes nothing else
     }
 }

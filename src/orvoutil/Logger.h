@@ -11,27 +11,20 @@
 
 namespace orvo::orvoutil {
 
-/// Writes the log of one category to the sink that the host installed. Without a sink there is no log: callers
-/// get no logger and skip logging.
-///
-/// Callers test the level before they build a text; each operation tests it again.
+/// Writes the log of one category to the sink that the host installed. Without a sink callers get no logger.
 ///
 /// Ownership: loggers belong to the process and are never destroyed.
-/// Errors: logging changes nothing else: what a sink throws is swallowed, and so is want of memory.
-/// Encoding: see `LogEntry`.
-/// Threads: any.
+/// Errors: an entry is lost when a sink throws or memory runs out; nothing else changes.
 class ORVOUTIL_API Logger {
 public:
     /// Returns: the logger of that category, always the same; null while no sink is installed.
     /// Errors: `std::bad_alloc`.
     static Logger* getInstance(std::string_view kategorie);
     /// Installs the sink that all loggers write to; null for none. Entries under way on other threads may still
-    /// reach the one before.
-    /// Ownership: shared; a sink that is not taken out again stays to the very end of the process.
+    /// reach the one before. Ownership: shared, until the next call or the end of the process.
     static void setSink(std::shared_ptr<LogSink> senke);
     /// Sets the lowest level that is written; at first `LogLevel::Info`.
     static void setLevel(LogLevel stufe);
-    /// Whether a sink is installed.
     static bool hatSenke() noexcept { return schwelle_.load(std::memory_order_relaxed) != AUS; }
 
     Logger(const Logger&) = delete;
@@ -47,13 +40,13 @@ public:
     void warn(std::string_view text) noexcept;
     void error(std::string_view text) noexcept;
 
-    /// Traces: written at debug level. `Spur` writes them in pairs.
-    void enter(std::string_view operation) noexcept;
-    void leave(std::string_view operation) noexcept;
-    void enterConstructor(std::string_view operation) noexcept;
-    void leaveConstructor(std::string_view operation) noexcept;
-    void enterDestructor(std::string_view operation) noexcept;
-    void leaveDestructor(std::string_view operation) noexcept;
+    /// Traces of the operation `text`, written at debug level. `Spur` writes them in pairs.
+    void enter(std::string_view text) noexcept;
+    void leave(std::string_view text) noexcept;
+    void enterConstructor(std::string_view text) noexcept;
+    void leaveConstructor(std::string_view text) noexcept;
+    void enterDestructor(std::string_view text) noexcept;
+    void leaveDestructor(std::string_view text) noexcept;
 
     /// An event, written whatever the level. Null texts count as empty.
     void tagged(const char* tag, int code1, const char* text, int code2) noexcept;

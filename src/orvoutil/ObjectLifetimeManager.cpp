@@ -1,34 +1,26 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 
 namespace orvo::orvoutil {
 
-/// Its destructor, run at process end, destroys the objects for good.
-class ObjectLifetimeManager::Prozessende {
-public:
-    explicit Prozessende(ObjectLifetimeManager& manager) : manager_(manager) {}
-    Prozessende(const Prozessende&) = delete;
-    Prozessende& operator=(const Prozessende&) = delete;
-    ~Prozessende() {
-        {
-            const std::lock_guard halter(manager_.sperre_);
-            manager_.beendet_ = true;
-        }
-        manager_.destroyAll();
-    }
-
-private:
-    ObjectLifetimeManager& manager_;
-};
-
 ObjectLifetimeManager::ObjectLifetimeManager() = default;
 
 ObjectLifetimeManager& ObjectLifetimeManager::instance() {
-    static auto& manager = *new ObjectLifetimeManager; // never destroyed, so it can be asked to the very end
-    static const Prozessende prozessende(manager);
+    static auto& manager = *new ObjectLifetimeManager; // never destroyed: usable to the end of the process
+    [[maybe_unused]] static const int angemeldet = std::atexit([] { instance().beende(); });
     return manager;
+}
+
+/// Called at process end.
+void ObjectLifetimeManager::beende() {
+    {
+        const std::lock_guard halter(sperre_);
+        beendet_ = true;
+    }
+    destroyAll();
 }
 
 void ObjectLifetimeManager::destroyAll() {

@@ -12,9 +12,7 @@
 namespace orvo::orvoutil {
 
 /// Owner of the process-wide objects: each is registered under a name, and all are destroyed at process end, in
-/// reverse order of registration. Each is findable by its name until its destructor has returned.
-///
-/// A typical object is made on first request, unless `wirdAbgebaut`.
+/// reverse order of registration. Each can be found until its destructor has returned.
 ///
 /// Ownership: owns the objects; the code of their classes must stay loaded as long.
 /// Threads: any. Objects are destroyed while no lock is held, so their destructors may look others up.
@@ -27,7 +25,7 @@ class ORVOUTIL_API ObjectLifetimeManager {
     };
 
 public:
-    /// The process's manager; usable to the very end of the process.
+    /// The process's manager; never destroyed.
     static ObjectLifetimeManager& instance();
 
     ObjectLifetimeManager(const ObjectLifetimeManager&) = delete;
@@ -39,8 +37,7 @@ public:
         return static_cast<T*>(finde(name, typeid(T)));
     }
 
-    /// Registers an object.
-    /// Ownership: passes to the manager, unless this throws.
+    /// Registers an object. Ownership: passes to the manager, unless this throws.
     /// Errors: `std::invalid_argument` for null; `std::logic_error` when the name is in use, and while
     /// `wirdAbgebaut`.
     template <class T>
@@ -48,7 +45,7 @@ public:
         Platz(name).uebergib(objekt, typeid(T), &loesche<T>);
     }
 
-    /// A place for an object that is still to be made, so that registering it needs no memory.
+    /// A place for an object that is still to be made; registering it then allocates nothing.
     class ORVOUTIL_API Platz {
     public:
         explicit Platz(std::string_view name);
@@ -71,17 +68,13 @@ public:
         std::list<Eintrag> eintrag_; // one, or none once it is taken
     };
 
-    /// Destroys all objects; later registrations start anew. A call made while another is at work, by a destructor
-    /// for instance, does nothing.
+    /// Destroys all objects; later registrations start anew. Does nothing while it is running already.
     void destroyAll();
 
-    /// Whether `destroyAll` is at work, or the objects were destroyed because the process ends: nothing can be
-    /// registered then.
+    /// Whether `destroyAll` is running or the process is ending: nothing can be registered then.
     bool wirdAbgebaut() const;
 
 private:
-    class Prozessende;
-
     ObjectLifetimeManager();
     ~ObjectLifetimeManager() = delete;
 
@@ -90,6 +83,7 @@ private:
         delete static_cast<T*>(objekt);
     }
 
+    void beende();
     void* finde(std::string_view name, const std::type_info& typ) const;
     const Eintrag* eintrag(std::string_view name) const;
 

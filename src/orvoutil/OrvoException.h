@@ -15,12 +15,9 @@ using Fehlercode = std::int32_t;
 /// Base of the system's exceptions that carry an error code.
 ///
 /// Errors: copying never throws.
-/// Encoding: the text is kept as given; the system's own texts are Latin-1.
 class ORVOUTIL_API OrvoException : public std::exception {
 public:
     OrvoException(Fehlercode code, const std::string& text);
-    OrvoException(const OrvoException&) = default;
-    OrvoException& operator=(const OrvoException&) = default;
     ~OrvoException() override;
 
     Fehlercode getErrorCode() const noexcept;

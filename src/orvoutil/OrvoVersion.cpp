@@ -41,9 +41,7 @@ std::strong_ordering vergleicheZahlen(std::string_view a, std::string_view b) {
 OrvoVersion::OrvoVersion(const std::string& text) : text_(text) {}
 
 bool OrvoVersion::hatNurZahlen() const noexcept {
-    const bool endetMitten =
-        !text_.empty() && std::string_view(kTrenner).find(text_.back()) != std::string_view::npos;
-    if (text_.empty() || endetMitten)
+    if (text_.find_last_of(kTrenner) == text_.size() - 1) // nothing behind it; or the text is empty
         return false;
     for (std::string_view rest = text_; !rest.empty();)
         if (const std::string_view teil = nimmTeil(rest); teil.empty() || !istZahl(teil))

@@ -1,19 +1,13 @@
 #include <orvoutil/PathUtil.h>
 
-#include <unistd.h>
-
-#include <cstdlib>
-#include <memory>
+#include <filesystem>
 #include <utility>
-#include <vector>
 
 namespace orvo::orvoutil {
 
 namespace {
 
 constexpr auto npos = std::string_view::npos;
-
-bool istAbsolut(std::string_view pfad) { return pfad.starts_with('/'); }
 
 /// Without the slashes at its end.
 std::string_view ohneEnde(std::string_view pfad) { return pfad.substr(0, pfad.find_last_not_of('/') + 1); }
@@ -24,49 +18,18 @@ std::string_view ohneAnfang(std::string_view pfad) {
     return anfang == npos ? std::string_view() : pfad.substr(anfang);
 }
 
-struct Freigabe {
-    void operator()(char* text) const { std::free(text); }
-};
-
 /// The current directory; empty when it is gone.
 std::string aktuellesVerzeichnis() {
-    const std::unique_ptr<char, Freigabe> pfad(getcwd(nullptr, 0));
-    return pfad ? std::string(pfad.get()) : std::string();
+    std::error_code fehler;
+    return std::filesystem::current_path(fehler).string();
 }
 
-/// Takes the first component off the path.
-std::string_view nimmTeil(std::string_view& pfad) {
-    const std::size_t ende = pfad.find('/');
-    const std::string_view teil = pfad.substr(0, ende);
-    pfad = ende == npos ? std::string_view() : pfad.substr(ende + 1);
-    return teil;
-}
-
-/// Resolves ".", ".." and empty components.
-std::string normalisiere(std::string_view pfad) {
-    const bool absolut = istAbsolut(pfad);
-    std::vector<std::string_view> teile;
-    while (!pfad.empty()) {
-        const std::string_view teil = nimmTeil(pfad);
-        if (teil.empty() || teil == ".")
-            continue;
-        if (teil != "..")
-            teile.push_back(teil);
-        else if (!teile.empty() && teile.back() != "..")
-            teile.pop_back();
-        else if (!absolut)
-            teile.push_back(teil);
-    }
-
-    std::string ergebnis;
-    for (const std::string_view teil : teile) {
-        if (absolut || !ergebnis.empty())
-            ergebnis += '/';
-        ergebnis += teil;
-    }
-    if (ergebnis.empty())
-        ergebnis += absolut ? '/' : '.';
-    return ergebnis;
+/// Resolves ".", "..", doubled and trailing slashes.
+std::string normalisiere(const std::filesystem::path& pfad) {
+    std::string ergebnis = pfad.lexically_normal().string();
+    while (ergebnis.size() > 1 && ergebnis.ends_with('/'))
+        ergebnis.pop_back();
+    return ergebnis.empty() ? "." : ergebnis;
 }
 
 /// What follows the last slash.
@@ -86,7 +49,7 @@ std::string concatPath(std::string_view a, std::string_view b) {
 }
 
 std::string getAbsolutePath(std::string_view pfad) {
-    return normalisiere(istAbsolut(pfad) ? std::string(pfad) : concatPath(aktuellesVerzeichnis(), pfad));
+    return normalisiere(pfad.starts_with('/') ? std::string(pfad) : concatPath(aktuellesVerzeichnis(), pfad));
 }
 
 std::string getFullFilename(std::string_view verzeichnis, std::string_view name) {

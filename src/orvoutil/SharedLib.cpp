@@ -31,7 +31,7 @@ bool istNamenszeichen(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-/// The first word in a path for which the loader would put something else; empty when there is none.
+/// The first word in a path that the loader would replace; empty when there is none.
 std::string_view platzhalter(std::string_view pfad) {
     for (std::size_t i = pfad.find('$'); i != std::string_view::npos; i = pfad.find('$', i + 1)) {
         const bool geklammert = pfad.substr(i + 1).starts_with('{');
@@ -55,12 +55,11 @@ std::string grundDesSystems() {
 
 #ifdef __ELF__
 
-/// Walks the process's libraries, in the order in which they were loaded, for the one at an address.
+/// A walk over the process's libraries, in the order of their loading, to the one at an address.
 struct Suche {
     ElfW(Addr) eigeneBasis;
     ElfW(Addr) adresse;
     bool eigeneErreicht = false;
-    bool gefunden = false;
 };
 
 bool liegtIn(const dl_phdr_info& bibliothek, ElfW(Addr) adresse) {
@@ -78,9 +77,8 @@ int pruefeBibliothek(dl_phdr_info* bibliothek, std::size_t, void* daten) {
     suche.eigeneErreicht = suche.eigeneErreicht || bibliothek->dlpi_addr == suche.eigeneBasis;
     if (!suche.eigeneErreicht || !liegtIn(*bibliothek, suche.adresse))
         return 0;
-    // A program can open this library late, by a plugin that needs it: it is still no part of that plugin.
-    suche.gefunden = !liegtIn(*bibliothek, reinterpret_cast<ElfW(Addr)>(&pruefeBibliothek));
-    return 1;
+    // A plugin may be the first to need this library, which is no part of it all the same.
+    return liegtIn(*bibliothek, reinterpret_cast<ElfW(Addr)>(&pruefeBibliothek)) ? -1 : 1;
 }
 
 bool liegtInOderDanach(void* griff, const void* adresse) {
@@ -88,8 +86,7 @@ bool liegtInOderDanach(void* griff, const void* adresse) {
     if (dlinfo(griff, RTLD_DI_LINKMAP, &eigene) != 0)
         return false;
     Suche suche{eigene->l_addr, reinterpret_cast<ElfW(Addr)>(adresse)};
-    dl_iterate_phdr(pruefeBibliothek, &suche);
-    return suche.gefunden;
+    return dl_iterate_phdr(pruefeBibliothek, &suche) > 0;
 }
 
 #else
@@ -130,7 +127,7 @@ bool SharedLib::load() {
         return true;
     const std::string hier = wirdGesucht(name_) ? kHier + name_ : std::string();
     const std::string& dateipfad = hier.empty() ? name_ : hier;
-    if (const std::string grund = grundGegen(dateipfad); !grund.empty()) {
+    if (const std::string grund = pruefeDatei(dateipfad); !grund.empty()) {
         scheiterteVorDemOeffnen_ = true;
         return schlageFehl(grund);
     }
@@ -138,8 +135,8 @@ bool SharedLib::load() {
     return griff_ || schlageFehl(grundDesSystems());
 }
 
-/// Looks at the file before the system opens it. Returns: why it must not; empty when it may.
-std::string SharedLib::grundGegen(const std::string& dateipfad) const {
+/// Returns: why the system must not open the file; empty when it may.
+std::string SharedLib::pruefeDatei(const std::string& dateipfad) const {
     if (name_.empty() || hatNullbyte(name_))
         return kUngueltigerName;
     if (const std::string_view wort = platzhalter(name_); !wort.empty())
@@ -153,37 +150,35 @@ bool SharedLib::unload() {
         return schlageFehl(kNichtGeoeffnet);
     const bool geschlossen = dlclose(griff_) == 0;
     griff_ = nullptr;
-    gefundene_.clear();
+    cache_.clear();
     return geschlossen || schlageFehl(grundDesSystems());
 }
 
 void* SharedLib::getSymbol(const std::string& name) {
     fehler_.clear();
-    for (const Symbol& symbol : gefundene_)
+    for (const Symbol& symbol : cache_)
         if (symbol.name == name)
             return symbol.adresse;
-    dlerror(); // forgets older errors: a symbol without an address is none
+    dlerror(); // clears older errors
     if (!griff_)
         schlageFehl(kNichtGeoeffnet);
     else if (hatNullbyte(name))
         schlageFehl(kUngueltigerName);
     else if (void* const adresse = dlsym(griff_, name.c_str())) {
-        behalteSymbol(name, adresse);
+        cacheSymbol(name, adresse);
         return adresse;
     } else
         schlageFehl("Symbol \"" + name + "\" nicht gefunden. " + grundDesSystems());
     return nullptr;
 }
 
-/// Keeps the address while the library is open. The first few are enough: a plugin has about as many factories and
-/// hooks, and a search through many would take longer than asking the system.
-void SharedLib::behalteSymbol(const std::string& name, void* adresse) noexcept {
+/// Caches the first few addresses: a plugin has no more factories and hooks, and searching a long list would take longer
+/// than asking the system.
+void SharedLib::cacheSymbol(const std::string& name, void* adresse) noexcept {
     constexpr std::size_t kHoechstens = 8;
     try {
-        if (gefundene_.empty())
-            gefundene_.reserve(kHoechstens / 2);
-        if (gefundene_.size() < kHoechstens)
-            gefundene_.push_back({name, adresse});
+        if (cache_.size() < kHoechstens)
+            cache_.push_back({name, adresse});
     } catch (const std::bad_alloc&) { // then it is looked up again
     }
 }
@@ -192,7 +187,7 @@ std::string SharedLib::getLastError() const { return fehler_; }
 
 bool SharedLib::enthaelt(const void* adresse) const { return griff_ && liegtInOderDanach(griff_, adresse); }
 
-/// Says the file's name once, also when the system's reason begins with it.
+/// Names the file once, also when the system's reason begins with its name.
 bool SharedLib::schlageFehl(const std::string& grund) {
     const std::string anfang = name_ + ": ";
     const bool genannt = grund.starts_with(wirdGesucht(name_) ? kHier + anfang : anfang);

@@ -6,15 +6,14 @@
 
 namespace orvo::orvoutil {
 
-/// Traces one operation: the constructor writes its entry, `ende` its exit, each if debug is enabled at that moment.
-/// The destructor writes nothing: not every path of an operation has an exit line.
+/// Traces one operation: the constructor writes its entry, `ende` its exit. The destructor writes nothing, because not
+/// every path of an operation has an exit line.
 ///
 ///     const Spur spur(log_, "OrvoPluginV1::addErweiterung");
 ///     ...
 ///     spur.ende();
 ///
 /// Ownership: refers to the operation's name, which outlives it.
-/// Errors: none.
 template <void (Logger::*Eintritt)(std::string_view) noexcept,
           void (Logger::*Austritt)(std::string_view) noexcept>
 class SpurFuer {

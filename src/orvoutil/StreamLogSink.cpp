@@ -21,57 +21,31 @@ std::string zeitpunkt(std::chrono::system_clock::time_point jetzt) {
     localtime_r(&zeit, &ortszeit);
     char tag[32];
     const std::size_t laenge = std::strftime(tag, sizeof tag, "%Y-%m-%d %H:%M:%S", &ortszeit);
-    char tausendstel[8];
-    std::snprintf(tausendstel, sizeof tausendstel, ".%03d", static_cast<int>(rest.count()));
-    return std::string(tag, laenge) + tausendstel;
+    std::snprintf(tag + laenge, sizeof tag - laenge, ".%03d", static_cast<int>(rest.count()));
+    return tag;
 }
 
-const char* bezeichnung(LogLevel stufe) {
-    switch (stufe) {
-    case LogLevel::Debug:
-        return "DEBUG";
-    case LogLevel::Info:
-        return "INFO ";
-    case LogLevel::Warn:
-        return "WARN ";
-    case LogLevel::Error:
-        return "ERROR";
-    }
-    return "?    ";
+constexpr const char* kStufen[] = {"DEBUG", "INFO ", "WARN ", "ERROR"};
+constexpr const char* kVorspann[] = {
+    "", "-> ", "<- ", "-> Konstruktor ", "<- Konstruktor ", "-> Destruktor ", "<- Destruktor "};
+
+/// The text that stands for a value in a table, in the order of its enumeration.
+template <class Aufzaehlung, std::size_t N>
+const char* textFuer(Aufzaehlung wert, const char* const (&texte)[N], const char* sonst) {
+    const auto platz = static_cast<std::size_t>(wert);
+    return platz < N ? texte[platz] : sonst;
 }
 
-/// What stands before the text, by the kind of the entry.
 std::string vorspann(const LogEntry& eintrag) {
-    switch (eintrag.kind) {
-    case LogKind::Message:
-        return "";
-    case LogKind::Enter:
-        return "-> ";
-    case LogKind::Leave:
-        return "<- ";
-    case LogKind::ConstructorEnter:
-        return "-> Konstruktor ";
-    case LogKind::ConstructorLeave:
-        return "<- Konstruktor ";
-    case LogKind::DestructorEnter:
-        return "-> Destruktor ";
-    case LogKind::DestructorLeave:
-        return "<- Destruktor ";
-    case LogKind::Tagged:
-        return "[" + eintrag.tag + "] ";
-    }
-    return "? ";
+    return eintrag.kind == LogKind::Tagged ? "[" + eintrag.tag + "] "
+                                           : textFuer(eintrag.kind, kVorspann, "? ");
 }
 
-void schreibeSteuerzeichen(std::string& zeile, unsigned char zeichen) {
-    if (zeichen == '\n') {
-        zeile += "\\n";
-    } else {
-        constexpr char kZiffern[] = "0123456789abcdef";
-        zeile += "\\x";
-        zeile += kZiffern[zeichen >> 4];
-        zeile += kZiffern[zeichen & 0xF];
-    }
+void schreibeSteuerzeichen(std::string& zeile, unsigned zeichen) {
+    char puffer[8] = "\\n";
+    if (zeichen != '\n')
+        std::snprintf(puffer, sizeof puffer, zeichen > 0xFF ? "\\u%04x" : "\\x%02x", zeichen);
+    zeile += puffer;
 }
 
 /// Returns: the character that the text begins with, when it turns the direction of what follows it; otherwise 0.
@@ -85,7 +59,7 @@ unsigned richtungswechsel(std::string_view utf8) {
     return wechselt ? zeichen : 0;
 }
 
-/// The text in UTF-8, without anything that a terminal or an editor would take as a command or a line's end.
+/// The text in UTF-8, with everything escaped that a terminal or an editor takes as a command or a line's end.
 std::string alsTeilDerZeile(const std::string& text) {
     const std::string utf8 = toUtf8(text);
     std::string teil;
@@ -100,9 +74,7 @@ std::string alsTeilDerZeile(const std::string& text) {
             teil += "\\n"; // line and paragraph separator
             i += 2;
         } else if (const unsigned wechsel = richtungswechsel(rest)) {
-            char puffer[16];
-            std::snprintf(puffer, sizeof puffer, "\\u%04x", wechsel);
-            teil += puffer;
+            schreibeSteuerzeichen(teil, wechsel);
             i += 2;
         } else {
             teil += utf8[i];
@@ -120,8 +92,8 @@ void StreamLogSink::write(const LogEntry& eintrag) {
     const std::string inhalt =
         alsTeilDerZeile(eintrag.category) + ": " + alsTeilDerZeile(vorspann(eintrag) + eintrag.text) + "\n";
     const std::lock_guard halter(sperre_); // taken before the time, so that lines stand in its order
-    const std::string zeile =
-        zeitpunkt(std::chrono::system_clock::now()) + " " + bezeichnung(eintrag.level) + " " + inhalt;
+    const std::string zeile = zeitpunkt(std::chrono::system_clock::now()) + " " +
+                              textFuer(eintrag.level, kStufen, "?    ") + " " + inhalt;
     ausgabe_.write(zeile.data(), static_cast<std::streamsize>(zeile.size()));
     ausgabe_.flush();
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-// Small helpers for texts. Letter case is that of ASCII, whatever the locale; all other bytes stay as they are. What
-// constants are made with is evaluated by the compiler where it can.
-// Errors: `std::bad_alloc`. Threads: any.
+// Small helpers for texts. Letter case is that of ASCII, whatever the locale; all other bytes stay as they are.
+// Errors: `std::bad_alloc`.
 
 #include <orvoutil/Export.h>
 
@@ -41,11 +40,10 @@ private:
 
 /// The number in decimal.
 constexpr std::string int2String(int zahl) { return std::string(Ziffernfolge(zahl).text()); }
-/// The number in decimal.
 ORVOUTIL_API std::string long2String(long zahl);
 
-/// The number that the whole text is: digits, with a sign if need be.
-/// Returns: none for any other text, and for a number that does not fit 32 signed bits.
+/// The number that the whole text is: digits, with an optional sign. None for any other text, and for a number that does
+/// not fit 32 signed bits.
 constexpr std::optional<std::int32_t> liesZahl(std::string_view text) noexcept {
     const bool negativ = text.starts_with('-');
     if (negativ || text.starts_with('+'))
@@ -70,16 +68,13 @@ constexpr int string2Int(std::string_view text) noexcept { return liesZahl(text)
 constexpr bool isNumeric(std::string_view text) noexcept {
     return !text.starts_with('-') && !text.starts_with('+') && liesZahl(text);
 }
-/// The text with zeros on its left up to that many bytes. It is never cut.
+/// The text, padded with zeros on its left to that many bytes; never cut.
 ORVOUTIL_API std::string formatNumeric(std::string_view text, std::size_t breite);
 
-/// The text in lower case; only the letters of ASCII change.
 ORVOUTIL_API std::string tolower(std::string_view text);
-/// The letter in lower case; any other character as it is.
 constexpr char tolower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
-/// Whether the text ends so, letter case included.
 ORVOUTIL_API bool endsWith(std::string_view text, std::string_view ende) noexcept;
 /// Compares bytewise, ignoring letter case. Returns: -1, 0 or 1.
 constexpr int compareIgnoreCase(std::string_view a, std::string_view b) noexcept {
@@ -94,7 +89,7 @@ constexpr int compareIgnoreCase(std::string_view a, std::string_view b) noexcept
     }
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
-/// The text without the first occurrence of the pattern, which stands for itself, byte by byte.
+/// The text without the first occurrence of the pattern.
 ORVOUTIL_API std::string removeSpecialPatterns(std::string_view text, std::string_view muster);
 
 } // namespace orvo::orvoutil
