@@ -2,6 +2,8 @@
 
 #include <orvoutil/Standardbibliothek.h>
 
+// Unless a class says otherwise, the library is used by one thread at a time, and texts are Latin-1.
+
 /// Marks what `liborvoplugin` exports; everything else stays inside the library.
 #define ORVOPLUGIN_API __attribute__((visibility("default")))
 

@@ -10,15 +10,12 @@
 
 /// Dependency ("Abhaengigkeit") of an extension: names something that the extension depends on.
 ///
-/// Extensions keep dependencies by value as this base, so only the kind lives on there. By
-/// contract, nothing else can be read from an extension's list.
+/// By contract, extensions keep dependencies by value as this base: only the kind can be read from their lists.
 class ORVOPLUGIN_API Abhaengigkeit {
 public:
     /// The kinds, values of `getTyp`.
     enum Typ : std::int32_t { UFA_VZ = 0 };
 
-    Abhaengigkeit(const Abhaengigkeit&) = default;
-    Abhaengigkeit& operator=(const Abhaengigkeit&) = default;
     virtual ~Abhaengigkeit();
 
     /// Kind of dependency, one of `Typ`.
@@ -34,18 +31,14 @@ private:
 /// Another extension must be there for a sub-case type and the periods named.
 class ORVOPLUGIN_API UfaVzAbhaengigkeit : public Abhaengigkeit {
 public:
-    /// For no period in particular.
+    /// For no certain period.
     explicit UfaVzAbhaengigkeit(const Unterfallart& ua);
     UfaVzAbhaengigkeit(const Unterfallart& ua, const Veranlagungszeitraum& vz);
-    /// For each year from that of `von` to that of `bis`, both included; none when they stand the wrong way
-    /// round. Months, days and kinds of the two are not looked at.
-    ///
-    /// Errors: `InvalidFormatException` when a year in between has more than four digits.
+    /// For each year from that of `von` to that of `bis`, both included; for none if that is the earlier one.
+    /// Errors: `InvalidFormatException` for a year of more than four digits.
     UfaVzAbhaengigkeit(const Unterfallart& ua, const Veranlagungszeitraum& von,
                        const Veranlagungszeitraum& bis);
     UfaVzAbhaengigkeit(const Unterfallart& ua, const std::list<Veranlagungszeitraum>& vzs);
-    UfaVzAbhaengigkeit(const UfaVzAbhaengigkeit&) = default;
-    UfaVzAbhaengigkeit& operator=(const UfaVzAbhaengigkeit&) = default;
     ~UfaVzAbhaengigkeit() override;
 
     const Unterfallart& getUnterfallart() const { return unterfallart_; }

@@ -7,12 +7,10 @@
 #include <cstdint>
 #include <memory>
 
-/// Condition ("Bedingung") of a check or record-reader extension: a kind of processing that must have happened
-/// before its service runs, or that happens after it. What a kind asks for is the services' business; this
-/// library carries it.
+/// Condition ("Bedingung") of a check or record-reader extension: a kind of processing that happens before or after its
+/// service runs. The services give it a meaning.
 ///
-/// Extensions keep conditions by value as this base, so only the kind lives on there. By contract,
-/// nothing else can be read from an extension's lists.
+/// By contract, extensions keep conditions by value as this base: only the kind can be read from their lists.
 class ORVOPLUGIN_API Bedingung {
 public:
     /// The kinds, values of `getTyp`.
@@ -23,8 +21,6 @@ public:
         VORSATZ_PRUEFUNG = 3
     };
 
-    Bedingung(const Bedingung&) = default;
-    Bedingung& operator=(const Bedingung&) = default;
     virtual ~Bedingung();
 
     /// Kind of condition, one of `Typ`.
@@ -37,9 +33,7 @@ private:
     std::int32_t typ_;
 };
 
-/// A check of a certain sub-case type, for one period or for any.
-///
-/// Ownership: owns a copy of its period; a copy of the condition owns a copy of its own.
+/// A check of a certain sub-case type, for one period or for any. Owns a copy of its period.
 class ORVOPLUGIN_API UfaPruefungBedingung : public Bedingung {
 public:
     explicit UfaPruefungBedingung(const Unterfallart& ua);
@@ -63,8 +57,6 @@ private:
 class ORVOPLUGIN_API FormalePruefungBedingung : public Bedingung {
 public:
     FormalePruefungBedingung();
-    FormalePruefungBedingung(const FormalePruefungBedingung&) = default;
-    FormalePruefungBedingung& operator=(const FormalePruefungBedingung&) = default;
     ~FormalePruefungBedingung() override;
 };
 
@@ -72,8 +64,6 @@ public:
 class ORVOPLUGIN_API SummenBerechnungsBedingung : public Bedingung {
 public:
     SummenBerechnungsBedingung();
-    SummenBerechnungsBedingung(const SummenBerechnungsBedingung&) = default;
-    SummenBerechnungsBedingung& operator=(const SummenBerechnungsBedingung&) = default;
     ~SummenBerechnungsBedingung() override;
 };
 
@@ -81,7 +71,5 @@ public:
 class ORVOPLUGIN_API VorsatzPruefungBedingung : public Bedingung {
 public:
     VorsatzPruefungBedingung();
-    VorsatzPruefungBedingung(const VorsatzPruefungBedingung&) = default;
-    VorsatzPruefungBedingung& operator=(const VorsatzPruefungBedingung&) = default;
     ~VorsatzPruefungBedingung() override;
 };

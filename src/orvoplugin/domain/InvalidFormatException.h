@@ -11,12 +11,9 @@ namespace orvo::exception {
 /// Says why a text is not a period under the pattern given. The error code is always `FEHLERCODE`.
 class ORVOPLUGIN_API InvalidFormatException : public OrvoException {
 public:
-    /// The error code that every one of these carries.
     enum : std::int32_t { FEHLERCODE = 610001002 };
 
     explicit InvalidFormatException(const std::string& text);
-    InvalidFormatException(const InvalidFormatException&) = default;
-    InvalidFormatException& operator=(const InvalidFormatException&) = default;
     ~InvalidFormatException() override;
 };
 

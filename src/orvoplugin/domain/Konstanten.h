@@ -6,10 +6,9 @@
 
 /// \file
 /// The predefined sub-case types, and the name of the period-independent case. Each unit that includes this header has
-/// objects of its own, made in this order before its other objects and destroyed in the reverse one. They cost it some
-/// start-up time, so include this header only where they are used.
+/// objects of its own, which cost start-up time: include it only where they are used.
 
-// Initialised with "=": only then does GCC 12 lay down what needs no memory when it compiles.
+// Initialised with "=": only then does GCC 12 initialise the short ones when it compiles.
 const Unterfallart UFA_10 = 10;
 const Unterfallart UFA_12 = 12;
 const Unterfallart UFA_50 = 50;

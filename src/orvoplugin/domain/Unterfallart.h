@@ -8,22 +8,19 @@
 /// Sub-case type ("Unterfallart") of a tax submission: the kind of record that is submitted, such as a
 /// wage-tax certificate. It is known by a number (10) or, where there is none, by a name ("LSTB").
 ///
-/// A plain value: copied freely, owns its name. The compiler evaluates what it can.
-///
 /// Errors: `std::bad_alloc`.
-/// Encoding: names are Latin-1; letters are compared without regard to case in ASCII only.
+/// Encoding: names are Latin-1; comparing ignores the case of ASCII letters only.
 class Unterfallart {
 public:
-    /// The number of a sub-case type that has none and is known by its name only.
+    /// The number of a sub-case type that has only a name.
     enum : std::int32_t { OHNE_NUMMER = -99 };
 
-    /// The sub-case type of that number; its name is the number's decimal text. `OHNE_NUMMER` given here makes
-    /// a sub-case type that is known by its name "-99".
+    /// The sub-case type of that number; its name is the number in decimal. `OHNE_NUMMER` gives one of the name "-99".
     constexpr Unterfallart(int nummer) // NOLINT(google-explicit-constructor): a number stands for it
         : nummer_(nummer), name_(orvo::orvoutil::Ziffernfolge(nummer).text()) {}
 
-    /// The sub-case type of that text. The name is the text as given; a text of digits also has that number,
-    /// so "010" has the number 10 and the name "010". A null pointer counts as the empty text.
+    /// The sub-case type of that name. A name of digits also gives a number, so "010" has the number 10 and the name
+    /// "010". A null pointer counts as the empty text.
     constexpr Unterfallart(const char* text) // NOLINT(google-explicit-constructor): a name stands for it
         : nummer_(OHNE_NUMMER), name_(text ? text : "") {
         if (orvo::orvoutil::isNumeric(name_))
@@ -36,12 +33,8 @@ public:
     constexpr std::int32_t getNummer() const noexcept { return nummer_; }
     constexpr const std::string& getName() const noexcept { return name_; }
 
-    /// The order of sub-case types, by which they are also equal or not.
-    ///
-    /// Two numbers compare as numbers. As soon as one side has no number, both compare by name, ignoring case:
-    /// 10 stands before "LSTB" because the text 10 stands before the text lstb. By contract: where numbers stand beside
-    /// names that begin with digits, the order need not be transitive.
-    ///
+    /// The order and equality of sub-case types: by number if both have one, otherwise by name, ignoring case. By
+    /// contract: with numbers beside names that begin with digits, the order need not be transitive.
     /// Returns: -1, 0 or 1.
     constexpr int compare(const Unterfallart& other) const noexcept {
         if (nummer_ != OHNE_NUMMER && other.nummer_ != OHNE_NUMMER)

@@ -29,14 +29,6 @@ bool istQuartalscode(int code, int erstes) { return code >= erstes && code < ers
 
 int quartalDesMonats(int monat) { return (monat - 1) / 3 + kQuartalEins; }
 
-/// Appends a digit; a number that no longer fits is no number of a period.
-void haengeZifferAn(std::int32_t& zahl, int ziffer) {
-    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
-    if (zahl > (kMax - ziffer) / 10)
-        throw InvalidFormatException(kNichtNumerisch.c_str());
-    zahl = zahl * 10 + ziffer;
-}
-
 auto rang(const Veranlagungszeitraum& v) {
     return std::make_tuple(v.getJahr(), v.getQuartal(), v.getZeitraum(), v.getTag());
 }
@@ -77,23 +69,17 @@ void Veranlagungszeitraum::lies(const std::string& ziffern, const std::string& f
         }
         if (c < '0' || c > '9')
             throw InvalidFormatException(kNichtNumerisch.c_str());
-        const int ziffer = c - '0';
-        switch (p) {
-        case 'Y':
-            haengeZifferAn(jahr_, ziffer);
-            break;
-        case 'M':
-        case 'Z':
-            haengeZifferAn(zeitraum_, ziffer);
-            break;
-        case 'T':
-            haengeZifferAn(tag_, ziffer);
-            break;
-        default:
-            // The message shows the digit read, not the letter at fault; readers of the log rely on the wording.
+        std::int32_t* const zahl = p == 'Y'               ? &jahr_
+                                   : p == 'M' || p == 'Z' ? &zeitraum_
+                                   : p == 'T'             ? &tag_
+                                                          : nullptr;
+        if (!zahl) // by contract the message shows the digit, not the letter of the pattern
             throw InvalidFormatException(kUngueltigeFormatangabe.c_str() + format + " Zeichen " + c +
                                          " nicht erlaubt in Formatangabe!");
-        }
+        const int ziffer = c - '0';
+        if (*zahl > (std::numeric_limits<std::int32_t>::max() - ziffer) / 10)
+            throw InvalidFormatException(kNichtNumerisch.c_str());
+        *zahl = *zahl * 10 + ziffer;
     }
     ordneEin();
 }
@@ -111,7 +97,7 @@ void Veranlagungszeitraum::ordneEin() {
         typ_ = QUARTAL_ALTERNATIV;
         quartal_ = zeitraum_ - 10;
     } else {
-        // A month beyond 12 is taken as it is: plugins tell impossible months apart, not the period.
+        // A month beyond 12 too: plugins refuse impossible months.
         typ_ = MONAT;
         quartal_ = quartalDesMonats(zeitraum_);
     }

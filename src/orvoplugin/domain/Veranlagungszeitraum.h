@@ -13,20 +13,20 @@
 /// 51 to 54 a quarter in the alternative writing, 19 the whole year. Years of up to three digits are completed:
 /// 98 and 99 lie in the 1900s, all others in the 2000s, so the year written 0 is 2000.
 ///
-/// A plain value with a virtual destructor. Equality and order go by year, quarter, month code and day; the
-/// kind of period takes no part. (The registry's key has a rule of its own: the year alone.)
+/// Equality and order go by year, quarter, month code and day, whatever the kind. (The registry's key goes by the year
+/// alone.)
 ///
 /// Errors: `orvo::exception::InvalidFormatException`, from the constructor with a pattern and from `parse`.
 class ORVOPLUGIN_API Veranlagungszeitraum {
 public:
     /// Kinds of period, the values of `getTyp`.
     enum Typ : std::int32_t {
-        UNGELESEN = -1,        ///< nothing read yet; as a request it stands for any period
+        UNGELESEN = -1,        ///< nothing read yet; asked for, it stands for any period
         JAHR = 0,              ///< a year
         TAG = 1,               ///< a day
         MONAT = 2,             ///< a month
         QUARTAL = 3,           ///< a quarter, codes 41 to 44
-        IMMER = 4,             ///< offered: every period; never made here, plugins may carry it
+        IMMER = 4,             ///< every period; plugins may set it
         UNABHAENGIG = 5,       ///< independent of any period
         QUARTAL_ALTERNATIV = 6 ///< a quarter, codes 51 to 54
     };
@@ -34,15 +34,13 @@ public:
     /// The period-independent period: no year, and in the support test of an extension it matches any period.
     Veranlagungszeitraum();
 
-    /// Reads the number, with leading zeros up to the pattern's width, under the pattern: the usual call is
-    /// `Veranlagungszeitraum(2009, "YYYY")`. A null pattern counts as the empty one.
+    /// Reads the number, with leading zeros up to the pattern's width: `Veranlagungszeitraum(2009, "YYYY")`. A null
+    /// pattern counts as the empty one.
     Veranlagungszeitraum(int wert, const char* format);
 
-    /// Reads a text as a person types it, such as "2009-05" under "YYYY-MM". `getText` gives the text back.
+    /// Reads a text such as "2009-05" under "YYYY-MM".
     static Veranlagungszeitraum parse(const std::string& text, const char* format);
 
-    Veranlagungszeitraum(const Veranlagungszeitraum&) = default;
-    Veranlagungszeitraum& operator=(const Veranlagungszeitraum&) = default;
     virtual ~Veranlagungszeitraum();
 
     /// Kind of period, one of `Typ`.

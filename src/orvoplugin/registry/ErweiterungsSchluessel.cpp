@@ -9,30 +9,22 @@
 
 namespace {
 
-/// Folds text into a hash, byte by byte; the bytes count as signed.
-class Streuwert {
-public:
-    constexpr Streuwert& nimm(std::string_view text) {
-        for (const char c : text) {
-            const auto erweitert = static_cast<std::uint32_t>(static_cast<signed char>(c));
-            wert_ ^= erweitert + 0x9E3779B9u + (wert_ << 6) + (wert_ >> 2);
-        }
-        return *this;
+using orvo::orvoutil::Ziffernfolge;
+
+/// Continues a hash over a text, byte by byte; the bytes count as signed.
+constexpr std::uint32_t weiter(std::uint32_t streuwert, std::string_view text) {
+    for (const char c : text) {
+        const auto erweitert = static_cast<std::uint32_t>(static_cast<signed char>(c));
+        streuwert ^= erweitert + 0x9E3779B9u + (streuwert << 6) + (streuwert >> 2);
     }
+    return streuwert;
+}
 
-    Streuwert& nimm(std::int32_t zahl) { return nimm(orvo::orvoutil::Ziffernfolge(zahl).text()); }
-
-    constexpr std::uint32_t wert() const { return wert_; }
-
-private:
-    std::uint32_t wert_ = 0;
-};
-
-/// The hashes of "kind#", on which those of the keys go on.
+/// The hashes of "kind#", by kind.
 constexpr auto kAnfaenge = [] {
-    std::array<Streuwert, std::size(kErweiterungTypNamen)> anfaenge;
+    std::array<std::uint32_t, std::size(kErweiterungTypNamen)> anfaenge{};
     for (std::size_t i = 0; i < anfaenge.size(); ++i)
-        anfaenge[i].nimm(kErweiterungTypNamen[i]).nimm("#");
+        anfaenge[i] = weiter(weiter(0, kErweiterungTypNamen[i]), "#");
     return anfaenge;
 }();
 
@@ -50,11 +42,8 @@ ErweiterungsSchluessel::~ErweiterungsSchluessel() = default;
 
 std::uint32_t ErweiterungsSchluessel::streuwert(tag_erweiterung_typ typ, std::int32_t nummer,
                                                 std::int32_t jahr) noexcept {
-    Streuwert streuwert = kAnfaenge[erweiterungTypPlatz(typ)];
-    streuwert.nimm(nummer);
-    streuwert.nimm("#");
-    streuwert.nimm(jahr);
-    return streuwert.wert();
+    const std::uint32_t anfang = kAnfaenge[erweiterungTypPlatz(typ)];
+    return weiter(weiter(weiter(anfang, Ziffernfolge(nummer).text()), "#"), Ziffernfolge(jahr).text());
 }
 
 std::size_t ErweiterungsSchluessel::operator()(const ErweiterungsSchluessel& schluessel) const {

@@ -13,12 +13,9 @@
 ///
 /// Two keys are equal when their kinds are, their sub-case types compare equal, and the years of their periods
 /// are the same: any period of a year finds what is filed for another one of that year.
-///
-/// A plain value with a virtual destructor. It logs nothing and keeps no logger.
 class ORVOPLUGIN_API ErweiterungsSchluessel {
 public:
-    /// The key of nothing: kind `NONE`, sub-case type "notset", the period-independent period. As a hash functor,
-    /// any key serves.
+    /// Kind `NONE`, sub-case type "notset", the period-independent period. As a hash functor, any key serves.
     ErweiterungsSchluessel();
     ErweiterungsSchluessel(const tag_erweiterung_typ& typ, const Unterfallart& ua,
                            const Veranlagungszeitraum& vz);
@@ -26,11 +23,11 @@ public:
     ErweiterungsSchluessel& operator=(const ErweiterungsSchluessel&);
     virtual ~ErweiterungsSchluessel();
 
-    /// Hash of `schluessel`: 32 bits over the text "kind#number#year", kind by its name. Equal keys give equal
-    /// hashes, save that a negative number other than -99 and a name of the same text are equal without. (Not
-    /// noexcept, so that the table keeps each entry's hash instead of computing it again.)
+    /// Hash of `schluessel`: 32 bits over the text "kind#number#year", kind by its name. Equal keys have equal hashes,
+    /// except a negative number other than -99 and a name of the same text. (Not noexcept, so that the table caches each
+    /// entry's hash.)
     std::size_t operator()(const ErweiterungsSchluessel& schluessel) const;
-    /// The same hash, from what it is made of.
+    /// The same hash, from its parts.
     static std::uint32_t streuwert(tag_erweiterung_typ typ, std::int32_t nummer, std::int32_t jahr) noexcept;
 
     tag_erweiterung_typ getTyp() const { return typ_; }

@@ -10,62 +10,61 @@
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 
 /// \file
-/// A service from one look-up in the process's registry: find the extension, get a service from it, hold that in a
-/// `ServiceGriff`, which gives it back. One function for each kind of extension; each is the registry's look-up of the
-/// same kind and nothing more, so the rules for years and period-independent entries are the registry's.
+/// A service from one look-up in the process's registry, held in a `ServiceGriff`, which gives it back. One function for
+/// each kind of extension; see the registry's look-up of the same kind.
 ///
-/// `T` is the interface wanted. It is the kind's own unless named; name one where client and plugin have settled on
-/// an interface derived from it, or, for the kinds that only know `Service`, on one of theirs:
+/// `T` is the interface of the service. Name one where client and plugin have agreed on an interface derived from the
+/// kind's own:
 ///
 ///     const auto leser = holeDatensatzReaderService<stammdaten::DateiLeserService>(UFA_LSTB, zeitraum);
 ///
-/// Returns: a handle, empty when nothing serves the pair, when there is no service to be had, or when it is not a `T`;
-/// see `ServiceGriff`.
-/// Errors: as `OrvoErweiterungsManager::getInstanz`, which the first of these calls makes load all plugins.
+/// Returns: a handle, empty when nothing serves the pair, when there is no service, or when it is not a `T`.
+/// Errors: as `OrvoErweiterungsManager::getInstanz`, which loads all plugins at the first call.
+
+/// The service of the extension that `finde`, one of the registry's look-ups, gives for the arguments.
+template <class T, class Suche, class... Argumente>
+[[nodiscard]] ServiceGriff<T> holeServiceUeber(Suche finde, const Argumente&... argumente) {
+    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
+    return ServiceGriff<T>(registry ? (registry->*finde)(argumente...) : nullptr);
+}
 
 /// The check service for the pair.
 template <class T = orvo::service::ValidierungsService>
 [[nodiscard]] ServiceGriff<T> holeValidierungsService(const Unterfallart& ua,
                                                       const Veranlagungszeitraum& vz) {
-    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
-    return ServiceGriff<T>(registry ? registry->findeValidierungsServiceErweiterung(ua, vz) : nullptr);
+    return holeServiceUeber<T>(&OrvoErweiterungsManager::findeValidierungsServiceErweiterung, ua, vz);
 }
 
 /// The field information for the pair.
 template <class T = Service>
 [[nodiscard]] ServiceGriff<T> holeFeldInfoDatenService(const Unterfallart& ua,
                                                        const Veranlagungszeitraum& vz) {
-    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
-    return ServiceGriff<T>(registry ? registry->findeFeldInfoDatenServiceErweiterung(ua, vz) : nullptr);
+    return holeServiceUeber<T>(&OrvoErweiterungsManager::findeFeldInfoDatenServiceErweiterung, ua, vz);
 }
 
 /// The error texts for the pair.
 template <class T = Service>
 [[nodiscard]] ServiceGriff<T> holeFehlertextDatenService(const Unterfallart& ua,
                                                          const Veranlagungszeitraum& vz) {
-    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
-    return ServiceGriff<T>(registry ? registry->findeFehlertextDatenServiceErweiterung(ua, vz) : nullptr);
+    return holeServiceUeber<T>(&OrvoErweiterungsManager::findeFehlertextDatenServiceErweiterung, ua, vz);
 }
 
 /// The XPath mapping for the pair.
 template <class T = orvo::service::IXPathMappingService>
 [[nodiscard]] ServiceGriff<T> holeXPathMappingService(const Unterfallart& ua,
                                                       const Veranlagungszeitraum& vz) {
-    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
-    return ServiceGriff<T>(registry ? registry->findeXPathMappingServiceErweiterung(ua, vz) : nullptr);
+    return holeServiceUeber<T>(&OrvoErweiterungsManager::findeXPathMappingServiceErweiterung, ua, vz);
 }
 
 /// The record reader for the pair.
 template <class T = orvo::service::DatensatzReaderService>
 [[nodiscard]] ServiceGriff<T> holeDatensatzReaderService(const Unterfallart& ua,
                                                          const Veranlagungszeitraum& vz) {
-    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
-    return ServiceGriff<T>(registry ? registry->findeDatensatzReaderServiceErweiterung(ua, vz) : nullptr);
+    return holeServiceUeber<T>(&OrvoErweiterungsManager::findeDatensatzReaderServiceErweiterung, ua, vz);
 }
 
 /// The tax-office data, of which there is one.
 template <class T = Service>
 [[nodiscard]] ServiceGriff<T> holeFADatenService() {
-    const OrvoErweiterungsManager* const registry = OrvoErweiterungsManager::getInstanz();
-    return ServiceGriff<T>(registry ? registry->findeFADatenServiceErweiterung() : nullptr);
+    return holeServiceUeber<T>(&OrvoErweiterungsManager::findeFADatenServiceErweiterung);
 }

@@ -16,6 +16,7 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/OrvoVersion.h>
 #include <orvoutil/Spur.h>
+#include <orvoutil/StringUtil.h>
 
 #include <sstream>
 #include <tuple>
@@ -27,7 +28,7 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-constexpr std::int32_t kOhneJahr = 0;            // of the period-independent period
+constexpr std::int32_t kOhneJahr = 0;            // the year of the period-independent period
 constexpr char kMarke[] = "ErweiterungsManager"; // tag of the registrations' log entries
 constexpr char kUeberschrift[] = "Aktuell Registrierte Erweiterungen: ";
 constexpr Latin1Text kSpeicherloch{u8"Noch Erweiterungen registriert. Speicherloch möglich!"};
@@ -35,7 +36,7 @@ constexpr Latin1Text kHoehereVersion{u8" nutze die Erweiterung mit der höheren 
 
 RegisterBeobachter* registerBeobachter = nullptr;
 
-/// The plugin as one of interface 1; null if it is another.
+/// Null for a plugin of another interface.
 OrvoPluginV1* alsPluginV1(OrvoPlugin* plugin) {
     return plugin && plugin->getTyp() == OrvoPluginV1::SCHNITTSTELLE ? dynamic_cast<OrvoPluginV1*>(plugin)
                                                                      : nullptr;
@@ -47,27 +48,24 @@ OrvoVersion produktVersionVon(const OrvoErweiterung& erweiterung) {
 }
 
 /// "Registriere Erweiterung(<address>,<kind>)"
-std::ostringstream registrierungVon(const OrvoErweiterung* erweiterung) {
+std::string registrierungVon(const OrvoErweiterung* erweiterung) {
     std::ostringstream text;
     text.imbue(std::locale::classic()); // the host's may write "2.009"
     text << "Registriere Erweiterung(" << static_cast<const void*>(erweiterung) << ","
          << erweiterung->getTyp() << ")";
-    return text;
+    return text.str();
 }
 
 std::string registrierungVon(const OrvoErweiterung* erweiterung, const Unterfallart& ua,
                              const std::list<Veranlagungszeitraum>& vzs) {
-    std::ostringstream text = registrierungVon(erweiterung);
-    text << " : ua=" << ua.getName() << " vz=";
+    std::string text = registrierungVon(erweiterung) + " : ua=" + ua.getName() + " vz=";
     const char* trenner = "";
-    for (const Veranlagungszeitraum& vz : vzs) {
-        text << trenner << vz.getJahr();
-        trenner = ",";
-    }
-    return text.str();
+    for (const Veranlagungszeitraum& vz : vzs)
+        text.append(std::exchange(trenner, ",")).append(int2String(vz.getJahr()));
+    return text;
 }
 
-/// By contract, beginning and end stand twice in the line: readers of the log look for it so.
+/// By contract, beginning and end stand twice in the line.
 std::string doppelter(const OrvoErweiterung* erweiterung, const Unterfallart& ua,
                       const Veranlagungszeitraum& vz) {
     const std::string anfang = "Es existiert schon eine Erweiterung mit dem Schluessel: ";
@@ -75,33 +73,29 @@ std::string doppelter(const OrvoErweiterung* erweiterung, const Unterfallart& ua
            vz.getText() + kHoehereVersion.c_str() + kHoehereVersion.c_str();
 }
 
-/// The tax-office data, of which there is one, have a fixed key. It is registered under "Y" and otherwise goes by "YYYY":
-/// both give the year 2000.
+/// The fixed key of the tax-office data. By contract it is registered under "Y" and searched under "YYYY"; both give the
+/// year 2000.
 ErweiterungsSchluessel finanzamtsSchluessel(const char* muster) {
     return {ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, Unterfallart(0), Veranlagungszeitraum(0, muster)};
 }
 
-/// The kind whose look-ups and listings give that class.
+/// The kind that belongs to a class.
 template <class Klasse>
-constexpr tag_erweiterung_typ kArt = NONE;
+constexpr auto kArt = NONE;
 template <>
-constexpr tag_erweiterung_typ kArt<OrvoValidierungsServiceErweiterung> = ORVO_CHECK_SERVICE_ERWEITERUNG;
+constexpr auto kArt<OrvoValidierungsServiceErweiterung> = ORVO_CHECK_SERVICE_ERWEITERUNG;
 template <>
-constexpr tag_erweiterung_typ kArt<OrvoFeldInfoDatenServiceErweiterung> =
-    ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG;
+constexpr auto kArt<OrvoFeldInfoDatenServiceErweiterung> = ORVO_FELD_INFORMATION_SERVICE_ERWEITERUNG;
 template <>
-constexpr tag_erweiterung_typ kArt<OrvoFTDatenServiceErweiterung> =
-    ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG;
+constexpr auto kArt<OrvoFTDatenServiceErweiterung> = ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG;
 template <>
-constexpr tag_erweiterung_typ kArt<OrvoFADatenServiceErweiterung> = ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG;
+constexpr auto kArt<OrvoFADatenServiceErweiterung> = ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG;
 template <>
-constexpr tag_erweiterung_typ kArt<OrvoXPathMappingServiceErweiterung> =
-    ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG;
+constexpr auto kArt<OrvoXPathMappingServiceErweiterung> = ORVO_XPATH_MAPPING_SERVICE_ERWEITERUNG;
 template <>
-constexpr tag_erweiterung_typ kArt<OrvoDatensatzReaderErweiterung> =
-    ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG;
+constexpr auto kArt<OrvoDatensatzReaderErweiterung> = ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG;
 
-/// Every extension of the class and its kind, once for each key that it holds.
+/// The extensions of a class and its kind, once for each of their keys.
 template <class Klasse, class Register>
 std::list<Klasse*> sammle(const Register& eintraege, Log log, const char* operation) {
     const Spur spur(log, operation);
@@ -119,7 +113,7 @@ std::list<Klasse*> sammle(const Register& eintraege, Log log, const char* operat
 } // namespace
 
 OrvoErweiterungsManager* OrvoErweiterungsManager::getInstanz() {
-    // "Manger" is the word that log readers look for.
+    // By contract "Manger".
     static constexpr EinzelinstanzTexte texte{kErweiterungsManagerName, "OrvoErweiterungsManager::getInstanz",
                                               "Hole OrvoErweiterungsManager",
                                               "OrvoErweiterungsManger nicht gefunden. Starte Manager"};
@@ -135,7 +129,7 @@ OrvoErweiterungsManager::OrvoErweiterungsManager()
 
 void OrvoErweiterungsManager::initialisiere() {
     const Spur spur(log_, "OrvoErweiterungsManager::initialisiere");
-    // Tag and text stand the other way round, and only here; log readers know the line so.
+    // By contract with tag and text exchanged.
     log_.ereignis("Registriere am PluginManager..", "");
     OrvoPluginManager::getInstanz(this);
     status_ = 2;
@@ -145,7 +139,7 @@ void OrvoErweiterungsManager::initialisiere() {
 OrvoErweiterungsManager::~OrvoErweiterungsManager() {
     const Spur spur(log_, "OrvoErweiterungsManager::~OrvoErweiterungsManager");
     log_.ereignis("OrvoErweiterungsManager", "Deregistriere Instanz am PluginManager..");
-    // Only an existing manager is asked: this must not start one.
+    // This must not start a manager.
     if (ObjectLifetimeManager::instance().getObject<OrvoPluginManager>(kPluginManagerName))
         OrvoPluginManager::getInstanz(nullptr)->removeObserver(this);
     if (!registrierteErweiterungen_.empty())
@@ -163,8 +157,8 @@ void OrvoErweiterungsManager::pluginErzeugt(OrvoPlugin* plugin) {
         for (OrvoErweiterung* const erweiterung : erweiterungen) {
             if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG)
                 registriereFinanzamtsDaten(erweiterung);
-            else if (OrvoUaVzServiceErweiterung* const uaVz = alsUaVz(erweiterung))
-                registriere(uaVz);
+            else
+                registriere(erweiterung);
         }
         checkAbhaengigkeiten();
     }
@@ -184,7 +178,7 @@ void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
 }
 
 void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
-    log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung).str(); });
+    log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung); });
     // The first one stays, whatever the versions.
     const auto [bestehender, neu] = trageEinWennFrei({finanzamtsSchluessel("Y"), erweiterung});
     if (!registerBeobachter)
@@ -196,9 +190,16 @@ void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweit
                                        REGEL_ERSTER_BLEIBT);
 }
 
-void OrvoErweiterungsManager::registriere(OrvoUaVzServiceErweiterung* erweiterung) {
-    for (const auto& [ua, vzs] : erweiterung->getVeranlagungszeitraumUnterfallartMap()) {
-        log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung, ua, vzs); });
+void OrvoErweiterungsManager::registriere(OrvoErweiterung* erweiterung) {
+    const auto* const uaVz = dynamic_cast<OrvoUaVzServiceErweiterung*>(erweiterung);
+    if (!uaVz) {
+        log_.warn("Cast auf UfaVzServiceErweiterung fehlgeschlagen");
+        if (registerBeobachter)
+            registerBeobachter->uebergangen(*erweiterung);
+        return;
+    }
+    for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
+        log_.ereignis(kMarke, [&, &ua = ua, &vzs = vzs] { return registrierungVon(erweiterung, ua, vzs); });
         for (const Veranlagungszeitraum& vz : vzs)
             trageEin(erweiterung, ua, vz);
     }
@@ -231,7 +232,7 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
     }
 }
 
-/// Enters the pair in the map and in the index, if the key is absent; on allocation failure in neither.
+/// Enters the pair in the map and the index if the key is absent; on allocation failure in neither.
 std::pair<OrvoErweiterungsManager::Register::iterator, bool>
 OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
     const auto ergebnis = registrierteErweiterungen_.insert(eintrag);
@@ -246,7 +247,7 @@ OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
     return ergebnis;
 }
 
-/// Erases by key, whichever extension stands there; see the class comment.
+/// Erases by key, whichever extension stands there.
 void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG) {
         const ErweiterungsSchluessel schluessel = finanzamtsSchluessel("YYYY");
@@ -258,7 +259,7 @@ void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     }
 }
 
-/// Allocates nothing: an entry that stayed would refer to an extension that is gone.
+/// Allocates nothing: an entry that stayed would dangle.
 void OrvoErweiterungsManager::streiche(tag_erweiterung_typ typ, const Unterfallart& ua,
                                        const Veranlagungszeitraum& vz) {
     const Registerfund* const fund = suchindex_->finde(typ, ua, vz.getJahr());
@@ -274,24 +275,14 @@ void OrvoErweiterungsManager::loesche(Register::iterator eintrag) {
     registrierteErweiterungen_.erase(eintrag);
 }
 
-OrvoUaVzServiceErweiterung* OrvoErweiterungsManager::alsUaVz(OrvoErweiterung* erweiterung) const {
-    auto* const uaVz = dynamic_cast<OrvoUaVzServiceErweiterung*>(erweiterung);
-    if (!uaVz) {
-        log_.warn("Cast auf UfaVzServiceErweiterung fehlgeschlagen");
-        if (registerBeobachter)
-            registerBeobachter->uebergangen(*erweiterung);
-    }
-    return uaVz;
-}
-
-/// The one look-up: the entry of the year, else the period-independent one; null when there is neither.
+/// The one look-up: the entry of the year, else the period-independent one, else null.
 const Registerfund* OrvoErweiterungsManager::suche(tag_erweiterung_typ typ, const Unterfallart& ua,
                                                    const Veranlagungszeitraum& vz) const noexcept {
     const Registerfund* const fund = suchindex_->finde(typ, ua, vz.getJahr());
     return fund ? fund : suchindex_->finde(typ, ua, kOhneJahr);
 }
 
-/// The same, as an extension of the class; null too when it is of another one.
+/// The same for the kind of a class; null too for an extension of another class.
 template <class Klasse>
 Klasse* OrvoErweiterungsManager::sucheAls(const Unterfallart& ua, const Veranlagungszeitraum& vz) const {
     const Registerfund* const fund = suche(kArt<Klasse>, ua, vz);
@@ -301,8 +292,8 @@ Klasse* OrvoErweiterungsManager::sucheAls(const Unterfallart& ua, const Veranlag
 OrvoValidierungsServiceErweiterung*
 OrvoErweiterungsManager::findeValidierungsServiceErweiterung(const Unterfallart& ua,
                                                              const Veranlagungszeitraum& vz) const {
-    const Spur spur(log_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung");
-    spur.ende(); // both lines come before the search, and only this one of the look-ups writes any
+    // By contract both lines come before the search, and only this look-up has any.
+    Spur(log_, "OrvoErweiterungsManager::findeValidierungsServiceErweiterung").ende();
     return sucheAls<OrvoValidierungsServiceErweiterung>(ua, vz);
 }
 
@@ -394,10 +385,7 @@ OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen() const {
         "OrvoErweiterungsManager::getRegistrierteFinanzamtsDatenErweiterungen");
 }
 
-bool OrvoErweiterungsManager::checkAbhaengigkeiten() {
-    // The walk over all extensions would stand here; with nothing to look at, it would leave no trace either.
-    return true;
-}
+bool OrvoErweiterungsManager::checkAbhaengigkeiten() { return true; }
 
 std::ostream& OrvoErweiterungsManager::dump(std::ostream& out) const {
     return out << kUeberschrift << std::endl;

@@ -20,7 +20,6 @@ class OrvoDatensatzReaderErweiterung;
 class OrvoFADatenServiceErweiterung;
 class OrvoFTDatenServiceErweiterung;
 class OrvoFeldInfoDatenServiceErweiterung;
-class OrvoUaVzServiceErweiterung;
 class OrvoValidierungsServiceErweiterung;
 class OrvoXPathMappingServiceErweiterung;
 class RegisterBeobachter;
@@ -35,19 +34,17 @@ class Logger;
 /// ("Unterfallart") for an assessment period ("Veranlagungszeitraum").
 ///
 /// It observes the plugin manager and files each extension once per pair that it serves. Where two plugins offer
-/// the same, the one with the higher product version stays, and on equal versions the one registered first. When
-/// a plugin goes, everything under its keys goes, by contract also what another plugin had won there: a caller that
+/// the same, the one with the higher product version stays, and on equal versions the one registered first. By contract,
+/// when a plugin is unloaded, everything under its keys is removed, also the extension of another plugin: a caller that
 /// unloads a single plugin reloads the rest.
 ///
-/// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own,
-/// which observes the process's plugin manager only if it is the one that starts it.
-///
-/// An extension that should serve pairs but is of another class is passed over with a warning.
+/// One object serves the process: `getInstanz`. A test may make one of its own, which observes the process's plugin
+/// manager only if it starts that.
 ///
 /// Ownership: owns no extension. An extension found stays valid until its plugin is unloaded.
 /// Errors: a look-up that finds nothing gives null, false or an empty list.
-/// Threads: one thread at a time, with one exception: several threads may look up and list at once while no thread
-/// loads or unloads plugins or gets services. Look-ups and listings write nothing that is shared.
+/// Threads: one at a time, with one exception: once the registry is made, several threads may call `getInstanz`, look up
+/// and list at once, while no thread loads or unloads plugins or gets services.
 class ORVOPLUGIN_API OrvoErweiterungsManager : public PluginObserver {
 public:
     /// The process's registry. The first call makes it, starts the plugin manager and so loads all plugins.
@@ -61,13 +58,13 @@ public:
     OrvoErweiterungsManager(const OrvoErweiterungsManager&) = delete;
     OrvoErweiterungsManager& operator=(const OrvoErweiterungsManager&) = delete;
 
-    /// Files the plugin's extensions.
+    /// Files the plugin's extensions. One that should serve pairs but is of another class is skipped with a warning.
     void pluginErzeugt(OrvoPlugin* plugin) override;
     /// Removes whatever stands under the keys of the plugin's extensions.
     void pluginZerstoert(OrvoPlugin* plugin) override;
     ~OrvoErweiterungsManager() override;
 
-    /// The extension for exactly that year, else the period-independent one, else null.
+    /// The extension for that year, else the period-independent one, else null.
     OrvoValidierungsServiceErweiterung*
     findeValidierungsServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz) const;
     OrvoFeldInfoDatenServiceErweiterung*
@@ -85,29 +82,27 @@ public:
     bool istUnterfallartUndJahrUnterstuetzt(const tag_erweiterung_typ& typ, const Unterfallart& ua,
                                             const Veranlagungszeitraum& vz) const;
 
-    /// The same look-up for any kind, with the key that answered. The extension is of that kind, but not told to
-    /// be of the kind's class.
+    /// The same look-up for any kind, with the key that answered. The class of the extension is not checked.
     RegisterAuskunft schlageNach(tag_erweiterung_typ typ, const Unterfallart& ua,
                                  const Veranlagungszeitraum& vz) const;
 
-    /// Has an observer told, for all registries, which extension gets which key; null for none. Set it before the
-    /// first `getInstanz`: that registers all extensions.
-    /// Returns: the observer before. Ownership: stays with the caller, who takes it out before it goes.
+    /// Sets the observer of all registries; null for none. Set it before the first `getInstanz`: that registers all
+    /// extensions. Returns: the observer before. Ownership: stays with the caller.
     static RegisterBeobachter* setRegisterBeobachter(RegisterBeobachter* beobachter);
 
-    /// Every extension once for each key that it holds, in the table's own order.
+    /// Every extension, once for each of its keys, in the table's order.
     std::list<OrvoErweiterung*> getRegistrierteErweiterungen() const;
     std::list<OrvoValidierungsServiceErweiterung*> getRegistrierteValidierungsServiceErweiterungen() const;
     std::list<OrvoFeldInfoDatenServiceErweiterung*> getRegistrierteFeldInfoDatenServiceErweiterungen() const;
     std::list<OrvoFTDatenServiceErweiterung*> getRegistrierteFehlertextDatenServiceErweiterungen() const;
     std::list<OrvoFADatenServiceErweiterung*> getRegistrierteFinanzamtsDatenErweiterungen() const;
 
-    /// Would check the dependencies between extensions; none is checked. Returns: true.
+    /// Checks nothing yet. Returns: true.
     bool checkAbhaengigkeiten();
 
-    /// Writes the heading of the report, which is all there is of it. Single registrations stand in the log.
+    /// Writes the heading of the report, which is all of it.
     std::ostream& dump(std::ostream& out) const;
-    /// Writes the same to a logger, as information; a null logger is ignored.
+    /// Writes the same to a logger at level info; null is ignored.
     void dump(orvo::orvoutil::Logger* logger) const;
 
     /// 0 while the registry is being made, 2 from then on.
@@ -120,13 +115,12 @@ private:
     void initialisiere();
 
     void registriereFinanzamtsDaten(OrvoErweiterung* erweiterung);
-    void registriere(OrvoUaVzServiceErweiterung* erweiterung);
+    void registriere(OrvoErweiterung* erweiterung);
     void trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua, const Veranlagungszeitraum& vz);
     std::pair<Register::iterator, bool> trageEinWennFrei(const Register::value_type& eintrag);
     void entferne(const OrvoErweiterung* erweiterung);
     void streiche(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz);
     void loesche(Register::iterator eintrag);
-    OrvoUaVzServiceErweiterung* alsUaVz(OrvoErweiterung* erweiterung) const;
 
     const Registerfund* suche(tag_erweiterung_typ typ, const Unterfallart& ua,
                               const Veranlagungszeitraum& vz) const noexcept;

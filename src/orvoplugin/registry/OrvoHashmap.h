@@ -8,10 +8,7 @@
 
 namespace orvo::common {
 
-/// A hash table with unique keys, under the standard container's names. Its order is the table's own and may
-/// change when the table grows.
-///
-/// Ownership: owns keys and values; pointers kept as values stay whose they are.
+/// A hash table with unique keys, under the standard container's names. Its order may change when it grows.
 template <class Key, class Value, class Hash = std::hash<Key>, class Equal = std::equal_to<Key>,
           class Alloc = std::allocator<std::pair<const Key, Value>>>
 class OrvoHashmap {
@@ -25,21 +22,17 @@ public:
     using iterator = typename Tabelle::iterator;
     using const_iterator = typename Tabelle::const_iterator;
 
-    OrvoHashmap() : tabelle_(kAnfangsgroesse) {}
-    OrvoHashmap(const OrvoHashmap&) = default;
-    OrvoHashmap& operator=(const OrvoHashmap&) = default;
+    OrvoHashmap() : tabelle_(10) {}
     virtual ~OrvoHashmap() = default;
 
     iterator find(const Key& key) { return tabelle_.find(key); }
     const_iterator find(const Key& key) const { return tabelle_.find(key); }
 
-    /// Inserts the pair only if the key is absent. Returns: the key's entry, and whether it is the new one.
+    /// Returns: the key's entry, and whether it is new.
     std::pair<iterator, bool> insert(const value_type& eintrag) { return tabelle_.insert(eintrag); }
 
-    /// Returns: the entry behind the erased one.
     iterator erase(const_iterator eintrag) { return tabelle_.erase(eintrag); }
     iterator erase(iterator eintrag) { return tabelle_.erase(eintrag); }
-    /// Returns: how many entries were equal to the key, and are gone.
     size_type erase(const Key& key) { return tabelle_.erase(key); }
     void clear() { tabelle_.clear(); }
 
@@ -51,8 +44,6 @@ public:
     bool empty() const { return tabelle_.empty(); }
 
 private:
-    enum : size_type { kAnfangsgroesse = 10 };
-
     Tabelle tabelle_;
 };
 

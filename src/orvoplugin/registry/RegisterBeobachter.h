@@ -16,30 +16,26 @@ enum orvo_register_regel_t : std::int32_t {
 };
 
 /// Told which extension got which key of the registry, and by which rule: for tools that show an
-/// operator which extension answers, and why no other. A client needs none; see
-/// `OrvoErweiterungsManager::setRegisterBeobachter`.
+/// operator which extension answers, and why no other. See `OrvoErweiterungsManager::setRegisterBeobachter`.
 ///
-/// Every operation may be left as it is. It must not throw.
 /// Ownership: everything handed over stays the library's. Keys are valid until the operation returns, extensions
 /// until their plugin is unloaded.
-/// Threads: called on the thread that loads or unloads.
 class ORVOPLUGIN_API RegisterBeobachter {
 public:
     virtual ~RegisterBeobachter();
 
-    /// The extension got a key that was free.
+    /// The extension got a free key.
     virtual void eingetragen(const ErweiterungsSchluessel& schluessel,
                              const OrvoErweiterung& erweiterung) noexcept;
-    /// The extension took a key over from another one.
+    /// The extension replaced another one.
     virtual void verdraengt(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
                             const OrvoErweiterung& bisherige, orvo_register_regel_t regel) noexcept;
-    /// The extension did not get a key, for another one stands there.
+    /// The extension did not get a key that another one has.
     virtual void abgewiesen(const ErweiterungsSchluessel& schluessel, const OrvoErweiterung& neue,
                             const OrvoErweiterung& bestehende, orvo_register_regel_t regel) noexcept;
     /// The extension is of no class that serves sub-case types, and gets no key at all.
     virtual void uebergangen(const OrvoErweiterung& erweiterung) noexcept;
-    /// A key was taken out of the registry, as a plugin goes that had offered it. Parameters: `erweiterung` stood
-    /// there, and may be another plugin's.
+    /// A key was removed, because a plugin that had offered it is unloaded. The extension may be another plugin's.
     virtual void entfernt(const ErweiterungsSchluessel& schluessel,
                           const OrvoErweiterung& erweiterung) noexcept;
 };

@@ -4,13 +4,9 @@
 
 namespace orvo::service {
 
-/// Reads records ("Datensatz"). What it offers is settled between client and plugin, in an interface derived
-/// from this one.
+/// Reads records ("Datensatz"). Client and plugin agree on an interface derived from this one.
 class ORVOPLUGIN_API DatensatzReaderService : public Service {
 public:
-    DatensatzReaderService() = default;
-    DatensatzReaderService(const DatensatzReaderService&) = default;
-    DatensatzReaderService& operator=(const DatensatzReaderService&) = default;
     ~DatensatzReaderService() override;
 };
 

@@ -6,11 +6,8 @@
 #include <vector>
 
 /// What a check reports: messages in the order in which they were found.
-///
-/// A plain value that owns its texts. Encoding: Latin-1.
 class ORVOPLUGIN_API PruefErgebnis {
 public:
-    /// One message of a check.
     struct Meldung {
         int code = 0;     ///< what is wrong, in the numbers of the check service
         std::string feld; ///< the field at fault, empty when it is the record as a whole

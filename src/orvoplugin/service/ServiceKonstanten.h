@@ -6,8 +6,8 @@
 #include <string>
 
 /// \file
-/// Constants of the service interface, for clients and plugins; nothing in this library reads them. Each unit that
-/// includes this header has objects of its own, as with `Konstanten.h`.
+/// Constants of the service interface, for clients and plugins. Each unit that includes this header has objects of its
+/// own, as with `Konstanten.h`.
 
 const std::string LEERER_TEXT = "";
 /// Stands for the version of a client that gave none.

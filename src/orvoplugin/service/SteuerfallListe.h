@@ -12,13 +12,10 @@ namespace orvo::data {
 /// Ownership: the list owns its texts; they stay valid while the list lives.
 class ORVOPLUGIN_API SteuerfallListe {
 public:
-    SteuerfallListe() = default;
-    SteuerfallListe(const SteuerfallListe&) = default;
-    SteuerfallListe& operator=(const SteuerfallListe&) = default;
     virtual ~SteuerfallListe();
 
     virtual std::size_t getAnzahl() const = 0;
-    /// The record of tax case `index`, counted from 0. What an index beyond the last gives is the list's choice.
+    /// The record of tax case `index`, counted from 0. The list defines what an index beyond the last gives.
     virtual const std::string& getDatensatz(std::size_t index) const = 0;
 };
 

@@ -2,13 +2,6 @@
 
 namespace orvo::service {
 
-namespace {
-
-constexpr int kEinFall = 0;
-constexpr int kMehrereFaelle = 4;
-
-} // namespace
-
 ValidierungsService::ValidierungsService() = default;
 ValidierungsService::ValidierungsService(const ValidierungsService&) = default;
 ValidierungsService& ValidierungsService::operator=(const ValidierungsService&) = default;
@@ -17,6 +10,7 @@ ValidierungsService::~ValidierungsService() = default;
 int ValidierungsService::checkSammeldatenKonsistenz(const orvo::data::SteuerfallListe& liste,
                                                     const Unterfallart&, const Veranlagungszeitraum&,
                                                     PruefErgebnis&) {
+    constexpr int kEinFall = 0, kMehrereFaelle = 4;
     return liste.getAnzahl() <= 1 ? kEinFall : kMehrereFaelle;
 }
 

@@ -17,7 +17,7 @@ namespace orvo::service {
 /// from it, implements the check and says which features can be switched.
 class ORVOPLUGIN_API ValidierungsService : public Service {
 public:
-    /// Number of a feature; what it means is the service's business.
+    /// Number of a feature; the service gives it a meaning.
     using FeatureId = std::int32_t;
 
     ValidierungsService();
@@ -31,8 +31,7 @@ public:
                        const Veranlagungszeitraum& vz, PruefErgebnis& ergebnis) = 0;
 
     /// Checks whether the tax cases go together in one submission ("Sammeldaten", collected data). A service that
-    /// takes collected data overrides it; this one looks at the number of cases alone.
-    /// Returns: 0 for one case at most, 4 for more.
+    /// takes collected data overrides it. Returns: 0 for one case at most, 4 for more.
     virtual int checkSammeldatenKonsistenz(const orvo::data::SteuerfallListe& liste, const Unterfallart& ua,
                                            const Veranlagungszeitraum& vz, PruefErgebnis& ergebnis);
 
@@ -41,7 +40,7 @@ public:
     /// Switches a feature. Returns: false, changing nothing, for one that is not supported.
     bool setFeature(const FeatureId& id, bool wert);
     bool isFeatureSupported(const FeatureId& id) const;
-    /// Returns: whether the feature was switched on; false too for one never switched.
+    /// False for a feature that was never switched.
     bool isFeatureSet(const FeatureId& id) const;
     const std::set<FeatureId>& getSupportedFeatures() const { return supportedFeatures_; }
 

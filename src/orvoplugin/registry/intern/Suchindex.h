@@ -1,7 +1,5 @@
 #pragma once
 
-// Internal: the index by which the registry finds its entries.
-
 #include <orvoplugin/registry/ErweiterungsSchluessel.h>
 
 #include <cstddef>
@@ -14,8 +12,8 @@ struct Registerfund {
     OrvoErweiterung* erweiterung;
 };
 
-/// Finds the registry's entries without building a key, and so without memory: the map beside it decides what is
-/// registered and in which order it is listed, and every key of the map stands here too.
+/// Finds the registry's entries without building a key, and so without allocating. It holds every key of the registry's
+/// map, which alone decides what is registered and in which order it is listed.
 ///
 /// Ownership: refers to the keys of the map.
 /// Threads: any number may search while nothing changes.
@@ -30,7 +28,7 @@ public:
     void leere() noexcept { eintraege_.clear(); }
 
 private:
-    /// What tells keys apart, with a hash that knows no letter case. A number that is not negative stands in the hash.
+    /// What tells keys apart. A number that is not negative stands in the hash, which ignores letter case.
     struct Schluessel {
         Schluessel(tag_erweiterung_typ typ, const Unterfallart& ua, std::int32_t jahr) noexcept;
         explicit Schluessel(const ErweiterungsSchluessel& schluessel) noexcept;
