@@ -12,7 +12,7 @@
 #include <utility>
 
 /// \file
-/// For plugin authors, and optional: keeps what a plugin's own code throws inside the plugin.
+/// For plugin authors, optional: catches what a plugin's own code throws.
 ///
 ///     bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
 ///         return abgesichert([&] {
@@ -26,7 +26,7 @@
 ///         return abgesichert([] { return new Pruefung; });
 ///     }
 
-/// Writes the exception that is being handled to the log, at level error.
+/// Logs the exception that is being handled, at level error.
 __attribute__((visibility("hidden"))) inline void protokolliereAusnahme(const char* wo) noexcept {
     orvo::orvoutil::Log("orvo.plugin.Absicherung").error([&] {
         std::string text = std::string("Ausnahme in ") + wo + ": ";
@@ -42,12 +42,10 @@ __attribute__((visibility("hidden"))) inline void protokolliereAusnahme(const ch
 }
 
 /// Calls `ruf` and returns what it returns. If it throws, the log says "Ausnahme in <function>: <text>" at level
-/// error, and the result is `false`, null or 0, whatever its type has for nothing: an entry point refuses the plugin,
-/// a factory gives no service. Without it the library catches and reports the exception all the same; with it the
-/// exception is gone before it leaves the plugin, and its line names the function.
+/// error, and the result is `false`, null or 0: an entry point refuses the plugin, a factory gives no service. The library
+/// catches what leaves a plugin too, but cannot name the function.
 ///
-/// Parameters: `wo` names the function in the log; it is the calling one unless given.
-/// Threads: any.
+/// Parameters: `wo` names the function in the log; by default the calling one.
 template <class Ruf>
 __attribute__((visibility("hidden"))) auto abgesichert(Ruf&& ruf,
                                                        const char* wo = __builtin_FUNCTION()) noexcept

@@ -2,12 +2,8 @@
 
 #include <cstring>
 
-namespace {
-
 constexpr char kProduktVersion[] = "17, 4, 6, 64001";
 constexpr char kFileVersion[] = "2013, 3, 15, 0";
-
-} // namespace
 
 void getOrvoSharedLibProductversion(char* puffer) {
     std::memcpy(puffer, kProduktVersion, sizeof kProduktVersion);

@@ -3,8 +3,8 @@
 #include <orvoplugin/Export.h>
 
 /// \file
-/// The library's own versions, for hosts that use no class of it. Each copies a fixed text and its NUL into the
-/// caller's buffer, which has at least 16 bytes; nothing is checked, allocated or logged.
+/// The library's own versions, for hosts that use no class of it. Each copies a text and its NUL into the caller's buffer,
+/// which has at least 16 bytes.
 
 extern "C" {
 

@@ -26,8 +26,7 @@ OrvoPlugin::OrvoPlugin(const orvo_plugin_version_t& version, Bibliothekszeiger b
       sharedLib_(bibliothek->get()),
       log_(logFuer("OrvoPlugin", sharedLib_)),
       bibliothek_(std::move(bibliothek)) {
-    const KonstruktorSpur spur(log_, "OrvoPlugin()");
-    spur.ende();
+    KonstruktorSpur(log_, "OrvoPlugin()").ende();
 }
 
 OrvoPlugin::~OrvoPlugin() {
@@ -72,7 +71,7 @@ void OrvoPlugin::setOnLoadFuncName(const std::string& name) { onLoadFuncName_ = 
 void OrvoPlugin::setOnUnloadFuncName(const std::string& name) { onUnloadFuncName_ = name; }
 
 std::string OrvoPlugin::toString() const {
-    // The last label alone has a blank behind its colon; readers of these lines take them apart that way.
+    // By contract a blank follows only the last colon.
     std::ostringstream text;
     text.imbue(std::locale::classic()); // the host's may write "1.234"
     text << "Typ:" << typ_ << std::endl
@@ -86,13 +85,9 @@ Log OrvoPlugin::logFuer(const char* klasse, const SharedLib* sharedLib) noexcept
     if (!Logger::hatSenke())
         return {};
     try {
-        std::string kategorie = "orvo.plugin.";
-        kategorie += klasse;
-        kategorie += '(';
-        if (sharedLib)
-            kategorie += getOnlyFilenameOfFullFilename(sharedLib->getName());
-        kategorie += ')';
-        return Log(kategorie);
+        const std::string datei =
+            sharedLib ? getOnlyFilenameOfFullFilename(sharedLib->getName()) : std::string();
+        return Log(std::string("orvo.plugin.") + klasse + "(" + datei + ")");
     } catch (const std::bad_alloc&) { // then the plugin has no log
         return {};
     }

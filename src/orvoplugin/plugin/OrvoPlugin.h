@@ -13,7 +13,7 @@
 class Pluginbibliothek;
 class ServiceGriffBasis;
 
-/// Ends a plugin's library as soon as that is safe.
+/// Closes and deletes a plugin's library as soon as that is safe.
 struct BibliotheksSchliesser {
     void operator()(Pluginbibliothek* bibliothek) const noexcept;
 };
@@ -22,23 +22,21 @@ namespace orvo::orvoutil {
 class SharedLib;
 }
 
-/// Where a plugin stands between being made and being closed for good. A plugin may carry any other value.
+/// State of a plugin. Any other value is carried too.
 enum orvo_plugin_status_t : std::int32_t {
     ORVO_PLUGIN_ERZEUGT = 0,  ///< made, never used yet
     ORVO_PLUGIN_GELADEN = 2,  ///< in use, or used and resident
     ORVO_PLUGIN_ENTLADEN = 3, ///< given back by its last user
 };
 
-/// Record of one plugin library: its handle, what it says of itself, its use count and its state. What a plugin
-/// does depends on its interface; see `OrvoPluginV1`.
+/// Record of one plugin library: its handle, its description, its use count and its state. The setters are for the
+/// plugin while it initialises, and for the manager. What a plugin does depends on its interface; see `OrvoPluginV1`.
 ///
-/// The setters are for the plugin, which is handed the object while it initialises itself, and for the manager.
-///
-/// Ownership: owns its library handle and closes it when it is destroyed. The plugin manager owns the plugins.
-/// Errors: nothing here throws but `std::bad_alloc`. A null library handle is taken as one without a name.
+/// Ownership: owns its library. The plugin manager owns the plugins.
+/// Errors: throws only `std::bad_alloc`. A null library handle has an empty name.
 class ORVOPLUGIN_API OrvoPlugin {
 public:
-    /// A label of the plugin; the library stores and copies it, the meaning is the plugin's.
+    /// A label of the plugin, which gives it a meaning.
     struct ORVOPLUGIN_API LabelEintrag {
         LabelEintrag();
         LabelEintrag(const LabelEintrag&);
@@ -54,7 +52,7 @@ public:
         std::string text4;
     };
 
-    /// Takes the library over. The record's type becomes the plugin's.
+    /// Takes the library over.
     OrvoPlugin(const orvo_plugin_version_t& version, orvo::orvoutil::SharedLib* sharedLib);
     OrvoPlugin(const OrvoPlugin&) = delete;
     OrvoPlugin& operator=(const OrvoPlugin&) = delete;
@@ -71,7 +69,6 @@ public:
 
     void setProduktVersion(const std::string& version);
     void setFileVersion(const std::string& version);
-    /// Appends a copy; equal labels are kept beside each other.
     void addLabelInformation(const LabelEintrag& label);
     /// A resident plugin is not closed by its last user, only when it is destroyed.
     void setResident(bool resident);
@@ -97,10 +94,10 @@ public:
 protected:
     using Bibliothekszeiger = std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser>;
 
-    /// Takes the door to the library over, and with it the library.
+    /// Takes the library over.
     OrvoPlugin(const orvo_plugin_version_t& version, Bibliothekszeiger bibliothek);
 
-    /// The log of category "orvo.plugin.<klasse>(<file name of the library>)".
+    /// Of category "orvo.plugin.<klasse>(<file name of the library>)".
     static orvo::orvoutil::Log logFuer(const char* klasse,
                                        const orvo::orvoutil::SharedLib* sharedLib) noexcept;
 
@@ -109,7 +106,7 @@ protected:
     Pluginbibliothek& bibliothek() const { return *bibliothek_; }
     /// Hands the library to the caller; the plugin is left without one.
     Bibliothekszeiger gibBibliothekAb();
-    /// Changes the state as `setStatus` does, but leaves no trace in the log.
+    /// As `setStatus`, without a trace in the log.
     void setzeStatus(orvo_plugin_status_t status) { status_ = status; }
     std::int32_t zaehleNutzerHoch() { return ++useCount_; }
     std::int32_t zaehleNutzerRunter() { return --useCount_; }
@@ -131,6 +128,5 @@ private:
     [[maybe_unused]] std::string reserviert_; ///< kept for the layout; no operation uses it
     orvo::orvoutil::Log log_;
     Bibliothekszeiger bibliothek_;
-    ServiceGriffBasis* griffe_ =
-        nullptr; ///< the handles that hold a service of this plugin, the latest first
+    ServiceGriffBasis* griffe_ = nullptr; ///< the handles that hold one of its services, the latest first
 };

@@ -11,11 +11,7 @@
 
 using namespace orvo::orvoutil;
 
-namespace {
-
 constexpr Latin1Text kUngueltigeVersion{u8"Ungültige Pluginversion"};
-
-} // namespace
 
 OrvoPluginLoader::OrvoPluginLoader() = default;
 
@@ -61,7 +57,7 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
         }
     }
 
-    // The message stands in the tag, and the text is empty: log readers know it so.
+    // By contract the message is the tag, and the text is empty.
     log.ereignis(
         [&] {
             return "Kompatibles Plugin gefunden : Type=1,Version=" + plugin->getProduktVersion() +

@@ -9,12 +9,11 @@ namespace orvo::orvoutil {
 class SharedLib;
 }
 
-/// Turns a shared library into a plugin: opens it, has it say which interface it implements, and lets it describe
+/// Turns a shared library into a plugin: opens it, asks for the interfaces that it implements, and lets it describe
 /// itself.
 ///
-/// A plugin may throw anything, also an object of a class of its own. So the library of a plugin that throws stays open
-/// while the exception lives; it is closed when the loader ends or loads the next library, or at the next use of any
-/// plugin.
+/// The library of a plugin that throws stays open while the exception lives, because its class may lie there. It is
+/// closed when the loader is destroyed or loads the next library, or at the next use of any plugin.
 class ORVOPLUGIN_API OrvoPluginLoader {
 public:
     OrvoPluginLoader();
@@ -23,10 +22,9 @@ public:
     ~OrvoPluginLoader();
 
     /// Makes the plugin of a library. A library that declares interface 1 several times is initialised as many
-    /// times, and the last plugin is returned; it keeps the earlier ones until it is destroyed.
-    ///
+    /// times; the last plugin is returned, and owns the earlier ones.
     /// Returns: a new, initialised plugin, owned by the caller.
-    /// Ownership: takes the library over, whatever happens.
+    /// Ownership: takes the library over, also on failure.
     /// Errors: `PluginLoaderException`, `PluginInitException`, or whatever the plugin throws.
     OrvoPlugin* loadPlugin(orvo::orvoutil::SharedLib* bibliothek);
 

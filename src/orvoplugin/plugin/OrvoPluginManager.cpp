@@ -28,7 +28,7 @@ constexpr char kMarke[] = "OrvoPluginManager"; // tag of this class's log entrie
 constexpr char kPluginVerzeichnis[] = "plugins";
 constexpr char kPluginEndung[] = ".dylib";
 
-/// Libraries that once lay among the plugins and are none.
+/// Libraries among the plugins of earlier releases that are none.
 constexpr std::string_view kSperrliste[] = {
     "libquarvelin2009.dylib", "libquorbis2009.dylib", "libzelmak98.dylib",
     "libfrendolin.dylib",     "libbrosmat.dylib",     "libwendrup.dylib",
@@ -36,7 +36,7 @@ constexpr std::string_view kSperrliste[] = {
 
 LadeBeobachter* ladeBeobachter = nullptr; // re-read before each call: a callback may reset it
 
-/// The resident plugins' names. Never destroyed: plugins may still be loaded while the process ends.
+/// The resident plugins' names. Never destroyed: plugins may be loaded until the process ends.
 std::set<std::string>& residentePlugins() {
     static auto& namen = *new std::set<std::string>;
     return namen;
@@ -52,7 +52,7 @@ std::set<std::string> gelesenePluginnamen() {
     return namen;
 }
 
-/// Where a listed file is, with what follows its last dot in lower case. Each name in the listing has a dot.
+/// The path of a file, with what follows its last dot in lower case.
 std::string pfadMitKleinerEndung(const std::string& verzeichnis, const std::string& datei) {
     std::string pfad = getFullFilename(verzeichnis, datei);
     for (std::size_t i = pfad.rfind('.'); i < pfad.size(); ++i)
@@ -62,13 +62,12 @@ std::string pfadMitKleinerEndung(const std::string& verzeichnis, const std::stri
 
 } // namespace
 
-/// Notes what the manager is doing, for as long as it lives.
+/// Says what the manager is doing, as long as it lives.
 class OrvoPluginManager::Arbeitend {
 public:
     Arbeitend(OrvoPluginManager& manager, Arbeit arbeit) noexcept
         : arbeit_(manager.arbeit_), vorher_(std::exchange(manager.arbeit_, arbeit)) {}
     Arbeitend(const Arbeitend&) = delete;
-    Arbeitend& operator=(const Arbeitend&) = delete;
     ~Arbeitend() { arbeit_ = vorher_; }
 
 private:
@@ -76,14 +75,13 @@ private:
     const Arbeit vorher_;
 };
 
-/// A file that is being loaded, until the observers have heard of it.
+/// A file that is being loaded, until the observers have been told.
 struct OrvoPluginManager::Ladevorgang {
     Ladevorgang(OrvoPluginManager& manager, const std::string& datei) noexcept
         : pfad(datei), aeusserer(manager.ladevorgang_), innerster(manager.ladevorgang_) {
         innerster = this;
     }
     Ladevorgang(const Ladevorgang&) = delete;
-    Ladevorgang& operator=(const Ladevorgang&) = delete;
     ~Ladevorgang() { innerster = aeusserer; }
 
     const std::string& pfad;
@@ -92,7 +90,7 @@ struct OrvoPluginManager::Ladevorgang {
 };
 
 OrvoPluginManager* OrvoPluginManager::getInstanz(PluginObserver* observer) {
-    // "Manger" is the word that log readers look for.
+    // By contract "Manger".
     static constexpr EinzelinstanzTexte texte{kPluginManagerName, "getInstanz()", "Hole OrvoPluginManager",
                                               "PluginManger nicht gefunden. Starte Manager"};
     return holeEinzelinstanz<OrvoPluginManager>(texte, [&] { return new OrvoPluginManager(observer); });
@@ -105,7 +103,7 @@ OrvoPluginManager::OrvoPluginManager(PluginObserver* observer) : log_(kPluginMan
         const std::string home = Einstellungen().basisHomeDir();
         initialisiere();
         Einstellungen().beobachterAnmelden(this);
-        if (Einstellungen().basisHomeDir() != home) // changed by a plugin or an observer, and nobody told
+        if (Einstellungen().basisHomeDir() != home) // changed by a plugin or an observer
             wechsleHome();
     } catch (...) {
         Einstellungen().beobachterAbmelden(this);
@@ -118,13 +116,13 @@ OrvoPluginManager::OrvoPluginManager(PluginObserver* observer) : log_(kPluginMan
 OrvoPluginManager::~OrvoPluginManager() {
     const DestruktorSpur spur(log_, "OrvoPluginManager()");
     Einstellungen().beobachterAbmelden(this);
-    entladeAlle(); // also while a plugin is at work: then it has ended the process, and does not come back
+    entladeAlle(); // also while a plugin is running: it has ended the process
     status_ = 2;
     spur.ende();
 }
 
 bool OrvoPluginManager::initialisiere() {
-    const Spur spur(log_, "OrvoPluginManager::startup"); // has no exit line
+    const Spur spur(log_, "OrvoPluginManager::startup"); // by contract without an exit line
     log_.ereignis(kMarke, "Starte OrvoPluginManager");
     initPluginSuchPfad();
     const bool erfolg = ladePlugins();
@@ -174,7 +172,7 @@ bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
 bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
     if (arbeit_ == Arbeit::ImGang || wirdGeladen(pfad))
         return lehneAb("ladePlugin()");
-    const std::string datei = pfad; // which may be the name of a plugin that goes now
+    const std::string datei = pfad; // a copy: it may be the name of a plugin that is unloaded now
     holeWechselNach();
     const bool erfolg = ladeDatei(datei);
     holeWechselNach();
@@ -195,8 +193,8 @@ void OrvoPluginManager::empfangeAenderungsNachricht(const AenderungsNachricht& n
     holeWechselNach(); // a plugin of the new home may have changed it meanwhile
 }
 
-/// Follows a change of the home directory, if there was one and plugins may be unloaded now. What changes it once more
-/// meanwhile is left to the next call, so that two plugins cannot keep the manager busy for ever.
+/// Carries out a change of the home directory, if plugins may be unloaded now. A further change meanwhile is left to the
+/// next call, so that two plugins cannot keep the manager busy without end.
 void OrvoPluginManager::holeWechselNach() {
     if (wechselSteht_ && darfEntladen())
         wechsleHome();
@@ -209,13 +207,12 @@ void OrvoPluginManager::wechsleHome() {
     ladeAlle();
 }
 
-/// Whether nothing is under way that needs the plugins' code, or the list of plugins as it is.
+/// Whether nothing is running that needs the plugins' code or list.
 bool OrvoPluginManager::darfEntladen() const {
     return arbeit_ == Arbeit::Keine && !Laufend::gibtEsIrgendeinen();
 }
 
-/// Whether that very file is being loaded: an observer that orders it again and again must not keep the manager busy for
-/// ever.
+/// Whether that file is being loaded: an observer that loads it again would never come to an end.
 bool OrvoPluginManager::wirdGeladen(const std::string& pfad) const {
     for (const Ladevorgang* vorgang = ladevorgang_; vorgang; vorgang = vorgang->aeusserer)
         if (vorgang->pfad == pfad)
@@ -268,7 +265,7 @@ bool OrvoPluginManager::ladeAlle() {
 bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
     const Spur spur(log_, "ladePluginsRekursiv()");
     const Arbeitend arbeitend(*this, Arbeit::ImGang);
-    const std::string ort = verzeichnis; // which may be the search path itself: an observer may set that
+    const std::string ort = verzeichnis; // a copy: it may be the search path, which an observer may set
     log_.ereignis(kMarke, [&] { return "Suche Plugins im Verzeichnis: " + ort; });
     if (ladeBeobachter)
         ladeBeobachter->betrittVerzeichnis(ort);
@@ -288,24 +285,22 @@ bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
 
 /// Returns: false for a plugin that was not loaded.
 bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::string& datei) {
-    if (isPluginGesperrt(datei)) {
+    const bool istGesperrt = isPluginGesperrt(datei);
+    const std::string voll =
+        istGesperrt ? getFullFilename(verzeichnis, datei) : pfadMitKleinerEndung(verzeichnis, datei);
+    const auto art = istGesperrt                     ? LadeBeobachter::GESPERRT
+                     : endsWith(voll, kPluginEndung) ? LadeBeobachter::PLUGIN
+                                                     : LadeBeobachter::UEBERGANGEN;
+    if (istGesperrt)
         log_.ereignis(kMarke, [&] { return "Plugin " + datei + " in Sperrliste. Wird ignoriert"; });
-        if (ladeBeobachter)
-            ladeBeobachter->findetDatei(verzeichnis, datei, LadeBeobachter::GESPERRT,
-                                        getFullFilename(verzeichnis, datei));
-        return true;
-    }
-    const std::string voll = pfadMitKleinerEndung(verzeichnis, datei);
-    const bool istPlugin = endsWith(voll, kPluginEndung);
     if (ladeBeobachter)
-        ladeBeobachter->findetDatei(verzeichnis, datei,
-                                    istPlugin ? LadeBeobachter::PLUGIN : LadeBeobachter::UEBERGANGEN, voll);
-    return !istPlugin || ladeDatei(voll);
+        ladeBeobachter->findetDatei(verzeichnis, datei, art, voll);
+    return art != LadeBeobachter::PLUGIN || ladeDatei(voll);
 }
 
 bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
     return std::any_of(std::begin(kSperrliste), std::end(kSperrliste), [&](std::string_view gesperrt) {
-        return dateiname.size() == gesperrt.size() && compareIgnoreCase(dateiname, gesperrt) == 0;
+        return compareIgnoreCase(dateiname, gesperrt) == 0;
     });
 }
 
@@ -327,7 +322,7 @@ bool OrvoPluginManager::ladeDatei(const std::string& pfad) {
         return false;
     const Spur spur(log_, "ladePlugin()");
     log_.ereignis(kMarke, [&] { return "Lese Bibliothek: " + pfad; });
-    OrvoPluginLoader loader; // outlives an exception of the plugin, and then closes its library
+    OrvoPluginLoader loader; // outlives an exception of the plugin, then closes its library
     OrvoPlugin* plugin = nullptr;
     const bool geladen = Pluginbibliothek::rufe(
         [&] {
@@ -349,7 +344,6 @@ bool OrvoPluginManager::ladeDatei(const std::string& pfad) {
     return true;
 }
 
-/// Returns: the plugin, in the list of plugins already.
 OrvoPlugin* OrvoPluginManager::ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad) {
     std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(new SharedLib(pfad, false)));
     if (!plugin->isResident() && isResidentPlugin(pfad))

@@ -18,48 +18,41 @@ class OrvoPluginLoader;
 /// directory, loads each, and tells its observers; when the setting "basis.home_dir" changes it unloads them all
 /// and loads what lies below the new one.
 ///
-/// One object serves the process: `getInstanz`. The class itself is ordinary; a test may make one of its own.
+/// One object serves the process: `getInstanz`. A bad plugin is logged and skipped; the others are unaffected.
 ///
-/// A bad plugin is logged and skipped; the others are unaffected.
+/// Nothing is unloaded while code of a plugin is on the stack or the manager is loading or unloading: `entladePlugins` and
+/// `reload` then only log a warning. (`entladePlugins` returns true all the same; `getRegistriertePlugins` shows what is
+/// left.) A change of the home directory meanwhile is carried out when the manager has finished; if it comes from a hook,
+/// a factory or the end of a service, at the next call that loads or unloads. An observer that is told of a plugin may
+/// load another one with `ladePlugin`, but not one that is still being loaded.
 ///
-/// Nothing is unloaded while code of a plugin is on the stack, nor while the manager is at work: `entladePlugins` and
-/// `reload` then do nothing but warn in the log. (`entladePlugins` gives true all the same; `getRegistriertePlugins`
-/// tells whether anything is left.) A change of the home directory that comes meanwhile is carried out when the
-/// manager's work has ended; if it comes from a hook, a factory or the end of a service, at the next call that loads or
-/// unloads. Loading takes no code away: an observer that hears of a plugin may load another one with `ladePlugin`, but not
-/// one that is still being loaded.
-///
-/// Ownership: owns the plugins, not the observers; an observer removes itself before it goes.
-/// Errors: throws nothing but `std::bad_alloc`, except where an operation says so. A manager that cannot be made leaves
-/// nothing behind.
-/// Threads: a settings change is handled on the thread that makes it.
+/// Ownership: owns the plugins, not the observers; an observer removes itself before it is destroyed.
+/// Errors: throws only `std::bad_alloc`, except where an operation says so.
+/// Threads: one at a time, except `getInstanz`. A settings change is handled on the thread that makes it.
 class ORVOPLUGIN_API OrvoPluginManager : public orvo::orvoutil::AenderungsBeobachter {
 public:
     /// The process's manager. The first call makes it, with that observer (or none, for null), and so loads all
-    /// plugins; later calls do not look at the observer.
-    ///
+    /// plugins; later calls ignore the observer.
     /// Returns: the manager, owned by the `ObjectLifetimeManager`; null once the process's objects are being
     /// destroyed, and for the start-up and last code of a library opened or closed while the manager is being made.
     /// Errors: `std::logic_error` while the manager is being made.
-    /// Threads: once the manager is made, any number may ask at once.
+    /// Threads: any, once the manager is made.
     static OrvoPluginManager* getInstanz(PluginObserver* observer);
 
-    /// Loads all plugins; the observer, unless null, hears of each.
+    /// Loads all plugins; the observer, unless null, is told of each.
     explicit OrvoPluginManager(PluginObserver* observer);
     OrvoPluginManager(const OrvoPluginManager&) = delete;
     OrvoPluginManager& operator=(const OrvoPluginManager&) = delete;
 
     /// Reloads everything when the home directory changed.
     void empfangeAenderungsNachricht(const orvo::orvoutil::AenderungsNachricht& nachricht) override;
-    /// Unloads all plugins; the observers hear of each.
     ~OrvoPluginManager() override;
 
     /// Computes the search path and loads all plugins. Returns: as `ladePlugins`.
     bool initialisiere();
-    /// Unloads every plugin, resident ones too, in the order in which they were loaded. Returns: true, even if it was
-    /// refused.
+    /// Unloads every plugin, resident ones too, in the order of loading. Returns: true, also if refused.
     bool entladePlugins();
-    /// Unloads all plugins and loads what lies below the search path as it stands.
+    /// Unloads all plugins and loads everything below the search path.
     void reload();
 
     /// Stores the absolute form of the path.
@@ -70,37 +63,34 @@ public:
 
     /// Loads everything below the search path. Returns: whether every plugin file found was loaded.
     bool ladePlugins();
-    /// Loads the plugin files of a directory and then those of its subdirectories, each in bytewise order of
-    /// names. Returns: whether every plugin file found was loaded. A failure never ends the walk.
+    /// Loads the plugin files of a directory and then those of its subdirectories, in bytewise order of names. Returns:
+    /// whether every plugin file found was loaded. A failure does not end the walk.
     bool ladePluginsRekursiv(const std::string& verzeichnis);
     /// Loads one library. Returns: whether it was loaded and every observer took it; the log says why not.
     bool ladePlugin(const std::string& pfad);
 
     /// Whether the file name is on the block list ("Sperrliste"), in any letter case.
     bool isPluginGesperrt(const std::string& dateiname) const;
-    /// Whether the plugin of that file is to be resident. The list comes from the setting
-    /// "basis.resident_plugins", names each followed by a comma, and is read once for the process, as soon as it
-    /// holds an entry; the entries are echoed to the standard output. The entry "alle" makes every plugin resident.
+    /// Whether the plugin of that file is to be resident, by the setting "basis.resident_plugins": names, each followed by
+    /// a comma; "alle" stands for every plugin. The list is read once for the process, as soon as it has an entry; the
+    /// entries are echoed to the standard output.
     bool isResidentPlugin(const std::string& pfad) const;
 
     /// Appends an observer; null is ignored, one added twice is told twice.
     void addObserver(PluginObserver* observer);
-    /// Takes the first entry of that observer out; null and unknown ones are ignored.
+    /// Removes the first entry of that observer; null and unknown ones are ignored.
     void removeObserver(PluginObserver* observer);
-    /// Tells every observer. Errors: the first exception that an observer threw, after all have been told.
+    /// Both tell every observer. Errors: the first exception that an observer threw, after all have been told.
     void notifyLoad(OrvoPlugin* plugin);
-    /// Tells every observer. Errors: the first exception that an observer threw, after all have been told.
     void notifyUnload(OrvoPlugin* plugin);
 
-    /// Has an observer told, for all managers, what becomes of each file while plugins are loaded; null for none.
-    /// Set it before the first `getInstanz`: that loads all plugins.
-    /// Returns: the observer before. Ownership: stays with the caller, who takes it out before it goes; it may do so
-    /// in the middle of a loading.
+    /// Sets the observer of all managers; null for none. Set it before the first `getInstanz`: that loads all plugins.
+    /// Returns: the observer before. Ownership: stays with the caller.
     static LadeBeobachter* setLadeBeobachter(LadeBeobachter* beobachter);
 
-    /// The plugins in the order in which they were loaded.
+    /// The plugins in the order of loading.
     std::list<OrvoPlugin*>& getRegistriertePlugins() { return plugins_; }
-    /// 0 while the manager is being made, 1 from its first loading run on, 2 when it has unloaded all for good.
+    /// 0 while the manager is being made, 1 after its first loading run, 2 while it is being destroyed.
     std::int32_t getStatus() const { return status_; }
 
 private:
@@ -132,5 +122,5 @@ private:
     orvo::orvoutil::Log log_;
     Arbeit arbeit_ = Arbeit::Keine;
     const Ladevorgang* ladevorgang_ = nullptr; ///< the innermost one
-    bool wechselSteht_ = false;                ///< the home directory changed and was not followed yet
+    bool wechselSteht_ = false;                ///< a change of the home directory is to be carried out
 };

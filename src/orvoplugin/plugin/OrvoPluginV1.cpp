@@ -4,7 +4,6 @@
 #include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
 #include <orvoplugin/plugin/intern/Pluginbibliothek.h>
 #include <orvoutil/Latin1.h>
-#include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
 #include <orvoutil/StringUtil.h>
 
@@ -27,15 +26,16 @@ const void* ortDerKlasse(const OrvoErweiterung& erweiterung) {
     return *reinterpret_cast<const void* const*>(&erweiterung);
 }
 
-/// A whole copy of the extension that outlives the plugin's library; an exception when there is none.
+/// A copy of the extension that outlives the plugin's library. Errors: `PluginInitException`.
 std::unique_ptr<OrvoErweiterung> bestaendigerKlon(const OrvoErweiterung& erweiterung,
                                                   const Pluginbibliothek& bibliothek) {
     const std::string klasse = typeid(erweiterung).name();
     std::unique_ptr<OrvoErweiterung> klon(erweiterung.clone());
     if (!klon)
         lehneErweiterungAb("Kopie der Erweiterung fehlt. Klasse: " + klasse);
-    const std::type_info& typDerKopie = typeid(*klon.get());
-    if (bibliothek.enthaelt(ortDerKlasse(*klon)))
+    const OrvoErweiterung& kopie = *klon;
+    const std::type_info& typDerKopie = typeid(kopie);
+    if (bibliothek.enthaelt(ortDerKlasse(kopie)))
         lehneErweiterungAb("Klasse der Erweiterung liegt in der Plugin-Bibliothek: " +
                            std::string(typDerKopie.name()));
     if (typDerKopie != typeid(erweiterung))
@@ -51,8 +51,7 @@ OrvoPluginV1::OrvoPluginV1(SharedLib* sharedLib) : OrvoPluginV1(Pluginbibliothek
 OrvoPluginV1::OrvoPluginV1(Bibliothekszeiger bibliothek)
     : OrvoPlugin(orvo_plugin_version_t{SCHNITTSTELLE}, std::move(bibliothek)),
       log_(logFuer("OrvoPluginV1", getSharedLib())) {
-    const KonstruktorSpur spur(log_, "OrvoPluginV1()");
-    spur.ende();
+    KonstruktorSpur(log_, "OrvoPluginV1()").ende();
 }
 
 OrvoPluginV1::OrvoPluginV1(std::unique_ptr<OrvoPluginV1> frueheres)
@@ -69,7 +68,7 @@ OrvoPluginV1::~OrvoPluginV1() {
 }
 
 void OrvoPluginV1::initialize() {
-    const Spur spur(log_, "OrvoPluginV1::initialize"); // has no exit line
+    const Spur spur(log_, "OrvoPluginV1::initialize"); // by contract without an exit line
     Pluginbibliothek& tuer = bibliothek();
     if (!tuer.oeffne())
         throw PluginInitException(PluginInitException::GENERELL,
@@ -88,7 +87,7 @@ void OrvoPluginV1::initialize() {
     const bool erfolg = tuer.beschreibt(initialisierung, this);
     tuer.setzeSchritt(ABLEHNUNG_INITIALISIERUNG);
     tuer.schliesse();
-    if (!erfolg) // misspelt for good: scripts look for this text
+    if (!erfolg) // by contract misspelt
         throw PluginInitException(PluginInitException::INITIALISIERUNGS_FEHLER,
                                   "Fehler im Aufruf von orvo_plugin_initalize.");
 }

@@ -19,23 +19,22 @@ class Unterfallart;
 /// while it has users: `notifyUse` opens it for the first one and calls its OnLoad function, `release` calls its
 /// OnUnload function and closes it after the last one, unless the plugin is resident.
 ///
-/// By contract the count has no floor: a `release` too many takes it below zero, and then the next `notifyUse` is
-/// not a first one and opens nothing. So each use must be given back exactly once.
+/// By contract the count has no floor: a `release` too many takes it below zero, and the next `notifyUse` then opens
+/// nothing. Give each use back exactly once.
 ///
-/// While an exception is under way or being handled, the library is not closed: the class of the exception may live
-/// there. It is closed at the next use, release, load or unload of any plugin at which there is none. An
-/// `std::exception_ptr` that a client keeps for later is not seen: drop it before the last release.
+/// While an exception is under way or being handled, the library is not closed, because the class of the exception may
+/// lie there. It is closed at the next use, release, load or unload of any plugin without one. A kept
+/// `std::exception_ptr` cannot be seen: drop it before the last release.
 ///
-/// Ownership: owns its extensions and its library. The caller gives every service back before the plugin is
-/// destroyed; services that are still out must not be touched any more.
-/// Errors: `initialize` and `addErweiterung` throw; all others report in the log. What an OnLoad or OnUnload
-/// function throws ends there, as a warning.
+/// Ownership: owns its extensions and its library. Services that are still out when the plugin is destroyed must not be
+/// used any more.
+/// Errors: `initialize` and `addErweiterung` throw; all others log. What a hook throws is logged as a warning.
 class ORVOPLUGIN_API OrvoPluginV1 : public OrvoPlugin {
 public:
     /// The number of the interface, as type records name it.
     enum : std::int32_t { SCHNITTSTELLE = 1 };
 
-    /// Takes the library over, open or not; does not touch it.
+    /// Takes the library over, open or not.
     explicit OrvoPluginV1(orvo::orvoutil::SharedLib* sharedLib);
     ~OrvoPluginV1() override;
 
@@ -45,23 +44,19 @@ public:
     std::string toString() const override;
 
     /// Runs the library's `orvo_plugin_initialize`.
-    ///
     /// Errors: `PluginInitException` when the library cannot be opened, has no such function, or the function
-    /// refuses; the library is closed then. Whatever the function itself throws passes through, with the library
-    /// still open.
+    /// refuses; the library is closed then. What the function throws passes through, with the library still open.
     void initialize() override;
 
     /// Keeps a clone of the extension, which points back to this plugin. For the plugin, while it initialises.
-    ///
-    /// Errors: `PluginInitException` for an extension whose class lives in the plugin library, because its code goes
-    /// when the library is closed, and for one whose `clone` gives an object of another class.
+    /// Errors: `PluginInitException` for an extension whose class lies in the plugin library, and for one whose `clone`
+    /// gives an object of another class.
     void addErweiterung(const OrvoErweiterung& erweiterung);
 
     /// The extensions in the order in which they were added, owned by the plugin.
     const std::vector<OrvoErweiterung*>& listeErweiterungen() const { return erweiterungen_; }
 
-    /// Returns: the kinds of the extensions that serve the pair, in the order of the extensions, repeats kept.
-    /// Tax-office data extensions serve no pairs and are passed over.
+    /// Returns: the kind of each extension that serves the pair, in the order of the extensions.
     std::list<tag_erweiterung_typ>
     providesUnterfallartUndVeranlagungszeitraum(const Unterfallart& ua, const Veranlagungszeitraum& vz);
 
@@ -69,7 +64,7 @@ private:
     friend class OrvoPluginLoader;
 
     explicit OrvoPluginV1(Bibliothekszeiger bibliothek);
-    /// The plugin for a further type record of the same library: takes the library over, and keeps the earlier plugin.
+    /// For a further type record of the same library: takes over the library and the earlier plugin.
     explicit OrvoPluginV1(std::unique_ptr<OrvoPluginV1> frueheres);
 
     bool oeffne();
@@ -78,6 +73,5 @@ private:
     std::map<tag_erweiterung_typ, std::int32_t> erweiterungsZaehler_;
     std::vector<OrvoErweiterung*> erweiterungen_;
     orvo::orvoutil::Log log_;
-    std::vector<std::unique_ptr<OrvoPluginV1>>
-        fruehere_; ///< made for earlier type records of the same library
+    std::vector<std::unique_ptr<OrvoPluginV1>> fruehere_; ///< of earlier type records of the library
 };

@@ -9,25 +9,17 @@ class OrvoPluginV1;
 class Service;
 
 /// \file
-/// The C functions that a plugin library exports. A plugin that includes this header has its definitions
-/// checked against these prototypes, and exported: a definition with another result, or with other parameters, does
-/// not compile. What no compiler can find, a misspelt name or an entry point without its parameter, fails the check
-/// that `orvo_add_plugin` runs after linking.
+/// The C functions that a plugin library exports. A plugin that includes this header has its definitions exported and
+/// checked against these prototypes: one with another result or other parameters does not compile. A misspelt name or an
+/// entry point without its parameter fails the check that `orvo_add_plugin` runs after linking.
 ///
-/// Every plugin has the first two. Of the factories it has those of the extensions that it declares; each
-/// returns a service object, or null when it cannot make one. Who deletes the object depends on the extension:
-/// with `FLAG_SERVICE_LOESCHEN` set the library does when the service is given back, otherwise the plugin keeps
-/// it. The names of the OnLoad and OnUnload hooks are the plugin's choice (`OrvoPlugin::setOnLoadFuncName`);
-/// they are `extern "C"`, exported, and take and return nothing.
+/// Every plugin has the first two, and the factories of the extensions that it declares. A factory returns a service
+/// object, or null when it cannot make one. With `FLAG_SERVICE_LOESCHEN` set the library deletes the object when it is
+/// given back, otherwise the plugin keeps it. The plugin names its OnLoad and OnUnload hooks itself
+/// (`OrvoPlugin::setOnLoadFuncName`); they are `extern "C"`, exported, and take and return nothing.
 ///
-/// An exception that leaves one of these functions is caught, reported in the log with its text, and costs this
-/// plugin only. None of the first two may ask for the registry or the plugin manager: both are still at work on
-/// this very plugin, and refuse with a `std::logic_error`.
-
-#if defined(__clang__)
-#pragma clang diagnostic push
-#pragma clang diagnostic ignored "-Wreturn-type-c-linkage"
-#endif
+/// An exception that leaves one of these functions is caught and logged with its text; other plugins are unaffected. While
+/// the registry and the plugin manager are being made, they refuse the first two with a `std::logic_error`.
 
 extern "C" {
 
@@ -52,12 +44,8 @@ ORVO_PLUGIN_EXPORT Service* orvo_plugin_get_xpath_mapping_service();
 ORVO_PLUGIN_EXPORT Service* orvo_plugin_get_datensatz_reader_service();
 }
 
-#if defined(__clang__)
-#pragma clang diagnostic pop
-#endif
-
-// A definition with other parameters would be a C++ function of the same name, beside the C function that the library
-// looks for, and nobody would notice before the plugin is refused. So it does not compile.
+// A definition with other parameters would be a C++ function beside the C function that the library looks for. It does
+// not compile.
 
 /// Passes for an argument of any type, in the check below.
 struct OrvoBeliebigesArgument {

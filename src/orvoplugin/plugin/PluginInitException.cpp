@@ -2,16 +2,12 @@
 
 namespace {
 
+constexpr const char* kVorspann[] = {"UNGUELTIGER_AUFBAU: ", "INITIALISIERUNGS_FEHLER: ", "GENERELL: "};
+
 const char* vorspann(PluginInitException::orvo_plugin_init_exception_t typ) {
-    switch (typ) {
-    case PluginInitException::UNGUELTIGER_AUFBAU:
-        return "UNGUELTIGER_AUFBAU: ";
-    case PluginInitException::INITIALISIERUNGS_FEHLER:
-        return "INITIALISIERUNGS_FEHLER: ";
-    case PluginInitException::GENERELL:
-        return "GENERELL: ";
-    }
-    return "";
+    const bool istBekannt =
+        typ >= PluginInitException::UNGUELTIGER_AUFBAU && typ <= PluginInitException::GENERELL;
+    return istBekannt ? kVorspann[typ - PluginInitException::UNGUELTIGER_AUFBAU] : "";
 }
 
 } // namespace

@@ -21,7 +21,6 @@ public:
     PluginInitException& operator=(const PluginInitException&);
     ~PluginInitException() override;
 
-    /// The message; valid as long as the exception lives.
     const char* what() const noexcept override;
     orvo_plugin_init_exception_t getTyp() const { return typ_; }
 

@@ -2,16 +2,12 @@
 
 namespace {
 
+constexpr const char* kVorspann[] = {
+    "UNGUELTIGE_PLUGIN_VERSION: ", "STRUKTUR_FEHLER: ", "BIBLIOTHEK_FEHLER: "};
+
 const char* vorspann(orvo_plugin_loader_exception_typ_t typ) {
-    switch (typ) {
-    case UNGUELTIGE_PLUGIN_VERSION:
-        return "UNGUELTIGE_PLUGIN_VERSION: ";
-    case STRUKTUR_FEHLER:
-        return "STRUKTUR_FEHLER: ";
-    case BIBLIOTHEK_FEHLER:
-        return "BIBLIOTHEK_FEHLER: ";
-    }
-    return "";
+    const bool istBekannt = typ >= UNGUELTIGE_PLUGIN_VERSION && typ <= BIBLIOTHEK_FEHLER;
+    return istBekannt ? kVorspann[typ - UNGUELTIGE_PLUGIN_VERSION] : "";
 }
 
 } // namespace

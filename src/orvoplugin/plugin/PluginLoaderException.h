@@ -22,7 +22,6 @@ public:
     PluginLoaderException& operator=(const PluginLoaderException&);
     ~PluginLoaderException() override;
 
-    /// The message; valid as long as the exception lives.
     const char* what() const noexcept override;
     orvo_plugin_loader_exception_typ_t getTyp() const { return typ_; }
 

@@ -4,19 +4,16 @@
 
 class OrvoPlugin;
 
-/// Whoever wants to hear of plugins coming and going; see `OrvoPluginManager::addObserver`.
+/// Told of plugins that are loaded and unloaded; see `OrvoPluginManager::addObserver`.
 ///
-/// An observer may add and remove observers while it is told. It must not start another loading or unloading
-/// run: the manager is in the middle of one, refuses, and says so in the log. An exception that leaves an
-/// observer is reported; the other observers are told all the same.
-///
-/// Threads: called on the thread that loads or unloads.
+/// An observer may add and remove observers, and in `pluginErzeugt` load a further plugin. Other requests to load or
+/// unload are refused with a warning. An exception of an observer is logged; the other observers are told all the same.
 class ORVOPLUGIN_API PluginObserver {
 public:
     /// A plugin has been loaded and put on the manager's list.
     virtual void pluginErzeugt(OrvoPlugin* plugin) = 0;
-    /// A plugin has been taken off the manager's list and is about to be destroyed: drop every reference to it
-    /// and to its extensions.
+    /// A plugin has been taken off the manager's list and is about to be destroyed: drop all references to it and to its
+    /// extensions.
     virtual void pluginZerstoert(OrvoPlugin* plugin) = 0;
     virtual ~PluginObserver();
 };

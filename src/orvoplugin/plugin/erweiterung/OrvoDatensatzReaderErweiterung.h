@@ -7,14 +7,10 @@
 
 #include <list>
 
-/// Offers a record reader service (`orvo::service::DatensatzReaderService`). Carries pre- and
-/// post-conditions of that service.
+/// Offers a record reader service (`orvo::service::DatensatzReaderService`) with pre- and post-conditions.
 ///
-/// Conditions are kept by value as their base class, so only the kind of each lives on there. A post-condition
-/// added by itself is filed among the pre-conditions; `setNachbedingungen` is the only way to fill the
-/// post-conditions. Both are wanted, and bind plugins that declare conditions and services that read them.
-///
-/// Threads: one thread at a time, as everywhere in this library.
+/// By contract, conditions are kept by value as their base class, so only the kind of each can be read, and
+/// `addNachbedingung` files its condition among the pre-conditions: only `setNachbedingungen` fills the post-conditions.
 class ORVOPLUGIN_API OrvoDatensatzReaderErweiterung : public OrvoUaVzServiceErweiterung {
 public:
     OrvoDatensatzReaderErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz);
@@ -26,8 +22,7 @@ public:
 
     OrvoErweiterung* clone() const override;
 
-    /// As `OrvoServiceErweiterung::holeService`. An object of another interface is not returned, yet counts as
-    /// handed out: plugins must give what they declare.
+    /// An object of another interface is not returned, but counts as handed out.
     orvo::service::DatensatzReaderService* holeService();
 
     void addVorbedingung(const Bedingung& bedingung);

@@ -7,12 +7,10 @@
 
 namespace {
 
-template <std::size_t N>
-std::size_t flagIndex(const std::bitset<N>&, orvo_erweiterung_flag_t flag) {
-    const auto index = static_cast<std::size_t>(flag);
-    if (index >= N)
+std::size_t flagIndex(orvo_erweiterung_flag_t flag) {
+    if (flag < FLAG_SERVICE_LOESCHEN || flag > FLAG_RESERVIERT_4)
         throw std::out_of_range("bitset::set");
-    return index;
+    return static_cast<std::size_t>(flag);
 }
 
 } // namespace
@@ -29,13 +27,9 @@ OrvoErweiterung::OrvoErweiterung(tag_erweiterung_typ typ) : typ_(typ) {}
 OrvoErweiterung::OrvoErweiterung(const OrvoErweiterung&) = default;
 OrvoErweiterung::~OrvoErweiterung() { plugin_ = nullptr; }
 
-void OrvoErweiterung::setzeFlag(orvo_erweiterung_flag_t flag, bool wert) {
-    flags_[flagIndex(flags_, flag)] = wert;
-}
+void OrvoErweiterung::setzeFlag(orvo_erweiterung_flag_t flag, bool wert) { flags_[flagIndex(flag)] = wert; }
 
-bool OrvoErweiterung::istFlagGesetzt(orvo_erweiterung_flag_t flag) const {
-    return flags_[flagIndex(flags_, flag)];
-}
+bool OrvoErweiterung::istFlagGesetzt(orvo_erweiterung_flag_t flag) const { return flags_[flagIndex(flag)]; }
 
 void OrvoErweiterung::addAbhaengigkeit(const Abhaengigkeit& abhaengigkeit) {
     abhaengigkeiten_.push_back(abhaengigkeit);

@@ -23,10 +23,9 @@ enum tag_erweiterung_typ : std::int32_t {
 
 /// Name of the kind, as log lines, print-outs and the registry's hash use it.
 ORVOPLUGIN_API const char* erweiterungTypName(tag_erweiterung_typ typ);
-/// Writes the name of the kind.
 ORVOPLUGIN_API std::ostream& operator<<(std::ostream& out, const tag_erweiterung_typ& typ);
 
-/// Flags of an extension. Only the first one has an effect; the others are kept for later.
+/// Flags of an extension. Only the first one has an effect.
 enum orvo_erweiterung_flag_t : std::int32_t {
     FLAG_SERVICE_LOESCHEN = 0, ///< a service object is deleted when it is given back
     FLAG_RESERVIERT_1 = 1,
@@ -38,12 +37,10 @@ enum orvo_erweiterung_flag_t : std::int32_t {
 /// Extension ("Erweiterung"): something that a plugin offers, with its kind, flags and dependencies.
 ///
 /// A plugin makes an extension, sets it up and hands it to `OrvoPluginV1::addErweiterung`, which keeps a clone
-/// that points back to the plugin; the original stays the plugin code's own. The classes come from this library
-/// or from the host: an extension class of the plugin's own is refused, for its code leaves the process with the
-/// plugin while the clone lives on.
+/// that points back to the plugin. The classes come from this library or from the host: an extension class of the
+/// plugin's own is refused, because the clone outlives the plugin's code.
 ///
 /// Ownership: an extension does not own its plugin; a plugin owns its clones.
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API OrvoErweiterung {
 public:
     OrvoErweiterung& operator=(const OrvoErweiterung&) = delete;
@@ -52,15 +49,13 @@ public:
     /// Returns: a new copy of the most derived extension, owned by the caller.
     virtual OrvoErweiterung* clone() const = 0;
 
-    /// Sets or clears a flag. Errors: `std::out_of_range` for a flag that is not one of the five.
+    /// Both throw `std::out_of_range` for a flag that is not one of the five.
     void setzeFlag(orvo_erweiterung_flag_t flag, bool wert);
-    /// Errors: `std::out_of_range` for a flag that is not one of the five.
     bool istFlagGesetzt(orvo_erweiterung_flag_t flag) const;
 
     void setPlugin(OrvoPlugin* plugin) { plugin_ = plugin; }
 
-    /// Appends a copy of the base part: the data of a derived dependency is not kept. That is wanted, and binds
-    /// whoever reads the list: only the kind of each dependency is known there.
+    /// Appends a copy. By contract, of the base part: only the kind of a dependency can be read from the list.
     void addAbhaengigkeit(const Abhaengigkeit& abhaengigkeit);
 
     tag_erweiterung_typ getTyp() const { return typ_; }

@@ -5,9 +5,7 @@
 #include <orvoplugin/service/Service.h>
 
 /// Offers a tax-office ("Finanzamt") data service; its interface is settled between client and plugin. It serves
-/// no sub-case types and periods: there is at most one in the registry, the first that was registered.
-///
-/// Threads: one thread at a time, as everywhere in this library.
+/// no sub-case types and periods: the registry keeps one, the first that was registered.
 class ORVOPLUGIN_API OrvoFADatenServiceErweiterung : public OrvoServiceErweiterung {
 public:
     OrvoFADatenServiceErweiterung();
@@ -16,6 +14,5 @@ public:
 
     OrvoErweiterung* clone() const override;
 
-    /// As `OrvoServiceErweiterung::holeService`.
     Service* holeService();
 };

@@ -7,8 +7,6 @@
 #include <list>
 
 /// Offers a field-information data service; its interface is settled between client and plugin.
-///
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API OrvoFeldInfoDatenServiceErweiterung : public OrvoUaVzServiceErweiterung {
 public:
     OrvoFeldInfoDatenServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz);
@@ -20,6 +18,5 @@ public:
 
     OrvoErweiterung* clone() const override;
 
-    /// As `OrvoServiceErweiterung::holeService`.
     Service* holeService();
 };

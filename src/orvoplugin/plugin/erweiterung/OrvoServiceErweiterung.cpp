@@ -4,15 +4,12 @@
 #include <orvoplugin/plugin/intern/Pluginbibliothek.h>
 #include <orvoplugin/service/Service.h>
 #include <orvoutil/Latin1.h>
-#include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
 
 #include <algorithm>
 #include <new>
 
 using namespace orvo::orvoutil;
-
-namespace {
 
 constexpr char kKategorie[] = "orvo.plugin.erweiterung.OrvoServiceErweiterung";
 constexpr Latin1Text kOhnePlugin{u8"Erweiterung gehört zu keinem Plugin. Kein Service."};
@@ -22,21 +19,14 @@ constexpr Latin1Text kUeberlebt{
 constexpr Latin1Text kVergeben{
     u8"Ein ServiceGriff hält einen Service, der schon zurückgegeben ist. Factory: "};
 
-void spureBau(Log log) {
-    const KonstruktorSpur spur(log, "OrvoServiceErweiterung::OrvoServiceErweiterung");
-    spur.ende();
-}
-
-} // namespace
-
 OrvoServiceErweiterung::OrvoServiceErweiterung(tag_erweiterung_typ typ, const std::string& factoryName)
     : OrvoErweiterung(typ), serviceFactoryName_(factoryName), log_(kKategorie) {
-    spureBau(log_);
+    KonstruktorSpur(log_, "OrvoServiceErweiterung::OrvoServiceErweiterung").ende();
 }
 
 OrvoServiceErweiterung::OrvoServiceErweiterung(const OrvoServiceErweiterung& other)
     : OrvoErweiterung(other), serviceFactoryName_(other.serviceFactoryName_), log_(kKategorie) {
-    spureBau(log_);
+    KonstruktorSpur(log_, "OrvoServiceErweiterung::OrvoServiceErweiterung").ende();
 }
 
 OrvoServiceErweiterung::~OrvoServiceErweiterung() { verwaiseAlle(); }

@@ -13,15 +13,15 @@ class ServiceGriffBasis;
 
 /// An extension that hands out service objects, made by a factory function of the plugin library.
 ///
-/// Each object handed out holds one use of the plugin, so the library stays open while any of its services is
-/// out; giving the object back ends the use. An extension that belongs to no plugin hands out nothing.
+/// Each object handed out holds one use of the plugin, which keeps the library open. An extension that belongs to no
+/// plugin hands out nothing.
 ///
 /// Ownership: the caller gives each object back with `release`, once for each time it got it; a `ServiceGriff` does
 /// so by itself. Only the plugin deletes an object, or, with `FLAG_SERVICE_LOESCHEN` set, `release`.
-/// Errors: neither `holeService` nor `release` throws; what went wrong stands in the log. An exception that
-/// leaves the factory counts as no object. By contract, when the library cannot be opened, `holeService` gives back a
-/// use that was never counted: the plugin's count is then below zero, and the plugin is opened again only after it was
-/// loaded anew. A `ServiceGriff` leaves the count as it was.
+/// Errors: neither `holeService` nor `release` throws; errors go to the log. An exception from the factory counts as no
+/// object. By contract, when the library cannot be opened, `holeService` gives back a use that was never counted: the
+/// count is then below zero, and the plugin is not opened again until it is reloaded. A `ServiceGriff` leaves the count
+/// as it was.
 class ORVOPLUGIN_API OrvoServiceErweiterung : public OrvoErweiterung {
 public:
     ~OrvoServiceErweiterung() override;
@@ -30,10 +30,9 @@ public:
     Service* holeService();
 
     /// Takes a service object back. With `FLAG_SERVICE_LOESCHEN` set it is deleted at its first release, even if it was
-    /// handed out several times: plugins that set the flag make a new object each time. Further releases of such an
-    /// object are counted and do not touch it.
-    /// An object that is not out, or null, is reported in the log and changes nothing. A handle whose object is given
-    /// back here becomes orphaned (`ServiceGriff::istVerwaist`), and the log says so.
+    /// handed out several times; further releases of that object are only counted.
+    /// An object that is not out, or null, is logged and ignored. A handle whose object is given back here becomes
+    /// orphaned (`ServiceGriff::istVerwaist`), and the log says so.
     void release(Service* service);
 
     void setServiceFactoryName(const std::string& name);
@@ -44,8 +43,7 @@ public:
 
 protected:
     OrvoServiceErweiterung(tag_erweiterung_typ typ, const std::string& factoryName);
-    /// By contract a copy takes over how many objects the original has out, but none of the objects: it answers their
-    /// release with the warning.
+    /// By contract a copy takes over the number of objects that the original has out, but none of the objects.
     OrvoServiceErweiterung(const OrvoServiceErweiterung& other);
 
 private:
@@ -65,7 +63,7 @@ private:
     std::map<Service*, int> instanzen_;
     std::string serviceFactoryName_;
     orvo::orvoutil::Log log_;
-    std::vector<Service*> geloeschte_;    ///< objects that are still out by count, and deleted
+    std::vector<Service*> geloeschte_;    ///< deleted, but not yet released by all holders
     ServiceGriffBasis* griffe_ = nullptr; ///< the handles that hold one of the objects, the latest first
     std::map<Service*, int>::node_type freierPlatz_; ///< for the next object, so that entering it cannot fail
 };

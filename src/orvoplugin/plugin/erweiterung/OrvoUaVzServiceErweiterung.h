@@ -20,14 +20,13 @@ public:
     ~OrvoUaVzServiceErweiterung() override;
 
     virtual const std::set<Unterfallart>& getUnterfallArten() const;
-    /// Returns: the periods of that sub-case type in the order given, owned by the extension; null when it is
-    /// not served.
+    /// Returns: the periods in the order given, owned by the extension; null for a sub-case type that is not served.
     virtual const std::list<Veranlagungszeitraum>*
     getVeranlagungszeitraeumeFuerUnterfallArt(const Unterfallart& ua) const;
     virtual const VzMap& getVeranlagungszeitraumUnterfallartMap() const;
 
-    /// Adds a sub-case type with its periods. One that is there already keeps the periods it has: the new ones
-    /// are dropped, not merged, by contract: a plugin gives all periods at once.
+    /// Adds a sub-case type with its periods. By contract, one that is there already keeps the periods it has: a plugin
+    /// gives all periods at once.
     virtual void addUnterstuetzteUnterfallArt(const Unterfallart& ua,
                                               const std::list<Veranlagungszeitraum>& vzs);
 
@@ -47,7 +46,7 @@ protected:
     OrvoUaVzServiceErweiterung(tag_erweiterung_typ typ, const VzMap& map, const std::string& factoryName);
     OrvoUaVzServiceErweiterung(const OrvoUaVzServiceErweiterung& other);
 
-    /// Takes over each entry whose sub-case type is not there yet.
+    /// Adds each entry.
     void init(const VzMap& map);
 
 private:

@@ -13,7 +13,7 @@ void OrvoValidierungsServiceErweiterung::addVorbedingung(const Bedingung& beding
     vorbedingungen_.push_back(bedingung);
 }
 
-// The list is the wanted one: see the class comment.
+// By contract among the pre-conditions.
 void OrvoValidierungsServiceErweiterung::addNachbedingung(const Bedingung& bedingung) {
     vorbedingungen_.push_back(bedingung);
 }

@@ -7,8 +7,6 @@
 #include <list>
 
 /// Offers an XPath mapping service (`orvo::service::IXPathMappingService`).
-///
-/// Threads: one thread at a time, as everywhere in this library.
 class ORVOPLUGIN_API OrvoXPathMappingServiceErweiterung : public OrvoUaVzServiceErweiterung {
 public:
     OrvoXPathMappingServiceErweiterung(const Unterfallart& ua, const Veranlagungszeitraum& vz);
@@ -20,7 +18,6 @@ public:
 
     OrvoErweiterung* clone() const override;
 
-    /// As `OrvoServiceErweiterung::holeService`. An object of another interface is not returned, yet counts as
-    /// handed out: plugins must give what they declare.
+    /// An object of another interface is not returned, but counts as handed out.
     orvo::service::IXPathMappingService* holeService();
 };

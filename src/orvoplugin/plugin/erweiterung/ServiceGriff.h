@@ -11,15 +11,14 @@
 
 class OrvoPlugin;
 
-/// What the handles of all interfaces have in common: the extension, the object, and a place in the lists of handles of
-/// the extension and of its plugin. Use `ServiceGriff`.
+/// The part of `ServiceGriff` that does not depend on the interface.
 class ORVOPLUGIN_API ServiceGriffBasis {
 public:
-    /// Whether the service is gone while this handle still held it: its plugin was unloaded, its extension destroyed, or
-    /// the object given back past the handle. The handle is empty then.
+    /// Whether the service went while this handle held it: its plugin was unloaded, its extension destroyed, or the
+    /// object given back past the handle. The handle is empty then.
     bool istVerwaist() const noexcept { return verwaist_; }
 
-    /// Gives the service back before the handle ends; it is empty from then on. An empty handle stays as it is.
+    /// Gives the service back before the handle ends. The handle is then empty.
     void gibZurueck() noexcept;
 
 protected:
@@ -39,7 +38,7 @@ private:
     friend class OrvoServiceErweiterung;
 
     enum Liste { DES_PLUGINS, DER_ERWEITERUNG };
-    /// A place in a list that is linked both ways.
+    /// Node of a doubly linked list.
     struct Glied {
         ServiceGriffBasis* naechster = nullptr;
         ServiceGriffBasis** verweis = nullptr; // what points to this handle
@@ -55,7 +54,7 @@ private:
     void uebernimm(ServiceGriffBasis& anderer) noexcept;
     void reiheEin(Liste liste, ServiceGriffBasis*& anfang) noexcept;
     void leere() noexcept;
-    /// The service goes: it is not touched any more.
+    /// Lets go of the service without touching it.
     void verwaise() noexcept;
 
     OrvoPlugin* plugin_ = nullptr;
@@ -64,28 +63,24 @@ private:
 };
 
 /// Holds one service of interface `T`, and gives it back through its extension at its end. Like a `std::unique_ptr`
-/// it moves, does not copy, and may be empty. It saves a client the pair of `holeService` and `release`; both stay
-/// available beside it. `HoleService.h` makes one from one look-up.
+/// it moves, does not copy, and may be empty. `HoleService.h` makes one from one look-up.
 ///
 ///     if (const auto pruefung = holeValidierungsService(UFA_LSTB, Veranlagungszeitraum(2009, "YYYY")))
 ///         pruefung->pruefe(liste, UFA_LSTB, Veranlagungszeitraum(2009, "YYYY"), ergebnis);
 ///
 /// **A handle must end, or be given back, before its plugin is unloaded**: before `OrvoPluginManager::reload`, before
-/// a change of "basis.home_dir", before the end of the process's objects. An observer may still give it back while it
-/// hears `pluginZerstoert`. If a handle outlives its plugin, the library detects it: the handle becomes empty and
-/// orphaned (`istVerwaist`), touches nothing from then on, and the log says so at level error. The service object itself
-/// is lost: its code has left the process. In debug builds (without `NDEBUG`) a use of an empty handle through `->` or
-/// `*` ends the process with a message; in others it is the use of a null pointer.
+/// a change of "basis.home_dir", before the end of the process's objects. An observer may still give it back in
+/// `pluginZerstoert`. If a handle outlives its plugin, the library detects it: the handle becomes empty and orphaned
+/// (`istVerwaist`), and the log says so at level error; the service object is lost. In debug builds (without `NDEBUG`) a
+/// use of an empty handle through `->` or `*` ends the process with a message; in others it is the use of a null pointer.
 ///
-/// A handle also becomes orphaned when its object goes otherwise: deleted at the first release of several (see
-/// `FLAG_SERVICE_LOESCHEN`), or given back past the handle with `OrvoServiceErweiterung::release`.
+/// A handle also becomes orphaned when its object is deleted at the first release of several (`FLAG_SERVICE_LOESCHEN`), or
+/// given back past the handle with `OrvoServiceErweiterung::release`.
 ///
 /// Parameters: `T` is `Service` or derives from it, not virtually.
-/// Errors: empty when there is no extension, when the factory gives nothing (the log says why), and when the object
-/// is not a `T`: then it has been given back at once, so that nothing keeps the plugin's library open, and the log
-/// names the interface at level warning. Throws nothing. A failed opening of the library leaves the plugin's use count
-/// as it was.
-/// Costs: the given operations and a few pointers set; it allocates nothing.
+/// Errors: throws nothing. Empty when there is no extension, when the factory gives nothing (the log says why), and when
+/// the object is not a `T`: then it was given back, and the log names the interface at level warning. A failed opening
+/// of the library leaves the plugin's use count as it was.
 /// Threads: one thread at a time; unloading plugins counts as a use of every handle.
 template <class T>
 class [[nodiscard]] ServiceGriff : public ServiceGriffBasis {
@@ -104,17 +99,14 @@ public:
         }
     }
     ServiceGriff(ServiceGriff&&) noexcept = default;
-    /// Gives back what it held before. Moving a handle onto itself changes nothing.
+    /// Gives back what it held before.
     ServiceGriff& operator=(ServiceGriff&&) noexcept = default;
-    /// Gives the service back.
     ~ServiceGriff() = default;
 
     explicit operator bool() const noexcept { return service_ != nullptr; }
-    /// The service, owned by the plugin or the extension and never by the caller; null in an empty handle. Valid as
-    /// long as the handle holds it, so not of a handle that ends with the expression.
+    /// The service, valid as long as the handle holds it; null in an empty handle.
     T* get() const& noexcept { return static_cast<T*>(service_); }
     T* get() const&& = delete;
-    /// The handle must not be empty.
     T* operator->() const noexcept {
         assert(!istVerwaist() && "ServiceGriff: the service's plugin was unloaded while the handle held it");
         assert(service_ && "ServiceGriff: use of an empty handle");

@@ -13,7 +13,6 @@
 constexpr char kPluginManagerName[] = "orvo.plugin.OrvoPluginManager";
 constexpr char kErweiterungsManagerName[] = "orvo.plugin.OrvoErweiterungsManager";
 
-/// The texts that tell the two apart.
 struct EinzelinstanzTexte {
     const char* name;
     const char* operation; ///< for the traces
@@ -23,11 +22,10 @@ struct EinzelinstanzTexte {
 
 /// The registered object, made by `erzeuge` if there is none. A call that finds it writes nothing that threads share.
 ///
-/// Returns: the object, owned by the `ObjectLifetimeManager`; null while that destroys its objects, and after the
-/// process has begun to end: nothing is made anew then. Null too while the object is being made, for the start-up and
-/// the last code of a library that is opened or closed: no exception may pass through the system's loader.
-/// Errors: `std::logic_error` for everybody else while the object is being made; `std::bad_alloc` and whatever
-/// `erzeuge` throws, with nothing left behind.
+/// Returns: the object, owned by the `ObjectLifetimeManager`; null while or after that destroys its objects. Null too for
+/// the start-up and last code of a library while the object is being made: no exception may pass through the system's
+/// loader.
+/// Errors: `std::logic_error` for other callers while the object is being made; what `erzeuge` throws.
 template <class T, class Erzeuge>
 T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
     using namespace orvo::orvoutil;
@@ -50,7 +48,7 @@ T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
                                    ": wird gerade gestartet und ist noch nicht verfuegbar.");
         log.debug(texte.start);
         const Arbeit arbeit;
-        ObjectLifetimeManager::Platz platz(texte.name); // so that nothing fails once the object is made
+        ObjectLifetimeManager::Platz platz(texte.name); // registering then cannot fail
         instanz = platz.besetze(std::unique_ptr<T>(erzeuge()));
     }
     spur.ende();

@@ -8,10 +8,9 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-/// Whether an exception is under way or being handled, on this thread.
 bool gibtEsAusnahme() noexcept { return std::uncaught_exceptions() > 0 || std::current_exception(); }
 
-/// Whether an address lies in this very library, which outlives every plugin.
+/// Whether an address lies in this library, which outlives every plugin.
 bool istEigenerCode(const void* adresse) {
     Dl_info dort;
     Dl_info hier;
@@ -75,7 +74,7 @@ void Pluginbibliothek::schliesseJetzt(Log log) noexcept {
     const Laufend laufend(Lauf::Lader);
     bool geschlossen = false;
     rufe([&] { geschlossen = bibliothek_ && bibliothek_->unload(); }, [](const char*) {});
-    // No blank behind this colon, unlike the message of a failed load; scripts split the line there.
+    // By contract without a blank behind the colon.
     if (!geschlossen)
         log.warn([&] { return "Konnte Plugin nicht entladen:" + getGrund(); });
 }
@@ -99,7 +98,7 @@ void Pluginbibliothek::schiebeAuf(Log log) noexcept {
     naechste_ = std::exchange(aufgeschobene_, this);
 }
 
-/// Takes the library off the list of those that are to be closed later.
+/// Removes the library from the list of deferred closes.
 void Pluginbibliothek::nimmZurueck() noexcept {
     if (!aufgeschoben_)
         return;

@@ -4,6 +4,7 @@
 #include <orvoplugin/plugin/OrvoPlugin.h>
 #include <orvoutil/Log.h>
 
+#include <algorithm>
 #include <exception>
 #include <memory>
 #include <string>
@@ -22,13 +23,11 @@ class Laufend {
 public:
     explicit Laufend(Lauf lauf) noexcept : anzahl_(anzahlen_[static_cast<int>(lauf)]) { ++anzahl_; }
     Laufend(const Laufend&) = delete;
-    Laufend& operator=(const Laufend&) = delete;
     ~Laufend() { --anzahl_; }
 
     static bool gibtEs(Lauf lauf) noexcept { return anzahlen_[static_cast<int>(lauf)] != 0; }
     static bool gibtEsIrgendeinen() noexcept {
-        return gibtEs(Lauf::Lader) || gibtEs(Lauf::Beschreibung) || gibtEs(Lauf::Aufruf) ||
-               gibtEs(Lauf::Beobachter);
+        return std::ranges::any_of(anzahlen_, [](int anzahl) { return anzahl != 0; });
     }
 
 private:
@@ -40,38 +39,36 @@ private:
 /// The one door to a plugin's code: owns the library, and alone opens, closes, searches and deletes it. Foreign code
 /// runs only through `rufe` or under a `Laufend`.
 ///
-/// A library stays open while an exception is under way or being handled: its class may live there. A close that
-/// falls due meanwhile is put off to the next use, release, load or unload at which there is no exception. (An
-/// `std::exception_ptr` that somebody keeps cannot be seen.)
+/// A library stays open while an exception is under way or being handled: its class may lie there. The close is deferred
+/// to the next use, release, load or unload without an exception. (A kept `std::exception_ptr` cannot be seen.)
 ///
-/// Ownership: owns the library. Let the door go through its `Zeiger`, which puts the end off as well.
+/// Ownership: owns the library. Delete the object through its `Zeiger`, which defers the close as well.
 class Pluginbibliothek {
 public:
     using Zeiger = std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser>;
 
-    /// Takes the library over, whatever happens; null stands for a library that cannot be opened.
+    /// Takes the library over, also on failure; null stands for a library that cannot be opened.
     static Zeiger fuer(orvo::orvoutil::SharedLib* bibliothek);
 
     Pluginbibliothek(const Pluginbibliothek&) = delete;
     Pluginbibliothek& operator=(const Pluginbibliothek&) = delete;
 
     orvo::orvoutil::SharedLib* get() const noexcept { return bibliothek_.get(); }
-    /// The step of loading that is under way, and so the one that failed when loading ends now.
+    /// The current step of loading, which is the one that failed when loading ends now.
     orvo_plugin_ablehnung_t getSchritt() const noexcept { return schritt_; }
     void setzeSchritt(orvo_plugin_ablehnung_t schritt) noexcept { schritt_ = schritt; }
 
-    /// Returns: whether the library is open now; else the reason stands in `getGrund`. Throws what its start-up code
-    /// throws.
+    /// Returns: whether the library is open now; if not, `getGrund` says why. Throws what its start-up code throws.
     bool oeffne();
     std::string getGrund() const;
-    /// Closes the library, or has it closed later; the log, if any, hears of a failure.
+    /// Closes the library, now or deferred. A failure is logged.
     void schliesse(orvo::orvoutil::Log log = {}) noexcept;
     /// Returns: the exported function of that name; null when there is none.
     template <class Funktion>
     Funktion* funktion(const std::string& name) noexcept {
         return reinterpret_cast<Funktion*>(symbol(name));
     }
-    /// Calls an entry point by which the plugin describes itself. Throws what that throws.
+    /// Calls an entry point that describes the plugin. Throws what that throws.
     template <class Ergebnis, class Argument>
     static Ergebnis beschreibt(Ergebnis (*einsprung)(Argument*), Argument* argument) {
         const Laufend laufend(Lauf::Beschreibung);
@@ -80,24 +77,22 @@ public:
     /// Whether the code or data at that address leaves the process with this library.
     bool enthaelt(const void* adresse) const;
 
-    /// Closes what was put off, unless there still is an exception.
+    /// Does the deferred closes, unless there still is an exception.
     static void schliesseAufgeschobene() noexcept {
         if (aufgeschobene_)
             schliesseFaellige();
     }
 
-    /// The text of an exception as it goes to the log; valid as long as the exception lives.
+    /// The text of an exception, as it is logged.
     static const char* grundVon(const std::exception& ausnahme) noexcept {
         const char* const text = ausnahme.what();
         return text ? text : "";
     }
 
-    /// Calls `ruf`, and hands the text of whatever it throws to `melde`. The exception is gone on return.
-    /// Returns: whether `ruf` came back without an exception.
-    template <class Ruf, class Melde>
-    static bool rufe(Ruf&& ruf, Melde&& melde) {
+    /// Calls `ruf`, and hands the text of what it throws to `melde`. Returns: whether it threw nothing.
+    static bool rufe(auto&& ruf, auto&& melde) {
         try {
-            std::forward<Ruf>(ruf)();
+            ruf();
             return true;
         } catch (const std::exception& ausnahme) {
             melde(grundVon(ausnahme));
@@ -124,8 +119,8 @@ private:
 
     std::unique_ptr<orvo::orvoutil::SharedLib> bibliothek_;
     orvo_plugin_ablehnung_t schritt_ = ABLEHNUNG_OEFFNEN;
-    bool aufgeschoben_ = false; ///< in the list of those that are to be closed later
-    bool herrenlos_ = false;    ///< and belongs to that list
-    orvo::orvoutil::Log log_;   ///< for the close that was put off
+    bool aufgeschoben_ = false; ///< in the list of deferred closes
+    bool herrenlos_ = false;    ///< owned by that list
+    orvo::orvoutil::Log log_;   ///< for the deferred close
     Pluginbibliothek* naechste_ = nullptr;
 };

@@ -2,8 +2,7 @@
 
 #include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
 
-/// Defines what the extensions for sub-case types and periods differ in by their names only: the constructors of the
-/// four shapes, the copy, the destructor and `clone`.
+/// Defines the members that the extensions for sub-case types and periods have in common.
 #define ORVO_UA_VZ_ERWEITERUNG(Klasse, typ, factory)                                                         \
     Klasse::Klasse(const Unterfallart& ua, const Veranlagungszeitraum& vz)                                   \
         : OrvoUaVzServiceErweiterung(typ, ua, vz, factory) {}                                                \
