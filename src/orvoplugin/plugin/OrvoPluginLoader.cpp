@@ -21,8 +21,8 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     Pluginbibliothek::Zeiger bibliothek = Pluginbibliothek::fuer(uebergeben);
     Pluginbibliothek& tuer = *bibliothek;
     std::unique_ptr<OrvoPluginV1> plugin; // owns the library once it is made
-    const auto lehneAb = [&](orvo_plugin_ablehnung_t schritt, orvo_plugin_loader_exception_typ_t typ,
-                             const std::string& grund) {
+    const auto scheitere = [&](orvo_plugin_ablehnung_t schritt, orvo_plugin_loader_exception_typ_t typ,
+                               const std::string& grund) {
         schritt_ = schritt;
         plugin.reset();
         bibliothek.reset();
@@ -32,22 +32,22 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     const Spur spur(log, "loadPlugin()");
 
     if (!tuer.oeffne())
-        lehneAb(tuer.getSchritt(), BIBLIOTHEK_FEHLER, tuer.getGrund());
+        scheitere(tuer.getSchritt(), BIBLIOTHEK_FEHLER, tuer.getGrund());
     using Typen = std::list<orvo_plugin_version_t>;
     auto* const nenneTypen = tuer.funktion<void(Typen*)>("orvo_plugin_get_types");
     if (!nenneTypen)
-        lehneAb(ABLEHNUNG_OHNE_TYPEN, STRUKTUR_FEHLER,
-                "Einsprungpunkt(orvo_plugin_get_types) in Bibliothek nicht gefunden.");
+        scheitere(ABLEHNUNG_OHNE_TYPEN, STRUKTUR_FEHLER,
+                  "Einsprungpunkt(orvo_plugin_get_types) in Bibliothek nicht gefunden.");
 
     Typen typen;
     schritt_ = ABLEHNUNG_AUSNAHME_TYPEN;
     tuer.beschreibt(nenneTypen, &typen);
     if (typen.empty())
-        lehneAb(ABLEHNUNG_LEERE_TYPEN, STRUKTUR_FEHLER,
-                "Einsprungpunkt(orvo_plugin_get_types) nennt keine Pluginversion.");
+        scheitere(ABLEHNUNG_LEERE_TYPEN, STRUKTUR_FEHLER,
+                  "Einsprungpunkt(orvo_plugin_get_types) nennt keine Pluginversion.");
     for (const orvo_plugin_version_t& version : typen) {
         if (version.type != OrvoPluginV1::SCHNITTSTELLE)
-            lehneAb(ABLEHNUNG_PLUGINVERSION, UNGUELTIGE_PLUGIN_VERSION, kUngueltigeVersion);
+            scheitere(ABLEHNUNG_PLUGINVERSION, UNGUELTIGE_PLUGIN_VERSION, kUngueltigeVersion);
         plugin.reset(plugin ? new OrvoPluginV1(std::move(plugin)) : new OrvoPluginV1(std::move(bibliothek)));
         try {
             plugin->initialize();
