@@ -75,6 +75,10 @@ protected:
     Zeilen warnungen() const;
     static std::string ablehnung(const std::string& grund);
 
+    /// Two loading runs, the second one without a restart, end so.
+    void erwarteAusgang(bool erfolg, const Zeilen& plugins, const Zeilen& ablehnungen,
+                        const Zeilen& warnungen);
+
     /// Runs a function in a child process, optionally as another user; its failures become this test's.
     enum class Benutzer { DERSELBE, NIEMAND };
     void imKindprozess(const std::function<void()>& was, Benutzer benutzer = Benutzer::DERSELBE);
@@ -88,8 +92,5 @@ protected:
     OrvoPluginManager* manager = nullptr;
 
 private:
-    void erwarteAusgang(bool erfolg, const Zeilen& plugins, const Zeilen& ablehnungen,
-                        const Zeilen& warnungen);
-
     int deskriptoren_; // open before anything was loaded
 };
