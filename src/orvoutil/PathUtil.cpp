@@ -32,7 +32,6 @@ std::string normalisiere(const std::filesystem::path& pfad) {
     return ergebnis.empty() ? "." : ergebnis;
 }
 
-/// What follows the last slash.
 std::string_view letzterTeil(std::string_view pfad) { return pfad.substr(pfad.rfind('/') + 1); }
 
 } // namespace

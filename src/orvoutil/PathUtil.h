@@ -17,6 +17,7 @@ ORVOUTIL_API std::string concatPath(std::string_view a, std::string_view b);
 /// trailing slashes. It stays relative when the current directory is gone.
 ORVOUTIL_API std::string getAbsolutePath(std::string_view pfad);
 
+/// The full name of a file in a directory.
 ORVOUTIL_API std::string getFullFilename(std::string_view verzeichnis, std::string_view name);
 
 /// Splits a file's full name at the last slash and then at the last dot.

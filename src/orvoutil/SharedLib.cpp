@@ -117,7 +117,6 @@ SharedLib::~SharedLib() {
 }
 
 const std::string& SharedLib::getName() const { return name_; }
-
 bool SharedLib::isLoaded() const { return griff_ != nullptr; }
 
 bool SharedLib::load() {

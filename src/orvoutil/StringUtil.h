@@ -40,6 +40,7 @@ private:
 
 /// The number in decimal.
 constexpr std::string int2String(int zahl) { return std::string(Ziffernfolge(zahl).text()); }
+/// The number in decimal.
 ORVOUTIL_API std::string long2String(long zahl);
 
 /// The number that the whole text is: digits, with an optional sign. None for any other text, and for a number that does
@@ -71,10 +72,13 @@ constexpr bool isNumeric(std::string_view text) noexcept {
 /// The text, padded with zeros on its left to that many bytes; never cut.
 ORVOUTIL_API std::string formatNumeric(std::string_view text, std::size_t breite);
 
+/// The text in lower case.
 ORVOUTIL_API std::string tolower(std::string_view text);
+/// The letter in lower case; any other character as it is.
 constexpr char tolower(char c) noexcept {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
+/// Whether the text ends so, letter case included.
 ORVOUTIL_API bool endsWith(std::string_view text, std::string_view ende) noexcept;
 /// Compares bytewise, ignoring letter case. Returns: -1, 0 or 1.
 constexpr int compareIgnoreCase(std::string_view a, std::string_view b) noexcept {

@@ -11,6 +11,7 @@ namespace orvo::exception {
 /// Says why a text is not a period under the pattern given. The error code is always `FEHLERCODE`.
 class ORVOPLUGIN_API InvalidFormatException : public OrvoException {
 public:
+    /// The error code.
     enum : std::int32_t { FEHLERCODE = 610001002 };
 
     explicit InvalidFormatException(const std::string& text);

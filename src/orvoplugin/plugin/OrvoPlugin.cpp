@@ -67,7 +67,6 @@ void OrvoPlugin::setStatus(const orvo_plugin_status_t& status) {
 }
 
 void OrvoPlugin::setOnLoadFuncName(const std::string& name) { onLoadFuncName_ = name; }
-
 void OrvoPlugin::setOnUnloadFuncName(const std::string& name) { onUnloadFuncName_ = name; }
 
 std::string OrvoPlugin::toString() const {

@@ -220,7 +220,6 @@ bool OrvoPluginManager::wirdGeladen(const std::string& pfad) const {
     return false;
 }
 
-/// Returns: false.
 bool OrvoPluginManager::lehneAb(const char* auftrag) const {
     log_.warn([&] {
         return std::string("Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ") + auftrag;
@@ -299,9 +298,8 @@ bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::str
 }
 
 bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
-    return std::any_of(std::begin(kSperrliste), std::end(kSperrliste), [&](std::string_view gesperrt) {
-        return compareIgnoreCase(dateiname, gesperrt) == 0;
-    });
+    return std::ranges::any_of(
+        kSperrliste, [&](std::string_view gesperrt) { return compareIgnoreCase(dateiname, gesperrt) == 0; });
 }
 
 bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {
@@ -357,7 +355,6 @@ LadeBeobachter* OrvoPluginManager::setLadeBeobachter(LadeBeobachter* beobachter)
 }
 
 void OrvoPluginManager::addObserver(PluginObserver* observer) { observers_.anhaengen(observer); }
-
 void OrvoPluginManager::removeObserver(PluginObserver* observer) { observers_.entfernen(observer); }
 
 void OrvoPluginManager::notifyLoad(OrvoPlugin* plugin) {

@@ -8,6 +8,7 @@
 /// What a check reports: messages in the order in which they were found.
 class ORVOPLUGIN_API PruefErgebnis {
 public:
+    /// One message.
     struct Meldung {
         int code = 0;     ///< what is wrong, in the numbers of the check service
         std::string feld; ///< the field at fault, empty when it is the record as a whole

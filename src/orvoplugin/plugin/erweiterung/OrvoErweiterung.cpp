@@ -28,7 +28,6 @@ OrvoErweiterung::OrvoErweiterung(const OrvoErweiterung&) = default;
 OrvoErweiterung::~OrvoErweiterung() { plugin_ = nullptr; }
 
 void OrvoErweiterung::setzeFlag(orvo_erweiterung_flag_t flag, bool wert) { flags_[flagIndex(flag)] = wert; }
-
 bool OrvoErweiterung::istFlagGesetzt(orvo_erweiterung_flag_t flag) const { return flags_[flagIndex(flag)]; }
 
 void OrvoErweiterung::addAbhaengigkeit(const Abhaengigkeit& abhaengigkeit) {

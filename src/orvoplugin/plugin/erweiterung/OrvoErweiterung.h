@@ -23,6 +23,7 @@ enum tag_erweiterung_typ : std::int32_t {
 
 /// Name of the kind, as log lines, print-outs and the registry's hash use it.
 ORVOPLUGIN_API const char* erweiterungTypName(tag_erweiterung_typ typ);
+/// Writes the name of the kind.
 ORVOPLUGIN_API std::ostream& operator<<(std::ostream& out, const tag_erweiterung_typ& typ);
 
 /// Flags of an extension. Only the first one has an effect.
