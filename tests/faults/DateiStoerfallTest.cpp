@@ -195,8 +195,8 @@ TEST_F(DateiStoerfall, AnUnreadablePluginDirectoryHasNoPlugins) {
         [&] {
             EXPECT_TRUE(starte());
             EXPECT_EQ(geladene(), Zeilen{});
-            EXPECT_EQ(warnungen(), Zeilen{"W Verzeichnis nicht lesbar: " + home.pfad("plugins") +
-                                          ": Permission denied"});
+            EXPECT_EQ(warnungen(),
+                      Zeilen{"W Verzeichnis nicht lesbar: " + home.pfad("plugins") + ": Permission denied"});
         },
         Benutzer::NIEMAND);
     fs::permissions(home.pfad("plugins"), fs::perms::all);
@@ -209,9 +209,8 @@ TEST_F(DateiStoerfall, AnUnreadableSubdirectoryIsReportedAndCostsNothingElse) {
     fs::permissions(plugin("geheim"), fs::perms::none);
     imKindprozess(
         [&] {
-            erwarteAusgang(
-                true, {"libaaa.dylib", "libzzz.dylib"}, {},
-                {"W Verzeichnis nicht lesbar: " + plugin("geheim") + ": Permission denied"});
+            erwarteAusgang(true, {"libaaa.dylib", "libzzz.dylib"}, {},
+                           {"W Verzeichnis nicht lesbar: " + plugin("geheim") + ": Permission denied"});
         },
         Benutzer::NIEMAND);
     fs::permissions(plugin("geheim"), fs::perms::all);

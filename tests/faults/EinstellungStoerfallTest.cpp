@@ -54,12 +54,13 @@ protected:
         EXPECT_EQ(manager->getPluginSuchPfad(), suchpfad);
         EXPECT_EQ(log.anzahl("[OrvoPluginManager|99|Suche Plugins im Verzeichnis: " + suchpfad + "|99]"), 1);
         EXPECT_EQ(geladene(), Zeilen{});
-        EXPECT_EQ(warnungen(),
-                  grund.empty() ? Zeilen{}
-                                : Zeilen{"W Verzeichnis nicht lesbar: " + suchpfad + ": " + grund});
+        EXPECT_EQ(warnungen(), grund.empty()
+                                   ? Zeilen{}
+                                   : Zeilen{"W Verzeichnis nicht lesbar: " + suchpfad + ": " + grund});
         EXPECT_EQ(finde(kVorher), nullptr);
         erwarteSpurlos();
 
+        log.leere();
         Einstellungen().setze("basis.home_dir", home.pfad()); // the next change works again
         erwarteHeilesHeim(home.pfad());
     }
