@@ -1,4 +1,5 @@
 #include "Zaehler.h"
+#include "support/Sanitizer.h"
 
 #include <dirent.h>
 #include <dlfcn.h>
@@ -48,7 +49,7 @@ void operator delete[](void* speicher) noexcept { std::free(speicher); }
 void operator delete(void* speicher, std::size_t) noexcept { std::free(speicher); }
 void operator delete[](void* speicher, std::size_t) noexcept { std::free(speicher); }
 
-#if defined(__SANITIZE_ADDRESS__) || !defined(__GLIBC__)
+#if defined(ORVO_ADDRESS_SANITIZER) || !defined(__GLIBC__)
 
 bool Zaehler::zaehltLader() { return false; }
 

@@ -3,6 +3,7 @@
 #include "Heim.h"
 
 #include "TestPlugins.h"
+#include "support/Sanitizer.h"
 
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
@@ -342,7 +343,7 @@ TEST(Befehle, WhatPluginsPrintDoesNotSpoilTheResults) {
 
 namespace {
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ORVO_ADDRESS_SANITIZER
 constexpr int kViele = 10000; // it takes its time
 #else
 constexpr int kViele = 100000;

@@ -8,6 +8,7 @@
 
 #include "TestPlugins.h"
 #include "support/Prozess.h"
+#include "support/Sanitizer.h"
 
 #include <gmock/gmock.h>
 
@@ -94,7 +95,7 @@ TEST_F(Untaten, AHangIsARowAndEndsAfterTheTimeLimit) {
 }
 
 TEST_F(Untaten, AThreadLeftBehindIsLaidToThePluginThatStartedIt) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ORVO_ADDRESS_SANITIZER
     GTEST_SKIP() << "the sanitizer writes its report for so long that the process is done before it ends";
 #endif
     heim_.lege(test_plugins::DoesHarm, "libn.dylib", "tu initialize schlafe 300\n"); // it crashes meanwhile
@@ -128,7 +129,7 @@ TEST_F(Untaten, WhatTheCallerHasOpenIsOutOfTheirReach) {
 }
 
 TEST_F(Untaten, WithoutADescriptorLeftEveryRowIsThereAllTheSame) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef ORVO_ADDRESS_SANITIZER
     GTEST_SKIP() << "the sanitizer opens a pipe whenever it looks at an object's type";
 #endif
     heim_.verzeichnis.schreibe("plugins/anders.txt", "");

@@ -4,6 +4,7 @@
 #include "Lauf.h"
 
 #include "TestPlugins.h"
+#include "support/Sanitizer.h"
 
 #include <gmock/gmock.h>
 
@@ -268,7 +269,7 @@ TEST(CheckBefehl, TextAndJsonOfADirectoryStandAsTheyAre) {
               "e");
     heim.verzeichnis.schreibe("plugins/libtext.dylib", "no library");
     // A sanitizer handles memory and crashes differently.
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(ORVO_ADDRESS_SANITIZER)
     const std::vector<std::string> alle{"check", "--skip", "memory"};
     const std::vector<std::string> wenige{"check", "--only", "describes,no-output"};
     EXPECT_EQ(vergleicheMitMuster("check.txt", heim.rufe(alle).ausgabe), "");

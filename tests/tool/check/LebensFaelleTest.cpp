@@ -5,6 +5,7 @@
 #include "Lauf.h"
 
 #include "TestPlugins.h"
+#include "support/Sanitizer.h"
 
 #include <gmock/gmock.h>
 
@@ -16,7 +17,7 @@ using namespace testing;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ORVO_ADDRESS_SANITIZER)
 constexpr bool kMitSanitizer = true;
 #else
 constexpr bool kMitSanitizer = false;
