@@ -1,18 +1,14 @@
-// Look-ups, each with its floor: a hash map of the standard library with the same keys, equality and hash values,
-// queried with a prepared key. Floor and product of a pair have the same name, followed by "/floor" and "/product".
+// Look-ups and the filing of extensions, each with its floor: a hash map of the standard library with the same keys,
+// equality and hash. Floor and product of a pair have the same name, followed by "/floor" and "/product".
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Einstellungen.h>
-#include <orvoutil/LogSink.h>
-#include <orvoutil/Logger.h>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <charconv>
-#include <memory>
 #include <random>
 #include <string>
 #include <unordered_map>
@@ -20,9 +16,8 @@
 
 namespace {
 
-using orvo::orvoutil::Logger;
-using orvo::orvoutil::LogLevel;
 using Check = OrvoValidierungsServiceErweiterung;
+using Boden = std::unordered_map<ErweiterungsSchluessel, OrvoErweiterung*, ErweiterungsSchluessel>;
 
 constexpr tag_erweiterung_typ kCheck = ORVO_CHECK_SERVICE_ERWEITERUNG;
 constexpr int kErstesJahr = 2008;
@@ -30,32 +25,58 @@ constexpr int kJahre = 3;
 
 Veranlagungszeitraum jahr(int zahl) { return {zahl, "YYYY"}; }
 
-/// The hash of a key's whole text, "kind#number#year", each time.
-struct VollerText {
-    std::size_t operator()(const ErweiterungsSchluessel& s) const {
-        std::uint32_t h = 0;
-        const auto nimm = [&h](std::string_view text) {
-            for (const char c : text)
-                h ^= static_cast<std::uint32_t>(static_cast<signed char>(c)) + 0x9E3779B9u + (h << 6) +
-                     (h >> 2);
-        };
-        const auto nimmZahl = [&nimm](std::int32_t zahl) {
-            char ziffern[11];
-            const auto ende = std::to_chars(std::begin(ziffern), std::end(ziffern), zahl).ptr;
-            nimm({ziffern, static_cast<std::size_t>(ende - ziffern)});
-        };
-        nimm(erweiterungTypName(s.getTyp()));
-        nimm("#");
-        nimmZahl(s.getUnterfallart().getNummer());
-        nimm("#");
-        nimmZahl(s.getVeranlagungszeitraum().getJahr());
-        return h;
+/// A plugin with a check service for each of its sub-case types, which have `jahre` keys each.
+class Angebot {
+public:
+    Angebot(const std::vector<Unterfallart>& uas, int jahre) {
+        plugin_.setProduktVersion("1.0");
+        std::list<Veranlagungszeitraum> vzs;
+        for (int i = 0; i < jahre; ++i)
+            vzs.push_back(jahr(kErstesJahr + i));
+        for (const Unterfallart& ua : uas)
+            plugin_.addErweiterung(Check(ua, vzs));
     }
+
+    void registriere() { registry().pluginErzeugt(&plugin_); }
+    void entferne() { registry().pluginZerstoert(&plugin_); }
+
+    /// The same for the floor.
+    Boden trageEin() const {
+        Boden boden;
+        for (OrvoErweiterung* const e : plugin_.listeErweiterungen())
+            for (const auto& [ua, vzs] :
+                 static_cast<const Check*>(e)->getVeranlagungszeitraumUnterfallartMap())
+                for (const Veranlagungszeitraum& vz : vzs)
+                    boden.emplace(ErweiterungsSchluessel(kCheck, ua, vz), e);
+        return boden;
+    }
+
+private:
+    /// The process's registry, without plugins from files.
+    static OrvoErweiterungsManager& registry() {
+        orvo::orvoutil::Einstellungen().setze("basis.home_dir", "/nonexistent");
+        return *OrvoErweiterungsManager::getInstanz();
+    }
+
+    OrvoPluginV1 plugin_{nullptr};
 };
 
-using Bodensatz = std::unordered_map<ErweiterungsSchluessel, OrvoErweiterung*, VollerText>;
+std::vector<Unterfallart> nummern(std::int64_t anzahl) {
+    std::vector<Unterfallart> uas;
+    for (int i = 0; i < anzahl; ++i)
+        uas.emplace_back(1000 + i);
+    return uas;
+}
 
-/// The queries; the floor's keys are prepared.
+/// Sub-case types that are known by name only: by contract all have one hash.
+std::vector<Unterfallart> namen(std::int64_t anzahl) {
+    std::vector<Unterfallart> uas;
+    for (int i = 0; i < anzahl; ++i)
+        uas.emplace_back(("Anmeldung_" + std::to_string(1000 + i)).c_str());
+    return uas;
+}
+
+/// A query; the floor's keys are prepared.
 struct Frage {
     Frage(const Unterfallart& u, const Veranlagungszeitraum& v)
         : ua(u), vz(v), schluessel(kCheck, ua, vz), unabhaengig(kCheck, ua, Veranlagungszeitraum()) {}
@@ -66,42 +87,14 @@ struct Frage {
     ErweiterungsSchluessel unabhaengig;
 };
 
-/// A registry and a floor with the same entries.
-class Bestand {
-public:
-    Bestand() { plugin_.setProduktVersion("1.0"); }
-    Bestand(const Bestand&) = delete;
-    Bestand& operator=(const Bestand&) = delete;
-    ~Bestand() { registry_.pluginZerstoert(&plugin_); }
-
-    /// Files a check service for a sub-case type and some years.
-    void biete(const Unterfallart& ua, int jahre) {
-        std::list<Veranlagungszeitraum> vzs;
+std::vector<Frage> fragen(const std::vector<Unterfallart>& uas, int erstesJahr, int jahre) {
+    std::vector<Frage> fragen;
+    for (const Unterfallart& ua : uas)
         for (int i = 0; i < jahre; ++i)
-            vzs.push_back(jahr(kErstesJahr + i));
-        plugin_.addErweiterung(Check(ua, vzs));
-    }
-
-    /// Call once, after the last offer.
-    void melde() {
-        registry_.pluginErzeugt(&plugin_);
-        for (OrvoErweiterung* const e : plugin_.listeErweiterungen())
-            for (const auto& [ua, vzs] :
-                 static_cast<const Check*>(e)->getVeranlagungszeitraumUnterfallartMap())
-                for (const Veranlagungszeitraum& vz : vzs)
-                    boden_.emplace(ErweiterungsSchluessel(kCheck, ua, vz), e);
-    }
-
-    const OrvoErweiterungsManager& registry() const { return registry_; }
-    const Bodensatz& boden() const { return boden_; }
-
-private:
-    OrvoPluginV1 plugin_{nullptr};
-    OrvoErweiterungsManager registry_;
-    Bodensatz boden_;
-};
-
-void mische(std::vector<Frage>& fragen) { std::shuffle(fragen.begin(), fragen.end(), std::mt19937(42)); }
+            fragen.emplace_back(ua, jahr(erstesJahr + i));
+    std::shuffle(fragen.begin(), fragen.end(), std::mt19937(42));
+    return fragen;
+}
 
 /// Repeats the queries.
 template <class Antworte>
@@ -113,132 +106,80 @@ void frage(benchmark::State& lauf, const std::vector<Frage>& fragen, Antworte&& 
     }
 }
 
+using Ablauf = void (*)(benchmark::State&, Angebot&, const std::vector<Frage>&);
+
 /// The floor: the key, then the period-independent one.
-void frageBoden(benchmark::State& lauf, const Bestand& bestand, const std::vector<Frage>& fragen) {
+void frageBoden(benchmark::State& lauf, Angebot& angebot, const std::vector<Frage>& fragen) {
+    const Boden boden = angebot.trageEin();
     frage(lauf, fragen, [&](const Frage& f) -> OrvoErweiterung* {
-        auto gefunden = bestand.boden().find(f.schluessel);
-        if (gefunden == bestand.boden().end())
-            gefunden = bestand.boden().find(f.unabhaengig);
-        return gefunden == bestand.boden().end() ? nullptr : gefunden->second;
+        auto gefunden = boden.find(f.schluessel);
+        if (gefunden == boden.end())
+            gefunden = boden.find(f.unabhaengig);
+        return gefunden == boden.end() ? nullptr : gefunden->second;
     });
 }
 
-void frageProdukt(benchmark::State& lauf, const Bestand& bestand, const std::vector<Frage>& fragen) {
-    frage(lauf, fragen,
-          [&](const Frage& f) { return bestand.registry().findeValidierungsServiceErweiterung(f.ua, f.vz); });
+void frageProdukt(benchmark::State& lauf, Angebot& angebot, const std::vector<Frage>& fragen) {
+    angebot.registriere();
+    frage(lauf, fragen, [&](const Frage& f) {
+        return OrvoErweiterungsManager::getInstanz()->findeValidierungsServiceErweiterung(f.ua, f.vz);
+    });
+    angebot.entferne();
 }
-
-using Ablauf = void (*)(benchmark::State&, const Bestand&, const std::vector<Frage>&);
-
-/// `anzahl` keys, a third as many sub-case types known by number.
-class Nummern : public Bestand {
-public:
-    explicit Nummern(std::int64_t anzahl) {
-        for (int i = 0; i < anzahl / kJahre; ++i)
-            biete(1000 + i, kJahre);
-        melde();
-        for (int i = 0; i < anzahl; ++i) {
-            treffer.emplace_back(1000 + i / kJahre, jahr(kErstesJahr + i % kJahre));
-            fehlgriffe.emplace_back(1000 + i / kJahre, jahr(kErstesJahr + kJahre + i % kJahre));
-        }
-        mische(treffer);
-        mische(fehlgriffe);
-    }
-
-    std::vector<Frage> treffer;
-    std::vector<Frage> fehlgriffe;
-};
 
 void hit(benchmark::State& lauf, Ablauf ablauf) {
-    const Nummern nummern(lauf.range(0));
-    ablauf(lauf, nummern, nummern.treffer);
+    const auto uas = nummern(lauf.range(0) / kJahre);
+    Angebot angebot(uas, kJahre);
+    ablauf(lauf, angebot, fragen(uas, kErstesJahr, kJahre));
 }
 void miss(benchmark::State& lauf, Ablauf ablauf) {
-    const Nummern nummern(lauf.range(0));
-    ablauf(lauf, nummern, nummern.fehlgriffe);
+    const auto uas = nummern(lauf.range(0) / kJahre);
+    Angebot angebot(uas, kJahre);
+    ablauf(lauf, angebot, fragen(uas, kErstesJahr + kJahre, kJahre));
 }
-BENCHMARK_CAPTURE(hit, floor, frageBoden)->Name("lookup/hit/floor")->Arg(30)->Arg(300)->Arg(3000);
-BENCHMARK_CAPTURE(hit, product, frageProdukt)->Name("lookup/hit/product")->Arg(30)->Arg(300)->Arg(3000);
-BENCHMARK_CAPTURE(miss, floor, frageBoden)->Name("lookup/miss/floor")->Arg(30)->Arg(300)->Arg(3000);
-BENCHMARK_CAPTURE(miss, product, frageProdukt)->Name("lookup/miss/product")->Arg(30)->Arg(300)->Arg(3000);
-
-/// A sink that ignores all entries.
-class StummeSenke : public orvo::orvoutil::LogSink {
-    void write(const orvo::orvoutil::LogEntry&) override {}
-};
-
-/// Compares no sink with a sink at that level, installed before the registry is made. Only at debug level does a
-/// look-up write anything: two traces.
-void hitMitSenke(benchmark::State& lauf, LogLevel stufe) {
-    Logger::setSink(std::make_shared<StummeSenke>());
-    Logger::setLevel(stufe);
-    hit(lauf, frageProdukt);
-    Logger::setSink(nullptr);
-}
-BENCHMARK_CAPTURE(hit, ohneSenke, frageProdukt)->Name("lookup/hit_sink_info/floor")->Arg(300);
-BENCHMARK_CAPTURE(hitMitSenke, info, LogLevel::Info)->Name("lookup/hit_sink_info/product")->Arg(300);
-BENCHMARK_CAPTURE(hit, ohneSenke, frageProdukt)->Name("lookup/hit_sink_debug/floor")->Arg(300);
-BENCHMARK_CAPTURE(hitMitSenke, debug, LogLevel::Debug)->Name("lookup/hit_sink_debug/product")->Arg(300);
-
-/// Sub-case types of one year that are known by name only: one hash for all of them.
-class Namen : public Bestand {
-public:
-    explicit Namen(std::int64_t anzahl) {
-        static constexpr const char* kUebliche[] = {"AntraegeRechteLoeschen",
-                                                    "LSTB",
-                                                    "ProtokollAnforderung",
-                                                    "Kontoabfrage",
-                                                    "Registrierung",
-                                                    "AntraegeUndRechte",
-                                                    "KapEStA",
-                                                    "KapEStInvStG",
-                                                    "Bilanz_5_0",
-                                                    "Bilanz_5_1",
-                                                    "ZMDO",
-                                                    "TalvorErklaerungDaten",
-                                                    "TalvorFTDaten",
-                                                    "TalvorLohn2Daten",
-                                                    "DUeAnmelden",
-                                                    "DUeAbmelden",
-                                                    "DUeUmmelden",
-                                                    "Lohnersatzleistung",
-                                                    "Zuwendungsbestaetigung"};
-        for (std::int64_t i = 0; i < anzahl; ++i) {
-            const std::string name =
-                i < std::ssize(kUebliche) ? kUebliche[i] : "Anmeldung_" + std::to_string(100 + i);
-            biete(name.c_str(), 1);
-            treffer.emplace_back(name.c_str(), jahr(kErstesJahr));
-        }
-        melde();
-        mische(treffer);
-    }
-
-    std::vector<Frage> treffer;
-};
-
-char klein(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-/// The floor for names: a linear search that compares the length, and then the text without regard to case.
-void frageKette(benchmark::State& lauf, const Bestand& bestand, const std::vector<Frage>& fragen) {
-    std::vector<std::pair<std::string, OrvoErweiterung*>> kette;
-    for (const auto& [schluessel, erweiterung] : bestand.boden())
-        kette.emplace_back(schluessel.getUnterfallart().getName(), erweiterung);
-    frage(lauf, fragen, [&](const Frage& f) -> OrvoErweiterung* {
-        const std::string& gesucht = f.ua.getName();
-        for (const auto& [name, erweiterung] : kette)
-            if (name.size() == gesucht.size() &&
-                std::equal(name.begin(), name.end(), gesucht.begin(),
-                           [](char a, char b) { return klein(a) == klein(b); }))
-                return erweiterung;
-        return nullptr;
-    });
-}
-
 void names(benchmark::State& lauf, Ablauf ablauf) {
-    const Namen namen(lauf.range(0));
-    ablauf(lauf, namen, namen.treffer);
+    const auto uas = namen(lauf.range(0));
+    Angebot angebot(uas, 1);
+    ablauf(lauf, angebot, fragen(uas, kErstesJahr, 1));
 }
-BENCHMARK_CAPTURE(names, floor, frageKette)->Name("lookup/names/floor")->Arg(1)->Arg(19)->Arg(50);
-BENCHMARK_CAPTURE(names, product, frageProdukt)->Name("lookup/names/product")->Arg(1)->Arg(19)->Arg(50);
+BENCHMARK_CAPTURE(hit, floor, frageBoden)->Name("lookup/hit/floor")->Arg(300)->Arg(3000);
+BENCHMARK_CAPTURE(hit, product, frageProdukt)->Name("lookup/hit/product")->Arg(300)->Arg(3000);
+BENCHMARK_CAPTURE(miss, floor, frageBoden)->Name("lookup/miss/floor")->Arg(300);
+BENCHMARK_CAPTURE(miss, product, frageProdukt)->Name("lookup/miss/product")->Arg(300);
+BENCHMARK_CAPTURE(names, floor, frageBoden)->Name("lookup/names/floor")->Arg(19);
+BENCHMARK_CAPTURE(names, product, frageProdukt)->Name("lookup/names/product")->Arg(19);
+
+void fileFloor(benchmark::State& lauf, const Angebot& angebot) {
+    for (auto _ : lauf) {
+        Boden boden = angebot.trageEin();
+        benchmark::DoNotOptimize(boden);
+        lauf.PauseTiming(); // not the removal
+        boden.clear();
+        lauf.ResumeTiming();
+    }
+}
+void fileProduct(benchmark::State& lauf, Angebot& angebot) {
+    for (auto _ : lauf) {
+        angebot.registriere();
+        lauf.PauseTiming();
+        angebot.entferne();
+        lauf.ResumeTiming();
+    }
+}
+
+template <class Trage>
+void fileKeys(benchmark::State& lauf, Trage trage) {
+    Angebot angebot(nummern(lauf.range(0) / kJahre), kJahre);
+    trage(lauf, angebot);
+}
+template <class Trage>
+void fileNames(benchmark::State& lauf, Trage trage) {
+    Angebot angebot(namen(lauf.range(0)), 1);
+    trage(lauf, angebot);
+}
+BENCHMARK_CAPTURE(fileKeys, floor, fileFloor)->Name("file/keys/floor")->Arg(1000)->Arg(100'000);
+BENCHMARK_CAPTURE(fileKeys, product, fileProduct)->Name("file/keys/product")->Arg(1000)->Arg(100'000);
+BENCHMARK_CAPTURE(fileNames, floor, fileFloor)->Name("file/names/floor")->Arg(1000)->Arg(8000);
+BENCHMARK_CAPTURE(fileNames, product, fileProduct)->Name("file/names/product")->Arg(1000)->Arg(8000);
 
 } // namespace
