@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
@@ -111,7 +112,8 @@ double systemaufrufe(const Befehl& befehl) {
 }
 
 double instruktionen(const Befehl& befehl) {
-    const std::string protokoll = "/tmp/orvo-bench-callgrind-" + std::to_string(getpid());
+    const std::string protokoll =
+        std::filesystem::temp_directory_path() / ("orvo-bench-callgrind-" + std::to_string(getpid()));
     Befehl mitValgrind{"/usr/bin/env", "valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
                        "--log-file=" + protokoll};
     mitValgrind.insert(mitValgrind.end(), befehl.begin(), befehl.end());

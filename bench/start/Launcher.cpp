@@ -1,24 +1,22 @@
-// Runs floor and product in turn and prints a table in the form of docs/benchmarks.md.
+// Runs floor and product in turn, and prints the tables of docs/benchmarks.md.
 //
-//     orvo_bench_start [--quick] [<results of orvo_bench as JSON>...]
+//     orvo_bench_start [--quick] <directory for plugins> <results of orvo_bench as JSON>
 
+#include "Heime.h"
 #include "Lauf.h"
-#include "Nummer.h"
 #include "Vergleich.h"
 
 #include <nlohmann/json.hpp>
 
 #include <sys/utsname.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -27,50 +25,55 @@
 
 namespace {
 
-namespace fs = std::filesystem;
+using namespace std::literals;
 
-constexpr int kAnzahlen[] = {1, 10, 100, 500};
 constexpr double kMikro = 1000; // nanoseconds
 
-std::string inhaltVon(const fs::path& datei) {
-    std::ifstream strom(datei, std::ios::binary);
-    return {std::istreambuf_iterator<char>(strom), {}};
+constexpr int kWenige[] = {10, 100};
+constexpr int kViele[] = {0, 1, 10, 100, 500, 5000};
+constexpr Sorte kSorten[] = {
+    {"18 KB", PLUGIN_18_KB, kViele}, {"60 KB", PLUGIN_60_KB, kWenige}, {"4 MB", PLUGIN_4_MB, kWenige}};
+constexpr const Sorte& kKlein = kSorten[0];
+
+/// The start-ups that are measured, with their targets.
+constexpr struct {
+    const Sorte& sorte;
+    int plugins;
+    const char *ziel, *zielKalt;
+} kStarts[] = {{kSorten[0], 1, "", ""},           {kSorten[0], 10, "", ""},
+               {kSorten[0], 100, "1.15", ""},     {kSorten[0], 500, "1.15", ""},
+               {kSorten[0], 5000, "", nullptr}, // in memory only
+               {kSorten[1], 100, "1.12", "0.60"}, {kSorten[2], 100, "1.05", "0.75"}};
+
+Vergleich einmal(double boden, double produkt) { return {boden, produkt, produkt / boden}; }
+
+std::string mitKomma(int n) {
+    std::string ziffern = std::to_string(n);
+    return ziffern.size() > 3 ? ziffern.insert(ziffern.size() - 3, ",") : ziffern;
 }
 
-/// Home directories with that many plugins, removed at the end.
-class Heime {
-public:
-    Heime() : pfad_(fs::temp_directory_path() / ("orvo-bench-" + std::to_string(getpid()))) {
-        fs::create_directories(fs::path(mit(0)) / "plugins");
-        const std::string plugin = inhaltVon(PLUGIN);
-        const std::size_t nummer = plugin.find(ORVO_BENCH_MARKE ORVO_BENCH_NUMMER);
-        if (nummer == std::string::npos)
-            throw std::runtime_error("no number in " PLUGIN);
-        for (const int anzahl : kAnzahlen)
-            lege(anzahl, plugin, nummer + sizeof(ORVO_BENCH_MARKE) - 1);
-    }
-    Heime(const Heime&) = delete;
-    Heime& operator=(const Heime&) = delete;
-    ~Heime() {
-        std::error_code fehler;
-        fs::remove_all(pfad_, fehler);
-    }
+std::string anzahl(const Sorte& sorte, int n) {
+    return std::string(sorte.groesse) + ", " + mitKomma(n) + (n == 1 ? " plugin" : " plugins");
+}
 
-    std::string mit(int anzahl) const { return pfad_ / std::to_string(anzahl); }
+void kopf(const char* titel) {
+    std::printf("\n| %s | floor | product | ratio | target |\n|---|---:|---:|---:|---:|\n", titel);
+}
 
-private:
-    void lege(int anzahl, std::string plugin, std::size_t stelle) const {
-        const fs::path verzeichnis = fs::path(mit(anzahl)) / "plugins";
-        fs::create_directories(verzeichnis);
-        for (int i = 0; i < anzahl; ++i) {
-            const std::string nummer = std::to_string(kErsteNummer + i);
-            plugin.replace(stelle, nummer.size(), nummer);
-            std::ofstream(verzeichnis / ("libbench" + nummer + ".dylib"), std::ios::binary) << plugin;
-        }
-    }
+/// One row; values divided by `teiler` are in the unit given.
+void zeile(const std::string& was, const Vergleich& v, double teiler, const std::string& einheit,
+           const char* ziel = "") {
+    const double boden = v.boden / teiler, produkt = v.produkt / teiler;
+    const int stellen = produkt < 10 ? 2 : produkt < 1000 ? 1 : 0;
+    std::printf("| %s | %.*f%s | %.*f%s | %.2f | %s |\n", was.c_str(), stellen, boden, einheit.c_str(),
+                stellen, produkt, einheit.c_str(), v.verhaeltnis, ziel);
+    std::fflush(stdout);
+}
 
-    fs::path pfad_;
-};
+/// How each grows from one comparison to the other, both per piece.
+void wachstum(const std::string& was, const Vergleich& von, const Vergleich& bis, const char* ziel) {
+    zeile(was, einmal(bis.boden / von.boden, bis.produkt / von.produkt), 1, "-fold", ziel);
+}
 
 using Messung = std::function<double()>;
 
@@ -87,154 +90,174 @@ Vergleich imWechsel(int runden, const Messung& boden, const Messung& produkt) {
     return vergleiche(b, p);
 }
 
-void kopf(const char* titel) {
-    std::printf("\n| %s | floor | product | ratio | target |\n|---|---:|---:|---:|---:|\n", titel);
-}
-
-/// One row; values divided by `teiler` are in the unit given.
-void zeile(const std::string& was, const Vergleich& v, double teiler, const char* einheit,
-           const char* ziel = "") {
-    const double boden = v.boden / teiler, produkt = v.produkt / teiler;
-    const int stellen = produkt < 10 ? 2 : produkt < 1000 ? 1 : 0;
-    std::printf("| %s | %.*f %s | %.*f %s | %.3f | %s |\n", was.c_str(), stellen, boden, einheit, stellen,
-                produkt, einheit, v.verhaeltnis, ziel);
-    std::fflush(stdout);
-}
-
-class Tabellen {
+/// What Google Benchmark has measured, in nanoseconds: each operation in several repetitions.
+class Operationen {
 public:
-    explicit Tabellen(int runden) : runden_(runden) {}
-
-    void start() const {
-        kopf("start-up until all plugins are registered, per plugin");
-        std::map<int, double> gesamt;
-        for (const int n : kAnzahlen) {
-            const Vergleich v = imWechsel(runden_, zahl(FLOOR, n, "start"), zahl(PRODUCT, n, "start"));
-            gesamt[n] = v.produkt;
-            zeile(anzahl(n), v, kMikro * n, "us", n >= 100 ? "1.08" : "");
-        }
-        for (const int n : {100, 500})
-            zeile(anzahl(n) + ", floor without \"initialize\"",
-                  imWechsel(runden_, zahl(FLOOR, n, "types"), zahl(PRODUCT, n, "start")), kMikro * n, "us");
-        std::printf("| growth from 100 to 500 plugins | | | %.2f | 5.3 |\n", gesamt[500] / gesamt[100]);
-        zeile("system calls", jePlugin(systemaufrufe), 1, "", "product 10.2");
-        zeile("instructions", jePlugin(instruktionen), 1, "");
+    explicit Operationen(const char* datei) {
+        std::ifstream strom(datei);
+        const auto ergebnisse = nlohmann::json::parse(strom);
+        for (const auto& lauf : ergebnisse.at("benchmarks"))
+            if (lauf.at("run_type") == "iteration")
+                zeiten_[lauf.at("run_name")].push_back(lauf.at("cpu_time"));
     }
 
-    void prozess() const {
-        kopf("whole process");
-        zeile("no plugin, floor linked to nothing of ours",
-              imWechsel(runden_, dauer(BARE, 0, "types"), dauer(PRODUCT, 0, "start")), 1, "us", "1.2");
-        zeile("no plugin, floor linked to the libraries",
-              imWechsel(runden_, dauer(FLOOR, 0, "start"), dauer(PRODUCT, 0, "start")), 1, "us");
-        zeile("100 plugins, floor linked to the libraries",
-              imWechsel(runden_, dauer(FLOOR, 100, "start"), dauer(PRODUCT, 100, "start")), 1, "us", "1.10");
-        zeile("no plugin, instructions, floor linked to nothing of ours",
-              einmal(instruktionen(befehl(BARE, 0, "types")), instruktionen(befehl(PRODUCT, 0, "start"))), 1,
-              "");
-        zeile(
-            "100 plugins, instructions, floor linked to the libraries",
-            einmal(instruktionen(befehl(FLOOR, 100, "start")), instruktionen(befehl(PRODUCT, 100, "start"))),
-            1, "");
-    }
+    double eine(const std::string& name) const { return median(zeiten_.at(name)); }
 
-    void werkzeug() const {
-        kopf("`orvoplugin list` (product), a whole process that only starts the library (floor)");
-        for (const int n : {100, 500}) {
-            const Befehl liste{TOOL, "list", "--home", heime_.mit(n)};
-            zeile(anzahl(n),
-                  imWechsel(runden_, dauer(PRODUCT, n, "start"), [&] { return fuehreAus(liste).dauer; }), 1,
-                  "us", n == 500 ? "3" : "");
-        }
-    }
-
-    void kreis() const {
-        kopf("get and release a service, the library opened and closed each time");
-        zeile("1 plugin", imWechsel(runden_, zahl(FLOOR, 1, "cycle"), zahl(PRODUCT, 1, "cycle")), kMikro,
-              "us", "1.05");
-    }
-
-    void speicher() const {
-        kopf("memory, 100 plugins");
-        const Lauf boden = fuehreAus(befehl(FLOOR, 100, "memory")),
-                   produkt = fuehreAus(befehl(PRODUCT, 100, "memory"));
-        zeile("grown by, all libraries open", einmal(boden.zahlen.at(0), produkt.zahlen.at(0)), 1, "KiB",
-              "floor + 410 KiB");
-        zeile("grown by, all closed again", einmal(boden.zahlen.at(1), produkt.zahlen.at(1)), 1, "KiB",
-              "1024 KiB");
-        std::printf("| libraries still mapped | %.0f | %.0f | | 0 |\n", boden.zahlen.at(2),
-                    produkt.zahlen.at(2));
-    }
-
-    void senke() const {
-        kopf("start-up of 100 plugins with a log sink (product), without one (floor), per plugin");
-        zeile("level info", imWechsel(runden_, zahl(PRODUCT, 100, "start"), zahl(PRODUCT, 100, "info")),
-              100 * kMikro, "us");
-        zeile("level debug", imWechsel(runden_, zahl(PRODUCT, 100, "start"), zahl(PRODUCT, 100, "debug")),
-              100 * kMikro, "us", "3");
+    /// Of one of `stueck` pieces, where the operation handles that many.
+    Vergleich paar(const std::string& name, int groesse, double stueck = 1) const {
+        const auto zeit = [&](const char* art) { return zeiten_.at(name + art + std::to_string(groesse)); };
+        const Vergleich v = vergleiche(zeit("/floor/"), zeit("/product/"));
+        return {v.boden / stueck, v.produkt / stueck, v.verhaeltnis};
     }
 
 private:
-    static std::string anzahl(int n) { return std::to_string(n) + (n == 1 ? " plugin" : " plugins"); }
-    static Vergleich einmal(double boden, double produkt) { return {boden, produkt, produkt / boden}; }
+    std::map<std::string, std::vector<double>> zeiten_;
+};
 
-    Befehl befehl(const char* programm, int plugins, const char* was) const {
-        return {programm, heime_.mit(plugins), was};
-    }
-    Messung zahl(const char* programm, int plugins, const char* was) const {
-        return [=, b = befehl(programm, plugins, was)] { return fuehreAus(b).zahlen.at(0); };
-    }
-    Messung dauer(const char* programm, int plugins, const char* was) const {
-        return [=, b = befehl(programm, plugins, was)] { return fuehreAus(b).dauer; };
+class Tabellen {
+public:
+    Tabellen(int runden, const char* verzeichnis, const char* operationen)
+        : runden_(runden), operationen_(operationen), heime_(verzeichnis, kSorten) {}
+
+    void start() {
+        kopf("the program starts, plugin files in memory");
+        std::map<int, Vergleich> klein; // per plugin
+        for (const auto& [sorte, n, ziel, zielKalt] : kStarts) {
+            const Vergleich v = paar(sorte, n, "start");
+            zeile(anzahl(sorte, n) + ", per plugin", v, kMikro * n, " us", ziel);
+            if (&sorte == &kKlein)
+                klein[n] = je(v, n);
+        }
+        wachstum("18 KB, growth from 500 to 5,000 plugins, per plugin", klein[500], klein[5000],
+                 "product 1.3");
+        static constexpr const char* kZiele[] = {"product 11", "product 13", "product 13"};
+        for (std::size_t i = 0; i < std::size(kSorten); ++i)
+            zeile(kSorten[i].groesse + ", system calls per plugin"s, jePlugin(kSorten[i], systemaufrufe), 1,
+                  "", kZiele[i]);
+        for (const Sorte& sorte : kSorten)
+            zeile(sorte.groesse + ", instructions per plugin"s, jePlugin(sorte, instruktionen), 1, "");
+        zeile("whole process without plugins", imWechsel(runden_, prozess(BARE, 0), prozess(PRODUCT, 0)), 1,
+              " us", "1.15");
+        zeile("whole process, " + anzahl(kKlein, 100),
+              imWechsel(runden_, prozess(FLOOR, 100), prozess(PRODUCT, 100)), 1, " us", "1.12");
     }
 
-    /// The cost of each plugin beyond the first hundred.
-    Vergleich jePlugin(double (*zaehle)(const Befehl&)) const {
+    void kalterStart() {
+        kopf("the program starts, plugin files on disk");
+        for (const auto& [sorte, n, ziel, zielKalt] : kStarts) {
+            if (!zielKalt)
+                continue;
+            const std::string was = anzahl(sorte, n) + ", per plugin";
+            const auto v = kalt(sorte, n);
+            if (!v) {
+                std::printf("| %s | | not measured: the files stay in memory | | %s |\n", was.c_str(),
+                            zielKalt);
+                continue;
+            }
+            zeile(was, *v, kMikro * n, " us", zielKalt);
+        }
+    }
+
+    void lookup() const {
+        kopf("a look-up, with `getInstanz()` each time");
+        zeile("300 keys, found", operationen_.paar("lookup/hit", 300), 1, " ns", "1.0");
+        zeile("3,000 keys, found", operationen_.paar("lookup/hit", 3000), 1, " ns", "1.0");
+        zeile("300 keys, not found", operationen_.paar("lookup/miss", 300), 1, " ns");
+        zeile("19 types known by name only, found", operationen_.paar("lookup/names", 19), 1, " ns");
+    }
+
+    void service() const {
+        kopf("a service, got and released");
+        zeile("its library in use", paar(kKlein, 1, "use"), 1, " ns", "0.80");
+        zeile("its library opened and closed", paar(kKlein, 1, "open"), kMikro, " us", "1.05");
+    }
+
+    void neuesVerzeichnis() {
+        kopf("an update of the directory");
+        zeile("unload and load " + anzahl(kKlein, 100) + ", per plugin", paar(kKlein, 100, "reload"),
+              100 * kMikro, " us");
+        melde("keys of one plugin", "file/keys", 1000, 100'000, "1.0");
+        melde("types of one year known by name only", "file/names", 1000, 8000, "");
+    }
+
+    void speicher() const {
+        kopf("memory, plugins of three extensions");
+        zeile("heap per plugin",
+              jePlugin(
+                  kKlein, [](const Befehl& b) { return fuehreAus(b).zahlen.at(0); }, "memory"),
+              1000, " KB", "product 2.6");
+        const auto eingeblendete = [&](const char* programm) {
+            return fuehreAus(befehl(programm, kKlein, 100, "memory")).zahlen.at(1);
+        };
+        std::printf("| libraries still mapped after use | %.0f | %.0f | | 0 |\n", eingeblendete(FLOOR),
+                    eingeblendete(PRODUCT));
+    }
+
+    void log() const {
+        kopf("the log, with a sink that ignores all entries; floor without a sink");
+        for (const char* const art : {"trace", "event"})
+            std::printf("| an entry, %s | | %.1f ns | | 20 ns |\n", art, operationen_.eine("log/"s + art));
+        for (const char* const stufe : {"info", "debug"})
+            zeile("start of 100 plugins at level "s + stufe + ", per plugin",
+                  imWechsel(runden_, lauf(PRODUCT, kKlein, 100, "start"), lauf(PRODUCT, kKlein, 100, stufe)),
+                  100 * kMikro, " us", "1.15");
+    }
+
+private:
+    static Vergleich je(const Vergleich& v, double stueck) {
+        return {v.boden / stueck, v.produkt / stueck, v.verhaeltnis};
+    }
+
+    Befehl befehl(const char* programm, const Sorte& sorte, int plugins, const char* was) const {
+        return {programm, heime_.mit(sorte, plugins), was};
+    }
+    /// Processor time that the program measures itself.
+    Messung lauf(const char* programm, const Sorte& sorte, int plugins, const char* was) const {
+        return [b = befehl(programm, sorte, plugins, was)] { return fuehreAus(b).zahlen.at(0); };
+    }
+    /// Processor time from the start of the process to its end.
+    Messung prozess(const char* programm, int plugins) const {
+        return [b = befehl(programm, kKlein, plugins, "start")] { return fuehreAus(b).dauer; };
+    }
+    Vergleich paar(const Sorte& sorte, int plugins, const char* was) const {
+        return imWechsel(runden_, lauf(FLOOR, sorte, plugins, was), lauf(PRODUCT, sorte, plugins, was));
+    }
+
+    /// Wall time, the files dropped from memory before each run; nothing when they do not leave it.
+    std::optional<Vergleich> kalt(const Sorte& sorte, int plugins) const {
+        bool verdraengt = true;
+        const auto wandzeit = [&](const char* programm) {
+            return [&, b = befehl(programm, sorte, plugins, "start")] {
+                verdraengt = verdraengt && verdraenge(heime_.mit(sorte, plugins));
+                return verdraengt ? fuehreAus(b).zahlen.at(1) : 0;
+            };
+        };
+        const Vergleich v = imWechsel(runden_, wandzeit(FLOOR), wandzeit(PRODUCT));
+        return verdraengt ? std::optional(v) : std::nullopt;
+    }
+
+    /// What each plugin beyond the tenth adds.
+    Vergleich jePlugin(const Sorte& sorte, double (*zaehle)(const Befehl&), const char* was = "start") const {
         const auto zuwachs = [&](const char* programm) {
-            return (zaehle(befehl(programm, 500, "start")) - zaehle(befehl(programm, 100, "start"))) / 400;
+            return (zaehle(befehl(programm, sorte, 100, was)) - zaehle(befehl(programm, sorte, 10, was))) /
+                   90;
         };
         return einmal(zuwachs(FLOOR), zuwachs(PRODUCT));
     }
 
+    /// The filing of few and of many.
+    void melde(const std::string& was, const char* operation, int wenige, int viele, const char* ziel) const {
+        const Vergleich von = operationen_.paar(operation, wenige, wenige),
+                        bis = operationen_.paar(operation, viele, viele);
+        zeile("register " + mitKomma(wenige) + " " + was + ", per piece", von, 1, " ns");
+        zeile("register " + mitKomma(viele) + " " + was + ", per piece", bis, 1, " ns");
+        wachstum("growth, per piece", von, bis, ziel);
+    }
+
     int runden_;
+    Operationen operationen_;
     Heime heime_;
 };
-
-/// Groups by the beginning of the operation's name.
-const char* zielVon(const std::string& operation) {
-    static constexpr std::pair<std::string_view, const char*> kZiele[] = {{"lookup/hit/", "1.0"},
-                                                                          {"lookup/miss/", "1.0"},
-                                                                          {"lookup/hit_sink_debug", "3"},
-                                                                          {"lookup/names/", "1.5"},
-                                                                          {"service/in_use/", "0.80"},
-                                                                          {"service/first_and_last/", "1.05"},
-                                                                          {"service/in_use_sink_debug", "3"}};
-    for (const auto& [anfang, ziel] : kZiele)
-        if (operation.starts_with(anfang))
-            return ziel;
-    return "";
-}
-
-/// Pairs of operations, measured by Google Benchmark in several repetitions: one has "/floor" in its name where the
-/// other has "/product".
-void operationen(const fs::path& datei) {
-    std::map<std::string, std::vector<double>> zeiten;
-    const auto ergebnisse = nlohmann::json::parse(inhaltVon(datei));
-    for (const auto& lauf : ergebnisse.at("benchmarks")) {
-        if (lauf.at("run_type") != "iteration")
-            continue;
-        zeiten[lauf.at("run_name")].push_back(lauf.at("cpu_time"));
-    }
-    for (const auto& [name, boden] : zeiten) {
-        constexpr std::string_view kBoden = "/floor";
-        const std::size_t stelle = name.find(kBoden);
-        if (stelle == std::string::npos)
-            continue;
-        const std::string vorn = name.substr(0, stelle), hinten = name.substr(stelle + kBoden.size());
-        zeile(vorn + hinten, vergleiche(boden, zeiten.at(vorn + "/product" + hinten)), 1, "ns",
-              zielVon(name));
-    }
-}
 
 std::string feld(const char* datei, const std::string& name) {
     std::ifstream strom(datei);
@@ -255,26 +278,20 @@ void maschine(int runden) {
 } // namespace
 
 int main(int anzahl, char** argumente) try {
-    bool kurz = false;
-    std::vector<fs::path> ergebnisse;
-    for (int i = 1; i < anzahl; ++i)
-        if (std::string_view(argumente[i]) == "--quick")
-            kurz = true;
-        else
-            ergebnisse.emplace_back(argumente[i]);
+    const bool kurz = anzahl > 1 && argumente[1] == "--quick"sv;
+    const char* const* const pfade = argumente + (kurz ? 2 : 1);
+    if (argumente + anzahl != pfade + 2)
+        return 2;
     const int runden = kurz ? 5 : 21;
     maschine(runden);
-    const Tabellen tabellen(runden);
+    Tabellen tabellen(runden, pfade[0], pfade[1]);
     tabellen.start();
-    tabellen.prozess();
-    tabellen.werkzeug();
-    tabellen.kreis();
+    tabellen.kalterStart();
+    tabellen.lookup();
+    tabellen.service();
+    tabellen.neuesVerzeichnis();
     tabellen.speicher();
-    tabellen.senke();
-    if (!ergebnisse.empty())
-        kopf("operations, by name and size");
-    for (const fs::path& datei : ergebnisse)
-        operationen(datei);
+    tabellen.log();
 } catch (const std::exception& fehler) {
     std::fprintf(stderr, "orvo_bench_start: %s\n", fehler.what());
     return 1;

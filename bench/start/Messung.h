@@ -1,40 +1,42 @@
 #pragma once
 
-#include <unistd.h>
+#include <dirent.h>
+#include <malloc.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <string>
+#include <string_view>
+#include <vector>
 
-/// The measurements that the two programs make themselves, and print as a line of numbers on standard output.
+/// What the measured programs share. They print their measurements as a line of numbers on standard output.
 
-/// Processor time of this process, in nanoseconds.
-inline double laufzeit() {
+inline double nanosekunden(clockid_t uhr) {
     timespec zeit{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &zeit);
+    clock_gettime(uhr, &zeit);
     return static_cast<double>(zeit.tv_sec) * 1e9 + static_cast<double>(zeit.tv_nsec);
 }
 
-/// Calls `ruf` and returns how many nanoseconds that took.
+/// Calls `ruf` and prints what each of its `schritte` steps took: processor time and wall time, in nanoseconds.
 template <class Ruf>
-double nanosekunden(Ruf&& ruf) {
-    const double anfang = laufzeit();
+void miss(int schritte, Ruf&& ruf) {
+    const double lauf = nanosekunden(CLOCK_PROCESS_CPUTIME_ID), wand = nanosekunden(CLOCK_MONOTONIC);
     ruf();
-    return laufzeit() - anfang;
+    std::printf("%.1f %.1f\n", (nanosekunden(CLOCK_PROCESS_CPUTIME_ID) - lauf) / schritte,
+                (nanosekunden(CLOCK_MONOTONIC) - wand) / schritte);
 }
 
-/// Memory in use by this process, in KiB.
-inline double speicher() {
-    std::ifstream datei("/proc/self/statm");
-    long gesamt = 0, benutzt = 0;
-    datei >> gesamt >> benutzt;
-    return static_cast<double>(benutzt) * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1024;
-}
+constexpr int kOeffnungen = 300;    ///< services that open and close the library
+constexpr int kNutzungen = 100'000; ///< services from a library that is in use
+
+/// Bytes on the heap, with the allocator's own.
+inline double heap() { return static_cast<double>(mallinfo2().uordblks); }
 
 /// How many plugin libraries are in this process's memory map.
-inline double eingeblendete() {
+inline int eingeblendete() {
     std::ifstream datei("/proc/self/maps");
     std::string zeile, letzter;
     int anzahl = 0;
@@ -46,4 +48,17 @@ inline double eingeblendete() {
         ++anzahl;
     }
     return anzahl;
+}
+
+/// The plugin files of a directory, sorted.
+inline std::vector<std::string> dateien(const std::string& verzeichnis) {
+    std::vector<std::string> namen;
+    if (DIR* const offen = opendir(verzeichnis.c_str())) {
+        while (const dirent* const eintrag = readdir(offen))
+            if (std::string_view(eintrag->d_name).ends_with(".dylib"))
+                namen.push_back(verzeichnis + "/" + eintrag->d_name);
+        closedir(offen);
+    }
+    std::sort(namen.begin(), namen.end());
+    return namen;
 }

@@ -1,8 +1,10 @@
-// A plugin with one check service for three years, and so three keys. Each copy of the file serves another sub-case
-// type: the number is in the file as text, and is replaced on copying.
+// A plugin with three extensions, one key each. Each copy of the file serves another sub-case type: the number is in
+// the file as text, and is replaced on copying.
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
+#include <orvoplugin/plugin/erweiterung/OrvoFTDatenServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/OrvoFeldInfoDatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/service/ValidierungsService.h>
 
@@ -10,12 +12,13 @@
 
 namespace {
 
-volatile const char kMarke[] = ORVO_BENCH_MARKE ORVO_BENCH_NUMMER; // volatile: not folded by the compiler
+// volatile: not folded by the compiler; the rest is room, so that the small plugin has 18 KB
+volatile char daten[2000] = ORVO_BENCH_MARKE ORVO_BENCH_NUMMER;
 
 int nummer() {
     int nummer = 0;
-    for (std::size_t i = sizeof(ORVO_BENCH_MARKE) - 1; i < sizeof(kMarke) - 1; ++i)
-        nummer = nummer * 10 + (kMarke[i] - '0');
+    for (std::size_t i = sizeof(ORVO_BENCH_MARKE) - 1; daten[i] != 0; ++i)
+        nummer = nummer * 10 + (daten[i] - '0');
     return nummer;
 }
 
@@ -35,12 +38,16 @@ void orvo_plugin_get_types(std::list<orvo_plugin_version_t>* typen) {
 bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
     plugin->setProduktVersion("1.0");
     plugin->setFileVersion("1.0");
-    OrvoValidierungsServiceErweiterung erweiterung(
-        Unterfallart(nummer()),
-        std::list<Veranlagungszeitraum>{{2008, "YYYY"}, {2009, "YYYY"}, {2010, "YYYY"}});
-    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
-    plugin->addErweiterung(erweiterung);
+    const Unterfallart ua(nummer());
+    const Veranlagungszeitraum vz(2009, "YYYY");
+    OrvoValidierungsServiceErweiterung pruefung(ua, vz);
+    pruefung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    plugin->addErweiterung(pruefung);
+    plugin->addErweiterung(OrvoFeldInfoDatenServiceErweiterung(ua, vz));
+    plugin->addErweiterung(OrvoFTDatenServiceErweiterung(ua, vz));
     return true;
 }
 
 Service* orvo_plugin_get_check_service() { return new Pruefung; }
+Service* orvo_plugin_get_feldinfo_daten_service() { return nullptr; }
+Service* orvo_plugin_get_fehlertext_daten_service() { return nullptr; }

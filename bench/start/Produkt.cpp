@@ -1,6 +1,6 @@
 // The product, doing the same work as the floor.
 //
-//     product <home> start|info|debug|cycle|memory
+//     product <home> start|info|debug|reload|open|use|memory
 //
 // "info" and "debug" are starts with a log sink at that level that ignores all entries.
 
@@ -8,28 +8,29 @@
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Einstellungen.h>
-#include <orvoutil/LogSink.h>
 #include <orvoutil/Logger.h>
 
+#include "../StummeSenke.h"
 #include "Messung.h"
 #include "Nummer.h"
 
 #include <cstdlib>
 #include <memory>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace {
 
 using namespace orvo::orvoutil;
 
-class StummeSenke : public LogSink {
-    void write(const LogEntry&) override {}
-};
-
 void starte() {
     if (!OrvoErweiterungsManager::getInstanz())
+        std::exit(1);
+}
+
+/// Another name of the same directory has all plugins unloaded and loaded.
+void ladeNeu(const std::string& home) {
+    Einstellungen().setze("basis.home_dir", home + "/.");
+    if (OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().empty())
         std::exit(1);
 }
 
@@ -41,24 +42,30 @@ OrvoValidierungsServiceErweiterung& erweiterung(int nummer) {
     return *gefunden;
 }
 
-void kreise(OrvoValidierungsServiceErweiterung& e, int anzahl) {
+void holeUndGib(OrvoValidierungsServiceErweiterung& e, int anzahl) {
     for (int i = 0; i < anzahl; ++i)
         e.release(e.holeService());
 }
 
-/// As in the floor. Memory that the product needs for its start counts as growth too.
+void nutze(OrvoValidierungsServiceErweiterung& e) {
+    Service* const gehalten = e.holeService();
+    miss(kNutzungen, [&] { holeUndGib(e, kNutzungen); });
+    e.release(gehalten);
+}
+
+/// The heap's growth by the start, and the libraries that are mapped after all services were handed out and given back.
 void speicherbedarf() {
-    const double vorher = speicher();
+    const double vorher = heap();
     starte();
+    const double gewachsen = heap() - vorher;
     const auto anzahl =
         static_cast<int>(OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().size());
     std::vector<std::pair<OrvoValidierungsServiceErweiterung*, Service*>> geholte;
     for (int i = 0; i < anzahl; ++i)
         geholte.emplace_back(&erweiterung(i), erweiterung(i).holeService());
-    const double offen = speicher();
     for (const auto& [e, service] : geholte)
         e->release(service);
-    std::printf("%.0f %.0f %.0f\n", offen - vorher, speicher() - vorher, eingeblendete());
+    std::printf("%.0f %d\n", gewachsen, eingeblendete());
 }
 
 } // namespace
@@ -73,12 +80,16 @@ int main(int anzahl, char** argumente) {
         Logger::setLevel(was == "info" ? LogLevel::Info : LogLevel::Debug);
     }
     if (was == "start" || was == "info" || was == "debug") {
-        std::printf("%.0f\n", nanosekunden(starte));
-    } else if (was == "cycle") {
+        miss(1, starte);
+    } else if (was == "reload") {
+        starte();
+        miss(1, [&] { ladeNeu(argumente[1]); });
+    } else if (was == "open") {
         OrvoValidierungsServiceErweiterung& e = erweiterung(0);
-        kreise(e, 3);
-        constexpr int kKreise = 300;
-        std::printf("%.1f\n", nanosekunden([&] { kreise(e, kKreise); }) / kKreise);
+        holeUndGib(e, 3);
+        miss(kOeffnungen, [&] { holeUndGib(e, kOeffnungen); });
+    } else if (was == "use") {
+        nutze(erweiterung(0));
     } else if (was == "memory") {
         speicherbedarf();
     } else {
