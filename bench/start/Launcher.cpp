@@ -1,7 +1,8 @@
 // Runs floor and product in turn, and prints the tables of docs/benchmarks.md.
 //
-//     orvo_bench_start [--quick] <directory for plugins> <results of orvo_bench as JSON>
+//     orvo_bench_start [--quick] <directory for plugins> <chart> <results of orvo_bench as JSON>
 
+#include "Diagramm.h"
 #include "Heime.h"
 #include "Lauf.h"
 #include "Vergleich.h"
@@ -17,6 +18,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -125,6 +127,7 @@ public:
         for (const auto& [sorte, n, ziel, zielKalt] : kStarts) {
             const Vergleich v = paar(sorte, n, "start");
             zeile(anzahl(sorte, n) + ", per plugin", v, kMikro * n, " us", ziel);
+            merke(sorte, n, false, v);
             if (&sorte == &kKlein)
                 klein[n] = je(v, n);
         }
@@ -155,6 +158,7 @@ public:
                 continue;
             }
             zeile(was, *v, kMikro * n, " us", zielKalt);
+            merke(sorte, n, true, *v);
         }
     }
 
@@ -203,9 +207,19 @@ public:
                   100 * kMikro, " us", "1.15");
     }
 
+    void zeichne(const char* datei) const {
+        std::ofstream svg(datei);
+        ::zeichne(svg, punkte_);
+        if (!svg.flush())
+            throw std::runtime_error("cannot write "s + datei);
+    }
+
 private:
     static Vergleich je(const Vergleich& v, double stueck) {
         return {v.boden / stueck, v.produkt / stueck, v.verhaeltnis};
+    }
+    void merke(const Sorte& sorte, int n, bool kalt, const Vergleich& v) {
+        punkte_.push_back({sorte.groesse, n, kalt, je(v, kMikro * n)});
     }
 
     Befehl befehl(const char* programm, const Sorte& sorte, int plugins, const char* was) const {
@@ -257,6 +271,7 @@ private:
     int runden_;
     Operationen operationen_;
     Heime heime_;
+    std::vector<Messpunkt> punkte_;
 };
 
 std::string feld(const char* datei, const std::string& name) {
@@ -280,11 +295,11 @@ void maschine(int runden) {
 int main(int anzahl, char** argumente) try {
     const bool kurz = anzahl > 1 && argumente[1] == "--quick"sv;
     const char* const* const pfade = argumente + (kurz ? 2 : 1);
-    if (argumente + anzahl != pfade + 2)
+    if (argumente + anzahl != pfade + 3)
         return 2;
     const int runden = kurz ? 5 : 21;
     maschine(runden);
-    Tabellen tabellen(runden, pfade[0], pfade[1]);
+    Tabellen tabellen(runden, pfade[0], pfade[2]);
     tabellen.start();
     tabellen.kalterStart();
     tabellen.lookup();
@@ -292,6 +307,7 @@ int main(int anzahl, char** argumente) try {
     tabellen.neuesVerzeichnis();
     tabellen.speicher();
     tabellen.log();
+    tabellen.zeichne(pfade[1]);
 } catch (const std::exception& fehler) {
     std::fprintf(stderr, "orvo_bench_start: %s\n", fehler.what());
     return 1;
