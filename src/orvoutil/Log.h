@@ -26,8 +26,10 @@ public:
     explicit Log(std::string_view kategorie) noexcept : logger_(hole(kategorie)) {}
     /// The log of that category while debug entries are written, else none: for operations that only trace.
     static Log nurFuerDebug(std::string_view kategorie) noexcept {
-        return Logger::istAn(LogLevel::Debug) ? Log(kategorie) : Log();
+        return schreibtDebug() ? Log(kategorie) : Log();
     }
+    /// Whether debug entries are written.
+    static bool schreibtDebug() noexcept { return Logger::istAn(LogLevel::Debug); }
 
     void debug(const auto& text) const noexcept { schreibe(LogLevel::Debug, &Logger::debug, text); }
     void info(const auto& text) const noexcept { schreibe(LogLevel::Info, &Logger::info, text); }

@@ -37,7 +37,8 @@ struct LogEntry {
 /// Takes the log into that of the host; see `Logger::setSink`.
 class ORVOUTIL_API LogSink {
 public:
-    /// Takes one entry. It may log, but must not load or unload plugins. What it throws is swallowed.
+    /// Takes one entry, which is valid until this returns and is then used for another: copy what is to be kept.
+    /// It may log, but must not load or unload plugins. What it throws is swallowed.
     /// Threads: called on the thread that logs, so on several at once.
     virtual void write(const LogEntry& eintrag) = 0;
     virtual ~LogSink();

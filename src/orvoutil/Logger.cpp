@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <optional>
+#include <utility>
 
 namespace orvo::orvoutil {
 
@@ -37,6 +39,44 @@ struct __attribute__((visibility("hidden"))) Logger::Zustand {
             senke->write(eintrag);
     }
 };
+
+namespace {
+
+/// Each thread reuses one entry, so that its texts seldom need memory.
+struct Faden {
+    LogEntry* frei = nullptr; // null while a sink has the entry, and at the end of the thread
+    bool hatEintrag = false;
+};
+thread_local constinit Faden faden;
+
+/// The thread's entry, as long as this lives; or one of its own.
+class Leihe {
+public:
+    Leihe() : faden_(faden), eintrag_(faden_.hatEintrag ? std::exchange(faden_.frei, nullptr) : erster()) {}
+    Leihe(const Leihe&) = delete;
+    ~Leihe() {
+        if (eintrag_)
+            faden_.frei = eintrag_;
+    }
+    LogEntry& operator*() { return eintrag_ ? *eintrag_ : eigener_.emplace(); }
+
+private:
+    LogEntry* erster() {
+        struct Besitzer {
+            ~Besitzer() { faden.frei = nullptr; }
+            LogEntry eintrag;
+        };
+        static thread_local Besitzer besitzer;
+        faden_.hatEintrag = true;
+        return &besitzer.eintrag;
+    }
+
+    Faden& faden_;
+    LogEntry* const eintrag_;
+    std::optional<LogEntry> eigener_;
+};
+
+} // namespace
 
 constinit std::atomic<std::int32_t> Logger::schwelle_{AUS};
 
@@ -89,19 +129,30 @@ void Logger::tagged(const std::string& tag, int code1, const std::string& text, 
 }
 
 void Logger::schreibe(LogKind art, LogLevel stufe, std::string_view text) noexcept {
-    if (!istAn(stufe))
-        return;
-    try {
-        Zustand::uebergib({art, stufe, kategorie_, std::string(text), {}, 0, 0});
-    } catch (...) { // logging changes nothing else
-    }
+    if (istAn(stufe))
+        uebergib(art, stufe, {}, 0, text, 0);
 }
 
 void Logger::schreibeEreignis(std::string_view tag, int code1, std::string_view text, int code2) noexcept {
-    if (!hatSenke())
-        return;
+    if (hatSenke())
+        uebergib(Tagged, Info, tag, code1, text, code2);
+}
+
+void Logger::uebergib(LogKind art, LogLevel stufe, std::string_view tag, int code1, std::string_view text,
+                      int code2) noexcept {
     try {
-        Zustand::uebergib({Tagged, Info, kategorie_, std::string(text), std::string(tag), code1, code2});
+        Leihe leihe;
+        LogEntry& eintrag = *leihe;
+        eintrag.kind = art;
+        eintrag.level = stufe;
+        if (eintrag.category != kategorie_)
+            eintrag.category = kategorie_;
+        eintrag.text = text;
+        if (!tag.empty() || !eintrag.tag.empty())
+            eintrag.tag = tag;
+        eintrag.code1 = code1;
+        eintrag.code2 = code2;
+        Zustand::uebergib(eintrag);
     } catch (...) { // logging changes nothing else
     }
 }

@@ -66,6 +66,8 @@ private:
     }
     void schreibe(LogKind art, LogLevel stufe, std::string_view text) noexcept;
     void schreibeEreignis(std::string_view tag, int code1, std::string_view text, int code2) noexcept;
+    __attribute__((visibility("hidden"))) void uebergib(LogKind art, LogLevel stufe, std::string_view tag,
+                                                        int code1, std::string_view text, int code2) noexcept;
 
     static std::atomic<std::int32_t> schwelle_; // lowest level written; AUS while there is no sink
 

@@ -239,3 +239,54 @@ TEST_F(LoggerTest, ServesSeveralThreadsAtOnce) {
     }
     EXPECT_EQ(geschrieben, 3 * kRunden);
 }
+
+TEST_F(LoggerTest, ASinkMayKeepACopyOfWhatItGot) {
+    std::vector<LogEntry> behaltene;
+    Logger::setSink(std::make_shared<Senke>([&](const LogEntry& e) { behaltene.push_back(e); }));
+    Logger& logger = *Logger::getInstance("kategorie");
+    logger.tagged("eine Marke", 1, "der erste Text, der nicht in das Objekt passt", 2);
+    logger.warn("kurz");
+    ASSERT_EQ(behaltene.size(), 2u);
+    EXPECT_EQ(behaltene[0].text, "der erste Text, der nicht in das Objekt passt");
+    EXPECT_EQ(behaltene[0].tag, "eine Marke");
+    EXPECT_EQ(behaltene[1].text, "kurz");
+    EXPECT_EQ(behaltene[1].tag, "");
+    EXPECT_EQ(behaltene[1].code1, 0);
+    EXPECT_EQ(behaltene[1].code2, 0);
+    EXPECT_EQ(behaltene[1].kind, LogKind::Message);
+    EXPECT_EQ(behaltene[1].level, LogLevel::Warn);
+}
+
+TEST_F(LoggerTest, AnEntryStaysAsItIsWhileItsSinkLogs) {
+    std::vector<std::string> texte;
+    Logger* innerer = nullptr;
+    Logger::setSink(std::make_shared<Senke>([&](const LogEntry& e) {
+        if (e.category == "innen") {
+            texte.push_back("innen: " + e.text);
+            return;
+        }
+        innerer->info(e.text + ", weitergegeben");
+        innerer->warn("noch einer");
+        texte.push_back(e.category + ": " + e.text);
+    }));
+    innerer = Logger::getInstance("innen");
+    Logger::getInstance("aussen")->info("erster");
+    Logger::getInstance("aussen")->info("zweiter");
+    EXPECT_THAT(texte, ElementsAre("innen: erster, weitergegeben", "innen: noch einer", "aussen: erster",
+                                   "innen: zweiter, weitergegeben", "innen: noch einer", "aussen: zweiter"));
+}
+
+TEST_F(LoggerTest, WritesWhileAThreadsObjectsAreDestroyed) {
+    const Mitschnitt mitschnitt;
+    Logger* const logger = Logger::getInstance("a");
+    struct SchreibtAmEnde {
+        ~SchreibtAmEnde() { logger->info("am Ende des Fadens, nach allen anderen"); }
+        Logger* logger;
+    };
+    std::thread([&] {
+        static thread_local SchreibtAmEnde zuletzt{logger}; // made first, so destroyed last
+        zuletzt.logger->info("im Faden");
+    }).join();
+    EXPECT_THAT(mitschnitt.meldungen(),
+                ElementsAre("I im Faden", "I am Ende des Fadens, nach allen anderen"));
+}
