@@ -8,8 +8,8 @@
 #include <link.h>
 #endif
 
+#include <atomic>
 #include <cstdint>
-#include <new>
 #include <string_view>
 
 namespace orvo::orvoutil {
@@ -131,7 +131,11 @@ bool SharedLib::load() {
         return schlageFehl(grund);
     }
     griff_ = dlopen(dateipfad.c_str(), RTLD_NOW | RTLD_LOCAL);
-    return griff_ || schlageFehl(grundDesSystems());
+    if (!griff_)
+        return schlageFehl(grundDesSystems());
+    static constinit std::atomic<std::uint64_t> letzteOeffnung = 0;
+    oeffnung_ = ++letzteOeffnung;
+    return true;
 }
 
 /// Returns: why the system must not open the file; empty when it may.
@@ -149,37 +153,22 @@ bool SharedLib::unload() {
         return schlageFehl(kNichtGeoeffnet);
     const bool geschlossen = dlclose(griff_) == 0;
     griff_ = nullptr;
-    cache_.clear();
+    oeffnung_ = 0;
     return geschlossen || schlageFehl(grundDesSystems());
 }
 
 void* SharedLib::getSymbol(const std::string& name) {
     fehler_.clear();
-    for (const Symbol& symbol : cache_)
-        if (symbol.name == name)
-            return symbol.adresse;
     dlerror(); // clears older errors
     if (!griff_)
         schlageFehl(kNichtGeoeffnet);
     else if (hatNullbyte(name))
         schlageFehl(kUngueltigerName);
-    else if (void* const adresse = dlsym(griff_, name.c_str())) {
-        cacheSymbol(name, adresse);
+    else if (void* const adresse = dlsym(griff_, name.c_str()))
         return adresse;
-    } else
+    else
         schlageFehl("Symbol \"" + name + "\" nicht gefunden. " + grundDesSystems());
     return nullptr;
-}
-
-/// Caches the first few addresses: a plugin has no more factories and hooks, and searching a long list would take longer
-/// than asking the system.
-void SharedLib::cacheSymbol(const std::string& name, void* adresse) noexcept {
-    constexpr std::size_t kHoechstens = 8;
-    try {
-        if (cache_.size() < kHoechstens)
-            cache_.push_back({name, adresse});
-    } catch (const std::bad_alloc&) { // then it is looked up again
-    }
 }
 
 std::string SharedLib::getLastError() const { return fehler_; }

@@ -2,8 +2,8 @@
 
 #include <orvoutil/Export.h>
 
+#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace orvo::orvoutil {
 
@@ -30,7 +30,7 @@ public:
     virtual bool load();
     /// Returns: false also when the library was not open.
     virtual bool unload();
-    /// Returns: the address of an exported symbol, cached until the library is closed; null when there is none.
+    /// Returns: the address of an exported symbol; null when there is none.
     virtual void* getSymbol(const std::string& name);
     /// Why the last operation failed, with the name of the file; empty when it did not.
     virtual std::string getLastError() const;
@@ -40,22 +40,19 @@ public:
 
     /// Whether the last `load` failed before the system's loader saw the file, by its name or content.
     bool scheiterteVorDemOeffnen() const { return scheiterteVorDemOeffnen_; }
+    /// The number of this opening, which no other one in the process has: symbols found in it are valid as long as it
+    /// stays the same. 0 while the library is closed.
+    std::uint64_t getOeffnung() const { return oeffnung_; }
 
 private:
-    struct Symbol {
-        std::string name;
-        void* adresse;
-    };
-
     std::string pruefeDatei(const std::string& dateipfad) const;
-    void cacheSymbol(const std::string& name, void* adresse) noexcept;
     bool schlageFehl(const std::string& grund);
 
     std::string name_;
     void* griff_ = nullptr; // null while closed
     std::string fehler_;
     bool scheiterteVorDemOeffnen_ = false;
-    std::vector<Symbol> cache_;
+    std::uint64_t oeffnung_ = 0;
 };
 
 } // namespace orvo::orvoutil

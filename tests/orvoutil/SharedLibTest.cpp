@@ -245,6 +245,23 @@ TEST(SharedLib, ForgetsTheErrorWithTheNextSuccess) {
     EXPECT_EQ(lib.getLastError(), "");
 }
 
+TEST(SharedLib, NumbersItsOpenings) {
+    SharedLib lib(HAS_SYMBOLS);
+    SharedLib andere(HAS_SYMBOLS);
+    EXPECT_EQ(lib.getOeffnung(), 0u);
+    ASSERT_TRUE(lib.load());
+    ASSERT_TRUE(andere.load());
+    const auto erste = lib.getOeffnung();
+    EXPECT_NE(erste, 0u);
+    EXPECT_NE(erste, andere.getOeffnung());
+    ASSERT_TRUE(lib.load()); // it is open already
+    EXPECT_EQ(lib.getOeffnung(), erste);
+    ASSERT_TRUE(lib.unload());
+    EXPECT_EQ(lib.getOeffnung(), 0u);
+    ASSERT_TRUE(lib.load());
+    EXPECT_GT(lib.getOeffnung(), erste);
+}
+
 TEST(SharedLib, KnowsWhatLiesInItAndInWhatItBrought) {
     SharedLib frueheres(HAS_SYMBOLS, true);
     SharedLib lib(NEEDS_ANOTHER, true);

@@ -4,6 +4,7 @@
 #include <orvoplugin/plugin/intern/Pluginbibliothek.h>
 #include <orvoplugin/service/Service.h>
 #include <orvoutil/Latin1.h>
+#include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
 
 #include <algorithm>
@@ -31,7 +32,10 @@ OrvoServiceErweiterung::OrvoServiceErweiterung(const OrvoServiceErweiterung& oth
 
 OrvoServiceErweiterung::~OrvoServiceErweiterung() { verwaiseAlle(); }
 
-void OrvoServiceErweiterung::setServiceFactoryName(const std::string& name) { serviceFactoryName_ = name; }
+void OrvoServiceErweiterung::setServiceFactoryName(const std::string& name) {
+    serviceFactoryName_ = name;
+    oeffnung_ = 0;
+}
 
 Service* OrvoServiceErweiterung::holeService() { return hole(Fehlversuch::Zaehlt); }
 
@@ -69,7 +73,7 @@ Service* OrvoServiceErweiterung::holeVon(OrvoPlugin& plugin) {
 }
 
 Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
-    auto* const factory = plugin.bibliothek().funktion<Service*()>(serviceFactoryName_);
+    auto* const factory = sucheFactory(plugin);
     const std::string& bibliothek = plugin.getBibliotheksname();
     if (!factory) {
         log_.error([&] {
@@ -87,6 +91,17 @@ Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
                                });
                            });
     return service;
+}
+
+/// Searched once for each opening of the library. Returns: null when there is no such function.
+Service* (*OrvoServiceErweiterung::sucheFactory(OrvoPlugin& plugin))() {
+    const SharedLib* const bibliothek = plugin.getSharedLib();
+    const std::uint64_t oeffnung = bibliothek ? bibliothek->getOeffnung() : 0;
+    if (oeffnung == 0 || oeffnung != oeffnung_) {
+        factory_ = plugin.bibliothek().funktion<Service*()>(serviceFactoryName_);
+        oeffnung_ = factory_ ? oeffnung : 0;
+    }
+    return factory_;
 }
 
 /// Makes the entry of the next object beforehand. Returns: whether there was memory for it.

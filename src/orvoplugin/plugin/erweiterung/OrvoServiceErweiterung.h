@@ -4,6 +4,7 @@
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 #include <orvoutil/Log.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
@@ -55,6 +56,7 @@ private:
     Service* hole(Fehlversuch fehlversuch);
     Service* holeVon(OrvoPlugin& plugin);
     Service* erzeugeService(OrvoPlugin& plugin);
+    Service* (*sucheFactory(OrvoPlugin& plugin))();
     bool haltePlatzBereit() noexcept;
     bool verbucheAusgabe(Service* service) noexcept;
     int verwaiseUeberzaehlige(const Service* service, int erlaubte) noexcept;
@@ -66,4 +68,6 @@ private:
     std::vector<Service*> geloeschte_;    ///< deleted, but not yet released by all holders
     ServiceGriffBasis* griffe_ = nullptr; ///< the handles that hold one of the objects, the latest first
     std::map<Service*, int>::node_type freierPlatz_; ///< for the next object, so that entering it cannot fail
+    Service* (*factory_)() = nullptr;                ///< as found in an opening of the library
+    std::uint64_t oeffnung_ = 0;                     ///< the number of that opening
 };
