@@ -93,6 +93,15 @@ constexpr int compareIgnoreCase(std::string_view a, std::string_view b) noexcept
     }
     return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
 }
+/// Whether `compareIgnoreCase` gives 0. Compares from the end, where names such as "Anmeldung_1" and "Anmeldung_2" differ.
+constexpr bool equalsIgnoreCase(std::string_view a, std::string_view b) noexcept {
+    std::size_t rest = a.size();
+    if (rest != b.size())
+        return false;
+    while (rest > 0 && tolower(a[rest - 1]) == tolower(b[rest - 1]))
+        --rest;
+    return rest == 0;
+}
 /// The text without the first occurrence of the pattern.
 ORVOUTIL_API std::string removeSpecialPatterns(std::string_view text, std::string_view muster);
 

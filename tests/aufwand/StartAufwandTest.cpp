@@ -8,6 +8,7 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/SharedLib.h>
 
+#include "Systemaufrufe.h"
 #include "TestPlugins.h"
 #include "support/Verzeichnis.h"
 
@@ -78,7 +79,7 @@ TEST_F(StartAufwand, ReadsEachPluginOnceAndAsksNothingElseAboutIt) {
     legePluginsAn("plugins");
     const Zaehler zaehler = starte();
     EXPECT_EQ(geladene(), std::size_t{kPlugins});
-    EXPECT_EQ(zaehler.dateien, kPlugins);
+    EXPECT_EQ(zaehler.dateien, kPlugins + 1); // the first one also to learn whether it is in memory
     EXPECT_EQ(zaehler.lesungen, kPlugins);
     EXPECT_EQ(zaehler.zustaende, 0);
 }
@@ -88,9 +89,126 @@ TEST_F(StartAufwand, AFileOfAnotherKindIsNotTouched) {
     home_.schreibe("plugins/readme.txt", "Text");
     home_.schreibe("plugins/libalt.dylib.bak", "Text");
     const Zaehler zaehler = starte();
-    EXPECT_EQ(zaehler.dateien, kPlugins);
+    EXPECT_EQ(zaehler.dateien, kPlugins + 1);
     EXPECT_EQ(zaehler.oeffnungen, kPlugins);
 }
+
+TEST_F(StartAufwand, TakesMemoryForWhatItKeepsAndForFewOtherThings) {
+    legePluginsAn("plugins");
+    const int wenige = starte().zuteilungen;
+    orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
+    legePluginsAn("plugins/weitere");
+    const int jePlugin = (starte().zuteilungen - wenige) / kPlugins;
+    EXPECT_EQ(geladene(), 2u * kPlugins);
+    // Kept: the plugin and the manager's note of it, its library and that one's name and owner. Passing: an entry of the
+    // directory's list, its name, its path, and the type record.
+    EXPECT_LE(jePlugin, 5 + 4);
+}
+
+/// Files that are not in memory are announced before they are loaded.
+class Vorlauf : public StartAufwand {
+protected:
+    using enum Zaehler::Speicherort;
+    static constexpr int kFenster = 8;
+
+    Zaehler starteMit(Zaehler::Speicherort ort) const {
+        Zaehler::setzeSpeicherort(ort);
+        const Zaehler zaehler = starte();
+        Zaehler::setzeSpeicherort(IM_SPEICHER);
+        return zaehler;
+    }
+    void legeAn(int anzahl) const {
+        for (int i = 0; i < anzahl; ++i)
+            home_.kopiere(test_plugins::StrippedOfDebugInformation,
+                          "plugins/libkalt" + std::to_string(10 + i) + ".dylib");
+    }
+};
+
+TEST_F(Vorlauf, AsksOnceForADirectoryInMemoryAndAnnouncesNothing) {
+    legePluginsAn("plugins");
+    legePluginsAn("plugins/a");
+    home_.legeAn("plugins/leer");
+    const Zaehler zaehler = starteMit(IM_SPEICHER);
+    EXPECT_EQ(geladene(), 2u * kPlugins);
+    EXPECT_EQ(zaehler.fragen, 2);
+    EXPECT_EQ(zaehler.dateien, 2 * kPlugins + 2);
+    EXPECT_EQ(zaehler.ansagen, 0);
+}
+
+TEST_F(Vorlauf, AnnouncesEachFileOnceInAWindowAheadOfTheLoading) {
+    constexpr int kAnzahl = 3 * kFenster;
+    legeAn(kAnzahl);
+    Zaehler::setzeSpeicherort(AUF_DER_PLATTE);
+    const Zaehler zaehler = starte();
+    EXPECT_EQ(Zaehler::groessterVorsprung(), kFenster);
+    Zaehler::setzeSpeicherort(IM_SPEICHER);
+    EXPECT_EQ(geladene(), std::size_t{kAnzahl});
+    EXPECT_EQ(zaehler.fragen, 1);
+    EXPECT_EQ(zaehler.ansagen, kAnzahl);
+}
+
+TEST_F(Vorlauf, AnnouncesFewerFilesThanTheWindowHolds) {
+    legeAn(3);
+    EXPECT_EQ(starteMit(AUF_DER_PLATTE).ansagen, 3);
+    EXPECT_EQ(geladene(), 3u);
+}
+
+TEST_F(Vorlauf, AnnouncesOnlyWhatWillBeLoaded) {
+    legeAn(2);
+    home_.schreibe("plugins/anleitung.txt", "Text");
+    home_.schreibe("plugins/libzelmak98.dylib", "gesperrt");
+    home_.schreibe("plugins/libalt.dylib.bak", "Text");
+    EXPECT_EQ(starteMit(AUF_DER_PLATTE).ansagen, 2);
+}
+
+TEST_F(Vorlauf, GoesOnAsBeforeWhereTheSystemCannotTell) {
+    legePluginsAn("plugins");
+    const Zaehler zaehler = starteMit(UNBEKANNT);
+    EXPECT_EQ(geladene(), std::size_t{kPlugins});
+    EXPECT_EQ(zaehler.fragen, 1);
+    EXPECT_EQ(zaehler.ansagen, 0);
+}
+
+#ifdef __x86_64__
+
+/// All system calls that each further plugin costs, also the loader's.
+class Systemaufrufe : public StartAufwand {
+protected:
+    double jePlugin(const char* plugin) const {
+        const int mitZwei = beimStartMit(plugin, 2);
+        return (beimStartMit(plugin, 12) - mitZwei) / 10.0;
+    }
+
+private:
+    int beimStartMit(const char* plugin, int anzahl) const {
+        for (int i = 0; i < anzahl; ++i)
+            home_.kopiere(plugin, "plugins/libaufruf" + std::to_string(10 + i) + ".dylib");
+        orvo::orvoutil::Einstellungen().setze("basis.home_dir", home_.pfad());
+        const Zaehler vorher = Zaehler::bisher();
+        return zaehleSystemaufrufe([&] {
+            OrvoErweiterungsManager::getInstanz();
+            return Zaehler::bisher().schliessungen - vorher.schliessungen == anzahl;
+        });
+    }
+};
+
+TEST_F(Systemaufrufe, AreElevenForASmallPlugin) {
+    if (!istKlein(test_plugins::StrippedOfDebugInformation))
+        GTEST_SKIP() << "the plugins of this build are large";
+    EXPECT_LE(jePlugin(test_plugins::StrippedOfDebugInformation), 11);
+}
+
+TEST_F(Systemaufrufe, AreThirteenForSixtyKilobytes) {
+    ASSERT_GT(fs::file_size(test_plugins::OfSixtyKilobytes), 58'000u);
+    EXPECT_LE(jePlugin(test_plugins::OfSixtyKilobytes), 13);
+}
+
+TEST_F(Systemaufrufe, AreThirteenForFourMegabytes) {
+    ASSERT_GT(fs::file_size(test_plugins::OfFourMegabytes), 3'500'000u);
+    EXPECT_LE(jePlugin(test_plugins::OfFourMegabytes), 13);
+}
+
+#endif
 
 class Wiederoeffnen : public StartAufwand {
 protected:

@@ -14,6 +14,8 @@ struct Zaehler {
     int dateien = 0;       ///< opened, not by the loader
     int lesungen = 0;      ///< from such files
     int zustaende = 0;     ///< queries of the state of a directory entry or an open file
+    int fragen = 0;        ///< whether a file is in memory
+    int ansagen = 0;       ///< of files to be read ahead
 
     /// The counts since the start of the program.
     static Zaehler bisher();
@@ -23,11 +25,24 @@ struct Zaehler {
         const Zaehler vorher = bisher();
         tu();
         const Zaehler nachher = bisher();
-        return {nachher.zuteilungen - vorher.zuteilungen,     nachher.oeffnungen - vorher.oeffnungen,
-                nachher.schliessungen - vorher.schliessungen, nachher.symbolsuchen - vorher.symbolsuchen,
-                nachher.verzeichnisse - vorher.verzeichnisse, nachher.dateien - vorher.dateien,
-                nachher.lesungen - vorher.lesungen,           nachher.zustaende - vorher.zustaende};
+        return {nachher.zuteilungen - vorher.zuteilungen,
+                nachher.oeffnungen - vorher.oeffnungen,
+                nachher.schliessungen - vorher.schliessungen,
+                nachher.symbolsuchen - vorher.symbolsuchen,
+                nachher.verzeichnisse - vorher.verzeichnisse,
+                nachher.dateien - vorher.dateien,
+                nachher.lesungen - vorher.lesungen,
+                nachher.zustaende - vorher.zustaende,
+                nachher.fragen - vorher.fragen,
+                nachher.ansagen - vorher.ansagen};
     }
+
+    /// What the system answers to the question whether a file is in memory.
+    enum class Speicherort { IM_SPEICHER, AUF_DER_PLATTE, UNBEKANNT };
+    static void setzeSpeicherort(Speicherort ort);
+    /// How many files were announced, at most, that had not been opened by the loader yet; since the last
+    /// `setzeSpeicherort`.
+    static int groessterVorsprung();
 
     /// Whether these calls are counted; a sanitizer replaces them itself.
     static bool zaehltLader();

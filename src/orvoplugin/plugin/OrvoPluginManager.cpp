@@ -5,6 +5,7 @@
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
 #include <orvoplugin/plugin/intern/Einzelinstanz.h>
 #include <orvoplugin/plugin/intern/Namensliste.h>
+#include <orvoplugin/plugin/intern/Vorlauf.h>
 #include <orvoutil/DirReader.h>
 #include <orvoutil/Einstellungen.h>
 #include <orvoutil/PathUtil.h>
@@ -50,6 +51,16 @@ std::set<std::string> gelesenePluginnamen() {
         namen.emplace(name);
     });
     return namen;
+}
+
+bool istGesperrt(std::string_view dateiname) {
+    return std::ranges::any_of(
+        kSperrliste, [&](std::string_view gesperrt) { return equalsIgnoreCase(dateiname, gesperrt); });
+}
+
+/// Whether a file of that name is loaded, unless an observer refuses it.
+bool istPlugindatei(const std::string& datei) {
+    return endsWith(datei, kPluginEndung) && !istGesperrt(datei);
 }
 
 /// The path of a file, with what follows its last dot in lower case.
@@ -272,8 +283,9 @@ bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
     if (!leser.getFehler().empty())
         log_.warn(leser.getFehler());
     bool erfolg = true;
+    Vorlauf vorlauf(ort, leser.getFiles(), istPlugindatei);
     for (const std::string& datei : leser.getFiles())
-        if (!nimmDatei(ort, datei))
+        if (!nimmDatei(ort, datei, vorlauf))
             erfolg = false;
     for (const std::string& unterverzeichnis : leser.getDirectories())
         if (!durchsuche(getFullFilename(ort, unterverzeichnis)))
@@ -283,8 +295,9 @@ bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
 }
 
 /// Returns: false for a plugin that was not loaded.
-bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::string& datei) {
-    const bool istGesperrt = isPluginGesperrt(datei);
+bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::string& datei,
+                                  Vorlauf& vorlauf) {
+    const bool istGesperrt = ::istGesperrt(datei);
     const std::string voll =
         istGesperrt ? getFullFilename(verzeichnis, datei) : pfadMitKleinerEndung(verzeichnis, datei);
     const auto art = istGesperrt                     ? LadeBeobachter::GESPERRT
@@ -294,12 +307,14 @@ bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::str
         log_.ereignis(kMarke, [&] { return "Plugin " + datei + " in Sperrliste. Wird ignoriert"; });
     if (ladeBeobachter)
         ladeBeobachter->findetDatei(verzeichnis, datei, art, voll);
-    return art != LadeBeobachter::PLUGIN || ladeDatei(voll);
+    if (art != LadeBeobachter::PLUGIN)
+        return true;
+    vorlauf.rueckeVor();
+    return ladeDatei(voll);
 }
 
 bool OrvoPluginManager::isPluginGesperrt(const std::string& dateiname) const {
-    return std::ranges::any_of(
-        kSperrliste, [&](std::string_view gesperrt) { return compareIgnoreCase(dateiname, gesperrt) == 0; });
+    return istGesperrt(dateiname);
 }
 
 bool OrvoPluginManager::isResidentPlugin(const std::string& pfad) const {

@@ -13,6 +13,7 @@
 class LadeBeobachter;
 class OrvoPlugin;
 class OrvoPluginLoader;
+class Vorlauf;
 
 /// Owner of all loaded plugins. It finds the plugin libraries below the subdirectory "plugins" of the home
 /// directory, loads each, and tells its observers; when the setting "basis.home_dir" changes it unloads them all
@@ -111,7 +112,7 @@ private:
     void holeWechselNach();
     void benachrichtigeAlle(void (PluginObserver::*operation)(OrvoPlugin*), OrvoPlugin* plugin);
     bool durchsuche(const std::string& verzeichnis);
-    bool nimmDatei(const std::string& verzeichnis, const std::string& datei);
+    bool nimmDatei(const std::string& verzeichnis, const std::string& datei, Vorlauf& vorlauf);
     bool ladeDatei(const std::string& pfad);
     OrvoPlugin* ladeBibliothek(OrvoPluginLoader& loader, const std::string& pfad);
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <list>
+#include <string>
+
+/// Reads the plugin files of a directory ahead of their loading, if the first of them is not in memory: the system's
+/// loader reads piece by piece and waits for each. Where files are in memory, a directory costs three system calls; where
+/// the system cannot tell, nothing is read ahead.
+///
+/// Ownership: refers to the name and the list.
+/// Errors: `std::bad_alloc`. A file that cannot be read is left to the loader.
+class Vorlauf {
+public:
+    using Dateien = std::list<std::string>;
+
+    /// Parameters: `istPlugin` selects the files that will be loaded.
+    Vorlauf(const std::string& verzeichnis, const Dateien& dateien, bool (*istPlugin)(const std::string&))
+        : verzeichnis_(verzeichnis),
+          istPlugin_(istPlugin),
+          naechste_(dateien.begin()),
+          ende_(dateien.end()) {}
+
+    /// Call before each of them is loaded.
+    void rueckeVor();
+
+private:
+    const std::string& verzeichnis_;
+    bool (*istPlugin_)(const std::string&);
+    Dateien::const_iterator naechste_, ende_; ///< what is still to be read
+    int voraus_ = -1; ///< how many files are read and not loaded yet; below zero before the first
+};
