@@ -5,6 +5,7 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/Spur.h>
 
+#include <atomic>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -20,14 +21,19 @@ struct EinzelinstanzTexte {
     const char* start;     ///< debug message before it is made
 };
 
-/// The registered object, made by `erzeuge` if there is none. A call that finds it writes nothing that threads share.
-///
-/// Returns: the object, owned by the `ObjectLifetimeManager`; null while or after that destroys its objects. Null too for
-/// the start-up and last code of a library while the object is being made: no exception may pass through the system's
-/// loader.
-/// Errors: `std::logic_error` for other callers while the object is being made; what `erzeuge` throws.
+/// The object that `holeEinzelinstanz` made, until its destructor has returned; else null.
+template <class T>
+__attribute__((visibility("hidden"))) inline std::atomic<T*> einzelinstanz = nullptr;
+
+template <class T>
+void beendeEinzelinstanz(void* objekt) noexcept {
+    delete static_cast<T*>(objekt);
+    einzelinstanz<T> = nullptr;
+}
+
+/// As `holeEinzelinstanz`, with the traces.
 template <class T, class Erzeuge>
-T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
+T* sucheEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
     using namespace orvo::orvoutil;
     static bool inArbeit = false;
     struct Arbeit {
@@ -49,8 +55,21 @@ T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
         log.debug(texte.start);
         const Arbeit arbeit;
         ObjectLifetimeManager::Platz platz(texte.name); // registering then cannot fail
-        instanz = platz.besetze(std::unique_ptr<T>(erzeuge()));
+        instanz = platz.besetze(std::unique_ptr<T>(erzeuge()), beendeEinzelinstanz<T>);
+        einzelinstanz<T> = instanz;
     }
     spur.ende();
     return instanz;
+}
+
+/// The registered object, made by `erzeuge` if there is none. A call that finds it writes nothing that threads share.
+///
+/// Returns: the object, owned by the `ObjectLifetimeManager`; null while or after that destroys its objects. Null too for
+/// the start-up and last code of a library while the object is being made: no exception may pass through the system's
+/// loader.
+/// Errors: `std::logic_error` for other callers while the object is being made; what `erzeuge` throws.
+template <class T, class Erzeuge>
+T* holeEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
+    T* const instanz = einzelinstanz<T>.load(std::memory_order_acquire);
+    return instanz && !orvo::orvoutil::Log::schreibtDebug() ? instanz : sucheEinzelinstanz<T>(texte, erzeuge);
 }
