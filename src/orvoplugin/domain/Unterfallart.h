@@ -42,8 +42,11 @@ public:
         return orvo::orvoutil::compareIgnoreCase(name_, other.name_);
     }
 
+    /// Whether `compare` gives 0.
     friend constexpr bool operator==(const Unterfallart& a, const Unterfallart& b) noexcept {
-        return a.compare(b) == 0;
+        if (a.nummer_ != OHNE_NUMMER && b.nummer_ != OHNE_NUMMER)
+            return a.nummer_ == b.nummer_;
+        return orvo::orvoutil::equalsIgnoreCase(a.name_, b.name_);
     }
     friend constexpr bool operator<(const Unterfallart& a, const Unterfallart& b) noexcept {
         return a.compare(b) < 0;

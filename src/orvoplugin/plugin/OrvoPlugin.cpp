@@ -5,10 +5,9 @@
 #include <orvoutil/PathUtil.h>
 #include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
+#include <orvoutil/StringUtil.h>
 
-#include <locale>
 #include <new>
-#include <sstream>
 #include <utility>
 
 using namespace orvo::orvoutil;
@@ -71,13 +70,8 @@ void OrvoPlugin::setOnUnloadFuncName(const std::string& name) { onUnloadFuncName
 
 std::string OrvoPlugin::toString() const {
     // By contract a blank follows only the last colon.
-    std::ostringstream text;
-    text.imbue(std::locale::classic()); // the host's may write "1.234"
-    text << "Typ:" << typ_ << std::endl
-         << "ProduktVersion:" << produktVersion_ << std::endl
-         << "FileVersion:" << fileVersion_ << std::endl
-         << "Bibliothek: " << getBibliotheksname() << std::endl;
-    return text.str();
+    return "Typ:" + int2String(typ_) + "\nProduktVersion:" + produktVersion_ +
+           "\nFileVersion:" + fileVersion_ + "\nBibliothek: " + getBibliotheksname() + "\n";
 }
 
 Log OrvoPlugin::logFuer(const char* klasse, const SharedLib* sharedLib) noexcept {

@@ -34,7 +34,9 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     if (!tuer.oeffne())
         scheitere(tuer.getSchritt(), BIBLIOTHEK_FEHLER, tuer.getGrund());
     using Typen = std::list<orvo_plugin_version_t>;
-    auto* const nenneTypen = tuer.funktion<void(Typen*)>("orvo_plugin_get_types");
+    static const std::string& kEinsprung =
+        *new std::string("orvo_plugin_get_types"); // used to the end of the process
+    auto* const nenneTypen = tuer.funktion<void(Typen*)>(kEinsprung);
     if (!nenneTypen)
         scheitere(ABLEHNUNG_OHNE_TYPEN, STRUKTUR_FEHLER,
                   "Einsprungpunkt(orvo_plugin_get_types) in Bibliothek nicht gefunden.");

@@ -7,7 +7,6 @@
 #include <orvoutil/Spur.h>
 #include <orvoutil/StringUtil.h>
 
-#include <sstream>
 #include <typeinfo>
 #include <utility>
 
@@ -29,10 +28,9 @@ const void* ortDerKlasse(const OrvoErweiterung& erweiterung) {
 /// A copy of the extension that outlives the plugin's library. Errors: `PluginInitException`.
 std::unique_ptr<OrvoErweiterung> bestaendigerKlon(const OrvoErweiterung& erweiterung,
                                                   const Pluginbibliothek& bibliothek) {
-    const std::string klasse = typeid(erweiterung).name();
     std::unique_ptr<OrvoErweiterung> klon(erweiterung.clone());
     if (!klon)
-        lehneErweiterungAb("Kopie der Erweiterung fehlt. Klasse: " + klasse);
+        lehneErweiterungAb(std::string("Kopie der Erweiterung fehlt. Klasse: ") + typeid(erweiterung).name());
     const OrvoErweiterung& kopie = *klon;
     const std::type_info& typDerKopie = typeid(kopie);
     if (bibliothek.enthaelt(ortDerKlasse(kopie)))
@@ -40,7 +38,7 @@ std::unique_ptr<OrvoErweiterung> bestaendigerKlon(const OrvoErweiterung& erweite
                            std::string(typDerKopie.name()));
     if (typDerKopie != typeid(erweiterung))
         lehneErweiterungAb("Kopie der Erweiterung hat eine andere Klasse: " +
-                           std::string(typDerKopie.name()) + " statt " + klasse);
+                           std::string(typDerKopie.name()) + " statt " + typeid(erweiterung).name());
     return klon;
 }
 
@@ -68,6 +66,8 @@ OrvoPluginV1::~OrvoPluginV1() {
 }
 
 void OrvoPluginV1::initialize() {
+    static const std::string& kEinsprung =
+        *new std::string("orvo_plugin_initialize");    // used to the end of the process
     const Spur spur(log_, "OrvoPluginV1::initialize"); // by contract without an exit line
     Pluginbibliothek& tuer = bibliothek();
     if (!tuer.oeffne())
@@ -75,7 +75,7 @@ void OrvoPluginV1::initialize() {
                                   "Bibliothek " + getBibliotheksname() +
                                       " konnte nicht geladen werden! Grund: " + tuer.getGrund());
 
-    auto* const initialisierung = tuer.funktion<bool(OrvoPluginV1*)>("orvo_plugin_initialize");
+    auto* const initialisierung = tuer.funktion<bool(OrvoPluginV1*)>(kEinsprung);
     if (!initialisierung) {
         tuer.setzeSchritt(ABLEHNUNG_OHNE_INITIALISIERUNG);
         tuer.schliesse();
@@ -177,10 +177,8 @@ OrvoPluginV1::providesUnterfallartUndVeranlagungszeitraum(const Unterfallart& ua
 }
 
 std::string OrvoPluginV1::toString() const {
-    std::ostringstream text(OrvoPlugin::toString(), std::ios_base::ate);
-    text.imbue(std::locale::classic()); // the host's may write "1.234"
-    text << "Erweiterungen:" << std::endl;
+    std::string text = OrvoPlugin::toString() + "Erweiterungen:\n";
     for (const auto& [typ, anzahl] : erweiterungsZaehler_)
-        text << typ << ": " << anzahl << std::endl;
-    return text.str();
+        text.append(erweiterungTypName(typ)).append(": ").append(int2String(anzahl)).append("\n");
+    return text;
 }

@@ -18,7 +18,9 @@
 #include <orvoutil/Spur.h>
 #include <orvoutil/StringUtil.h>
 
-#include <sstream>
+#include <charconv>
+#include <iterator>
+#include <ostream>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -47,13 +49,13 @@ OrvoVersion produktVersionVon(const OrvoErweiterung& erweiterung) {
     return OrvoVersion(plugin ? plugin->getProduktVersion() : std::string());
 }
 
-/// "Registriere Erweiterung(<address>,<kind>)"
+/// "Registriere Erweiterung(<address>,<kind>)", the address as a stream writes it.
 std::string registrierungVon(const OrvoErweiterung* erweiterung) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic()); // the host's may write "2.009"
-    text << "Registriere Erweiterung(" << static_cast<const void*>(erweiterung) << ","
-         << erweiterung->getTyp() << ")";
-    return text.str();
+    char adresse[2 * sizeof(void*)];
+    const auto ende = std::to_chars(std::begin(adresse), std::end(adresse),
+                                    reinterpret_cast<std::uintptr_t>(erweiterung), 16);
+    return "Registriere Erweiterung(0x" + std::string(adresse, ende.ptr) + "," +
+           erweiterungTypName(erweiterung->getTyp()) + ")";
 }
 
 std::string registrierungVon(const OrvoErweiterung* erweiterung, const Unterfallart& ua,
@@ -180,14 +182,14 @@ void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
 void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
     log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung); });
     // The first one stays, whatever the versions.
-    const auto [bestehender, neu] = trageEinWennFrei({finanzamtsSchluessel("Y"), erweiterung});
-    if (!registerBeobachter)
+    const ErweiterungsSchluessel schluessel = finanzamtsSchluessel("Y");
+    if (const Registerfund* const bestehender = suchindex_->finde(schluessel)) {
+        if (registerBeobachter)
+            registerBeobachter->abgewiesen(*bestehender->schluessel, *erweiterung, *bestehender->erweiterung,
+                                           REGEL_ERSTER_BLEIBT);
         return;
-    if (neu)
-        registerBeobachter->eingetragen(bestehender->first, *erweiterung);
-    else
-        registerBeobachter->abgewiesen(bestehender->first, *erweiterung, *bestehender->second,
-                                       REGEL_ERSTER_BLEIBT);
+    }
+    nimmAuf(erweiterung, schluessel.getUnterfallart(), schluessel.getVeranlagungszeitraum());
 }
 
 void OrvoErweiterungsManager::registriere(OrvoErweiterung* erweiterung) {
@@ -207,71 +209,76 @@ void OrvoErweiterungsManager::registriere(OrvoErweiterung* erweiterung) {
 
 void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua,
                                        const Veranlagungszeitraum& vz) {
-    const Register::value_type eintrag(std::piecewise_construct,
-                                       std::forward_as_tuple(erweiterung->getTyp(), ua, vz),
-                                       std::forward_as_tuple(erweiterung));
-    const auto [bestehender, neu] = trageEinWennFrei(eintrag);
-    if (neu) {
-        if (registerBeobachter)
-            registerBeobachter->eingetragen(eintrag.first, *erweiterung);
+    const Registerfund* const bestehender = suchindex_->finde(erweiterung->getTyp(), ua, vz.getJahr());
+    if (!bestehender) {
+        nimmAuf(erweiterung, ua, vz);
         return;
     }
     log_.ereignis(kMarke, [&] { return doppelter(erweiterung, ua, vz); });
-    const OrvoErweiterung& bisherige = *bestehender->second;
+    const OrvoErweiterung& bisherige = *bestehender->erweiterung;
     const OrvoVersion neueVersion = produktVersionVon(*erweiterung);
     const OrvoVersion bisherigeVersion = produktVersionVon(bisherige);
     if (neueVersion > bisherigeVersion) {
-        loesche(bestehender);
-        trageEinWennFrei(eintrag);
+        loesche(*bestehender->schluessel);
+        const ErweiterungsSchluessel& schluessel = fuegeEin(erweiterung, ua, vz);
         if (registerBeobachter)
-            registerBeobachter->verdraengt(eintrag.first, *erweiterung, bisherige, REGEL_HOEHERE_VERSION);
+            registerBeobachter->verdraengt(schluessel, *erweiterung, bisherige, REGEL_HOEHERE_VERSION);
     } else if (registerBeobachter) {
-        registerBeobachter->abgewiesen(eintrag.first, *erweiterung, bisherige,
+        registerBeobachter->abgewiesen({erweiterung->getTyp(), ua, vz}, *erweiterung, bisherige,
                                        bisherigeVersion > neueVersion ? REGEL_NIEDRIGERE_VERSION
                                                                       : REGEL_GLEICHE_VERSION);
     }
 }
 
-/// Enters the pair in the map and the index if the key is absent; on allocation failure in neither.
-std::pair<OrvoErweiterungsManager::Register::iterator, bool>
-OrvoErweiterungsManager::trageEinWennFrei(const Register::value_type& eintrag) {
-    const auto ergebnis = registrierteErweiterungen_.insert(eintrag);
-    if (ergebnis.second) {
-        try {
-            suchindex_->trageEin(ergebnis.first->first, eintrag.second);
-        } catch (...) {
-            registrierteErweiterungen_.erase(ergebnis.first);
-            throw;
-        }
+void OrvoErweiterungsManager::nimmAuf(OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                                      const Veranlagungszeitraum& vz) {
+    const ErweiterungsSchluessel& schluessel = fuegeEin(erweiterung, ua, vz);
+    if (registerBeobachter)
+        registerBeobachter->eingetragen(schluessel, *erweiterung);
+}
+
+/// Enters an absent key in the map and the index; on allocation failure in neither. Returns: the key.
+const ErweiterungsSchluessel& OrvoErweiterungsManager::fuegeEin(OrvoErweiterung* erweiterung,
+                                                                const Unterfallart& ua,
+                                                                const Veranlagungszeitraum& vz) {
+    const auto eintrag =
+        registrierteErweiterungen_
+            .emplace(std::piecewise_construct, std::forward_as_tuple(erweiterung->getTyp(), ua, vz),
+                     std::forward_as_tuple(erweiterung))
+            .first;
+    try {
+        suchindex_->trageEin(eintrag->first, erweiterung);
+    } catch (...) {
+        registrierteErweiterungen_.erase(eintrag);
+        throw;
     }
-    return ergebnis;
+    return eintrag->first;
 }
 
 /// Erases by key, whichever extension stands there.
 void OrvoErweiterungsManager::entferne(const OrvoErweiterung* erweiterung) {
     if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG) {
         const ErweiterungsSchluessel schluessel = finanzamtsSchluessel("YYYY");
-        streiche(schluessel.getTyp(), schluessel.getUnterfallart(), schluessel.getVeranlagungszeitraum());
+        streiche(suchindex_->finde(schluessel));
     } else if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung)) {
         for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap())
             for (const Veranlagungszeitraum& vz : vzs)
-                streiche(erweiterung->getTyp(), ua, vz);
+                streiche(suchindex_->finde(erweiterung->getTyp(), ua, vz.getJahr()));
     }
 }
 
 /// Allocates nothing: an entry that stayed would dangle.
-void OrvoErweiterungsManager::streiche(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                       const Veranlagungszeitraum& vz) {
-    const Registerfund* const fund = suchindex_->finde(typ, ua, vz.getJahr());
+void OrvoErweiterungsManager::streiche(const Registerfund* fund) {
     if (!fund)
         return;
     if (registerBeobachter)
         registerBeobachter->entfernt(*fund->schluessel, *fund->erweiterung);
-    loesche(registrierteErweiterungen_.find(*fund->schluessel));
+    loesche(*fund->schluessel);
 }
 
-void OrvoErweiterungsManager::loesche(Register::iterator eintrag) {
-    suchindex_->streiche(eintrag->first);
+void OrvoErweiterungsManager::loesche(const ErweiterungsSchluessel& schluessel) {
+    const auto eintrag = registrierteErweiterungen_.find(schluessel);
+    suchindex_->streiche(schluessel);
     registrierteErweiterungen_.erase(eintrag);
 }
 

@@ -14,7 +14,6 @@
 #include <list>
 #include <memory>
 #include <set>
-#include <utility>
 
 class OrvoDatensatzReaderErweiterung;
 class OrvoFADatenServiceErweiterung;
@@ -117,10 +116,12 @@ private:
     void registriereFinanzamtsDaten(OrvoErweiterung* erweiterung);
     void registriere(OrvoErweiterung* erweiterung);
     void trageEin(OrvoErweiterung* erweiterung, const Unterfallart& ua, const Veranlagungszeitraum& vz);
-    std::pair<Register::iterator, bool> trageEinWennFrei(const Register::value_type& eintrag);
+    void nimmAuf(OrvoErweiterung* erweiterung, const Unterfallart& ua, const Veranlagungszeitraum& vz);
+    const ErweiterungsSchluessel& fuegeEin(OrvoErweiterung* erweiterung, const Unterfallart& ua,
+                                           const Veranlagungszeitraum& vz);
     void entferne(const OrvoErweiterung* erweiterung);
-    void streiche(tag_erweiterung_typ typ, const Unterfallart& ua, const Veranlagungszeitraum& vz);
-    void loesche(Register::iterator eintrag);
+    void streiche(const Registerfund* fund);
+    void loesche(const ErweiterungsSchluessel& schluessel);
 
     const Registerfund* suche(tag_erweiterung_typ typ, const Unterfallart& ua,
                               const Veranlagungszeitraum& vz) const noexcept;

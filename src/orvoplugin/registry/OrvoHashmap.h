@@ -31,6 +31,12 @@ public:
     /// Returns: the key's entry, and whether it is new.
     std::pair<iterator, bool> insert(const value_type& eintrag) { return tabelle_.insert(eintrag); }
 
+    /// The same, for an entry made in its place.
+    template <class... Argumente>
+    std::pair<iterator, bool> emplace(Argumente&&... argumente) {
+        return tabelle_.emplace(std::forward<Argumente>(argumente)...);
+    }
+
     iterator erase(const_iterator eintrag) { return tabelle_.erase(eintrag); }
     iterator erase(iterator eintrag) { return tabelle_.erase(eintrag); }
     size_type erase(const Key& key) { return tabelle_.erase(key); }

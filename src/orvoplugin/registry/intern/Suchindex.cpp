@@ -46,9 +46,8 @@ bool Suchindex::Schluessel::operator==(const Schluessel& other) const noexcept {
                                     ErweiterungsSchluessel::streuwert(typ, other.ua->getNummer(), jahr));
 }
 
-const Registerfund* Suchindex::finde(tag_erweiterung_typ typ, const Unterfallart& ua,
-                                     std::int32_t jahr) const noexcept {
-    const auto gefunden = eintraege_.find(Schluessel(typ, ua, jahr));
+const Registerfund* Suchindex::finde(const Schluessel& schluessel) const noexcept {
+    const auto gefunden = eintraege_.find(schluessel);
     return gefunden == eintraege_.end() ? nullptr : &gefunden->second;
 }
 

@@ -21,7 +21,12 @@ class Suchindex {
 public:
     /// Returns: null if nothing stands under that key.
     const Registerfund* finde(tag_erweiterung_typ typ, const Unterfallart& ua,
-                              std::int32_t jahr) const noexcept;
+                              std::int32_t jahr) const noexcept {
+        return finde(Schluessel(typ, ua, jahr));
+    }
+    const Registerfund* finde(const ErweiterungsSchluessel& schluessel) const noexcept {
+        return finde(Schluessel(schluessel));
+    }
     /// Errors: `std::bad_alloc`; then the key does not stand here.
     void trageEin(const ErweiterungsSchluessel& schluessel, OrvoErweiterung* erweiterung);
     void streiche(const ErweiterungsSchluessel& schluessel) noexcept;
@@ -46,6 +51,8 @@ private:
             return static_cast<std::size_t>(schluessel.streuwert ^ schluessel.streuwert >> 32);
         }
     };
+
+    const Registerfund* finde(const Schluessel& schluessel) const noexcept;
 
     std::unordered_map<Schluessel, Registerfund, Streuwert> eintraege_;
 };
