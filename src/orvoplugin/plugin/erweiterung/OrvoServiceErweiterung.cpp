@@ -74,10 +74,10 @@ Service* OrvoServiceErweiterung::holeVon(OrvoPlugin& plugin) {
 
 Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
     auto* const factory = sucheFactory(plugin);
-    const std::string& bibliothek = plugin.getBibliotheksname();
     if (!factory) {
         log_.error([&] {
-            return "Konnte Funktion: " + serviceFactoryName_ + " in Plugin " + bibliothek + " nicht finden.";
+            return "Konnte Funktion: " + serviceFactoryName_ + " in Plugin " + plugin.getBibliotheksname() +
+                   " nicht finden.";
         });
         return nullptr;
     }
@@ -87,7 +87,7 @@ Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
                            [&](const char* grund) {
                                log_.error([&] {
                                    return "Ausnahme in Funktion: " + serviceFactoryName_ + " in Plugin " +
-                                          bibliothek + ": " + grund;
+                                          plugin.getBibliotheksname() + ": " + grund;
                                });
                            });
     return service;
@@ -168,6 +168,8 @@ void OrvoServiceErweiterung::release(Service* service) {
 /// Takes the object from the handles that hold it, the latest first, until so many are left.
 /// Returns: how many became orphaned.
 int OrvoServiceErweiterung::verwaiseUeberzaehlige(const Service* service, int erlaubte) noexcept {
+    if (!griffe_)
+        return 0;
     int haltende = 0;
     for (ServiceGriffBasis* griff = griffe_; griff; griff = griff->naechsterDerErweiterung())
         haltende += griff->haelt(service);

@@ -2,7 +2,13 @@
 
 #include <orvoutil/SharedLib.h>
 
+#ifdef __ELF__
+#include <link.h>
+#else
 #include <dlfcn.h>
+#endif
+
+#include <algorithm>
 
 using namespace orvo::orvoutil;
 
@@ -10,12 +16,24 @@ namespace {
 
 bool gibtEsAusnahme() noexcept { return std::uncaught_exceptions() > 0 || std::current_exception(); }
 
+#ifdef __ELF__
+extern "C" const ElfW(Ehdr) eigenerKopf __asm__("__ehdr_start") __attribute__((visibility("hidden")));
+#endif
+
 /// Whether an address lies in this library, which outlives every plugin.
 bool istEigenerCode(const void* adresse) {
-    Dl_info dort;
-    Dl_info hier;
+#ifdef __ELF__
+    const auto basis = reinterpret_cast<ElfW(Addr)>(&eigenerKopf);
+    const auto* segment = reinterpret_cast<const ElfW(Phdr)*>(basis + eigenerKopf.e_phoff);
+    const auto hatDie = [stelle = reinterpret_cast<ElfW(Addr)>(adresse) - basis](const ElfW(Phdr) & s) {
+        return s.p_type == PT_LOAD && stelle - s.p_vaddr < s.p_memsz;
+    };
+    return std::any_of(segment, segment + eigenerKopf.e_phnum, hatDie);
+#else
+    Dl_info dort, hier;
     return dladdr(adresse, &dort) && dladdr(reinterpret_cast<const void*>(&gibtEsAusnahme), &hier) &&
            dort.dli_fbase == hier.dli_fbase;
+#endif
 }
 
 } // namespace
@@ -87,7 +105,7 @@ void* Pluginbibliothek::symbol(const std::string& name) noexcept {
 }
 
 bool Pluginbibliothek::enthaelt(const void* adresse) const {
-    return bibliothek_ && bibliothek_->enthaelt(adresse) && !istEigenerCode(adresse);
+    return bibliothek_ && !istEigenerCode(adresse) && bibliothek_->enthaelt(adresse);
 }
 
 void Pluginbibliothek::schiebeAuf(Log log) noexcept {
