@@ -119,17 +119,21 @@ constexpr Latin1Text kNullen{u8"nicht zu Ende geschrieben: Abschnittstabelle end
 constexpr Latin1Text kFremdeAusgabe{u8"für eine andere Ausgabe gebaut: braucht "};
 constexpr Latin1Text kHier{u8", hier ist "};
 
-/// Throws a defect unless the condition holds.
-void verlange(bool erfuellt, Dateimangel sonst, std::string_view was, std::string_view grund = {}) {
-    if (!erfuellt)
-        throw Dateibefund{sonst, std::string(was).append(grund)};
+[[noreturn]] void scheitere(Dateimangel mangel, std::string_view was, std::string_view grund) {
+    throw Dateibefund{mangel, std::string(was).append(grund)};
 }
-void verlange(bool erfuellt, std::string_view was, std::string_view grund = {}) {
+
+/// Throws a defect unless the condition holds.
+inline void verlange(bool erfuellt, Dateimangel sonst, std::string_view was, std::string_view grund = {}) {
+    if (!erfuellt)
+        scheitere(sonst, was, grund);
+}
+inline void verlange(bool erfuellt, std::string_view was, std::string_view grund = {}) {
     verlange(erfuellt, BESCHAEDIGT, was, grund);
 }
-void verlange(bool erfuellt, std::size_t segment, std::string_view grund) {
+inline void verlange(bool erfuellt, std::size_t segment, std::string_view grund) {
     if (!erfuellt)
-        verlange(false, BESCHAEDIGT, "Segment " + std::to_string(segment), grund);
+        scheitere(BESCHAEDIGT, "Segment " + std::to_string(segment), grund);
 }
 
 template <class T>
