@@ -25,6 +25,9 @@ protected:
     explicit Abhaengigkeit(std::int32_t typ) : typ_(typ) {}
 
 private:
+    template <bool>
+    friend class Beschreibungsstrom;
+
     std::int32_t typ_;
 };
 

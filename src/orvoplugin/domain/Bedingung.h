@@ -30,6 +30,9 @@ protected:
     explicit Bedingung(std::int32_t typ) : typ_(typ) {}
 
 private:
+    template <bool>
+    friend class Beschreibungsstrom;
+
     std::int32_t typ_;
 };
 

@@ -53,6 +53,9 @@ public:
     }
 
 private:
+    template <bool>
+    friend class Beschreibungsstrom;
+
     std::int32_t nummer_;
     std::string name_;
 };

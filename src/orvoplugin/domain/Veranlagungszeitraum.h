@@ -62,6 +62,9 @@ public:
                                          const Veranlagungszeitraum& b) noexcept;
 
 private:
+    template <bool>
+    friend class Beschreibungsstrom;
+
     void lies(const std::string& ziffern, const std::string& format);
     void ordneEin();
 

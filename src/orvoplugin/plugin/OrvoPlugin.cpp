@@ -2,6 +2,7 @@
 
 #include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
 #include <orvoplugin/plugin/intern/Pluginbibliothek.h>
+#include <orvoutil/Latin1.h>
 #include <orvoutil/PathUtil.h>
 #include <orvoutil/SharedLib.h>
 #include <orvoutil/Spur.h>
@@ -11,6 +12,9 @@
 #include <utility>
 
 using namespace orvo::orvoutil;
+
+constexpr Latin1Text kVerdaechtig{
+    u8"Das Plugin wurde nach der Beschreibung in seiner Datei geladen, die falsch sein kann: "};
 
 OrvoPlugin::LabelEintrag::LabelEintrag() = default;
 OrvoPlugin::LabelEintrag::LabelEintrag(const LabelEintrag&) = default;
@@ -95,4 +99,9 @@ OrvoPlugin::Bibliothekszeiger OrvoPlugin::gibBibliothekAb() {
     Bibliothekszeiger abgegebene = std::exchange(bibliothek_, Pluginbibliothek::fuer(nullptr));
     sharedLib_ = nullptr;
     return abgegebene;
+}
+
+void OrvoPlugin::verdaechtigeBeschreibung() const {
+    if (beschrieben_)
+        log_.warn([&] { return kVerdaechtig.c_str() + getBibliotheksname(); });
 }

@@ -90,6 +90,8 @@ public:
     const std::string& getProduktVersion() const { return produktVersion_; }
     const std::string& getFileVersion() const { return fileVersion_; }
     const std::list<LabelEintrag>& getLabels() const { return labels_; }
+    /// Whether the record was made from the description in the library's file, and not by the library's code.
+    bool istBeschrieben() const { return beschrieben_; }
 
 protected:
     using Bibliothekszeiger = std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser>;
@@ -106,12 +108,16 @@ protected:
     Pluginbibliothek& bibliothek() const { return *bibliothek_; }
     /// Hands the library to the caller; the plugin is left without one.
     Bibliothekszeiger gibBibliothekAb();
+    /// Logs that the record may be wrong, if it was made from a description: the library is not as it says.
+    void verdaechtigeBeschreibung() const;
     /// As `setStatus`, without a trace in the log.
     void setzeStatus(orvo_plugin_status_t status) { status_ = status; }
     std::int32_t zaehleNutzerHoch() { return ++useCount_; }
     std::int32_t zaehleNutzerRunter() { return --useCount_; }
 
 private:
+    template <bool>
+    friend class Beschreibungsstrom;
     friend class OrvoServiceErweiterung;
     friend class ServiceGriffBasis;
 
@@ -122,6 +128,7 @@ private:
     std::string fileVersion_;
     std::list<LabelEintrag> labels_;
     bool resident_ = false;
+    bool beschrieben_ = false; ///< made from the description in its file
     std::int32_t useCount_ = 0;
     std::string onUnloadFuncName_;
     std::string onLoadFuncName_;

@@ -62,6 +62,8 @@ public:
 
 private:
     friend class OrvoPluginLoader;
+    template <bool>
+    friend class Beschreibungsstrom;
 
     explicit OrvoPluginV1(Bibliothekszeiger bibliothek);
     /// For a further type record of the same library: takes over the library and the earlier plugin.
