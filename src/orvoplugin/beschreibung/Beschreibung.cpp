@@ -374,7 +374,7 @@ std::unique_ptr<OrvoPluginV1> lies(Notiz& notiz, Pluginbibliothek::Zeiger& bibli
 
 std::unique_ptr<OrvoPluginV1> beschriebenesPlugin(Pluginbibliothek::Zeiger& bibliothek, Log log) {
     const SharedLib* const datei = bibliothek->get();
-    if (!datei || datei->isLoaded())
+    if (!datei || bibliothek->istOffen())
         return nullptr;
     Notiz notiz(datei->getName());
     Beschreibungsfund fund;

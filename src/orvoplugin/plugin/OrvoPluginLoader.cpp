@@ -1,5 +1,6 @@
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
 
+#include <orvoplugin/beschreibung/Beschriebenes.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginLoaderException.h>
 #include <orvoplugin/plugin/intern/Pluginbibliothek.h>
@@ -13,12 +14,33 @@ using namespace orvo::orvoutil;
 
 constexpr Latin1Text kUngueltigeVersion{u8"Ungültige Pluginversion"};
 
-OrvoPluginLoader::OrvoPluginLoader() = default;
+OrvoPluginLoader::OrvoPluginLoader() : OrvoPluginLoader(false) {}
+OrvoPluginLoader::OrvoPluginLoader(bool nimmtBeschreibungen) : nimmtBeschreibungen_(nimmtBeschreibungen) {}
 
 OrvoPluginLoader::~OrvoPluginLoader() { Pluginbibliothek::schliesseAufgeschobene(); }
 
 OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
     Pluginbibliothek::Zeiger bibliothek = Pluginbibliothek::fuer(uebergeben);
+    const Log log("orvo.plugin.loader.OrvoPluginLoader");
+    const Spur spur(log, "loadPlugin()");
+    auto plugin = nimmtBeschreibungen_ ? beschriebenesPlugin(bibliothek, log) : nullptr;
+    if (!plugin)
+        plugin = frage(std::move(bibliothek));
+
+    // By contract the message is the tag, and the text is empty.
+    log.ereignis(
+        [&] {
+            return "Kompatibles Plugin gefunden : Type=1,Version=" + plugin->getProduktVersion() +
+                   " Fileversion=" + plugin->getFileVersion();
+        },
+        "");
+    spur.ende();
+    return plugin.release();
+}
+
+/// Opens the library and has it describe itself.
+std::unique_ptr<OrvoPluginV1>
+OrvoPluginLoader::frage(std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser> bibliothek) {
     Pluginbibliothek& tuer = *bibliothek;
     std::unique_ptr<OrvoPluginV1> plugin; // owns the library once it is made
     const auto scheitere = [&](orvo_plugin_ablehnung_t schritt, orvo_plugin_loader_exception_typ_t typ,
@@ -28,9 +50,6 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
         bibliothek.reset();
         throw PluginLoaderException(typ, grund);
     };
-    const Log log("orvo.plugin.loader.OrvoPluginLoader");
-    const Spur spur(log, "loadPlugin()");
-
     if (!tuer.oeffne())
         scheitere(tuer.getSchritt(), BIBLIOTHEK_FEHLER, tuer.getGrund());
     using Typen = std::list<orvo_plugin_version_t>;
@@ -58,14 +77,5 @@ OrvoPlugin* OrvoPluginLoader::loadPlugin(SharedLib* uebergeben) {
             throw;
         }
     }
-
-    // By contract the message is the tag, and the text is empty.
-    log.ereignis(
-        [&] {
-            return "Kompatibles Plugin gefunden : Type=1,Version=" + plugin->getProduktVersion() +
-                   " Fileversion=" + plugin->getFileVersion();
-        },
-        "");
-    spur.ende();
-    return plugin.release();
+    return plugin;
 }

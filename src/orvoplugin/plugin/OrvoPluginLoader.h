@@ -3,7 +3,12 @@
 #include <orvoplugin/Export.h>
 #include <orvoplugin/plugin/LadeBeobachter.h>
 
+#include <memory>
+
 class OrvoPlugin;
+class OrvoPluginV1;
+class Pluginbibliothek;
+struct BibliotheksSchliesser;
 
 namespace orvo::orvoutil {
 class SharedLib;
@@ -17,6 +22,8 @@ class SharedLib;
 class ORVOPLUGIN_API OrvoPluginLoader {
 public:
     OrvoPluginLoader();
+    /// Parameters: with `nimmtBeschreibungen`, the description in a library's file stands for opening the library.
+    explicit OrvoPluginLoader(bool nimmtBeschreibungen);
     OrvoPluginLoader(const OrvoPluginLoader&) = delete;
     OrvoPluginLoader& operator=(const OrvoPluginLoader&) = delete;
     ~OrvoPluginLoader();
@@ -32,5 +39,8 @@ public:
     orvo_plugin_ablehnung_t getSchritt() const { return schritt_; }
 
 private:
+    std::unique_ptr<OrvoPluginV1> frage(std::unique_ptr<Pluginbibliothek, BibliotheksSchliesser> bibliothek);
+
     orvo_plugin_ablehnung_t schritt_ = ABLEHNUNG_OEFFNEN;
+    bool nimmtBeschreibungen_;
 };

@@ -28,6 +28,8 @@ namespace {
 constexpr char kMarke[] = "OrvoPluginManager"; // tag of this class's log entries
 constexpr char kPluginVerzeichnis[] = "plugins";
 constexpr char kPluginEndung[] = ".dylib";
+constexpr char kBeschreibungen[] = "basis.plugin_beschreibungen"; // where to take them from
+constexpr char kEingebettet[] = "eingebettet";                    // the plugin's file
 
 /// Libraries among the plugins of earlier releases that are none.
 constexpr std::string_view kSperrliste[] = {
@@ -175,6 +177,7 @@ bool OrvoPluginManager::ladePlugins() {
 bool OrvoPluginManager::ladePluginsRekursiv(const std::string& verzeichnis) {
     if (arbeit_ != Arbeit::Keine)
         return lehneAb("ladePluginsRekursiv()");
+    beginneLauf();
     const bool erfolg = durchsuche(verzeichnis);
     holeWechselNach();
     return erfolg;
@@ -185,6 +188,7 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
         return lehneAb("ladePlugin()");
     const std::string datei = pfad; // a copy: it may be the name of a plugin that is unloaded now
     holeWechselNach();
+    beginneLauf();
     const bool erfolg = ladeDatei(datei);
     holeWechselNach();
     return erfolg;
@@ -265,8 +269,13 @@ void OrvoPluginManager::initPluginSuchPfad() {
     setPluginSuchPfad(concatPath(Einstellungen().basisHomeDir(), kPluginVerzeichnis));
 }
 
+void OrvoPluginManager::beginneLauf() {
+    nimmtBeschreibungen_ = Einstellungen().wert(kBeschreibungen) == kEingebettet;
+}
+
 bool OrvoPluginManager::ladeAlle() {
     const Spur spur(log_, "ladePlugins()");
+    beginneLauf();
     const bool erfolg = durchsuche(pluginSuchPfad_);
     spur.ende();
     return erfolg;
@@ -335,7 +344,8 @@ bool OrvoPluginManager::ladeDatei(const std::string& pfad) {
         return false;
     const Spur spur(log_, "ladePlugin()");
     log_.ereignis(kMarke, [&] { return "Lese Bibliothek: " + pfad; });
-    OrvoPluginLoader loader; // outlives an exception of the plugin, then closes its library
+    OrvoPluginLoader loader(
+        nimmtBeschreibungen_); // outlives an exception of the plugin, then closes its library
     OrvoPlugin* plugin = nullptr;
     const bool geladen = Pluginbibliothek::rufe(
         [&] {

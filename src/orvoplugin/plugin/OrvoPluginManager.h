@@ -107,6 +107,7 @@ private:
     bool wirdGeladen(const std::string& pfad) const;
     bool lehneAb(const char* auftrag) const;
     void entladeAlle();
+    void beginneLauf();
     bool ladeAlle();
     void wechsleHome();
     void holeWechselNach();
@@ -124,4 +125,5 @@ private:
     Arbeit arbeit_ = Arbeit::Keine;
     const Ladevorgang* ladevorgang_ = nullptr; ///< the innermost one
     bool wechselSteht_ = false;                ///< a change of the home directory is to be carried out
+    bool nimmtBeschreibungen_ = false;         ///< by the setting, as of the last loading run
 };

@@ -135,17 +135,22 @@ bool OrvoPluginV1::oeffne() {
     };
     if (Pluginbibliothek::rufe([&] { offen = bibliothek().oeffne(); }, melde) && !offen)
         melde(bibliothek().getGrund());
+    if (!offen)
+        verdaechtigeBeschreibung();
     return offen;
 }
 
 void OrvoPluginV1::rufeHook(const std::string& name, const char* nichtGefunden, const char* ausnahme) {
     if (name.empty())
         return;
-    if (auto* const hook = bibliothek().funktion<void()>(name))
-        Pluginbibliothek::rufe(
-            hook, [&](const char* grund) { log_.warn([&] { return std::string(ausnahme) + grund; }); });
-    else
+    auto* const hook = bibliothek().funktion<void()>(name);
+    if (!hook) {
         log_.warn(nichtGefunden);
+        verdaechtigeBeschreibung();
+        return;
+    }
+    Pluginbibliothek::rufe(
+        hook, [&](const char* grund) { log_.warn([&] { return std::string(ausnahme) + grund; }); });
 }
 
 void OrvoPluginV1::addErweiterung(const OrvoErweiterung& erweiterung) {

@@ -79,6 +79,8 @@ Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
             return "Konnte Funktion: " + serviceFactoryName_ + " in Plugin " + plugin.getBibliotheksname() +
                    " nicht finden.";
         });
+        if (plugin.bibliothek().istOffen())
+            plugin.verdaechtigeBeschreibung();
         return nullptr;
     }
     Service* service = nullptr;

@@ -53,7 +53,7 @@ Pluginbibliothek::~Pluginbibliothek() {
 
 void BibliotheksSchliesser::operator()(Pluginbibliothek* bibliothek) const noexcept {
     Pluginbibliothek::schliesseAufgeschobene();
-    if (bibliothek->bibliothek_ && bibliothek->bibliothek_->isLoaded() && gibtEsAusnahme()) {
+    if (bibliothek->istOffen() && gibtEsAusnahme()) {
         bibliothek->schiebeAuf(bibliothek->log_);
         bibliothek->herrenlos_ = true;
     } else {
@@ -61,6 +61,8 @@ void BibliotheksSchliesser::operator()(Pluginbibliothek* bibliothek) const noexc
         delete bibliothek;
     }
 }
+
+bool Pluginbibliothek::istOffen() const { return bibliothek_ && bibliothek_->isLoaded(); }
 
 bool Pluginbibliothek::oeffne() {
     schliesseAufgeschobene();
@@ -82,7 +84,7 @@ std::string Pluginbibliothek::getGrund() const {
 
 void Pluginbibliothek::schliesse(Log log) noexcept {
     schliesseAufgeschobene();
-    if (bibliothek_ && bibliothek_->isLoaded() && gibtEsAusnahme())
+    if (istOffen() && gibtEsAusnahme())
         schiebeAuf(log);
     else
         schliesseJetzt(log);

@@ -58,6 +58,7 @@ public:
     orvo_plugin_ablehnung_t getSchritt() const noexcept { return schritt_; }
     void setzeSchritt(orvo_plugin_ablehnung_t schritt) noexcept { schritt_ = schritt; }
 
+    bool istOffen() const;
     /// Returns: whether the library is open now; if not, `getGrund` says why. Throws what its start-up code throws.
     bool oeffne();
     std::string getGrund() const;
