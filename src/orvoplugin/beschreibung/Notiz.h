@@ -1,36 +1,101 @@
 #pragma once
 
+#include <orvoplugin/plugin/Beschreibungsplatz.h>
+
+#include <fcntl.h>
+#ifdef __linux__
+#include <link.h>
+#endif
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstddef>
-#include <cstdint>
+#include <cstring>
 #include <string>
 
-/// The longest description that is written and read.
+/// The longest description that is written and read, without its head.
 constexpr std::size_t kHoechstlaengeEinerBeschreibung = 32000;
 
+#ifdef __linux__
+/// The header of the library that this code is in: class, byte order and processor must be the same.
+extern "C" const ElfW(Ehdr) kopfDieserBibliothek __asm__("__ehdr_start")
+    __attribute__((visibility("hidden")));
+#endif
+
 /// The note with the room for a description, near the beginning of a plugin's file. The file is read like a text, in three
-/// system calls, or four where the beginning is not enough.
+/// system calls, or four where its first page is not enough. A file without the note has no room.
 class Notiz {
 public:
-    /// A file that cannot be opened, or is no library of this machine's kind, has no note.
-    explicit Notiz(const std::string& pfad);
+    explicit Notiz(const std::string& pfad) : deskriptor_(oeffne(pfad)) {
+#ifdef __linux__ // other systems' files have no notes
+        ElfW(Ehdr) kopf;
+        ElfW(Phdr) segment;
+        if (!lies(0, kopf) || std::memcmp(kopf.e_ident, kopfDieserBibliothek.e_ident, EI_VERSION + 1) != 0 ||
+            kopf.e_type != ET_DYN || kopf.e_machine != kopfDieserBibliothek.e_machine ||
+            kopf.e_phentsize != sizeof(segment))
+            return;
+        for (std::size_t i = 0; i < kopf.e_phnum && lies(kopf.e_phoff + i * sizeof(segment), segment); ++i)
+            if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
+                segment.p_filesz <= UINT32_MAX &&
+                suche(segment.p_offset, segment.p_offset + segment.p_filesz, segment.p_align == 8 ? 8 : 4))
+                return;
+#endif
+    }
     Notiz(const Notiz&) = delete;
-    ~Notiz();
-
-    /// Returns: the first bytes of the room; null if there are fewer in the room or in what is read of the file.
-    const unsigned char* bytes(std::size_t anzahl) {
-        return anzahl <= platz ? hole(stelle, anzahl) : nullptr;
+    ~Notiz() {
+        if (deskriptor_ >= 0)
+            close(deskriptor_);
     }
 
-    std::uint64_t stelle = 0; ///< where the room begins in the file; 0 without one
-    std::uint32_t platz = 0;  ///< its size in bytes
+    /// Returns: the first bytes of the room; null if there are fewer in the room or in what is read of the file.
+    const char* bytes(std::size_t anzahl) { return anzahl <= platz ? hole(stelle, anzahl) : nullptr; }
+
+    std::uint64_t stelle = 0; ///< where the room begins in the file
+    std::uint32_t platz = 0;  ///< its size
 
 private:
-    void suche();
-    void sucheIn(std::uint64_t ab, std::uint64_t ende, std::uint64_t ausrichtung);
-    const unsigned char* hole(std::uint64_t ab, std::size_t anzahl);
-    void liesBis(std::size_t laenge);
+    /// Never waits for a FIFO or a device, and never makes a terminal the process's own.
+    static int oeffne(const std::string& pfad) {
+        const bool hatNullbyte = pfad.find('\0') != std::string::npos;
+        return hatNullbyte ? -1 : open(pfad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    }
+    bool suche(std::uint64_t ab, std::uint64_t ende, std::uint64_t ausrichtung) {
+        constexpr OrvoNotizkopf gesucht{.platz = 0};
+        const auto aufgerundet = [=](std::uint64_t n) { return (n + ausrichtung - 1) & ~(ausrichtung - 1); };
+        for (OrvoNotizkopf kopf; ab < ende && lies(ab, kopf);) {
+            const std::uint64_t inhalt =
+                ab + aufgerundet(offsetof(OrvoNotizkopf, name) + std::uint64_t{kopf.namenslaenge});
+            if (kopf.namenslaenge == gesucht.namenslaenge && kopf.art == gesucht.art &&
+                std::memcmp(kopf.name, gesucht.name, gesucht.namenslaenge) == 0 &&
+                inhalt + kopf.platz <= ende) {
+                stelle = inhalt;
+                platz = kopf.platz;
+                return true;
+            }
+            ab = inhalt + aufgerundet(kopf.platz);
+        }
+        return false;
+    }
+    bool lies(std::uint64_t ab, auto& ziel) {
+        const char* const bytes = hole(ab, sizeof(ziel));
+        if (bytes)
+            std::memcpy(&ziel, bytes, sizeof(ziel));
+        return bytes;
+    }
+    const char* hole(std::uint64_t ab, std::size_t anzahl) {
+        if (ab > sizeof(bytes_) || anzahl > sizeof(bytes_) - ab)
+            return nullptr;
+        if (ab + anzahl > gelesen_ && (gelesen_ == 0 || gelesen_ == kErsteLesung)) {
+            const std::size_t hoechstens = gelesen_ == 0 ? kErsteLesung : sizeof(bytes_) - kErsteLesung;
+            const ssize_t neue =
+                pread(deskriptor_, bytes_ + gelesen_, hoechstens, static_cast<off_t>(gelesen_));
+            gelesen_ += static_cast<std::size_t>(std::max<ssize_t>(neue, 0));
+        }
+        return ab + anzahl <= gelesen_ ? bytes_ + ab : nullptr;
+    }
 
+    static constexpr std::size_t kErsteLesung = 4096;
     int deskriptor_;
     std::size_t gelesen_ = 0;
-    unsigned char bytes_[kHoechstlaengeEinerBeschreibung + (std::size_t{8} << 10)];
+    char bytes_[kErsteLesung + kHoechstlaengeEinerBeschreibung];
 };

@@ -155,14 +155,17 @@ void OrvoPluginV1::rufeHook(const std::string& name, const char* nichtGefunden, 
 
 void OrvoPluginV1::addErweiterung(const OrvoErweiterung& erweiterung) {
     const Spur spur(log_, "OrvoPluginV1::addErweiterung");
-    std::unique_ptr<OrvoErweiterung> klon = bestaendigerKlon(erweiterung, bibliothek());
-    klon->setPlugin(this);
-    log_.debug(kFuegeAn);
-    std::int32_t& anzahl = erweiterungsZaehler_[klon->getTyp()];
-    erweiterungen_.push_back(klon.get());
-    klon.release();
-    ++anzahl;
+    nimmAuf(bestaendigerKlon(erweiterung, bibliothek()));
     spur.ende();
+}
+
+void OrvoPluginV1::nimmAuf(std::unique_ptr<OrvoErweiterung> erweiterung) {
+    erweiterung->setPlugin(this);
+    log_.debug(kFuegeAn);
+    std::int32_t& anzahl = erweiterungsZaehler_[erweiterung->getTyp()];
+    erweiterungen_.push_back(erweiterung.get());
+    erweiterung.release();
+    ++anzahl;
 }
 
 std::list<tag_erweiterung_typ>

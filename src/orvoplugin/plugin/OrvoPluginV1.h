@@ -69,6 +69,8 @@ private:
     /// For a further type record of the same library: takes over the library and the earlier plugin.
     explicit OrvoPluginV1(std::unique_ptr<OrvoPluginV1> frueheres);
 
+    /// Keeps an extension whose class outlives the plugin's library.
+    void nimmAuf(std::unique_ptr<OrvoErweiterung> erweiterung);
     bool oeffne();
     void rufeHook(const std::string& name, const char* nichtGefunden, const char* ausnahme);
 
