@@ -308,8 +308,9 @@ static std::unique_ptr<OrvoPluginV1> lies(Notiz& notiz, Pluginbibliothek::Zeiger
     Leser kopf{hole(anfang)};
     std::uint32_t format, ausgabe, laenge, summe, hohe;
     kopf.werte(format);
-    fund.stand = format == 0 ? fund.LEER : fund.GEFUNDEN;
-    if (format == 0)
+    const bool istLeer = format == 0 && kopf.bytes.find_first_not_of('\0') == kopf.bytes.npos;
+    fund.stand = istLeer ? fund.LEER : fund.GEFUNDEN;
+    if (istLeer)
         return nullptr;
     verlange(format == kFormat, kAndereAusgabe);
     kopf.werte(ausgabe, laenge, summe, hohe);
