@@ -12,6 +12,7 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 
 #include "TestPlugins.h"
+#include "support/Beschriftung.h"
 #include "support/Prozess.h"
 #include "support/Verzeichnis.h"
 
@@ -42,14 +43,20 @@ public:
     void write(const orvo::orvoutil::LogEntry&) override {}
 };
 
-/// Runs with no log, and with everything written to one.
-class SpeichermangelAblauf : public testing::TestWithParam<bool> {
+struct Umstaende {
+    bool mitProtokoll; ///< everything is written to a log
+    bool beschrieben;  ///< the plugins are loaded from the descriptions in their files
+};
+
+class SpeichermangelAblauf : public testing::TestWithParam<Umstaende> {
 protected:
     SpeichermangelAblauf() {
         lege("liba.dylib", "produktversion 1.0\nloeschen\ncheck 10 2009\nfinanzamt\n");
         lege("libb.dylib", "loeschen\ncheck " + kB.getName() + " 2009\n");
         Einstellungen().setze("basis.home_dir", home_.pfad());
-        if (GetParam()) {
+        if (GetParam().beschrieben)
+            Einstellungen().setze("basis.plugin_beschreibungen", "eingebettet");
+        if (GetParam().mitProtokoll) {
             Logger::setSink(std::make_shared<StummeSenke>());
             Logger::setLevel(LogLevel::Debug);
         }
@@ -59,6 +66,7 @@ protected:
         ObjectLifetimeManager::instance().destroyAll();
         Logger::setSink(nullptr);
         Einstellungen().setze("basis.home_dir", "");
+        Einstellungen().setze("basis.plugin_beschreibungen", "");
         EXPECT_EQ(offeneDeskriptoren(), vorher_);
     }
 
@@ -69,7 +77,9 @@ protected:
 
     void lege(const std::string& name, const std::string& beschreibung) const {
         home_.schreibe("plugins/" + name + ".txt", beschreibung);
-        home_.kopiere(test_plugins::DescribedByFile, "plugins/" + name);
+        const std::string pfad = home_.kopiere(test_plugins::DescribedByFile, "plugins/" + name);
+        if (GetParam().beschrieben)
+            beschrifte(pfad);
     }
 
     static OrvoErweiterungsManager& registry() { return *OrvoErweiterungsManager::getInstanz(); }
@@ -266,5 +276,10 @@ TEST_P(SpeichermangelAblauf, OfAChangeOfTheHomeIsMendedByAReload) {
         });
 }
 
-INSTANTIATE_TEST_SUITE_P(, SpeichermangelAblauf, testing::Bool(),
-                         [](const auto& fall) { return fall.param ? "WithALog" : "WithoutALog"; });
+INSTANTIATE_TEST_SUITE_P(, SpeichermangelAblauf,
+                         testing::Values(Umstaende{false, false}, Umstaende{true, false},
+                                         Umstaende{false, true}, Umstaende{true, true}),
+                         [](const auto& fall) {
+                             return std::string(fall.param.mitProtokoll ? "WithALog" : "WithoutALog") +
+                                    (fall.param.beschrieben ? "FromDescriptions" : "");
+                         });

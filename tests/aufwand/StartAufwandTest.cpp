@@ -10,6 +10,7 @@
 
 #include "Systemaufrufe.h"
 #include "TestPlugins.h"
+#include "support/Beschriftung.h"
 #include "support/Verzeichnis.h"
 
 #include <dlfcn.h>
@@ -103,6 +104,20 @@ TEST_F(StartAufwand, TakesMemoryForWhatItKeepsAndForFewOtherThings) {
     // Kept: the plugin and the manager's note of it, its library and that one's name and owner. Passing: an entry of the
     // directory's list, its name, its path, and the type record.
     EXPECT_LE(jePlugin, 5 + 4);
+}
+
+TEST_F(StartAufwand, ADescribedPluginIsReadOnceAndNotOpened) {
+    legePluginsAn("plugins");
+    for (const auto& datei : fs::directory_iterator(home_.pfad("plugins")))
+        beschrifte(datei.path());
+    orvo::orvoutil::Einstellungen().setze("basis.plugin_beschreibungen", "eingebettet");
+    const Zaehler zaehler = starte();
+    EXPECT_EQ(geladene(), std::size_t{kPlugins});
+    EXPECT_EQ(zaehler.dateien, kPlugins + 1); // with the closing, three calls of the system for a plugin
+    EXPECT_EQ(zaehler.lesungen, kPlugins);
+    EXPECT_EQ(zaehler.zustaende, 0);
+    EXPECT_EQ(zaehler.oeffnungen, 0);
+    EXPECT_EQ(zaehler.symbolsuchen, 0);
 }
 
 /// Files that are not in memory are announced before they are loaded.
