@@ -2,6 +2,7 @@
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
+#include <orvoplugin/plugin/PluginInitException.h>
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFTDatenServiceErweiterung.h>
@@ -13,6 +14,7 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 
 #include "TestPlugins.h"
+#include "support/Beschriftung.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -49,6 +51,11 @@ void lassVerwaisen(const Plugin& plugin) {
     return dynamic_cast<OrvoServiceErweiterung&>(*erweiterung).holeService();
 }
 
+void schreibe(const std::string& datei, const std::string& text) {
+    std::filesystem::remove(datei); // overwriting a file waits for the disk on some file systems
+    std::ofstream(datei) << text;
+}
+
 } // namespace
 
 Aufbau::Aufbau() {
@@ -60,6 +67,7 @@ Aufbau::Aufbau() {
     const auto zweites = lege({"b/plugins/liba.dylib", "b/plugins/libe.dylib"});
     homes_.emplace_back(verzeichnis_.pfad("b"), zweites);
     lege({"lose/libf.dylib", "lose/libg.dylib", "lose/libh.dylib"});
+    befragte_ = verzeichnis_.kopiere(test_plugins::DescribedByFile, "befragte.dylib");
 }
 
 std::vector<std::size_t> Aufbau::lege(const std::vector<std::string>& namen) {
@@ -68,23 +76,40 @@ std::vector<std::size_t> Aufbau::lege(const std::vector<std::string>& namen) {
         nummern.push_back(dateien_.size());
         dateien_.push_back(verzeichnis_.kopiere(test_plugins::DescribedByFile, name));
         texte_.emplace_back();
+        eingebettete_.emplace_back("not filled yet");
     }
     return nummern;
 }
 
-void Aufbau::beschreibe(std::size_t datei, const std::string& text) {
-    if (texte_[datei] == text)
-        return;
-    const std::string name = dateien_[datei] + ".txt";
-    std::filesystem::remove(name); // overwriting a file waits for the disk on some file systems
-    std::ofstream(name) << text;
+void Aufbau::beschreibe(std::size_t datei, const std::string& text, bool eingebettet) {
+    if (texte_[datei] != text)
+        schreibe(dateien_[datei] + ".txt", text);
     texte_[datei] = text;
+    if (eingebettet && eingebettete_[datei] != text)
+        bette(datei, text);
 }
 
-Lauf::Lauf(Aufbau& aufbau, const Mitschnitt* protokoll)
-    : aufbau_(aufbau), protokoll_(protokoll), beschreibungen_(aufbau.dateien().size()) {
+void Aufbau::bette(std::size_t datei, const std::string& text) {
+    const auto [eintrag, istNeu] = beschreibungen_.try_emplace(text);
+    if (istNeu) {
+        schreibe(befragte_ + ".txt", text);
+        try {
+            eintrag->second = erfragteBeschreibung(befragte_);
+        } catch (const PluginInitException&) { // it refuses; so the file has no description
+        }
+    }
+    trageEin(dateien_[datei], eintrag->second);
+    eingebettete_[datei] = text;
+}
+
+Lauf::Lauf(Aufbau& aufbau, bool eingebettet, const Mitschnitt* protokoll)
+    : aufbau_(aufbau),
+      eingebettet_(eingebettet),
+      protokoll_(protokoll),
+      beschreibungen_(aufbau.dateien().size()) {
     for (std::size_t datei = 0; datei < beschreibungen_.size(); ++datei)
-        aufbau_.beschreibe(datei, beschreibungen_[datei].text());
+        aufbau_.beschreibe(datei, beschreibungen_[datei].text(), eingebettet_);
+    Einstellungen().setze("basis.plugin_beschreibungen", eingebettet_ ? "eingebettet" : "");
     Einstellungen().setze("basis.home_dir", aufbau_.home(home_));
     beginne();
 }
@@ -93,6 +118,7 @@ Lauf::~Lauf() {
     entladeAlle();
     ObjectLifetimeManager::instance().destroyAll();
     Einstellungen().setze("basis.home_dir", "");
+    Einstellungen().setze("basis.plugin_beschreibungen", "");
 }
 
 std::optional<std::string> Lauf::fuehreAus(const Folge& folge) {
@@ -114,7 +140,7 @@ void Lauf::fuehreAus(const Schritt& schritt) {
     switch (schritt.art) {
     case Schritt::Art::BESCHREIBE:
         beschreibungen_[schritt.wen] = schritt.beschreibung;
-        return aufbau_.beschreibe(schritt.wen, schritt.beschreibung.text());
+        return aufbau_.beschreibe(schritt.wen, schritt.beschreibung.text(), eingebettet_);
     case Schritt::Art::HOME:
         return setzeHome(schritt.wen);
     case Schritt::Art::LADE_DATEI:

@@ -5,6 +5,7 @@
 
 #include "support/Verzeichnis.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -31,23 +32,28 @@ public:
     /// The files below that home directory, in load order.
     const std::vector<std::size_t>& dateienIn(std::size_t home) const { return homes_[home].second; }
 
-    /// Writes the text file beside that file.
-    void beschreibe(std::size_t datei, const std::string& text);
+    /// Writes the text file beside that file, and on request the same as a description into the file.
+    void beschreibe(std::size_t datei, const std::string& text, bool eingebettet);
 
 private:
     std::vector<std::size_t> lege(const std::vector<std::string>& namen);
+    void bette(std::size_t datei, const std::string& text);
 
     Verzeichnis verzeichnis_;
     std::vector<std::string> dateien_;
-    std::vector<std::string> texte_; ///< the text files beside the plugin files; empty at first
+    std::vector<std::string> texte_;        ///< the text files beside the plugin files; empty at first
+    std::vector<std::string> eingebettete_; ///< what the descriptions in the plugin files were made from
+    std::map<std::string, std::string> beschreibungen_; ///< made from texts
+    std::string befragte_;                              ///< a plugin file that makes them
     std::vector<std::pair<std::string, std::vector<std::size_t>>> homes_;
 };
 
 /// One sequence, run on the libraries and on the model side by side.
 class Lauf {
 public:
-    /// With a log of the libraries, its lines are compared too.
-    explicit Lauf(Aufbau& aufbau, const Mitschnitt* protokoll = nullptr);
+    /// The plugins are loaded from the descriptions in their files, or asked. With a log of the libraries, its lines are
+    /// compared too.
+    Lauf(Aufbau& aufbau, bool eingebettet, const Mitschnitt* protokoll);
     Lauf(const Lauf&) = delete;
     Lauf& operator=(const Lauf&) = delete;
     ~Lauf();
@@ -85,6 +91,7 @@ private:
     OrvoErweiterung* echte(const Erweiterung* erweiterung) const;
 
     Aufbau& aufbau_;
+    const bool eingebettet_;
     const Mitschnitt* protokoll_;
     std::vector<Beschreibung> beschreibungen_;
     std::size_t home_ = 0;

@@ -35,12 +35,18 @@ protected:
         return modell::Erzeuger(saat).folge(kSchritte, aufbau_.dateien().size(), aufbau_.anzahlHomes());
     }
 
-    /// Every fourth sequence runs with a log.
+    /// Every sequence runs on plugins that are asked, and on plugins that are loaded from their descriptions. Every fourth
+    /// one runs with a log.
     std::optional<std::string> unterschied(const Folge& folge, std::uint64_t saat) {
-        std::optional<Mitschnitt> mitschnitt;
-        if (saat % 4 == 0)
-            mitschnitt.emplace();
-        return Lauf(aufbau_, mitschnitt ? &*mitschnitt : nullptr).fuehreAus(folge);
+        for (const bool eingebettet : {false, true}) {
+            std::optional<Mitschnitt> mitschnitt;
+            if (saat % 4 == 0)
+                mitschnitt.emplace();
+            if (auto erster =
+                    Lauf(aufbau_, eingebettet, mitschnitt ? &*mitschnitt : nullptr).fuehreAus(folge))
+                return (eingebettet ? "from descriptions: " : "") + *erster;
+        }
+        return std::nullopt;
     }
 
     std::optional<std::string> unterschiedEinzeln(const Folge& folge, std::uint64_t saat) {

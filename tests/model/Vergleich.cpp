@@ -90,6 +90,7 @@ void Lauf::vergleiche() {
 
 void Lauf::vergleichePlugin(const Plugin& soll, const OrvoPluginV1& ist) {
     gleich("Pfad", soll.pfad, ist.getSharedLib()->getName());
+    gleich("beschrieben", eingebettet_, ist.istBeschrieben());
     gleich("Version", soll.beschreibung.version, ist.getProduktVersion());
     gleich("Nutzer", soll.nutzer, static_cast<int>(ist.getUseCount()));
     gleich("Status", soll.status, static_cast<int>(ist.getStatus()));
