@@ -3,11 +3,8 @@
 
 #include <orvoelf/Dateiblick.h>
 
-#include "Eingabe.h"
+#include "Speicher.h"
 #include "datei/ElfInhalt.h"
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <bit>
 #include <cstring>
@@ -15,27 +12,6 @@
 #include <string>
 
 using namespace orvo::orvoelf;
-
-namespace {
-
-/// A file in memory.
-class Speicher {
-public:
-    Speicher(const std::uint8_t* daten, std::size_t laenge) : deskriptor_(memfd_create("elf", MFD_CLOEXEC)) {
-        verlange(write(deskriptor_, daten, laenge) == static_cast<ssize_t>(laenge),
-                 "there is room in memory");
-    }
-    Speicher(const Speicher&) = delete;
-    Speicher& operator=(const Speicher&) = delete;
-    ~Speicher() { close(deskriptor_); }
-
-    std::string pfad() const { return "/proc/self/fd/" + std::to_string(deskriptor_); }
-
-private:
-    int deskriptor_;
-};
-
-} // namespace
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* daten, std::size_t laenge, std::size_t hoechstens);
 
@@ -68,7 +44,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* daten, std::size_t 
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* daten, std::size_t laenge) {
-    const Speicher speicher(daten, laenge);
+    const Speicher speicher({reinterpret_cast<const char*>(daten), laenge});
     const Dateibefund befund = blickeAufDatei(speicher.pfad());
     verlange(befund.istLadbar() == befund.grund.empty(), "a file is refused with a reason");
     verlange(blickeAufDatei(speicher.pfad()).grund == befund.grund, "the result is always the same");
