@@ -11,7 +11,8 @@ namespace orvo::orvoutil {
 constexpr char EINSTELLUNG_HOME_DIR[] = "basis.home_dir";
 
 /// Handle on the settings of the process. All handles see the same settings, which live as long as the process.
-/// The libraries read "basis.home_dir" and "basis.resident_plugins"; other keys are kept for callers.
+/// The libraries read "basis.home_dir", "basis.resident_plugins" and "basis.plugin_beschreibungen" (where the descriptions
+/// of plugins are taken from; see `OrvoPluginManager`); other keys are kept for callers.
 ///
 /// Errors: `std::bad_alloc`, and what observers throw (see `setze`).
 /// Encoding: keys and values are bytes, kept as given.

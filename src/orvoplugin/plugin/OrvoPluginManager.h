@@ -19,6 +19,9 @@ class Vorlauf;
 /// directory, loads each, and tells its observers; when the setting "basis.home_dir" changes it unloads them all
 /// and loads what lies below the new one.
 ///
+/// With the setting "basis.plugin_beschreibungen" at "eingebettet", as it is at the beginning of a loading run, a plugin
+/// whose file describes it is loaded from that (`Beschreibung.h`), and its library is not opened.
+///
 /// One object serves the process: `getInstanz`. A bad plugin is logged and skipped; the others are unaffected.
 ///
 /// Nothing is unloaded while code of a plugin is on the stack or the manager is loading or unloading: `entladePlugins` and
