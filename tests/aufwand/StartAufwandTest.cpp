@@ -33,7 +33,10 @@ protected:
             GTEST_SKIP() << "the system's calls are not counted here";
         home_.legeAn("plugins");
     }
-    ~StartAufwand() override { orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll(); }
+    ~StartAufwand() override {
+        orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
+        orvo::orvoutil::Einstellungen().setze("basis.plugin_beschreibungen", "");
+    }
 
     void legePluginsAn(const std::string& verzeichnis) const {
         for (int i = 0; i < kPlugins; ++i)
@@ -174,6 +177,16 @@ TEST_F(Vorlauf, AnnouncesOnlyWhatWillBeLoaded) {
     home_.schreibe("plugins/libzelmak98.dylib", "gesperrt");
     home_.schreibe("plugins/libalt.dylib.bak", "Text");
     EXPECT_EQ(starteMit(AUF_DER_PLATTE).ansagen, 2);
+}
+
+TEST_F(Vorlauf, AnnouncesWholeFilesUnlessTheirDescriptionsAreEnough) {
+    legeAn(1);
+    starteMit(AUF_DER_PLATTE);
+    EXPECT_EQ(Zaehler::zuletztAngesagteBytes(), 0) << "the whole file";
+    orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
+    orvo::orvoutil::Einstellungen().setze("basis.plugin_beschreibungen", "eingebettet");
+    starteMit(AUF_DER_PLATTE);
+    EXPECT_EQ(Zaehler::zuletztAngesagteBytes(), 16 << 10);
 }
 
 TEST_F(Vorlauf, GoesOnAsBeforeWhereTheSystemCannotTell) {

@@ -24,6 +24,7 @@ bool gefehlt = false;
 Zaehler::Speicherort speicherort = Zaehler::Speicherort::IM_SPEICHER;
 int vorsprung = 0;
 int groessterVorsprung = 0;
+int angesagteBytes = -1;
 
 void* teileZu(std::size_t groesse) {
     ++gezaehlt.zuteilungen;
@@ -45,6 +46,7 @@ void Zaehler::setzeSpeicherort(Speicherort ort) {
     vorsprung = ::groessterVorsprung = 0;
 }
 int Zaehler::groessterVorsprung() { return ::groessterVorsprung; }
+int Zaehler::zuletztAngesagteBytes() { return angesagteBytes; }
 
 Zaehler::Speichermangel::Speichermangel(int zuteilungen) {
     bisZumMangel = zuteilungen;
@@ -140,8 +142,9 @@ ssize_t preadv2(int, const iovec*, int, off_t, int) {
     errno = speicherort == Zaehler::Speicherort::UNBEKANNT ? EOPNOTSUPP : EAGAIN;
     return -1;
 }
-int posix_fadvise(int, off_t, off_t, int) noexcept {
+int posix_fadvise(int, off_t, off_t bytes, int) noexcept {
     ++gezaehlt.ansagen;
+    angesagteBytes = static_cast<int>(bytes);
     groessterVorsprung = std::max(groessterVorsprung, ++vorsprung);
     return 0;
 }

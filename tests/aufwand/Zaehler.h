@@ -43,6 +43,8 @@ struct Zaehler {
     /// How many files were announced, at most, that had not been opened by the loader yet; since the last
     /// `setzeSpeicherort`.
     static int groessterVorsprung();
+    /// How many bytes of the last file were announced; 0 for all.
+    static int zuletztAngesagteBytes();
 
     /// Whether these calls are counted; a sanitizer replaces them itself.
     static bool zaehltLader();

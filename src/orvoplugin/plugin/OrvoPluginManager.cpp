@@ -30,6 +30,7 @@ constexpr char kPluginVerzeichnis[] = "plugins";
 constexpr char kPluginEndung[] = ".dylib";
 constexpr char kBeschreibungen[] = "basis.plugin_beschreibungen"; // where to take them from
 constexpr char kEingebettet[] = "eingebettet";                    // the plugin's file
+constexpr int kBeschreibungsseiten = 16 << 10;                    // bytes of the file that hold it, mostly
 
 /// Libraries among the plugins of earlier releases that are none.
 constexpr std::string_view kSperrliste[] = {
@@ -292,7 +293,7 @@ bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
     if (!leser.getFehler().empty())
         log_.warn(leser.getFehler());
     bool erfolg = true;
-    Vorlauf vorlauf(ort, leser.getFiles(), istPlugindatei);
+    Vorlauf vorlauf(ort, leser.getFiles(), istPlugindatei, nimmtBeschreibungen_ ? kBeschreibungsseiten : 0);
     for (const std::string& datei : leser.getFiles())
         if (!nimmDatei(ort, datei, vorlauf))
             erfolg = false;

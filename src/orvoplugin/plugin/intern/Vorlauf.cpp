@@ -29,8 +29,6 @@ bool istKalt(int datei) {
     return preadv2(datei, &ziel, 1, 0, RWF_NOWAIT) < 0 && errno == EAGAIN;
 }
 
-bool liesVoraus(int datei) { return posix_fadvise(datei, 0, 0, POSIX_FADV_WILLNEED) == 0; }
-
 } // namespace
 
 void Vorlauf::rueckeVor() {
@@ -42,7 +40,7 @@ void Vorlauf::rueckeVor() {
             naechste_ = ende_;
             return;
         }
-        frage(pfad, liesVoraus);
+        frage(pfad, [&](int datei) { return posix_fadvise(datei, 0, bytes_, POSIX_FADV_WILLNEED) == 0; });
         voraus_ = voraus_ < 0 ? 1 : voraus_ + 1;
     }
     --voraus_;

@@ -13,10 +13,12 @@ class Vorlauf {
 public:
     using Dateien = std::list<std::string>;
 
-    /// Parameters: `istPlugin` selects the files that will be loaded.
-    Vorlauf(const std::string& verzeichnis, const Dateien& dateien, bool (*istPlugin)(const std::string&))
+    /// Parameters: `istPlugin` selects the files that will be loaded; of each, `bytes` are read, 0 for all.
+    Vorlauf(const std::string& verzeichnis, const Dateien& dateien, bool (*istPlugin)(const std::string&),
+            int bytes)
         : verzeichnis_(verzeichnis),
           istPlugin_(istPlugin),
+          bytes_(bytes),
           naechste_(dateien.begin()),
           ende_(dateien.end()) {}
 
@@ -26,6 +28,7 @@ public:
 private:
     const std::string& verzeichnis_;
     bool (*istPlugin_)(const std::string&);
+    const int bytes_;
     Dateien::const_iterator naechste_, ende_; ///< what is still to be read
     int voraus_ = -1; ///< how many files are read and not loaded yet; below zero before the first
 };
