@@ -48,14 +48,15 @@ bool istImSpeicher(const Datei& datei, std::size_t bytes) {
 
 } // namespace
 
-Heime::Heime(fs::path pfad, std::span<const Sorte> sorten) : pfad_(std::move(pfad)) {
+Heime::Heime(fs::path pfad, std::span<const Sorte> sorten, void (*beschreibe)(const std::string& home))
+    : pfad_(std::move(pfad)) {
     for (const Sorte& sorte : sorten)
-        lege(sorte);
+        lege(sorte, beschreibe);
     if (syncfs(Datei(pfad_).nummer()) != 0) // a page that is still to be written cannot be dropped
         throw std::runtime_error("cannot write " + pfad_.string() + " through");
 }
 
-void Heime::lege(const Sorte& sorte) const {
+void Heime::lege(const Sorte& sorte, void (*beschreibe)(const std::string& home)) const {
     std::ifstream strom(sorte.datei, std::ios::binary);
     std::string plugin{std::istreambuf_iterator<char>(strom), {}};
     const std::size_t marke = plugin.find(ORVO_BENCH_MARKE ORVO_BENCH_NUMMER);
@@ -71,6 +72,7 @@ void Heime::lege(const Sorte& sorte) const {
             if (!(kopie << plugin).flush())
                 throw std::runtime_error("no room for the plugins in " + pfad_.string());
         }
+        beschreibe(mit(sorte, anzahl));
     }
 }
 

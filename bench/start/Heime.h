@@ -16,14 +16,16 @@ struct Sorte {
 class Heime {
 public:
     /// Made below an empty directory, which is the caller's to remove.
-    Heime(std::filesystem::path pfad, std::span<const Sorte> sorten);
+    /// Parameters: `beschreibe` has a home's plugins described in their files.
+    Heime(std::filesystem::path pfad, std::span<const Sorte> sorten,
+          void (*beschreibe)(const std::string& home));
 
     std::string mit(const Sorte& sorte, int anzahl) const {
         return pfad_ / sorte.groesse / std::to_string(anzahl);
     }
 
 private:
-    void lege(const Sorte& sorte) const;
+    void lege(const Sorte& sorte, void (*beschreibe)(const std::string& home)) const;
 
     std::filesystem::path pfad_;
 };

@@ -42,10 +42,14 @@ constexpr struct {
     const Sorte& sorte;
     int plugins;
     const char *ziel, *zielKalt;
-} kStarts[] = {{kSorten[0], 1, "", ""},           {kSorten[0], 10, "", ""},
-               {kSorten[0], 100, "1.15", ""},     {kSorten[0], 500, "1.15", ""},
+    const char *zielBeschrieben = nullptr, *zielBeschriebenKalt = "";
+} kStarts[] = {{kSorten[0], 1, "", ""},
+               {kSorten[0], 10, "", ""},
+               {kSorten[0], 100, "1.15", "", "0.25"},
+               {kSorten[0], 500, "1.15", "", "0.25"},
                {kSorten[0], 5000, "", nullptr}, // in memory only
-               {kSorten[1], 100, "1.12", "0.60"}, {kSorten[2], 100, "1.05", "0.75"}};
+               {kSorten[1], 100, "1.12", "0.60", "0.25"},
+               {kSorten[2], 100, "1.05", "0.75", "0.03", "0.15"}};
 
 Vergleich einmal(double boden, double produkt) { return {boden, produkt, produkt / boden}; }
 
@@ -119,12 +123,16 @@ private:
 class Tabellen {
 public:
     Tabellen(int runden, const char* verzeichnis, const char* operationen)
-        : runden_(runden), operationen_(operationen), heime_(verzeichnis, kSorten) {}
+        : runden_(runden),
+          operationen_(operationen),
+          heime_(verzeichnis, kSorten, [](const std::string& home) {
+              fuehreAus({PRODUCT, home, "describe"});
+          }) {}
 
     void start() {
         kopf("the program starts, plugin files in memory");
         std::map<int, Vergleich> klein; // per plugin
-        for (const auto& [sorte, n, ziel, zielKalt] : kStarts) {
+        for (const auto& [sorte, n, ziel, zielKalt, zielBeschrieben, kalt] : kStarts) {
             const Vergleich v = paar(sorte, n, "start");
             zeile(anzahl(sorte, n) + ", per plugin", v, kMikro * n, " us", ziel);
             merke(sorte, n, false, v);
@@ -147,19 +155,29 @@ public:
 
     void kalterStart() {
         kopf("the program starts, plugin files on disk");
-        for (const auto& [sorte, n, ziel, zielKalt] : kStarts) {
-            if (!zielKalt)
-                continue;
-            const std::string was = anzahl(sorte, n) + ", per plugin";
-            const auto v = kalt(sorte, n);
-            if (!v) {
-                std::printf("| %s | | not measured: the files stay in memory | | %s |\n", was.c_str(),
-                            zielKalt);
-                continue;
+        for (const auto& [sorte, n, ziel, zielKalt, zielBeschrieben, beschriebenKalt] : kStarts)
+            if (zielKalt) {
+                const auto v = zeileKalt(sorte, n, "start", zielKalt);
+                if (v)
+                    merke(sorte, n, true, *v);
             }
-            zeile(was, *v, kMikro * n, " us", zielKalt);
-            merke(sorte, n, true, *v);
-        }
+    }
+
+    /// The product takes the descriptions, the floor opens the libraries.
+    void beschrieben() const {
+        kopf("the program starts from descriptions, plugin files in memory");
+        for (const auto& [sorte, n, z, k, ziel, zielKalt] : kStarts)
+            if (ziel)
+                zeile(
+                    anzahl(sorte, n) + ", per plugin",
+                    imWechsel(runden_, lauf(FLOOR, sorte, n, "start"), lauf(PRODUCT, sorte, n, "described")),
+                    kMikro * n, " us", ziel);
+        zeile("18 KB, system calls per plugin", jePlugin(kKlein, systemaufrufe, "start", "described"), 1, "",
+              "product 4");
+        kopf("the program starts from descriptions, plugin files on disk");
+        for (const auto& [sorte, n, z, k, ziel, zielKalt] : kStarts)
+            if (ziel)
+                zeileKalt(sorte, n, "described", zielKalt);
     }
 
     void lookup() const {
@@ -188,7 +206,7 @@ public:
         kopf("memory, plugins of three extensions");
         zeile("heap per plugin",
               jePlugin(
-                  kKlein, [](const Befehl& b) { return fuehreAus(b).zahlen.at(0); }, "memory"),
+                  kKlein, [](const Befehl& b) { return fuehreAus(b).zahlen.at(0); }, "memory", "memory"),
               1000, " KB", "product 2.6");
         const auto eingeblendete = [&](const char* programm) {
             return fuehreAus(befehl(programm, kKlein, 100, "memory")).zahlen.at(1);
@@ -238,25 +256,33 @@ private:
     }
 
     /// Wall time, the files dropped from memory before each run; nothing when they do not leave it.
-    std::optional<Vergleich> kalt(const Sorte& sorte, int plugins) const {
+    std::optional<Vergleich> zeileKalt(const Sorte& sorte, int n, const char* produkt,
+                                       const char* ziel) const {
         bool verdraengt = true;
-        const auto wandzeit = [&](const char* programm) {
-            return [&, b = befehl(programm, sorte, plugins, "start")] {
-                verdraengt = verdraengt && verdraenge(heime_.mit(sorte, plugins));
+        const auto wandzeit = [&](const char* programm, const char* was) {
+            return [&, b = befehl(programm, sorte, n, was)] {
+                verdraengt = verdraengt && verdraenge(heime_.mit(sorte, n));
                 return verdraengt ? fuehreAus(b).zahlen.at(1) : 0;
             };
         };
-        const Vergleich v = imWechsel(runden_, wandzeit(FLOOR), wandzeit(PRODUCT));
-        return verdraengt ? std::optional(v) : std::nullopt;
+        const std::string was = anzahl(sorte, n) + ", per plugin";
+        const Vergleich v = imWechsel(runden_, wandzeit(FLOOR, "start"), wandzeit(PRODUCT, produkt));
+        if (!verdraengt) {
+            std::printf("| %s | | not measured: the files stay in memory | | %s |\n", was.c_str(), ziel);
+            return std::nullopt;
+        }
+        zeile(was, v, kMikro * n, " us", ziel);
+        return v;
     }
 
     /// What each plugin beyond the tenth adds.
-    Vergleich jePlugin(const Sorte& sorte, double (*zaehle)(const Befehl&), const char* was = "start") const {
-        const auto zuwachs = [&](const char* programm) {
+    Vergleich jePlugin(const Sorte& sorte, double (*zaehle)(const Befehl&), const char* boden = "start",
+                       const char* produkt = "start") const {
+        const auto zuwachs = [&](const char* programm, const char* was) {
             return (zaehle(befehl(programm, sorte, 100, was)) - zaehle(befehl(programm, sorte, 10, was))) /
                    90;
         };
-        return einmal(zuwachs(FLOOR), zuwachs(PRODUCT));
+        return einmal(zuwachs(FLOOR, boden), zuwachs(PRODUCT, produkt));
     }
 
     /// The filing of few and of many.
@@ -302,6 +328,7 @@ int main(int anzahl, char** argumente) try {
     Tabellen tabellen(runden, pfade[0], pfade[2]);
     tabellen.start();
     tabellen.kalterStart();
+    tabellen.beschrieben();
     tabellen.lookup();
     tabellen.service();
     tabellen.neuesVerzeichnis();

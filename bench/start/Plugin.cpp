@@ -1,6 +1,7 @@
 // A plugin with three extensions, one key each. Each copy of the file serves another sub-case type: the number is in
 // the file as text, and is replaced on copying.
 
+#include <orvoplugin/plugin/Beschreibungsplatz.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFTDatenServiceErweiterung.h>
@@ -9,6 +10,8 @@
 #include <orvoplugin/service/ValidierungsService.h>
 
 #include "Nummer.h"
+
+ORVO_BESCHREIBUNGSPLATZ(1024);
 
 namespace {
 

@@ -1,20 +1,27 @@
 // The product, doing the same work as the floor.
 //
-//     product <home> start|info|debug|reload|open|use|memory
+//     product <home> start|described|info|debug|reload|open|use|memory|describe
 //
-// "info" and "debug" are starts with a log sink at that level that ignores all entries.
+// "described" is a start from the descriptions in the files, which "describe" writes; "info" and "debug" are starts with a
+// log sink at that level that ignores all entries.
 
+#include <orvoplugin/beschreibung/Beschreibung.h>
+#include <orvoplugin/plugin/OrvoPlugin.h>
+#include <orvoplugin/plugin/OrvoPluginLoader.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Einstellungen.h>
 #include <orvoutil/Logger.h>
+#include <orvoutil/SharedLib.h>
 
 #include "../StummeSenke.h"
 #include "Messung.h"
 #include "Nummer.h"
 
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <utility>
 
@@ -25,6 +32,18 @@ using namespace orvo::orvoutil;
 void starte() {
     if (!OrvoErweiterungsManager::getInstanz())
         std::exit(1);
+}
+
+void beschreibe(const std::string& home) {
+    for (const auto& eintrag : std::filesystem::directory_iterator(home + "/plugins")) {
+        OrvoPluginLoader loader;
+        const std::string datei = eintrag.path();
+        const std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(new SharedLib(datei)));
+        const auto stelle = static_cast<std::streamoff>(liesBeschreibung(datei).stelle);
+        std::fstream strom(datei, std::ios::in | std::ios::out | std::ios::binary);
+        if (stelle == 0 || !(strom.seekp(stelle) << schreibeBeschreibung(*plugin)).flush())
+            std::exit(1);
+    }
 }
 
 /// Another name of the same directory has all plugins unloaded and loaded.
@@ -79,7 +98,9 @@ int main(int anzahl, char** argumente) {
         Logger::setSink(std::make_shared<StummeSenke>());
         Logger::setLevel(was == "info" ? LogLevel::Info : LogLevel::Debug);
     }
-    if (was == "start" || was == "info" || was == "debug") {
+    if (was == "described")
+        Einstellungen().setze("basis.plugin_beschreibungen", "eingebettet");
+    if (was == "start" || was == "described" || was == "info" || was == "debug") {
         miss(1, starte);
     } else if (was == "reload") {
         starte();
@@ -92,6 +113,8 @@ int main(int anzahl, char** argumente) {
         nutze(erweiterung(0));
     } else if (was == "memory") {
         speicherbedarf();
+    } else if (was == "describe") {
+        beschreibe(argumente[1]);
     } else {
         return 2;
     }

@@ -122,6 +122,8 @@ struct FelderDerServiceErweiterung : OrvoErweiterung {
     std::vector<Service*> geloeschte;
     ServiceGriffBasis* griffe;
     std::map<Service*, int>::node_type freierPlatz;
+    Service* (*factory)();
+    std::uint64_t oeffnung;
 };
 static_assert(sizeof(OrvoServiceErweiterung) == sizeof(FelderDerServiceErweiterung));
 
