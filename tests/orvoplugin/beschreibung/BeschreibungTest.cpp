@@ -335,6 +335,7 @@ TEST_F(BeschreibungTest, APluginInUseCannotBeDescribed) {
     EXPECT_NO_THROW(schreibeBeschreibung(*plugin));
     const auto& erweiterungen = dynamic_cast<const OrvoPluginV1&>(*plugin).listeErweiterungen();
     auto& amt = dynamic_cast<OrvoServiceErweiterung&>(*erweiterungen.at(3));
+    amt.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
     Service* const service = amt.holeService();
     ASSERT_NE(service, nullptr);
     plugin_.addErweiterung(amt); // a copy takes over the number of services

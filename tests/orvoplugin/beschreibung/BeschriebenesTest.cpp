@@ -185,7 +185,7 @@ TEST_F(GemischtesVerzeichnis, LooksAsItDoesWhenEachPluginIsAsked) {
 
 TEST_F(BeschriebenesTest, ItsLibraryIsOpenedForTheFirstServiceAndItsHooksAreCalled) {
     const std::string pfad =
-        lege("liba.dylib", "check 10 2009\nonload zaehleOnLoad\nonunload zaehleOnUnload\n");
+        lege("liba.dylib", "loeschen\ncheck 10 2009\nonload zaehleOnLoad\nonunload zaehleOnUnload\n");
     const OrvoPluginV1& plugin = starte();
     const std::string hooks = pfad + ".txt.hooks";
     EXPECT_FALSE(fs::exists(hooks));
@@ -203,7 +203,7 @@ TEST_F(BeschriebenesTest, ItsLibraryIsOpenedForTheFirstServiceAndItsHooksAreCall
 }
 
 TEST_F(BeschriebenesTest, ALibraryThatCannotBeOpenedFailsAtTheFirstServiceAndWorksWhenItIsRepaired) {
-    const std::string pfad = lege("liba.dylib", "check 10 2009\n");
+    const std::string pfad = lege("liba.dylib", "loeschen\ncheck 10 2009\n");
     const std::string heil = heimat_.verzeichnis.kopiere(pfad, "heil");
     const OrvoPluginV1& plugin = starte();
     const auto scheitert = [&](const std::string& warum) {
@@ -228,7 +228,7 @@ TEST_F(BeschriebenesTest, ALibraryThatCannotBeOpenedFailsAtTheFirstServiceAndWor
 }
 
 TEST_F(BeschriebenesTest, AFileThatIsCutBehindItsDescriptionIsAPluginUntilItIsUsed) {
-    const std::string pfad = lege("liba.dylib", "check 10 2009\n");
+    const std::string pfad = lege("liba.dylib", "loeschen\ncheck 10 2009\n");
     fs::resize_file(pfad, fs::file_size(pfad) / 2);
     EXPECT_TRUE(starte().istBeschrieben());
     EXPECT_FALSE(holePruefung());
@@ -273,7 +273,7 @@ TEST_F(BeschriebenesTest, ADescriptionThatIsRefusedIsLoggedAndThePluginAsked) {
 }
 
 TEST_F(BeschriebenesTest, AResidentPluginStaysOpenAfterItsFirstUse) {
-    const std::string pfad = lege("liba.dylib", "resident\ncheck 10 2009\n");
+    const std::string pfad = lege("liba.dylib", "resident\nloeschen\ncheck 10 2009\n");
     const OrvoPluginV1& plugin = starte();
     EXPECT_TRUE(plugin.isResident());
     EXPECT_FALSE(istEingeblendet(pfad));
