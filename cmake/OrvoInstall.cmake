@@ -79,6 +79,7 @@ install(
           "${PROJECT_BINARY_DIR}/orvopluginConfigVersion.cmake"
           "${CMAKE_CURRENT_LIST_DIR}/OrvoPlugin.cmake"
           "${CMAKE_CURRENT_LIST_DIR}/plugin.exports"
+          "${CMAKE_CURRENT_LIST_DIR}/plugin.description.cpp"
     DESTINATION "${ORVO_PACKAGE_DIR}"
     COMPONENT dev)
 

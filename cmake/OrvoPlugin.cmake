@@ -38,6 +38,8 @@ set(ORVO_PLUGIN_CHECKS
     hooks
     CACHE INTERNAL "Checks after linking")
 set(ORVO_PLUGIN_EXPORTS_FILE "${CMAKE_CURRENT_LIST_DIR}/plugin.exports" CACHE INTERNAL "Version script of a plugin")
+set(ORVO_PLUGIN_DESCRIPTION_FILE "${CMAKE_CURRENT_LIST_DIR}/plugin.description.cpp"
+    CACHE INTERNAL "Source that reserves room for a description")
 
 # Sets ORVO_PLUGIN_COMPILE_OPTIONS and ORVO_PLUGIN_LINK_OPTIONS for the compiler, without the version script.
 function(orvo_find_plugin_options)

@@ -10,6 +10,7 @@ declare -A files=(
     [dev]="$LIBDIR/liborvoplugin.so $LIBDIR/liborvoutil.so
         include/orvoplugin/registry/OrvoErweiterungsManager.h include/orvoutil/Standardbibliothek.h
         $LIBDIR/cmake/orvoplugin/orvopluginConfig.cmake $LIBDIR/cmake/orvoplugin/OrvoPlugin.cmake
+        $LIBDIR/cmake/orvoplugin/plugin.description.cpp
         $LIBDIR/pkgconfig/orvoplugin.pc $LIBDIR/pkgconfig/orvoplugin-plugin.pc
         share/man/man3/liborvoplugin.3
         $documents/docs/client.md $documents/docs/plugin-author.md

@@ -36,6 +36,17 @@ if [[ $TOOL == 1 ]]; then
         fail "the check finds fault with the plugin's own flags"
 fi
 
+# With the source that reserves room, it can be described.
+# shellcheck disable=SC2046
+"$CXX" -std=c++20 -Wall -Wextra -Werror "$source/Wohngeld.cpp" \
+    $(pkg-config --variable=described orvoplugin-plugin) \
+    $(pkg-config --cflags --libs orvoplugin-plugin) -o "$build/libbeschrieben.dylib"
+if [[ $TOOL == 1 ]]; then
+    demand_part "$(LD_LIBRARY_PATH=$1/$LIBDIR "$1/bin/orvoplugin" describe "$build/libbeschrieben.dylib")" \
+        "libbeschrieben.dylib: described, "
+fi
+demand_service "" "$build/kunde" "$build/libbeschrieben.dylib"
+
 # An undefined name must not fail only at its first call.
 echo 'void nobody(); extern "C" void somebody() { nobody(); }' >"$build/Offen.cpp"
 # shellcheck disable=SC2046

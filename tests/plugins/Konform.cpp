@@ -28,6 +28,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iostream>
@@ -225,6 +226,12 @@ void beschreibeAnders(OrvoPluginV1& plugin, const std::string& was, const std::s
                                                     : womit);
     else if (was == "zufall")
         beschrifte(plugin, std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
+    else if (was == "umgebung")
+        beschrifte(plugin, std::getenv(womit.c_str()) ? std::getenv(womit.c_str()) : "");
+    else if (was == "arbeitsverzeichnis")
+        beschrifte(plugin, std::filesystem::current_path());
+    else if (was == "kommazahl")
+        beschrifte(plugin, (std::ostringstream() << 1.5).str());
     else if (was == "ablehnung")
         erfolg = false;
     else if (was == "onload")

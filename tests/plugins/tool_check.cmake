@@ -24,3 +24,10 @@ target_compile_definitions(ExportsCxxNames PRIVATE MIT_CXX_NAMEN)
 target_link_options(ExportsCxxNames PRIVATE LINKER:-z,now)
 set_target_properties(ExportsCxxNames PROPERTIES PREFIX "lib" SUFFIX ".dylib" CXX_VISIBILITY_PRESET hidden)
 set(ORVO_TEST_PLUGINS "${ORVO_TEST_PLUGINS};ExportsCxxNames" CACHE INTERNAL "")
+
+# With room for a description, as the kit reserves it. Tests describe copies.
+orvo_test_plugin(HasRoom Konform.cpp)
+orvo_test_plugin(HasLittleRoom Konform.cpp ORVO_DESCRIPTION_SIZE=64)
+foreach(name HasRoom HasLittleRoom)
+    target_sources(${name} PRIVATE "${ORVO_PLUGIN_DESCRIPTION_FILE}")
+endforeach()

@@ -15,6 +15,7 @@ const std::vector<BefehlEintrag>& alleBefehle() {
          macheCoverage},
         {"diff", "What another plugin directory, or one copied over this one, would change", macheDiff},
         {"check", "Checks plugins for conformance, for their authors and for CI", check::macheCheckBefehl},
+        {"describe", "Writes what plugins say of themselves into their files", macheDescribe},
     };
     return befehle;
 }

@@ -10,6 +10,7 @@ class Befehl;
 
 std::unique_ptr<Befehl> macheCoverage();
 std::unique_ptr<Befehl> macheDiff();
+std::unique_ptr<Befehl> macheDescribe();
 std::unique_ptr<Befehl> macheList();
 std::unique_ptr<Befehl> macheShow();
 std::unique_ptr<Befehl> macheFind();

@@ -10,9 +10,12 @@
 #include <orvoutil/Einstellungen.h>
 
 #include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <chrono>
+#include <filesystem>
 #include <system_error>
 
 namespace werkzeug::check {
@@ -70,5 +73,16 @@ std::vector<std::string> pluginDateien(const Optionen& optionen) {
         [&](std::string_view pfad) { dateien.emplace_back(pfad); }, kBeliebigLange);
     return dateien;
 }
+
+std::string warumUnlesbar(const std::string& pfad) {
+    struct stat zustand {};
+    if (stat(pfad.c_str(), &zustand) != 0 || access(pfad.c_str(), R_OK) != 0)
+        return std::generic_category().message(errno);
+    if (S_ISDIR(zustand.st_mode))
+        return "it is a directory";
+    return S_ISREG(zustand.st_mode) ? std::string() : "it is no regular file";
+}
+
+std::string vollerPfad(const std::string& pfad) { return std::filesystem::absolute(pfad).string(); }
 
 } // namespace werkzeug::check

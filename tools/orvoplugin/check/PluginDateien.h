@@ -12,4 +12,10 @@ namespace werkzeug::check {
 /// Errors: `Unlesbar` when the directory cannot be read.
 std::vector<std::string> pluginDateien(const Optionen& optionen);
 
+/// Why a file cannot be read; empty when it can. Only regular files are opened, because others may block.
+std::string warumUnlesbar(const std::string& pfad);
+
+/// The path in a form that stays valid when a plugin changes the working directory.
+std::string vollerPfad(const std::string& pfad);
+
 } // namespace werkzeug::check

@@ -144,12 +144,18 @@ std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
     return zeilen;
 }
 
+std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite) {
+    const auto [links, rechts] = std::mismatch(erste.begin(), erste.end(), zweite.begin(), zweite.end());
+    if (links == erste.end() && rechts == zweite.end())
+        return "in something that is never shown";
+    return "first " + (links == erste.end() ? "nothing more" : *links) + ", then " +
+           (rechts == zweite.end() ? "nothing more" : *rechts);
+}
+
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                               const std::string& wann, Fundliste& funde) {
-    const auto [links, rechts] = std::mismatch(erste.begin(), erste.end(), zweite.begin(), zweite.end());
-    if (links != erste.end() || rechts != zweite.end())
-        funde.fehler(wann + ": first " + (links == erste.end() ? "nothing more" : *links) + ", then " +
-                     (rechts == zweite.end() ? "nothing more" : *rechts));
+    if (erste != zweite)
+        funde.fehler(wann + ": " + unterschied(erste, zweite));
 }
 
 bool istImProzess(const std::string& pfad) {

@@ -47,7 +47,9 @@ void ladeUndBenutze(const std::string& pfad);
 /// The whole description of a plugin, as text lines.
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin);
 
-/// Reports the first line in which two descriptions differ.
+/// The first line in which two descriptions differ: "first this, then that".
+std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite);
+/// Reports it.
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                               const std::string& wann, Fundliste& funde);
 

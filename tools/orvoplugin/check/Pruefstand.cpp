@@ -1,5 +1,6 @@
 #include "check/Pruefstand.h"
 
+#include "check/PluginDateien.h"
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "check/Vorschlag.h"
@@ -8,14 +9,8 @@
 #include "kern/Optionen.h"
 #include "kern/Protokoll.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 #include <set>
-#include <system_error>
 
 namespace werkzeug::check {
 
@@ -39,19 +34,6 @@ const Pruefung* verlange(const std::string& name) {
     throw AufrufFehler("there is no check " + zitiert(name) + "; did you mean " + naechste->name +
                        "? 'orvoplugin check --list' names all");
 }
-
-/// Why a file cannot be read; empty when it can. Only regular files are opened, because others may block.
-std::string warumUnlesbar(const std::string& pfad) {
-    struct stat zustand {};
-    if (stat(pfad.c_str(), &zustand) != 0 || access(pfad.c_str(), R_OK) != 0)
-        return std::generic_category().message(errno);
-    if (S_ISDIR(zustand.st_mode))
-        return "it is a directory";
-    return S_ISREG(zustand.st_mode) ? std::string() : "it is no regular file";
-}
-
-/// The path in a form that stays valid when a plugin changes the working directory.
-std::string voll(const std::string& pfad) { return std::filesystem::absolute(pfad).string(); }
 
 /// Runs a check in this process. An exception of the tool becomes a result.
 Befund mache(const Pruefung& pruefung, const Pruefling& pruefling) {
@@ -99,7 +81,8 @@ Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const s
 class Dateilauf {
 public:
     Dateilauf(const Pruefauftrag& auftrag, const std::string& pfad)
-        : auftrag_(auftrag), pruefling_{voll(pfad), Bibliotheksbild(voll(pfad)), {}, auftrag.zeitlimit} {
+        : auftrag_(auftrag),
+          pruefling_{vollerPfad(pfad), Bibliotheksbild(vollerPfad(pfad)), {}, auftrag.zeitlimit} {
         ergebnis_.pfad = pfad;
     }
 

@@ -1,0 +1,135 @@
+// orvoplugin describe FILE...: writes what plugins say of themselves into their files.
+
+#include "befehle/Befehl.h"
+#include "befehle/Befehle.h"
+#include "beschreibung/Befragung.h"
+#include "check/PluginDateien.h"
+#include "datei/Bibliotheksbild.h"
+#include "kern/Anzeige.h"
+#include "kern/Dateischreiber.h"
+#include "kern/Terminal.h"
+
+#include <orvoplugin/beschreibung/Beschreibung.h>
+
+#include <CLI/CLI.hpp>
+
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace werkzeug {
+
+namespace {
+
+/// The room for a description in a file. Errors: `NichtBeschreibbar`.
+Beschreibungsfund findePlatz(const std::string& pfad) {
+    if (const std::string grund = check::warumUnlesbar(pfad); !grund.empty())
+        throw NichtBeschreibbar("cannot be read: " + grund, Ausgang::NICHT_LESBAR);
+    if (const Bibliotheksbild bild(pfad); !bild.istLadbar())
+        throw NichtBeschreibbar(einzeilig(bild.getGrund()));
+    Beschreibungsfund fund = liesBeschreibung(pfad);
+    if (fund.platz == 0)
+        throw NichtBeschreibbar("it has no room for a description: build it with DESCRIBED, or with the "
+                                "source that \"pkg-config --variable=described orvoplugin-plugin\" names");
+    return fund;
+}
+
+void verlangePlatz(const Beschreibungsfund& fund, const std::string& beschreibung) {
+    if (beschreibung.size() <= fund.platz)
+        return;
+    constexpr std::size_t kStufe = 1024; // leaves some room for the next version
+    throw NichtBeschreibbar("its description takes " + std::to_string(beschreibung.size()) +
+                            " bytes, and its file has room for " + std::to_string(fund.platz) +
+                            ": build it with DESCRIPTION_SIZE " +
+                            std::to_string((beschreibung.size() / kStufe + 1) * kStufe));
+}
+
+/// Replaces the file by one with the description.
+void trageEin(const std::string& pfad, const Beschreibungsfund& fund, std::string beschreibung) {
+    std::ifstream datei(pfad, std::ios::binary);
+    std::string inhalt((std::istreambuf_iterator<char>(datei)), {});
+    if (!datei || inhalt.size() < fund.stelle + fund.platz)
+        throw NichtBeschreibbar("cannot be read", Ausgang::NICHT_LESBAR);
+    beschreibung.resize(fund.platz);
+    inhalt.replace(fund.stelle, fund.platz, beschreibung);
+    schreibeDatei(pfad, inhalt);
+}
+
+/// Returns: what became of the file, as a part of the document. Errors: `NichtBeschreibbar`; `std::runtime_error` when
+/// the file cannot be written.
+Json beschreibe(const std::string& pfad, const Optionen& optionen) {
+    const Beschreibungsfund fund = findePlatz(pfad);
+    const std::string beschreibung = befrage(check::vollerPfad(pfad), optionen);
+    verlangePlatz(fund, beschreibung);
+    const bool steht = fund.stand == Beschreibungsfund::GEFUNDEN && fund.bytes == beschreibung;
+    if (!steht)
+        trageEin(pfad, fund, beschreibung);
+    return {{"file", jsonText(pfad)},
+            {"result", steht ? "unchanged" : "described"},
+            {"size", beschreibung.size()},
+            {"room", fund.platz},
+            {"reason", nullptr}};
+}
+
+Json alsJson(const std::string& pfad, const std::string& grund) {
+    return {{"file", jsonText(pfad)},
+            {"result", "failed"},
+            {"size", nullptr},
+            {"room", nullptr},
+            {"reason", grund}};
+}
+
+std::string alsText(const Json& dokument, const Farben&) {
+    std::string text;
+    for (const Json& datei : dokument["files"])
+        if (datei["reason"].is_null()) // else it is an error message
+            text += einzeilig(datei["file"].get<std::string>()) + ": " + datei["result"].get<std::string>() +
+                    ", " + datei["size"].dump() + " of " + datei["room"].dump() + " bytes\n";
+    return text;
+}
+
+class Describe : public Befehl {
+public:
+    void beschreibe(CLI::App& unterbefehl) override {
+        unterbefehl.add_option("FILE", dateien_, "Plugin files to write to")->type_name("")->required();
+    }
+
+    bool nimmtVerzeichnisOptionen() const override { return false; }
+
+    Ausgang fuehreAus(const Optionen& optionen) override {
+        if (!optionen.home.empty() || !optionen.dir.empty())
+            throw AufrufFehler("describe takes files, and neither --home nor --dir");
+        Json dokument = jsonKopf("describe");
+        dokument["files"] = Json::array();
+        Ausgang ausgang = Ausgang::GUT;
+        const auto scheitere = [&](const std::string& datei, const std::string& grund, Ausgang wie) {
+            std::cerr << "orvoplugin: " << einzeilig(datei) << ": not described: " << grund << '\n';
+            dokument["files"].push_back(alsJson(datei, grund));
+            ausgang = schwerster(ausgang, wie);
+        };
+        Fortschritt fortschritt(!optionen.quiet);
+        for (const std::string& datei : dateien_) {
+            fortschritt.zeige("describing " + einzeilig(datei));
+            try {
+                dokument["files"].push_back(werkzeug::beschreibe(datei, optionen));
+            } catch (const NichtBeschreibbar& fehler) {
+                scheitere(datei, fehler.what(), fehler.ausgang);
+            } catch (const std::runtime_error& fehler) {
+                scheitere(datei, fehler.what(), Ausgang::NICHT_LESBAR);
+            }
+        }
+        gibAus(optionen, dokument, alsText);
+        return ausgang;
+    }
+
+private:
+    std::vector<std::string> dateien_;
+};
+
+} // namespace
+
+std::unique_ptr<Befehl> macheDescribe() { return std::make_unique<Describe>(); }
+
+} // namespace werkzeug
