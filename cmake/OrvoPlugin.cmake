@@ -1,7 +1,8 @@
 # The kit for plugin authors: builds a shared library that the plugin manager accepts, and that leaves the process after
 # its last use.
 #
-#   orvo_add_plugin(<target> [SOURCES] <source>... [EXPORTS <name>...] [NO_CHECK])
+#   orvo_add_plugin(<target> [SOURCES] <source>... [EXPORTS <name>...] [NO_CHECK]
+#                   [DESCRIBED [DESCRIPTION_SIZE <bytes>]])
 #
 # The file is lib<target>.dylib on every system, so the target's name has neither "lib" nor ".dylib". It exports only
 # the C functions that are marked with ORVO_PLUGIN_EXPORT: the entry points and factories of PluginEntryPoints.h, which
@@ -11,13 +12,17 @@
 #
 #   EXPORTS    of your own marked names, export these only; for a plugin that contains other code with marked names
 #   NO_CHECK   leaves the check out
+#   DESCRIBED  writes what the plugin says of itself into its file, so that clients need not open it at start-up. The
+#              build fails if that depends on environment, working directory or locale. DESCRIPTION_SIZE is the room for
+#              it, 4096 bytes by default
 #
-# After linking, the package's tool checks the plugin (ORVO_PLUGIN_CHECKS below). A finding fails the build with a
-# message. The check loads the plugin in a child process and has it describe itself. It is left out, with a status line,
-# when cross-compiling, if the package has no tool, and if the compiler options of the project, the configuration or the
-# directory name a sanitizer.
+# After linking, the package's tool describes the plugin, if asked to, and checks it (ORVO_PLUGIN_CHECKS below). A finding
+# fails the build with a message. Both load the plugin in a child process and have it describe itself. They are left out,
+# with a message, when cross-compiling without CMAKE_CROSSCOMPILING_EMULATOR, if the package has no tool, and if the
+# compiler options of the project, the configuration or the directory name a sanitizer.
 #
 #   orvo_plugin_options(<target>)    the options alone, for an existing library target
+#   orvo_describe_plugin(<target> [<bytes>])    the description alone
 #   orvo_check_plugin(<target>)      the check alone
 include_guard(GLOBAL)
 include(CheckCXXCompilerFlag)
@@ -112,30 +117,67 @@ function(orvo_plugin_options target)
     endif()
 endfunction()
 
-function(orvo_check_plugin target)
-    if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
-        message(STATUS "Plugin ${target}: not checked, it is built for another system")
-        return()
-    elseif(NOT TARGET orvo::tool)
-        message(STATUS "Plugin ${target}: not checked, the package orvoplugin came without its tool")
-        return()
-    endif()
-    # A plugin with a sanitizer opens only in a program that has it too.
-    get_target_property(installed orvo::tool IMPORTED)
+# Sets the variable to the reason why the tool cannot open the plugin; to nothing if it can.
+function(orvo_why_tool_cannot_open target variable)
+    set(reason "")
     orvo_plugin_has_sanitizer(${target} sanitizer)
-    if(installed AND sanitizer)
-        message(STATUS "Plugin ${target}: not checked, it is built with a sanitizer")
-    else()
-        list(JOIN ORVO_PLUGIN_CHECKS "," checks)
-        add_custom_command(
-            TARGET ${target} POST_BUILD
-            COMMAND orvo::tool check --quiet --strict --only "${checks}" "$<TARGET_FILE:${target}>"
-            VERBATIM)
+    if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
+        set(reason "it is built for another system, and CMAKE_CROSSCOMPILING_EMULATOR is not set")
+    elseif(NOT TARGET orvo::tool)
+        set(reason "the package orvoplugin came without its tool")
+    elseif(sanitizer) # such a plugin opens only in a program that has the sanitizer too
+        get_target_property(installed orvo::tool IMPORTED)
+        if(installed)
+            set(reason "it is built with a sanitizer")
+        endif()
     endif()
+    set(${variable} "${reason}" PARENT_SCOPE)
+endfunction()
+
+# Has the tool do something with the plugin after linking. (CMake calls no emulator for an imported program by itself.)
+function(orvo_run_tool target)
+    set(emulator "")
+    if(CMAKE_CROSSCOMPILING)
+        set(emulator ${CMAKE_CROSSCOMPILING_EMULATOR})
+    endif()
+    add_custom_command(
+        TARGET ${target} POST_BUILD
+        COMMAND ${emulator} "$<TARGET_FILE:orvo::tool>" ${ARGN} "$<TARGET_FILE:${target}>"
+        VERBATIM)
+endfunction()
+
+function(orvo_describe_plugin target)
+    set(size 4096)
+    if(ARGC GREATER 1)
+        set(size "${ARGV1}")
+    endif()
+    if(NOT size MATCHES "^[1-9][0-9]*$")
+        message(FATAL_ERROR "orvo_add_plugin(${target}): DESCRIPTION_SIZE is a number of bytes, and not \"${size}\"")
+    endif()
+    math(EXPR size "(${size} + 3) / 4 * 4")
+    target_sources(${target} PRIVATE "${ORVO_PLUGIN_DESCRIPTION_FILE}")
+    target_compile_definitions(${target} PRIVATE ORVO_DESCRIPTION_SIZE=${size})
+    orvo_why_tool_cannot_open(${target} reason)
+    if(reason)
+        message(WARNING "Plugin ${target}: not described, ${reason}. It is opened at each start, unless "
+                        "\"orvoplugin describe\" describes it on its system.")
+        return()
+    endif()
+    orvo_run_tool(${target} describe --quiet)
+endfunction()
+
+function(orvo_check_plugin target)
+    orvo_why_tool_cannot_open(${target} reason)
+    if(reason)
+        message(STATUS "Plugin ${target}: not checked, ${reason}")
+        return()
+    endif()
+    list(JOIN ORVO_PLUGIN_CHECKS "," checks)
+    orvo_run_tool(${target} check --quiet --strict --only "${checks}")
 endfunction()
 
 function(orvo_add_plugin target)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "NO_CHECK" "" "SOURCES;EXPORTS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "DESCRIBED;NO_CHECK" "DESCRIPTION_SIZE" "SOURCES;EXPORTS")
     set(sources ${arg_UNPARSED_ARGUMENTS} ${arg_SOURCES})
     if(NOT sources)
         message(FATAL_ERROR "orvo_add_plugin(${target}): names no source")
@@ -149,6 +191,11 @@ function(orvo_add_plugin target)
     endif()
     add_library(${target} MODULE ${sources})
     orvo_plugin_options(${target} EXPORTS ${arg_EXPORTS})
+    if(arg_DESCRIBED)
+        orvo_describe_plugin(${target} ${arg_DESCRIPTION_SIZE})
+    elseif(DEFINED arg_DESCRIPTION_SIZE)
+        message(FATAL_ERROR "orvo_add_plugin(${target}): DESCRIPTION_SIZE goes with DESCRIBED")
+    endif()
     if(NOT arg_NO_CHECK)
         orvo_check_plugin(${target})
     endif()

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Without the tool, and when building for another system, a plugin is built unchecked, and the configuration says so.
+# Without the tool, and when building for another system, a plugin is built unchecked and undescribed, and the
+# configuration says so.
 . "$SOURCE/tests/package/support.sh"
 
 rm -rf -- "$WORK-toolless"
@@ -7,7 +8,10 @@ cp -a -- "$PREFIX" "$WORK-toolless"
 rm -rf -- "$WORK-toolless/bin"
 text=$(configure "$SOURCE/examples/plugin-template" "$WORK-toolless/build" "$WORK-toolless")
 demand "$text" "-- Plugin meinplugin: not checked, the package orvoplugin came without its tool"
-text=$(configure "$SOURCE/examples/plugin-template" "$WORK-toolless/other" "$PREFIX" \
-    -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_CROSSCOMPILING=ON)
-demand "$text" "-- Plugin meinplugin: not checked, it is built for another system"
 "$CMAKE" --build "$WORK-toolless/build" --target meinplugin >/dev/null
+text=$(configure "$SOURCE/tests/kit/ausserhalb/beschrieben" "$WORK-toolless/other" "$PREFIX" \
+    -DCMAKE_SYSTEM_NAME=Linux 2>&1)
+reason="it is built for another system, and CMAKE_CROSSCOMPILING_EMULATOR is not set"
+demand "$text" "-- Plugin beschrieben: not checked, $reason"
+demand_part "$(tr -s ' \n' ' ' <<<"$text")" "Plugin beschrieben: not described, $reason."
+"$CMAKE" --build "$WORK-toolless/other" >/dev/null

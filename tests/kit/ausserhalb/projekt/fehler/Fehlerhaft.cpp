@@ -49,6 +49,9 @@ public:
     std::abort();
 #endif
     plugin->setProduktVersion("1.0");
+#ifdef NACH_UMGEBUNG
+    plugin->setFileVersion(std::getenv("PATH"));
+#endif
 #ifdef HOOK
     plugin->setOnLoadFuncName(HOOK);
 #endif
