@@ -94,6 +94,8 @@ int programm(int argc, char** argv) try {
         unterbefehl->footer(kAusgaenge);
         std::unique_ptr<Befehl> befehl = eintrag.mache();
         befehl->beschreibe(*unterbefehl);
+        if (befehl->nimmtBeschreibungen())
+            fuegeDescribedHinzu(*unterbefehl, optionen);
         fuegeOptionenHinzu(*unterbefehl, optionen);
         if (!befehl->nimmtVerzeichnisOptionen())
             verschweigeVerzeichnisOptionen(*unterbefehl);

@@ -21,6 +21,8 @@ public:
     virtual void beschreibe(CLI::App& unterbefehl) = 0;
     /// Whether it looks at the directory of --home and --dir; only then its help names them.
     virtual bool nimmtVerzeichnisOptionen() const { return true; }
+    /// Whether it takes --described, because it needs no more than what plugins say of themselves.
+    virtual bool nimmtBeschreibungen() const { return false; }
     /// Runs the command: results go to standard output, messages to standard error.
     /// Errors: `AufrufFehler` for an invalid command line; anything else ends the program with `Ausgang::NICHT_LESBAR`
     /// and its text.

@@ -29,6 +29,8 @@ public:
             ->type_name("FILE");
     }
 
+    bool nimmtBeschreibungen() const override { return true; }
+
     Ausgang fuehreAus(const Optionen& optionen) override {
         Deckungswunsch wunsch;
         if (!typ_.empty())

@@ -53,6 +53,7 @@ public:
     }
 
     bool nimmtVerzeichnisOptionen() const override { return false; }
+    bool nimmtBeschreibungen() const override { return true; }
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         if (!optionen.home.empty() || !optionen.dir.empty())

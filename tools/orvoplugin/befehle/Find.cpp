@@ -49,6 +49,8 @@ public:
         unterbefehl.add_option("PERIOD", zeitraum_, "2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
     }
 
+    bool nimmtBeschreibungen() const override { return true; }
+
     Ausgang fuehreAus(const Optionen& optionen) override {
         const std::int32_t typ = liesTyp(typ_);
         const std::string unterfallart = liesUnterfallart(unterfallart_);
@@ -80,7 +82,7 @@ public:
         const bool gefunden = !antworten.empty();
         dokument["found"] = gefunden;
         dokument["answers"] = std::move(antworten);
-        dokument["not_loaded"] = abgestuerzteAlsJson(bestand);
+        dokument["not_loaded"] = ungewisseAlsJson(bestand);
         dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);
 

@@ -139,6 +139,8 @@ class List : public Befehl {
 public:
     void beschreibe(CLI::App&) override {}
 
+    bool nimmtBeschreibungen() const override { return true; }
+
     Ausgang fuehreAus(const Optionen& optionen) override {
         const Bestand bestand = sammle(optionen);
         gibAus(optionen, bericht(bestand), alsText);

@@ -236,6 +236,8 @@ public:
             ->required();
     }
 
+    bool nimmtBeschreibungen() const override { return true; }
+
     Ausgang fuehreAus(const Optionen& optionen) override {
         Auftrag auftrag;
         auftrag.einzeln = pfadDerDatei(optionen);

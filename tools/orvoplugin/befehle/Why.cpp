@@ -9,6 +9,7 @@
 #include "kern/Gruende.h"
 #include "kern/Sammler.h"
 
+#include <orvoplugin/beschreibung/Beschreibung.h>
 #include <orvoplugin/domain/Unterfallart.h>
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 #include <orvoutil/PathUtil.h>
@@ -227,6 +228,82 @@ Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const Nachbars
     return schluss("unknown_sub_case_type", "No loaded plugin serves that sub-case type.", rat);
 }
 
+// --- What the descriptions in the files change ---
+
+bool istBeschrieben(const Bestand& bestand, const DateiFakt& datei) {
+    return liesBeschreibung(bestand.fundort(datei)).stand == Beschreibungsfund::GEFUNDEN;
+}
+
+/// What clients find that take the descriptions.
+Bestand sammleMitBeschreibungen(Optionen optionen, const Auftrag& auftrag = {}) {
+    optionen.beschreibungen = Beschreibungen::GENUTZT;
+    optionen.log.clear();
+    return sammle(optionen, auftrag);
+}
+
+constexpr char kFalscheBeschreibung[] = "described_otherwise";
+constexpr char kRat[] =
+    "Have \"orvoplugin describe\" write what the plugin says into its file, or have clients ask: "
+    "unset basis.plugin_beschreibungen. \"orvoplugin check --only description\" names "
+    "what differs.";
+
+/// Those of the keys that are not among the others.
+std::set<std::string> ohne(const Json& schluessel, const Json& andere) {
+    std::set<std::string> uebrige;
+    for (const Json& einer : schluessel)
+        if (std::find(andere.begin(), andere.end(), einer) == andere.end())
+            uebrige.insert(schluesselAlsText(einer));
+    return uebrige;
+}
+
+/// The step about a file with a description. Returns: the conclusion if it says otherwise than the plugin, else null.
+Json vergleicheDatei(Kette& kette, const Bestand& gefragt, const Bestand& beschrieben, std::uint32_t platz) {
+    const DateiFakt& datei = gefragt.dateien[platz];
+    const auto andere = std::find_if(beschrieben.dateien.begin(), beschrieben.dateien.end(),
+                                     [&](const DateiFakt& d) { return d.pfad == datei.pfad; });
+    if (andere == beschrieben.dateien.end() || datei.plugin == andere->plugin) {
+        kette.ja("description", "the description in it is what the plugin says");
+        return nullptr;
+    }
+    const Json hier = schluesselVon(gefragt, platz).gehalten;
+    const Json dort =
+        schluesselVon(beschrieben, static_cast<std::uint32_t>(andere - beschrieben.dateien.begin())).gehalten;
+    const std::set<std::string> mehr = ohne(dort, hier), weniger = ohne(hier, dort);
+    std::string text = "the description in it is not what the plugin says";
+    if (!mehr.empty())
+        text += "; by it, the plugin also answers for " + aufgezaehlt(mehr);
+    if (!weniger.empty())
+        text += "; by it, the plugin does not answer for " + aufgezaehlt(weniger);
+    kette.nein("description", text);
+    return schluss(
+        kFalscheBeschreibung,
+        "Clients that take descriptions go by that in the file, which is not what the plugin says.", kRat);
+}
+
+/// The answer with all that a client notices of it; null if there is none.
+Json antwortVon(const Bestand& bestand) {
+    const AntwortFakt& antwort = bestand.antwort.value();
+    if (antwort.treffer == RegisterAuskunft::KEINER)
+        return nullptr;
+    Json json = antwortAlsJson(bestand, bestand.schluessel[antwort.schluessel], antwort.treffer);
+    json.erase("displaced");
+    return json;
+}
+
+/// The step about a look-up that the descriptions answer otherwise. Returns: the conclusion then, else null.
+Json vergleicheAntwort(Kette& kette, const Bestand& gefragt, const Bestand& beschrieben) {
+    const Json dort = antwortVon(beschrieben);
+    if (antwortVon(gefragt) == dort)
+        return nullptr;
+    const std::string wer = dort.is_null() ? "nobody" : anbieterAlsText(dort["plugin"]);
+    kette.nein("description",
+               "by the descriptions in the files, " + wer + " answers; the plugins themselves say otherwise");
+    return schluss(kFalscheBeschreibung,
+                   "Clients that take descriptions get another answer: " + wer +
+                       (dort.is_null() ? " answers." : " answers, by a key that comes from a description."),
+                   kRat);
+}
+
 // --- The text ---
 
 constexpr std::size_t kHoechstens = 40; ///< keys that the text shows; all are in the JSON output
@@ -323,6 +400,12 @@ private:
                 ende = schluss(code(datei.grund), erklaerung(datei.grund), rat(datei.grund));
                 ausgang = datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
             }
+            if (istBeschrieben(bestand, datei))
+                if (Json anders = vergleicheDatei(kette, bestand, sammleMitBeschreibungen(optionen), *platz);
+                    !anders.is_null()) {
+                    ende = std::move(anders);
+                    ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
+                }
         }
         dokument["steps"] = std::move(kette).json();
         dokument["conclusion"] = std::move(ende);
@@ -401,13 +484,20 @@ private:
         } else {
             ende = schlussOhneAntwort(bestand, typ, nachbarn(bestand, typ, unterfallart), geladene.size());
         }
+        if (std::any_of(bestand.dateien.begin(), bestand.dateien.end(),
+                        [&](const DateiFakt& datei) { return istBeschrieben(bestand, datei); }))
+            if (Json anders = vergleicheAntwort(kette, bestand, sammleMitBeschreibungen(optionen, auftrag));
+                !anders.is_null()) {
+                ende = std::move(anders);
+                ausgang = Ausgang::BEFUNDE;
+            }
         dokument["steps"] = std::move(kette).json();
         dokument["conclusion"] = std::move(ende);
         dokument["file"] = nullptr;
         dokument["keys_held"] = nullptr;
         dokument["keys_lost"] = nullptr;
         // For an answer only crashed files count: a client does not have the refused ones either.
-        dokument["not_loaded"] = gefunden ? abgestuerzteAlsJson(bestand) : std::move(geladene);
+        dokument["not_loaded"] = gefunden ? ungewisseAlsJson(bestand) : std::move(geladene);
         dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
         gibAus(optionen, dokument, alsText);
         const Ausgang umstaende = ausgangVon(bestand);

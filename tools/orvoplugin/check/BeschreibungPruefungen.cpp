@@ -7,6 +7,7 @@
 #include "check/Vorschlag.h"
 #include "kern/Anzeige.h"
 
+#include <orvoplugin/beschreibung/Beschreibung.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
 #include <orvoutil/Latin1.h>
@@ -174,6 +175,19 @@ Befund pruefeZweiteBeschreibung(const Pruefling& p) {
         vergleicheBeschreibungen(erste, beschreibung(*daneben), "described beside another, it differs",
                                  funde);
     return funde.befund();
+}
+
+Befund pruefeBeschreibungInDatei(const Pruefling& p) {
+    const Beschreibungsfund fund = liesBeschreibung(p.pfad);
+    if (fund.stand == Beschreibungsfund::ABGELEHNT)
+        return warnung("clients ignore it: " + einzeilig(fund.grund));
+    if (fund.stand != Beschreibungsfund::GEFUNDEN)
+        return uebersprungen("there is none");
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    if (schreibeBeschreibung(*plugin) == fund.bytes)
+        return bestanden();
+    return durchgefallen("it is not: " + unterschied(beschreibung(*lade(p.pfad, true)), beschreibung(*plugin),
+                                                     "in the file", "asked"));
 }
 
 Befund pruefeVersionen(const Pruefling& p) {

@@ -59,6 +59,7 @@ Befund pruefeTypen(const Pruefling&);
 Befund pruefeSignaturen(const Pruefling&);
 Befund pruefeBeschreibung(const Pruefling&);
 Befund pruefeZweiteBeschreibung(const Pruefling&);
+Befund pruefeBeschreibungInDatei(const Pruefling&);
 Befund pruefeVersionen(const Pruefling&);
 Befund pruefeTexte(const Pruefling&);
 Befund pruefeAngebot(const Pruefling&);

@@ -82,8 +82,8 @@ std::string laufendeAusnahme() {
     }
 }
 
-std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad) {
-    OrvoPluginLoader loader; // keeps the library open while the exception is handled
+std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad, bool nachBeschreibung) {
+    OrvoPluginLoader loader(nachBeschreibung); // keeps the library open while the exception is handled
     std::unique_ptr<OrvoPlugin> plugin;
     try {
         plugin.reset(loader.loadPlugin(new SharedLib(pfad, false)));
@@ -144,11 +144,12 @@ std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
     return zeilen;
 }
 
-std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite) {
+std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
+                        const std::string& hier, const std::string& dort) {
     const auto [links, rechts] = std::mismatch(erste.begin(), erste.end(), zweite.begin(), zweite.end());
     if (links == erste.end() && rechts == zweite.end())
         return "in something that is never shown";
-    return "first " + (links == erste.end() ? "nothing more" : *links) + ", then " +
+    return hier + " " + (links == erste.end() ? "nothing more" : *links) + ", " + dort + " " +
            (rechts == zweite.end() ? "nothing more" : *rechts);
 }
 

@@ -25,8 +25,9 @@ public:
 /// The text of the exception being handled, of any class and also without a text.
 std::string laufendeAusnahme();
 
-/// Loads a plugin as the manager does. Errors: `Ladefehler`.
-std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad);
+/// Loads a plugin as the manager does. Parameters: with `nachBeschreibung`, by the description in its file, if there is
+/// one. Errors: `Ladefehler`.
+std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad, bool nachBeschreibung = false);
 
 /// The plugin's extensions that hand out services, in their order.
 std::vector<OrvoServiceErweiterung*> serviceErweiterungen(const OrvoPluginV1& plugin);
@@ -47,8 +48,9 @@ void ladeUndBenutze(const std::string& pfad);
 /// The whole description of a plugin, as text lines.
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin);
 
-/// The first line in which two descriptions differ: "first this, then that".
-std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite);
+/// The first line in which two descriptions differ: "first this, then that", with these words for the two.
+std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
+                        const std::string& hier = "first", const std::string& dort = "then");
 /// Reports it.
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                               const std::string& wann, Fundliste& funde);

@@ -76,10 +76,10 @@ std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben) {
     return text.empty() ? text : text + "\n";
 }
 
-Json abgestuerzteAlsJson(const Bestand& bestand) {
+Json ungewisseAlsJson(const Bestand& bestand) {
     Json liste = Json::array();
     for (const DateiFakt& datei : bestand.dateien)
-        if (datei.zustand >= Zustand::ABGESTUERZT)
+        if (datei.zustand >= Zustand::UNBESCHRIEBEN)
             liste.push_back(zeileAlsJson(bestand, datei));
     return liste;
 }
@@ -100,7 +100,7 @@ Farbe farbe(const std::string& zustand) {
         return Farbe::GRUEN;
     if (zustand == "ignored")
         return Farbe::BLASS;
-    return zustand == "blocked" ? Farbe::GELB : Farbe::ROT;
+    return zustand == "blocked" || zustand == "not_described" ? Farbe::GELB : Farbe::ROT;
 }
 
 std::string begruendung(const Json& zeile) {

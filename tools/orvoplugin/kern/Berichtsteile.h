@@ -27,8 +27,9 @@ Json anbieterAlsJson(const Bestand& bestand, const ErweiterungsOrt& ort);
 Json unlesbareAlsJson(const Bestand& bestand);
 std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben);
 
-/// The rows of the files whose code crashed, ended the process or timed out.
-Json abgestuerzteAlsJson(const Bestand& bestand);
+/// The rows of the files of which it is not known what they would offer: without a description where no code may run,
+/// crashed, exited or timed out.
+Json ungewisseAlsJson(const Bestand& bestand);
 /// Gaps that may change an answer, shown below it: "not_loaded" and "unreadable_directories".
 std::string umstaendeAlsText(const Json& dokument, const Farben& farben);
 

@@ -6,6 +6,7 @@
 #include "kern/Ordnung.h"
 #include "kern/Protokoll.h"
 
+#include <orvoplugin/beschreibung/Beschreibung.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
@@ -40,6 +41,7 @@ namespace {
 
 constexpr char kHomeDir[] = "basis.home_dir";
 constexpr char kResidente[] = "basis.resident_plugins";
+constexpr char kBeschreibungen[] = "basis.plugin_beschreibungen";
 /// A home directory that cannot have entries.
 constexpr char kNirgends[] = "/dev/null";
 
@@ -154,9 +156,10 @@ int liesNamen(const std::string& verzeichnis, std::vector<std::string>& namen) {
 
 class Ladenotizen : public LadeBeobachter {
 public:
-    Ladenotizen(const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
+    /// Parameters: with `nurBeschriebene`, files without a description are not loaded.
+    Ladenotizen(const Auftrag& auftrag, const std::set<std::string>& ueberspringe, bool nurBeschriebene,
                 const std::function<void(const std::string&)>& bevor)
-        : auftrag_(auftrag), ueberspringe_(ueberspringe), bevor_(bevor) {}
+        : auftrag_(auftrag), ueberspringe_(ueberspringe), nurBeschriebene_(nurBeschriebene), bevor_(bevor) {}
 
     void betrittVerzeichnis(const std::string& verzeichnis) noexcept override {
         const int fehler = liesNamen(verzeichnis, eintraege.emplace_back());
@@ -186,7 +189,7 @@ public:
             datei.pfad = pfad;
         }
         if (auftrag_.ohne.contains(pfad) || ueberspringe_.contains(pfad) ||
-            (auftrag_.nur && !auftrag_.nur->contains(pfad)))
+            (auftrag_.nur && !auftrag_.nur->contains(pfad)) || (nurBeschriebene_ && !istBeschrieben(pfad)))
             return false;
         bevor_(pfad);
         return true;
@@ -212,8 +215,21 @@ public:
     std::set<std::string> gesehen; ///< full paths of all files that the manager reported
 
 private:
+    /// Notes it about a file that is not.
+    bool istBeschrieben(const std::string& pfad) {
+        const Beschreibungsfund fund = liesBeschreibung(pfad);
+        if (fund.stand == Beschreibungsfund::GEFUNDEN)
+            return true;
+        DateiFakt& datei = funde.back().fakt;
+        datei.zustand = Zustand::UNBESCHRIEBEN;
+        datei.grund = Grund::NICHT_BESCHRIEBEN;
+        datei.meldung = fund.grund;
+        return false;
+    }
+
     const Auftrag& auftrag_;
     const std::set<std::string>& ueberspringe_;
+    const bool nurBeschriebene_;
     const std::function<void(const std::string&)>& bevor_;
 };
 
@@ -473,6 +489,8 @@ OrvoErweiterungsManager* lade(const Optionen& optionen, Protokoll* protokoll, La
                               Registernotizen& register_, const std::string& einzeln) {
     const Einstellungen einstellungen;
     einstellungen.setze(kResidente, optionen.resident);
+    if (optionen.beschreibungen != Beschreibungen::UEBERGANGEN)
+        einstellungen.setze(kBeschreibungen, "eingebettet");
     const auto beobachte = [&] {
         OrvoPluginManager::setLadeBeobachter(&laden);
         OrvoErweiterungsManager::setRegisterBeobachter(&register_);
@@ -510,7 +528,7 @@ Bestand ermittleBestand(const Optionen& optionen, const Auftrag& auftrag,
     std::cout.rdbuf(nullptr); // the library echoes the resident plugins' names there
     const std::shared_ptr<Protokoll> protokoll = Protokoll::beginne(optionen.log);
 
-    Ladenotizen laden(auftrag, ueberspringe, bevor);
+    Ladenotizen laden(auftrag, ueberspringe, optionen.beschreibungen == Beschreibungen::NUR, bevor);
     Registernotizen register_;
     OrvoErweiterungsManager* const registratur =
         lade(optionen, protokoll.get(), laden, register_, auftrag.einzeln);

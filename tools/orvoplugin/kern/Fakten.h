@@ -28,12 +28,16 @@ struct ZeitraumFakt {
     std::int32_t tag = 0;
     std::int32_t quartal = 0;
     std::string text;
+
+    friend bool operator==(const ZeitraumFakt&, const ZeitraumFakt&) = default;
 };
 
 /// A sub-case type, `Unterfallart`.
 struct UnterfallartFakt {
     std::int32_t nummer = 0;
     std::string name;
+
+    friend bool operator==(const UnterfallartFakt&, const UnterfallartFakt&) = default;
 };
 
 /// Whether a kind is looked up without sub-case type and period: tax-office data have neither. Their key in the
@@ -59,6 +63,8 @@ struct ErweiterungFakt {
     std::vector<std::int32_t> abhaengigkeiten;                                   ///< the kind of each
     std::vector<std::int32_t> vorbedingungen;                                    ///< the kind of each
     std::vector<std::int32_t> nachbedingungen;                                   ///< the kind of each
+
+    friend bool operator==(const ErweiterungFakt&, const ErweiterungFakt&) = default;
 };
 
 struct LabelFakt {
@@ -69,6 +75,8 @@ struct LabelFakt {
     std::int32_t zahl2 = 0;
     std::string text3;
     std::string text4;
+
+    friend bool operator==(const LabelFakt&, const LabelFakt&) = default;
 };
 
 /// The description that a plugin gives of itself.
@@ -84,6 +92,8 @@ struct PluginFakt {
     Export onUnloadExport = Export::UNGEPRUEFT;
     std::vector<LabelFakt> labels;
     std::vector<ErweiterungFakt> erweiterungen;
+
+    friend bool operator==(const PluginFakt&, const PluginFakt&) = default;
 };
 
 /// The state of a file after loading.
@@ -92,9 +102,11 @@ enum class Zustand : std::int32_t {
     GESPERRT = 1,    ///< on the block list
     UEBERGANGEN = 2, ///< not taken for a plugin; `grund` says why
     ABGELEHNT = 3,   ///< refused; `grund` says at which step, `meldung` why
-    ABGESTUERZT = 4, ///< its code ended the process by a signal, `zahl`; 0 for the reason KANAL
-    BEENDET = 5,     ///< its code ended the process with the exit code `zahl`
-    ZEIT = 6,        ///< its code did not come back in time
+    UNBESCHRIEBEN =
+        4, ///< not loaded, with `Beschreibungen::NUR`; `meldung` says why its description is refused
+    ABGESTUERZT = 5, ///< its code ended the process by a signal, `zahl`; 0 for the reason KANAL
+    BEENDET = 6,     ///< its code ended the process with the exit code `zahl`
+    ZEIT = 7,        ///< its code did not come back in time
 };
 
 /// Why a file is in its state: codes of the JSON output, see `grundcode`. Values beyond 100 are the tool's own.
@@ -110,16 +122,17 @@ enum class Grund : std::int32_t {
     AUSNAHME_INITIALISIERUNG = ABLEHNUNG_AUSNAHME_INITIALISIERUNG,
     INITIALISIERUNG = ABLEHNUNG_INITIALISIERUNG,
     BEOBACHTER = ABLEHNUNG_BEOBACHTER,
-    SPERRLISTE = 101,      ///< on the block list
-    KEINE_ENDUNG = 102,    ///< it does not have the suffix of plugins
-    VERSTECKT = 103,       ///< its name begins with a dot
-    OHNE_PUNKT = 104,      ///< its name has no dot, so the walk does not list it
-    KEINE_DATEI = 105,     ///< neither a regular file nor a link to one
-    VERZEICHNISLINK = 106, ///< a link to a directory
-    SIGNAL = 107,          ///< a signal ended the process
-    PROZESSENDE = 108,     ///< its code ended the process
-    ZEITLIMIT = 109,       ///< it took too long
-    KANAL = 110,           ///< its code interfered with the tool's own way of reporting
+    SPERRLISTE = 101,        ///< on the block list
+    KEINE_ENDUNG = 102,      ///< it does not have the suffix of plugins
+    VERSTECKT = 103,         ///< its name begins with a dot
+    OHNE_PUNKT = 104,        ///< its name has no dot, so the walk does not list it
+    KEINE_DATEI = 105,       ///< neither a regular file nor a link to one
+    VERZEICHNISLINK = 106,   ///< a link to a directory
+    SIGNAL = 107,            ///< a signal ended the process
+    PROZESSENDE = 108,       ///< its code ended the process
+    ZEITLIMIT = 109,         ///< it took too long
+    KANAL = 110,             ///< its code interfered with the tool's own way of reporting
+    NICHT_BESCHRIEBEN = 111, ///< no description of the plugin in its file, or one that is refused
 };
 
 struct DateiFakt {

@@ -78,6 +78,9 @@ constexpr GrundZeile kGruende[] = {
      "Its code closed or wrote to descriptors that are not its own, or overwrote memory, and so spoiled the "
      "report.",
      "Take the file out of the plugin directory before a client meets it, and report this to its author."},
+    {Grund::NICHT_BESCHRIEBEN, "not_described", "file_check",
+     "The file has no description of its plugin, which was not asked for one.",
+     "If you trust the plugin, leave --described out, so that it is asked."},
 };
 
 const GrundZeile& zeile(Grund grund) {
@@ -99,6 +102,8 @@ const char* code(Zustand zustand) {
         return "ignored";
     case Zustand::ABGELEHNT:
         return "refused";
+    case Zustand::UNBESCHRIEBEN:
+        return "not_described";
     case Zustand::ABGESTUERZT:
         return "crashed";
     case Zustand::BEENDET:

@@ -43,4 +43,10 @@ void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen) {
         ->group(kGruppe);
 }
 
+void fuegeDescribedHinzu(CLI::App& app, Optionen& optionen) {
+    app.add_flag_callback(
+        "--described", [&] { optionen.beschreibungen = Beschreibungen::NUR; },
+        "Run no plugin code: go by the descriptions in the files, and load no file without one");
+}
+
 } // namespace werkzeug

@@ -11,6 +11,13 @@ class App;
 
 namespace werkzeug {
 
+/// What becomes of the descriptions in plugins' files.
+enum class Beschreibungen {
+    UEBERGANGEN, ///< every plugin is asked
+    GENUTZT,     ///< as by a client that takes them: a plugin without one is asked
+    NUR,         ///< a plugin without one is not loaded, so that no plugin code runs
+};
+
 /// What every command takes.
 struct Optionen {
     std::string home;      ///< --home: home directory, plugins lie below its "plugins"; empty when not given
@@ -20,10 +27,13 @@ struct Optionen {
     bool json = false;     ///< --json
     bool quiet = false;    ///< --quiet: no results in text form, no progress; the exit code tells
     double zeitlimit = 10; ///< --timeout: seconds that a plugin may take before its process is killed
+    Beschreibungen beschreibungen = Beschreibungen::UEBERGANGEN; ///< --described, of some commands: NUR
 };
 
 /// Adds the options to a command or to the program.
 void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen);
+/// The same for `--described`.
+void fuegeDescribedHinzu(CLI::App& app, Optionen& optionen);
 
 /// The command line is well-formed but invalid (a bad period, for instance). The program prints the text, which is
 /// UTF-8, and ends with `Ausgang::FALSCHER_AUFRUF`.

@@ -199,7 +199,7 @@ Ausgang ausgangVon(const Bestand& bestand) {
     for (const DateiFakt& datei : bestand.dateien) {
         if (datei.zustand >= Zustand::ABGESTUERZT)
             ausgang = schwerster(ausgang, Ausgang::ABGESTUERZT);
-        else if (datei.zustand == Zustand::ABGELEHNT)
+        else if (datei.zustand >= Zustand::ABGELEHNT)
             ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
     }
     for (const VerzeichnisFakt& verzeichnis : bestand.verzeichnisse)

@@ -178,7 +178,7 @@ void pruefe(const Bestand& bestand) {
     for (const DateiFakt& datei : bestand.dateien) {
         verlange(datei.verzeichnis < bestand.verzeichnisse.size());
         verlangeBereich(datei.zustand, Zustand::GELADEN, Zustand::ZEIT);
-        verlangeBereich(datei.grund, Grund::KEINER, Grund::KANAL);
+        verlangeBereich(datei.grund, Grund::KEINER, Grund::NICHT_BESCHRIEBEN);
         verlange(datei.zustand != Zustand::GELADEN || datei.plugin);
         if (datei.plugin)
             pruefe(*datei.plugin);
