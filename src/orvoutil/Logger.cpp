@@ -1,10 +1,12 @@
 #include <orvoutil/Logger.h>
 
+#include <pthread.h>
+
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <new>
 #include <optional>
-#include <utility>
 
 namespace orvo::orvoutil {
 
@@ -42,37 +44,46 @@ struct __attribute__((visibility("hidden"))) Logger::Zustand {
 
 namespace {
 
-/// Each thread reuses one entry, so that its texts seldom need memory.
-struct Faden {
-    LogEntry* frei = nullptr; // null while a sink has the entry, and at the end of the thread
-    bool hatEintrag = false;
-};
-thread_local constinit Faden faden;
-
-/// The thread's entry, as long as this lives; or one of its own.
+/// An entry to fill: that of the thread, whose texts seldom need memory; a new one while a sink has that, and where there
+/// is no memory for one. (A `thread_local` one would end the process there.)
 class Leihe {
 public:
-    Leihe() : faden_(faden), eintrag_(faden_.hatEintrag ? std::exchange(faden_.frei, nullptr) : erster()) {}
+    Leihe() noexcept : vorrat_(hole()) {
+        if (vorrat_)
+            vorrat_->istFrei = false;
+    }
     Leihe(const Leihe&) = delete;
     ~Leihe() {
-        if (eintrag_)
-            faden_.frei = eintrag_;
+        if (vorrat_)
+            vorrat_->istFrei = true;
     }
-    LogEntry& operator*() { return eintrag_ ? *eintrag_ : eigener_.emplace(); }
+
+    LogEntry& operator*() { return vorrat_ ? vorrat_->eintrag : eigener_.emplace(); }
 
 private:
-    LogEntry* erster() {
-        struct Besitzer {
-            ~Besitzer() { faden.frei = nullptr; }
-            LogEntry eintrag;
-        };
-        static thread_local Besitzer besitzer;
-        faden_.hatEintrag = true;
-        return &besitzer.eintrag;
+    struct Vorrat {
+        LogEntry eintrag;
+        bool istFrei = true;
+    };
+
+    static Vorrat* hole() noexcept {
+        static const auto schluessel = [] {
+            pthread_key_t neuer;
+            const auto loesche = [](void* vorrat) { delete static_cast<Vorrat*>(vorrat); };
+            return pthread_key_create(&neuer, loesche) == 0 ? std::optional(neuer) : std::nullopt;
+        }();
+        if (!schluessel)
+            return nullptr;
+        auto* vorrat = static_cast<Vorrat*>(pthread_getspecific(*schluessel));
+        if (!vorrat) {
+            std::unique_ptr<Vorrat> neuer(new (std::nothrow) Vorrat);
+            if (neuer && pthread_setspecific(*schluessel, neuer.get()) == 0)
+                vorrat = neuer.release();
+        }
+        return vorrat && vorrat->istFrei ? vorrat : nullptr;
     }
 
-    Faden& faden_;
-    LogEntry* const eintrag_;
+    Vorrat* const vorrat_;
     std::optional<LogEntry> eigener_;
 };
 

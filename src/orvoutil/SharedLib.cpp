@@ -133,7 +133,7 @@ bool SharedLib::load() {
     griff_ = dlopen(dateipfad.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!griff_)
         return schlageFehl(grundDesSystems());
-    static constinit std::atomic<std::uint64_t> letzteOeffnung = 0;
+    static constinit std::atomic<std::uintptr_t> letzteOeffnung = 0;
     oeffnung_ = ++letzteOeffnung;
     return true;
 }

@@ -41,8 +41,8 @@ public:
     /// Whether the last `load` failed before the system's loader saw the file, by its name or content.
     bool scheiterteVorDemOeffnen() const { return scheiterteVorDemOeffnen_; }
     /// The number of this opening, which no other one in the process has: symbols found in it are valid as long as it
-    /// stays the same. 0 while the library is closed.
-    std::uint64_t getOeffnung() const { return oeffnung_; }
+    /// stays the same. 0 while the library is closed, and in a derived class that opens it by itself: search each time.
+    std::uintptr_t getOeffnung() const { return oeffnung_; }
 
 private:
     std::string pruefeDatei(const std::string& dateipfad) const;
@@ -52,7 +52,7 @@ private:
     void* griff_ = nullptr; // null while closed
     std::string fehler_;
     bool scheiterteVorDemOeffnen_ = false;
-    std::uint64_t oeffnung_ = 0;
+    std::uintptr_t oeffnung_ = 0;
 };
 
 } // namespace orvo::orvoutil

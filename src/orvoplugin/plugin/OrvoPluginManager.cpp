@@ -61,7 +61,8 @@ bool istGesperrt(std::string_view dateiname) {
         kSperrliste, [&](std::string_view gesperrt) { return equalsIgnoreCase(dateiname, gesperrt); });
 }
 
-/// Whether a file of that name is loaded, unless an observer refuses it.
+/// Whether a file of that name is loaded, unless an observer refuses it. (One that ends in ".DYLIB" is not found under the
+/// name by which it is loaded, except where the file system ignores letter case.)
 bool istPlugindatei(const std::string& datei) {
     return endsWith(datei, kPluginEndung) && !istGesperrt(datei);
 }
@@ -189,7 +190,8 @@ bool OrvoPluginManager::ladePlugin(const std::string& pfad) {
         return lehneAb("ladePlugin()");
     const std::string datei = pfad; // a copy: it may be the name of a plugin that is unloaded now
     holeWechselNach();
-    beginneLauf();
+    if (!ladevorgang_)
+        beginneLauf();
     const bool erfolg = ladeDatei(datei);
     holeWechselNach();
     return erfolg;
@@ -319,7 +321,8 @@ bool OrvoPluginManager::nimmDatei(const std::string& verzeichnis, const std::str
         ladeBeobachter->findetDatei(verzeichnis, datei, art, voll);
     if (art != LadeBeobachter::PLUGIN)
         return true;
-    vorlauf.rueckeVor();
+    if (istPlugindatei(datei))
+        vorlauf.rueckeVor();
     return ladeDatei(voll);
 }
 

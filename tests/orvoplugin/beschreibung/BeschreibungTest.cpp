@@ -123,7 +123,7 @@ struct FelderDerServiceErweiterung : OrvoErweiterung {
     ServiceGriffBasis* griffe;
     std::map<Service*, int>::node_type freierPlatz;
     Service* (*factory)();
-    std::uint64_t oeffnung;
+    std::uintptr_t oeffnung;
 };
 static_assert(sizeof(OrvoServiceErweiterung) == sizeof(FelderDerServiceErweiterung));
 

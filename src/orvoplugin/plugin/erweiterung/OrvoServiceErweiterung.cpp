@@ -98,7 +98,7 @@ Service* OrvoServiceErweiterung::erzeugeService(OrvoPlugin& plugin) {
 /// Searched once for each opening of the library. Returns: null when there is no such function.
 Service* (*OrvoServiceErweiterung::sucheFactory(OrvoPlugin& plugin))() {
     const SharedLib* const bibliothek = plugin.getSharedLib();
-    const std::uint64_t oeffnung = bibliothek ? bibliothek->getOeffnung() : 0;
+    const std::uintptr_t oeffnung = bibliothek ? bibliothek->getOeffnung() : 0;
     if (oeffnung == 0 || oeffnung != oeffnung_) {
         factory_ = plugin.bibliothek().funktion<Service*()>(serviceFactoryName_);
         oeffnung_ = factory_ ? oeffnung : 0;

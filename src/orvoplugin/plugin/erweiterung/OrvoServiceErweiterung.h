@@ -69,5 +69,5 @@ private:
     ServiceGriffBasis* griffe_ = nullptr; ///< the handles that hold one of the objects, the latest first
     std::map<Service*, int>::node_type freierPlatz_; ///< for the next object, so that entering it cannot fail
     Service* (*factory_)() = nullptr;                ///< as found in an opening of the library
-    std::uint64_t oeffnung_ = 0;                     ///< the number of that opening
+    std::uintptr_t oeffnung_ = 0;                    ///< the number of that opening
 };

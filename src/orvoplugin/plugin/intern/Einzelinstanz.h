@@ -64,7 +64,7 @@ T* sucheEinzelinstanz(const EinzelinstanzTexte& texte, Erzeuge&& erzeuge) {
 
 /// The registered object, made by `erzeuge` if there is none. A call that finds it writes nothing that threads share.
 ///
-/// Returns: the object, owned by the `ObjectLifetimeManager`; null while or after that destroys its objects. Null too for
+/// Returns: the object, owned by the `ObjectLifetimeManager`; null once that has destroyed it. Null too for
 /// the start-up and last code of a library while the object is being made: no exception may pass through the system's
 /// loader.
 /// Errors: `std::logic_error` for other callers while the object is being made; what `erzeuge` throws.

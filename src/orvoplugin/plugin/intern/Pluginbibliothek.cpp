@@ -20,7 +20,7 @@ bool gibtEsAusnahme() noexcept { return std::uncaught_exceptions() > 0 || std::c
 extern "C" const ElfW(Ehdr) eigenerKopf __asm__("__ehdr_start") __attribute__((visibility("hidden")));
 #endif
 
-/// Whether an address lies in this library, which outlives every plugin.
+/// Whether an address lies in this library, which outlives every plugin. Linkers put a library's headers at its address 0.
 bool istEigenerCode(const void* adresse) {
 #ifdef __ELF__
     const auto basis = reinterpret_cast<ElfW(Addr)>(&eigenerKopf);

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <new>
 
 #ifdef RWF_NOWAIT
 
@@ -31,7 +32,15 @@ bool istKalt(int datei) {
 
 } // namespace
 
-void Vorlauf::rueckeVor() {
+void Vorlauf::rueckeVor() noexcept {
+    try {
+        kuendigeAn();
+    } catch (const std::bad_alloc&) { // no reason to load less
+        naechste_ = ende_;
+    }
+}
+
+void Vorlauf::kuendigeAn() {
     for (; naechste_ != ende_ && voraus_ < kFenster; ++naechste_) {
         if (!istPlugin_(*naechste_))
             continue;
@@ -48,6 +57,6 @@ void Vorlauf::rueckeVor() {
 
 #else
 
-void Vorlauf::rueckeVor() {}
+void Vorlauf::rueckeVor() noexcept {}
 
 #endif

@@ -8,7 +8,7 @@
 /// the system cannot tell, nothing is read ahead.
 ///
 /// Ownership: refers to the name and the list.
-/// Errors: `std::bad_alloc`. A file that cannot be read is left to the loader.
+/// Errors: none. What cannot be read ahead is left to the loader.
 class Vorlauf {
 public:
     using Dateien = std::list<std::string>;
@@ -23,12 +23,15 @@ public:
           ende_(dateien.end()) {}
 
     /// Call before each of them is loaded.
-    void rueckeVor();
+    void rueckeVor() noexcept;
 
 private:
-    const std::string& verzeichnis_;
-    bool (*istPlugin_)(const std::string&);
-    const int bytes_;
+    void kuendigeAn();
+
+    [[maybe_unused]] const std::string& verzeichnis_;
+    [[maybe_unused]] bool (*istPlugin_)(const std::string&);
+    [[maybe_unused]] const int bytes_;
     Dateien::const_iterator naechste_, ende_; ///< what is still to be read
-    int voraus_ = -1; ///< how many files are read and not loaded yet; below zero before the first
+    [[maybe_unused]] int voraus_ =
+        -1; ///< how many files are read and not loaded yet; below zero before the first
 };
