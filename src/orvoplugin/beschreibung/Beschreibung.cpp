@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <functional>
 #include <iterator>
-#include <list>
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
@@ -27,11 +26,9 @@ namespace {
 
 constexpr Latin1Text kAndereAusgabe{u8"für eine andere Ausgabe"};
 constexpr Latin1Text kBeschaedigt{u8"beschädigt"};
-constexpr char kZuLang[] = "zu lang";
 constexpr Latin1Text kIgnoriert{u8"Beschreibung in der Datei ignoriert: "};
 constexpr Latin1Text kUebernommen{u8"Beschreibung aus der Datei übernommen: "};
 constexpr Latin1Text kNichtZuBeschreiben{u8"Das Plugin lässt sich nicht beschreiben: "};
-
 constexpr std::uint32_t kFormat = 1; // 0 in a room that is not filled
 constexpr std::size_t kHoechsteKopflaenge = 25;
 
@@ -55,13 +52,6 @@ std::uint64_t pruefsumme(std::string_view inhalt) {
 
 using Zeitraeume = std::list<Veranlagungszeitraum>;
 
-/// Calls `tu` with the class of that kind of extension. Returns: whether there is one.
-template <class... E>
-bool mitKlasse(std::int32_t typ, auto&& tu) {
-    std::int32_t art = 0;
-    return ((++art == typ && (tu(std::type_identity<E>()), true)) || ...);
-}
-
 } // namespace
 
 /// The content of a description, written or read: one list of fields, in their order, for both. What is read takes no
@@ -70,7 +60,6 @@ template <bool kLiest>
 class Beschreibungsstrom {
 public:
     std::conditional_t<kLiest, std::string_view, std::string> bytes;
-
     /// The type records: the earlier plugins of the library, then the plugin itself.
     void schreibeAlle(const OrvoPluginV1& plugin) {
         anzahl(plugin.fruehere_.size() + 1);
@@ -103,7 +92,6 @@ private:
     using Ziel = std::conditional_t<kLiest, T&, const T&>;
     template <class Objekt, class Hole>
     using Gegeben = std::remove_cvref_t<std::invoke_result_t<Hole, const Objekt&>>;
-
     void beschreibe(Ziel<OrvoPluginV1> plugin) {
         std::int32_t typ = plugin.getTyp();
         wert(typ);
@@ -160,7 +148,10 @@ private:
     {
         std::int32_t typ = kLiest ? NONE : erweiterung->getTyp();
         wert(typ);
-        const auto tu = [&]<class E>(std::type_identity<E> klasse) {
+        std::int32_t art = 0; // of the next class
+        const auto istVon = [&]<class E>(std::type_identity<E> klasse) {
+            if (++art != typ)
+                return false;
             if constexpr (kLiest) {
                 auto neue = leer<E>();
                 beschreibe(*neue, klasse);
@@ -171,10 +162,14 @@ private:
                 verlange(erweiterung->getAusgegeben() == 0, "Ein Service ist ausgegeben.");
                 beschreibe(static_cast<const E&>(*erweiterung), klasse);
             }
+            return true;
         };
-        verlange(mitKlasse<OrvoValidierungsServiceErweiterung, OrvoFeldInfoDatenServiceErweiterung,
-                           OrvoFTDatenServiceErweiterung, OrvoFADatenServiceErweiterung,
-                           OrvoXPathMappingServiceErweiterung, OrvoDatensatzReaderErweiterung>(typ, tu));
+        verlange(istVon(std::type_identity<OrvoValidierungsServiceErweiterung>()) ||
+                 istVon(std::type_identity<OrvoFeldInfoDatenServiceErweiterung>()) ||
+                 istVon(std::type_identity<OrvoFTDatenServiceErweiterung>()) ||
+                 istVon(std::type_identity<OrvoFADatenServiceErweiterung>()) ||
+                 istVon(std::type_identity<OrvoXPathMappingServiceErweiterung>()) ||
+                 istVon(std::type_identity<OrvoDatensatzReaderErweiterung>()));
     }
 
     /// Whether reading a text can have made the period. The kinds that none makes may come with anything.
@@ -257,8 +252,7 @@ private:
     }
     /// 0, -1, 1, -2, ... become 0, 1, 2, 3, ...
     template <class T>
-    requires std::is_enum_v<T> || std::is_same_v<const T, const bool> ||
-        std::is_same_v<const T, const std::int32_t>
+    requires std::is_enum_v<T> || std::is_signed_v<T> || std::is_same_v<const T, const bool>
     void wert(T& zahl) {
         const auto bitsVon = [](auto n) { return static_cast<std::uint32_t>(n) << 1 ^ (n < 0 ? ~0u : 0u); };
         auto bits = bitsVon(static_cast<std::int32_t>(zahl));
@@ -304,8 +298,8 @@ static std::unique_ptr<OrvoPluginV1> lies(Notiz& notiz, Pluginbibliothek::Zeiger
         verlange(bytes, kBeschaedigt);
         return std::string_view(bytes, anzahl);
     };
-    const std::size_t anfang = std::min<std::size_t>(notiz.platz, kHoechsteKopflaenge);
-    Leser kopf{hole(anfang)};
+    const std::string_view anfang = hole(std::min<std::size_t>(notiz.platz, kHoechsteKopflaenge));
+    Leser kopf{anfang};
     std::uint32_t format, ausgabe, laenge, summe, hohe;
     kopf.werte(format);
     const bool istLeer = format == 0 && kopf.bytes.find_first_not_of('\0') == kopf.bytes.npos;
@@ -315,8 +309,8 @@ static std::unique_ptr<OrvoPluginV1> lies(Notiz& notiz, Pluginbibliothek::Zeiger
     verlange(format == kFormat, kAndereAusgabe);
     kopf.werte(ausgabe, laenge, summe, hohe);
     verlange(ausgabe == ORVO_AUSGABE, kAndereAusgabe);
-    verlange(laenge <= kHoechstlaengeEinerBeschreibung, kZuLang);
-    const std::size_t kopflaenge = anfang - kopf.bytes.size();
+    verlange(laenge <= kHoechstlaengeEinerBeschreibung, "zu lang");
+    const std::size_t kopflaenge = anfang.size() - kopf.bytes.size();
     Leser inhalt{hole(kopflaenge + laenge).substr(kopflaenge)};
     verlange(pruefsumme(inhalt.bytes) == (std::uint64_t{hohe} << 32 | summe), kBeschaedigt);
     return inhalt.liesAlle(bibliothek);
@@ -326,17 +320,17 @@ static std::unique_ptr<OrvoPluginV1> lies(Notiz& notiz, Pluginbibliothek::Zeiger
     return nullptr;
 }
 
-std::unique_ptr<OrvoPluginV1> beschriebenesPlugin(Pluginbibliothek::Zeiger& bibliothek, Log log) {
-    const SharedLib* const datei = bibliothek->get();
-    if (!datei || bibliothek->istOffen())
+std::unique_ptr<OrvoPluginV1> beschriebenesPlugin(Pluginbibliothek::Zeiger& tuer, Log log) {
+    if (!tuer->get() || tuer->istOffen())
         return nullptr;
-    Notiz notiz(datei->getName());
+    const std::string& pfad = tuer->get()->getName();
+    Notiz notiz(pfad);
     Beschreibungsfund fund;
-    auto plugin = lies(notiz, bibliothek, fund);
+    auto plugin = lies(notiz, tuer, fund);
     if (plugin)
-        log.info([&] { return kUebernommen.c_str() + datei->getName(); });
+        log.info([&] { return kUebernommen.c_str() + pfad; });
     else if (fund.stand == fund.ABGELEHNT)
-        log.warn([&] { return kIgnoriert.c_str() + datei->getName() + ". Grund: " + fund.grund; });
+        log.warn([&] { return kIgnoriert.c_str() + pfad + ". Grund: " + fund.grund; });
     return plugin;
 }
 
@@ -354,14 +348,13 @@ std::string schreibeBeschreibung(const OrvoPlugin& plugin) try {
     verlange(v1, "Es hat nicht die Schnittstelle 1.");
     Beschreibungsstrom<false> kopf, inhalt;
     inhalt.schreibeAlle(*v1);
-    const std::size_t laenge = inhalt.bytes.size();
-    verlange(laenge <= kHoechstlaengeEinerBeschreibung, kZuLang);
+    verlange(inhalt.bytes.size() <= kHoechstlaengeEinerBeschreibung, "zu lang");
     auto ohneBibliothek = Pluginbibliothek::fuer(nullptr);
     Leser{inhalt.bytes}.liesAlle(ohneBibliothek); // refuses what no reader would take
     const std::uint64_t summe = pruefsumme(inhalt.bytes);
-    for (const std::uint64_t zahl :
-         {std::uint64_t{kFormat}, std::uint64_t{ORVO_AUSGABE}, std::uint64_t{laenge}, summe, summe >> 32})
-        kopf.werte(static_cast<std::uint32_t>(zahl));
+    const auto laenge = static_cast<std::uint32_t>(inhalt.bytes.size());
+    const auto tiefe = static_cast<std::uint32_t>(summe), hohe = static_cast<std::uint32_t>(summe >> 32);
+    kopf.werte(kFormat, std::uint32_t{ORVO_AUSGABE}, laenge, tiefe, hohe);
     return kopf.bytes + inhalt.bytes;
 } catch (const Mangel& mangel) {
     throw std::runtime_error(kNichtZuBeschreiben.c_str() + mangel.grund);

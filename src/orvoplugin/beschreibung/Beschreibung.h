@@ -8,14 +8,12 @@
 class OrvoPlugin;
 
 /// \file
-/// The description of a plugin inside its file ("Beschreibung"): all that the record of a loaded plugin says, as bytes that
-/// are the same on every machine. A client that sets "basis.plugin_beschreibungen" to "eingebettet" has the records made
-/// from them; a library is then opened only when one of its services is first requested.
+/// The description of a plugin inside its file ("Beschreibung"): all that the record of a loaded plugin says. A client that
+/// sets "basis.plugin_beschreibungen" to "eingebettet" has the records made from it, without opening the libraries.
 
 /// The description of a plugin, for the room that its file reserves (`Beschreibungsplatz.h`).
 /// Parameters: `plugin` is what `OrvoPluginLoader::loadPlugin` returned, not used or changed since.
-/// Errors: `std::runtime_error` that names what a description cannot say, such as an extension of a class that is not the
-/// library's.
+/// Errors: `std::runtime_error` that names what cannot be said, such as an extension of a class that is not the library's.
 ORVOPLUGIN_API std::string schreibeBeschreibung(const OrvoPlugin& plugin);
 
 /// What a file holds of a description.
@@ -26,7 +24,6 @@ struct Beschreibungsfund {
         GEFUNDEN,   ///< a sound description of this release
         ABGELEHNT,  ///< another one
     };
-
     Stand stand = OHNE_PLATZ;
     std::uint64_t stelle = 0; ///< where the room begins in the file
     std::uint32_t platz = 0;  ///< its size in bytes

@@ -26,19 +26,24 @@ extern "C" const ElfW(Ehdr) kopfDieserBibliothek __asm__("__ehdr_start")
 /// system calls, or four where its first page is not enough. A file without the note has no room.
 class Notiz {
 public:
-    explicit Notiz(const std::string& pfad) : deskriptor_(oeffne(pfad)) {
+    /// Opening never waits for a FIFO or a device, and never makes a terminal the process's own.
+    explicit Notiz(const std::string& pfad)
+        : deskriptor_(open(pfad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
 #ifdef __linux__ // other systems' files have no notes
+        const ElfW(Ehdr)& eigener = kopfDieserBibliothek;
         ElfW(Ehdr) kopf;
         ElfW(Phdr) segment;
-        if (!lies(0, kopf) || std::memcmp(kopf.e_ident, kopfDieserBibliothek.e_ident, EI_VERSION + 1) != 0 ||
-            kopf.e_type != ET_DYN || kopf.e_machine != kopfDieserBibliothek.e_machine ||
+        if (pfad.find('\0') != pfad.npos || !lies(0, kopf) || kopf.e_type != ET_DYN ||
+            kopf.e_machine != eigener.e_machine ||
+            std::memcmp(kopf.e_ident, eigener.e_ident, EI_VERSION + 1) != 0 ||
             kopf.e_phentsize != sizeof(segment))
             return;
-        for (std::size_t i = 0; i < kopf.e_phnum && lies(kopf.e_phoff + i * sizeof(segment), segment); ++i)
-            if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
-                segment.p_filesz <= UINT32_MAX &&
-                suche(segment.p_offset, segment.p_offset + segment.p_filesz, segment.p_align == 8 ? 8 : 4))
+        for (std::size_t i = 0; i < kopf.e_phnum && platz == 0; ++i)
+            if (!lies(kopf.e_phoff + i * sizeof(segment), segment))
                 return;
+            else if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
+                     segment.p_filesz <= UINT32_MAX)
+                suche(segment.p_offset, segment.p_offset + segment.p_filesz, segment.p_align == 8 ? 8 : 4);
 #endif
     }
     Notiz(const Notiz&) = delete;
@@ -54,33 +59,23 @@ public:
     std::uint32_t platz = 0;  ///< its size
 
 private:
-    /// Never waits for a FIFO or a device, and never makes a terminal the process's own.
-    static int oeffne(const std::string& pfad) {
-        const bool hatNullbyte = pfad.find('\0') != std::string::npos;
-        return hatNullbyte ? -1 : open(pfad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    }
-    bool suche(std::uint64_t ab, std::uint64_t ende, std::uint64_t ausrichtung) {
+    void suche(std::uint64_t ab, std::uint64_t ende, std::uint64_t ausrichtung) {
         constexpr OrvoNotizkopf gesucht{.platz = 0};
         const auto aufgerundet = [=](std::uint64_t n) { return (n + ausrichtung - 1) & ~(ausrichtung - 1); };
         for (OrvoNotizkopf kopf; ab < ende && lies(ab, kopf);) {
-            const std::uint64_t inhalt =
-                ab + aufgerundet(offsetof(OrvoNotizkopf, name) + std::uint64_t{kopf.namenslaenge});
+            ab += aufgerundet(offsetof(OrvoNotizkopf, name) + std::uint64_t{kopf.namenslaenge});
             if (kopf.namenslaenge == gesucht.namenslaenge && kopf.art == gesucht.art &&
-                std::memcmp(kopf.name, gesucht.name, gesucht.namenslaenge) == 0 &&
-                inhalt + kopf.platz <= ende) {
-                stelle = inhalt;
+                ab + kopf.platz <= ende && std::memcmp(kopf.name, gesucht.name, gesucht.namenslaenge) == 0) {
+                stelle = ab;
                 platz = kopf.platz;
-                return true;
+                return;
             }
-            ab = inhalt + aufgerundet(kopf.platz);
+            ab += aufgerundet(kopf.platz);
         }
-        return false;
     }
     bool lies(std::uint64_t ab, auto& ziel) {
         const char* const bytes = hole(ab, sizeof(ziel));
-        if (bytes)
-            std::memcpy(&ziel, bytes, sizeof(ziel));
-        return bytes;
+        return bytes && std::memcpy(&ziel, bytes, sizeof(ziel));
     }
     const char* hole(std::uint64_t ab, std::size_t anzahl) {
         if (ab > sizeof(bytes_) || anzahl > sizeof(bytes_) - ab)
