@@ -30,7 +30,6 @@ constexpr Latin1Text kIgnoriert{u8"Beschreibung in der Datei ignoriert: "};
 constexpr Latin1Text kUebernommen{u8"Beschreibung aus der Datei übernommen: "};
 constexpr Latin1Text kNichtZuBeschreiben{u8"Das Plugin lässt sich nicht beschreiben: "};
 constexpr std::uint32_t kFormat = 1; // 0 in a room that is not filled
-constexpr std::size_t kHoechsteKopflaenge = 25;
 
 /// Why a description is refused, or cannot be written.
 struct Mangel {
@@ -51,7 +50,6 @@ std::uint64_t pruefsumme(std::string_view inhalt) {
 }
 
 using Zeitraeume = std::list<Veranlagungszeitraum>;
-
 } // namespace
 
 /// The content of a description, written or read: one list of fields, in their order, for both. What is read takes no
@@ -176,10 +174,12 @@ private:
     static bool istMoeglich(const Veranlagungszeitraum& vz) {
         if (vz.typ_ == vz.UNGELESEN || vz.typ_ == vz.IMMER || vz.typ_ == vz.UNABHAENGIG)
             return true;
+        if (vz.zeitraum_ < 0 || vz.tag_ < 0)
+            return false;
         Veranlagungszeitraum gelesen = vz;
         gelesen.quartal_ = -1;
         gelesen.ordneEin();
-        return vz.zeitraum_ >= 0 && vz.tag_ >= 0 && gelesen == vz && gelesen.typ_ == vz.typ_;
+        return gelesen == vz && gelesen.typ_ == vz.typ_;
     }
     static void fuegeAn(OrvoUaVzServiceErweiterung& e, const std::pair<Unterfallart, Zeitraeume>& eintrag) {
         const auto& map = e.getVeranlagungszeitraumUnterfallartMap();
@@ -236,6 +236,8 @@ private:
     }
     void wert(Ziel<std::string> text) {
         const std::uint32_t laenge = anzahl(text.size());
+        verlange(laenge <= 1000,
+                 "ein Text von mehr als 1.000 Bytes"); // each key of the registry copies names
         if constexpr (kLiest) {
             text = bytes.substr(0, laenge);
             bytes.remove_prefix(laenge);
@@ -298,7 +300,7 @@ static std::unique_ptr<OrvoPluginV1> lies(Notiz& notiz, Pluginbibliothek::Zeiger
         verlange(bytes, kBeschaedigt);
         return std::string_view(bytes, anzahl);
     };
-    const std::string_view anfang = hole(std::min<std::size_t>(notiz.platz, kHoechsteKopflaenge));
+    const std::string_view anfang = hole(std::min(notiz.platz, 25u)); // the longest head
     Leser kopf{anfang};
     std::uint32_t format, ausgabe, laenge, summe, hohe;
     kopf.werte(format);

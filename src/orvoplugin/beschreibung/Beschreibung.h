@@ -19,7 +19,7 @@ ORVOPLUGIN_API std::string schreibeBeschreibung(const OrvoPlugin& plugin);
 /// What a file holds of a description.
 struct Beschreibungsfund {
     enum Stand : std::int32_t {
-        OHNE_PLATZ, ///< no room for one, or no library of this machine's kind
+        OHNE_PLATZ, ///< no room for one, no library of this machine's kind, or not readable
         LEER,       ///< room that is not filled
         GEFUNDEN,   ///< a sound description of this release
         ABGELEHNT,  ///< another one

@@ -3,7 +3,7 @@
 #include <orvoplugin/plugin/Beschreibungsplatz.h>
 
 #include <fcntl.h>
-#ifdef __linux__
+#ifdef __ELF__
 #include <link.h>
 #endif
 #include <unistd.h>
@@ -16,10 +16,9 @@
 /// The longest description that is written and read, without its head.
 constexpr std::size_t kHoechstlaengeEinerBeschreibung = 32000;
 
-#ifdef __linux__
+#ifdef __ELF__
 /// The header of the library that this code is in: class, byte order and processor must be the same.
-extern "C" const ElfW(Ehdr) kopfDieserBibliothek __asm__("__ehdr_start")
-    __attribute__((visibility("hidden")));
+extern "C" __attribute__((visibility("hidden"))) const ElfW(Ehdr) dieserKopf __asm__("__ehdr_start");
 #endif
 
 /// The note with the room for a description, near the beginning of a plugin's file. The file is read like a text, in three
@@ -28,22 +27,20 @@ class Notiz {
 public:
     /// Opening never waits for a FIFO or a device, and never makes a terminal the process's own.
     explicit Notiz(const std::string& pfad)
-        : deskriptor_(open(pfad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
-#ifdef __linux__ // other systems' files have no notes
-        const ElfW(Ehdr)& eigener = kopfDieserBibliothek;
+        : deskriptor_(open(pfad.find('\0') == pfad.npos ? pfad.c_str() : "",
+                           O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+#ifdef __ELF__ // other systems' files have no notes
         ElfW(Ehdr) kopf;
         ElfW(Phdr) segment;
-        if (pfad.find('\0') != pfad.npos || !lies(0, kopf) || kopf.e_type != ET_DYN ||
-            kopf.e_machine != eigener.e_machine ||
-            std::memcmp(kopf.e_ident, eigener.e_ident, EI_VERSION + 1) != 0 ||
+        if (!lies(0, kopf) || kopf.e_type != ET_DYN || kopf.e_machine != dieserKopf.e_machine ||
+            std::memcmp(kopf.e_ident, dieserKopf.e_ident, EI_VERSION + 1) != 0 ||
             kopf.e_phentsize != sizeof(segment))
             return;
         for (std::size_t i = 0; i < kopf.e_phnum && platz == 0; ++i)
             if (!lies(kopf.e_phoff + i * sizeof(segment), segment))
                 return;
-            else if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
-                     segment.p_filesz <= UINT32_MAX)
-                suche(segment.p_offset, segment.p_offset + segment.p_filesz, segment.p_align == 8 ? 8 : 4);
+            else if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_))
+                suche(segment.p_offset, segment.p_filesz);
 #endif
     }
     Notiz(const Notiz&) = delete;
@@ -59,10 +56,13 @@ public:
     std::uint32_t platz = 0;  ///< its size
 
 private:
-    void suche(std::uint64_t ab, std::uint64_t ende, std::uint64_t ausrichtung) {
+    /// All notes are aligned to 4 bytes, also in segments of which the header says 8.
+    void suche(std::uint64_t ab, std::uint64_t laenge) {
         constexpr OrvoNotizkopf gesucht{.platz = 0};
-        const auto aufgerundet = [=](std::uint64_t n) { return (n + ausrichtung - 1) & ~(ausrichtung - 1); };
-        for (OrvoNotizkopf kopf; ab < ende && lies(ab, kopf);) {
+        const auto aufgerundet = [](std::uint64_t n) { return (n + 3) & ~std::uint64_t{3}; };
+        OrvoNotizkopf kopf;
+        for (const std::uint64_t ende = ab + std::min<std::uint64_t>(laenge, sizeof(bytes_));
+             ab < ende && lies(ab, kopf); ab += aufgerundet(kopf.platz)) {
             ab += aufgerundet(offsetof(OrvoNotizkopf, name) + std::uint64_t{kopf.namenslaenge});
             if (kopf.namenslaenge == gesucht.namenslaenge && kopf.art == gesucht.art &&
                 ab + kopf.platz <= ende && std::memcmp(kopf.name, gesucht.name, gesucht.namenslaenge) == 0) {
@@ -70,7 +70,6 @@ private:
                 platz = kopf.platz;
                 return;
             }
-            ab += aufgerundet(kopf.platz);
         }
     }
     bool lies(std::uint64_t ab, auto& ziel) {
@@ -82,8 +81,7 @@ private:
             return nullptr;
         if (ab + anzahl > gelesen_ && (gelesen_ == 0 || gelesen_ == kErsteLesung)) {
             const std::size_t hoechstens = gelesen_ == 0 ? kErsteLesung : sizeof(bytes_) - kErsteLesung;
-            const ssize_t neue =
-                pread(deskriptor_, bytes_ + gelesen_, hoechstens, static_cast<off_t>(gelesen_));
+            const auto neue = pread(deskriptor_, bytes_ + gelesen_, hoechstens, off_t(gelesen_));
             gelesen_ += static_cast<std::size_t>(std::max<ssize_t>(neue, 0));
         }
         return ab + anzahl <= gelesen_ ? bytes_ + ab : nullptr;
@@ -92,5 +90,5 @@ private:
     static constexpr std::size_t kErsteLesung = 4096;
     int deskriptor_;
     std::size_t gelesen_ = 0;
-    char bytes_[kErsteLesung + kHoechstlaengeEinerBeschreibung];
+    char bytes_[2 * kErsteLesung + kHoechstlaengeEinerBeschreibung];
 };

@@ -27,7 +27,11 @@ struct OrvoBeschreibungsnotiz {
     unsigned char beschreibung[Platz] = {};
 };
 
+#ifndef __ELF__ // such plugins are asked
+#define ORVO_BESCHREIBUNGSPLATZ(platz) static_assert((platz) % 4 == 0)
+#else
 #define ORVO_BESCHREIBUNGSPLATZ(platz)                                                                       \
     __attribute__((section(".note.orvo.plugin"), aligned(4),                                                 \
                    used)) static constexpr OrvoBeschreibungsnotiz<platz>                                     \
         orvoBeschreibungsnotiz {}
+#endif
