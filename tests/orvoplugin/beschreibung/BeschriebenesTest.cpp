@@ -15,6 +15,7 @@
 #include <fstream>
 #include <optional>
 #include <regex>
+#include <utility>
 
 using namespace orvo::orvoutil;
 using testing::Contains;
@@ -291,6 +292,34 @@ TEST_F(BeschriebenesTest, ADescribedAndAnOpenLibraryAreTakenOverByTheLoader) {
     const std::unique_ptr<OrvoPlugin> gefragt(loader.loadPlugin(new SharedLib(pfad, true)));
     EXPECT_EQ(gefragt->getProduktVersion(), "0.0") << "an open library can be asked at once";
     EXPECT_FALSE(istEingeblendet(pfad));
+}
+
+/// Turns the descriptions off and loads another file, when it hears of the first plugin.
+struct Begleiter : PluginObserver {
+    void pluginErzeugt(OrvoPlugin*) override {
+        if (weitere.empty())
+            return;
+        Einstellungen().setze("basis.plugin_beschreibungen", "");
+        manager->ladePlugin(std::exchange(weitere, ""));
+    }
+    void pluginZerstoert(OrvoPlugin*) override {}
+
+    OrvoPluginManager* manager = nullptr;
+    std::string weitere;
+};
+
+TEST_F(BeschriebenesTest, TheSettingHoldsForAWholeRunAlsoWhenAnObserverLoadsAnotherFile) {
+    OrvoPluginManager manager(nullptr);
+    Begleiter begleiter;
+    begleiter.manager = &manager;
+    begleiter.weitere = heimat_.verzeichnis.kopiere(lege("liba.dylib", "produktversion 1.0\n"), "libc.dylib");
+    lege("libb.dylib", "produktversion 2.0\n");
+    manager.addObserver(&begleiter);
+    schalte(true);
+    manager.reload();
+    EXPECT_EQ(manager.getRegistriertePlugins().size(), 3u);
+    for (const OrvoPlugin* const plugin : manager.getRegistriertePlugins())
+        EXPECT_TRUE(plugin->istBeschrieben()) << plugin->getSharedLib()->getName();
 }
 
 } // namespace

@@ -191,6 +191,22 @@ TEST_F(SchadenTest, WhatNoPluginCanSayIsRefused) {
         << "a year in a quarter";
     EXPECT_EQ(grundFuer(mitZeitraum(std::string("\x0E\xB2\x1F\0\0\x01\0", 7))), widersinnig)
         << "an unknown kind of period";
+    const std::string groesste("\xFE\xFF\xFF\xFF\x0F", 5);
+    EXPECT_EQ(grundFuer(mitZeitraum("\x04\xB2\x1F" + groesste + std::string("\0\x52\0", 3))), widersinnig)
+        << "the largest code of a month";
+    const std::string kleinste("\xFF\xFF\xFF\xFF\x0F", 5);
+    EXPECT_EQ(grundFuer(mitZeitraum("\x04\xB2\x1F" + kleinste + std::string("\0\x52\0", 3))), widersinnig)
+        << "the smallest code of a month";
+    EXPECT_EQ(grundFuer(mitZeitraum("\x02\xB2\x1F" + kleinste + kleinste + std::string("\x52\0", 2))),
+              widersinnig)
+        << "the smallest day";
+
+    const auto mitName = [&](std::size_t laenge) {
+        return mitArten("\x01\xC5\x01" + zahl(static_cast<std::uint32_t>(laenge)) + std::string(laenge, 'a') +
+                        std::string(1, '\0'));
+    };
+    EXPECT_EQ(fund(mitName(1000)).grund, "");
+    EXPECT_EQ(grundFuer(mitName(1001)), "ein Text von mehr als 1.000 Bytes");
 }
 
 TEST_F(SchadenTest, TheHeadIsChecked) {
