@@ -18,6 +18,7 @@ ORVOPLUGIN_API std::string schreibeBeschreibung(const OrvoPlugin& plugin);
 
 /// What a file holds of a description.
 struct Beschreibungsfund {
+    /// State of the room.
     enum Stand : std::int32_t {
         OHNE_PLATZ, ///< no room for one, no library of this machine's kind, or not readable
         LEER,       ///< room that is not filled

@@ -48,7 +48,6 @@ public:
         if (deskriptor_ >= 0)
             close(deskriptor_);
     }
-
     /// Returns: the first bytes of the room; null if there are fewer in the room or in what is read of the file.
     const char* bytes(std::size_t anzahl) { return anzahl <= platz ? hole(stelle, anzahl) : nullptr; }
 

@@ -19,6 +19,7 @@ struct OrvoNotizkopf {
     char name[8] = {'O', 'r', 'v', 'o'};
 };
 
+/// A note with that much room.
 template <std::uint32_t Platz>
 struct OrvoBeschreibungsnotiz {
     static_assert(Platz % 4 == 0, "ORVO_BESCHREIBUNGSPLATZ: a multiple of 4 bytes");
