@@ -128,12 +128,12 @@ private:
     std::string fileVersion_;
     std::list<LabelEintrag> labels_;
     bool resident_ = false;
-    bool beschrieben_ = false; ///< made from the description in its file
     std::int32_t useCount_ = 0;
     std::string onUnloadFuncName_;
     std::string onLoadFuncName_;
     [[maybe_unused]] std::string reserviert_; ///< kept for the layout; no operation uses it
     orvo::orvoutil::Log log_;
     Bibliothekszeiger bibliothek_;
+    bool beschrieben_ = false;            ///< made from the description in its file
     ServiceGriffBasis* griffe_ = nullptr; ///< the handles that hold one of its services, the latest first
 };

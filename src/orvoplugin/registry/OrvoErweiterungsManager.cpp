@@ -18,8 +18,7 @@
 #include <orvoutil/Spur.h>
 #include <orvoutil/StringUtil.h>
 
-#include <charconv>
-#include <iterator>
+#include <cstdint>
 #include <ostream>
 #include <tuple>
 #include <type_traits>
@@ -51,11 +50,10 @@ OrvoVersion produktVersionVon(const OrvoErweiterung& erweiterung) {
 
 /// "Registriere Erweiterung(<address>,<kind>)", the address as a stream writes it.
 std::string registrierungVon(const OrvoErweiterung* erweiterung) {
-    char adresse[2 * sizeof(void*)];
-    const auto ende = std::to_chars(std::begin(adresse), std::end(adresse),
-                                    reinterpret_cast<std::uintptr_t>(erweiterung), 16);
-    return "Registriere Erweiterung(0x" + std::string(adresse, ende.ptr) + "," +
-           erweiterungTypName(erweiterung->getTyp()) + ")";
+    std::string adresse;
+    for (auto rest = reinterpret_cast<std::uintptr_t>(erweiterung); rest != 0; rest /= 16)
+        adresse.insert(adresse.begin(), "0123456789abcdef"[rest % 16]);
+    return "Registriere Erweiterung(0x" + adresse + "," + erweiterungTypName(erweiterung->getTyp()) + ")";
 }
 
 std::string registrierungVon(const OrvoErweiterung* erweiterung, const Unterfallart& ua,
