@@ -151,12 +151,13 @@ struct FelderDesPlugins {
     orvo_plugin_status_t status;
     std::string produktVersion, fileVersion;
     std::list<OrvoPlugin::LabelEintrag> labels;
-    bool resident, beschrieben;
+    bool resident;
     std::int32_t useCount;
     std::string onUnloadFuncName, onLoadFuncName,
         reserviert; // the last one and those below are not described
     orvo::orvoutil::Log log;
     void* bibliothek;
+    bool beschrieben;
     ServiceGriffBasis* griffe;
 };
 static_assert(sizeof(OrvoPlugin) == sizeof(FelderDesPlugins));
