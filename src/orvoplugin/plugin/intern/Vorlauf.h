@@ -26,12 +26,9 @@ public:
     void rueckeVor() noexcept;
 
 private:
-    void kuendigeAn();
-
     [[maybe_unused]] const std::string& verzeichnis_;
     [[maybe_unused]] bool (*istPlugin_)(const std::string&);
     [[maybe_unused]] const int bytes_;
     Dateien::const_iterator naechste_, ende_; ///< what is still to be read
-    [[maybe_unused]] int voraus_ =
-        -1; ///< how many files are read and not loaded yet; below zero before the first
+    [[maybe_unused]] int voraus_ = 0;         ///< how many files are read and not loaded yet
 };
