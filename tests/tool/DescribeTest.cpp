@@ -130,7 +130,8 @@ TEST(Describe, TooLittleRoomIsNamedWithWhatItTakes) {
                      "and its file has room for 64: build it with DESCRIPTION_SIZE 1024");
 }
 TEST(Describe, MoreThanClientsReadIsRefused) {
-    erwarteAblehnung(test_plugins::HasRoom, "beschreiben version 1." + std::string(40000, '0'), 1, "zu lang");
+    erwarteAblehnung(test_plugins::HasRoom, "beschreiben version 1." + std::string(40000, '0'), 1,
+                     "ein Text von mehr als 1.000 Bytes");
 }
 TEST(Describe, AClassOfThePluginsOwnIsNamed) {
     erwarteAblehnung(test_plugins::AddsExtensionOfItsOwnClass, "", 1, "ErweiterungDesPlugins");

@@ -39,8 +39,9 @@ public:
         for (std::size_t i = 0; i < kopf.e_phnum && platz == 0; ++i)
             if (!lies(kopf.e_phoff + i * sizeof(segment), segment))
                 return;
-            else if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_))
-                suche(segment.p_offset, segment.p_filesz);
+            else if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
+                     segment.p_filesz <= sizeof(bytes_))
+                suche(segment.p_offset, segment.p_offset + segment.p_filesz);
 #endif
     }
     Notiz(const Notiz&) = delete;
@@ -56,12 +57,10 @@ public:
 
 private:
     /// All notes are aligned to 4 bytes, also in segments of which the header says 8.
-    void suche(std::uint64_t ab, std::uint64_t laenge) {
+    void suche(std::uint64_t ab, std::uint64_t ende) {
         constexpr OrvoNotizkopf gesucht{.platz = 0};
         const auto aufgerundet = [](std::uint64_t n) { return (n + 3) & ~std::uint64_t{3}; };
-        OrvoNotizkopf kopf;
-        for (const std::uint64_t ende = ab + std::min<std::uint64_t>(laenge, sizeof(bytes_));
-             ab < ende && lies(ab, kopf); ab += aufgerundet(kopf.platz)) {
+        for (OrvoNotizkopf kopf; ab < ende && lies(ab, kopf); ab += aufgerundet(kopf.platz)) {
             ab += aufgerundet(offsetof(OrvoNotizkopf, name) + std::uint64_t{kopf.namenslaenge});
             if (kopf.namenslaenge == gesucht.namenslaenge && kopf.art == gesucht.art &&
                 ab + kopf.platz <= ende && std::memcmp(kopf.name, gesucht.name, gesucht.namenslaenge) == 0) {

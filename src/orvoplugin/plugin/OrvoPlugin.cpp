@@ -74,8 +74,8 @@ void OrvoPlugin::setOnUnloadFuncName(const std::string& name) { onUnloadFuncName
 
 std::string OrvoPlugin::toString() const {
     // By contract a blank follows only the last colon.
-    return "Typ:" + int2String(typ_) + "\nProduktVersion:" + produktVersion_ +
-           "\nFileVersion:" + fileVersion_ + "\nBibliothek: " + getBibliotheksname() + "\n";
+    return "Typ:" + int2String(typ_) + "\n" + "ProduktVersion:" + produktVersion_ + "\n" +
+           "FileVersion:" + fileVersion_ + "\n" + "Bibliothek: " + getBibliotheksname() + "\n";
 }
 
 Log OrvoPlugin::logFuer(const char* klasse, const SharedLib* sharedLib) noexcept {

@@ -185,7 +185,7 @@ OrvoPluginV1::providesUnterfallartUndVeranlagungszeitraum(const Unterfallart& ua
 }
 
 std::string OrvoPluginV1::toString() const {
-    std::string text = OrvoPlugin::toString() + "Erweiterungen:\n";
+    std::string text = OrvoPlugin::toString() + "Erweiterungen:" + "\n";
     for (const auto& [typ, anzahl] : erweiterungsZaehler_)
         text.append(erweiterungTypName(typ)).append(": ").append(int2String(anzahl)).append("\n");
     return text;

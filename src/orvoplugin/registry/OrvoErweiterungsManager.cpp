@@ -53,7 +53,8 @@ std::string registrierungVon(const OrvoErweiterung* erweiterung) {
     std::string adresse;
     for (auto rest = reinterpret_cast<std::uintptr_t>(erweiterung); rest != 0; rest /= 16)
         adresse.insert(adresse.begin(), "0123456789abcdef"[rest % 16]);
-    return "Registriere Erweiterung(0x" + adresse + "," + erweiterungTypName(erweiterung->getTyp()) + ")";
+    return "Registriere Erweiterung(" + ("0x" + adresse) + "," + erweiterungTypName(erweiterung->getTyp()) +
+           ")";
 }
 
 std::string registrierungVon(const OrvoErweiterung* erweiterung, const Unterfallart& ua,

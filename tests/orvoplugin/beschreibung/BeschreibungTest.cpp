@@ -348,8 +348,15 @@ TEST_F(BeschreibungTest, WhatNoReaderTakesCannotBeDescribed) {
     fuelleAlle<OrvoFTDatenServiceErweiterung>({{10, {mitArt(jahr(2009), Veranlagungszeitraum::MONAT)}}});
     EXPECT_THAT([&] { schreibeBeschreibung(plugin_); }, scheitertMit("widersinnig"));
     OrvoPluginV1 langes(nullptr);
-    langes.setFileVersion(std::string(32000, 'x'));
+    OrvoPlugin::LabelEintrag label;
+    label.text1 = label.text2 = label.text3 = label.text4 = std::string(1000, 'x');
+    for (int i = 0; i < 8; ++i)
+        langes.addLabelInformation(label);
     EXPECT_THAT([&] { schreibeBeschreibung(langes); }, scheitertMit("zu lang"));
+    OrvoPluginV1 wortreiches(nullptr);
+    wortreiches.setFileVersion(std::string(1001, 'x'));
+    EXPECT_THAT([&] { schreibeBeschreibung(wortreiches); },
+                scheitertMit("ein Text von mehr als 1.000 Bytes"));
     OrvoPluginV1 kreisendes(nullptr); // 9 < 10 < "1a" < 9
     OrvoFTDatenServiceErweiterung erweiterung{VzMap()};
     for (const Unterfallart& ua : {Unterfallart(9), Unterfallart("1a"), Unterfallart(10)})

@@ -309,8 +309,8 @@ struct Begleiter : PluginObserver {
 };
 
 TEST_F(BeschriebenesTest, TheSettingHoldsForAWholeRunAlsoWhenAnObserverLoadsAnotherFile) {
-    OrvoPluginManager manager(nullptr);
     Begleiter begleiter;
+    OrvoPluginManager manager(nullptr);
     begleiter.manager = &manager;
     begleiter.weitere = heimat_.verzeichnis.kopiere(lege("liba.dylib", "produktversion 1.0\n"), "libc.dylib");
     lege("libb.dylib", "produktversion 2.0\n");
