@@ -74,7 +74,7 @@ TEST_F(ServiceAufwand, IsTheSameByAHandle) {
 TEST_F(ServiceAufwand, TakesNoMemoryWhileTheLibraryIsInUse) {
     OrvoValidierungsServiceErweiterung& erweiterung = starte("factory gleicherService");
     erweiterung.getPlugin()->notifyUse();
-    holeUndGib(erweiterung); // the first one caches what the next ones use
+    holeUndGib(erweiterung); // the first one keeps what the next ones use
     const Zaehler zaehler = Zaehler::waehrend([&] {
         for (int i = 0; i < kMal; ++i)
             holeUndGib(erweiterung);
@@ -116,7 +116,7 @@ TEST_F(ServiceAufwand, OpensLooksUpAndClosesOnceForAServiceAlone) {
     if (!Zaehler::zaehltLader())
         GTEST_SKIP() << "the loader's calls are not counted here";
     OrvoValidierungsServiceErweiterung& erweiterung = starte("loeschen");
-    for (int i = 0; i < 3; ++i) { // the cache of the library is dropped each time
+    for (int i = 0; i < 3; ++i) { // the address of the factory is dropped each time
         const Zaehler zaehler = Zaehler::waehrend([&] { holeUndGib(erweiterung); });
         EXPECT_EQ(zaehler.oeffnungen, 1);
         EXPECT_EQ(zaehler.symbolsuchen, 1);
