@@ -2,10 +2,9 @@
 
 #include "befehle/Befehl.h"
 #include "kern/Anzeige.h"
+#include "kern/Herkunft.h"
 #include "kern/Kindprozess.h"
 #include "kern/Optionen.h"
-
-#include <orvoplugin/plugin/LibraryVersion.h>
 
 #include <CLI/CLI.hpp>
 
@@ -28,16 +27,6 @@ constexpr char kBeschreibung[] = "Shows what is in a plugin directory, which plu
 constexpr char kAusgaenge[] =
     "Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
     "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.";
-
-/// The versions of the tool and of the library that it uses.
-std::string versionen() {
-    char produkt[16] = "";
-    char datei[16] = "";
-    getOrvoSharedLibProductversion(produkt);
-    getOrvoSharedLibFileversion(datei);
-    return std::string("orvoplugin " ORVO_TOOL_VERSION " (liborvoplugin ") + produkt + "; file " + datei +
-           ")";
-}
 
 /// Reports a wrong command line in one line, with a hint to the help.
 int meldeFalschenAufruf(const CLI::App& app, const CLI::Error& fehler) {
@@ -86,6 +75,7 @@ int programm(int argc, char** argv) try {
     app.fallthrough(false);
 
     Optionen optionen;
+    optionen.aufruf = befehlszeile(argc, argv);
     fuegeOptionenHinzu(app, optionen);
     verlangeWerte(app);
     std::vector<std::pair<CLI::App*, std::unique_ptr<Befehl>>> befehle;

@@ -28,6 +28,8 @@ struct Optionen {
     bool quiet = false;    ///< --quiet: no results in text form, no progress; the exit code tells
     double zeitlimit = 10; ///< --timeout: seconds that a plugin may take before its process is killed
     Beschreibungen beschreibungen = Beschreibungen::UEBERGANGEN; ///< --described, of some commands: NUR
+
+    std::string aufruf; ///< the whole command line, quoted for a shell
 };
 
 /// Adds the options to a command or to the program.

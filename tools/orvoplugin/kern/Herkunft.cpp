@@ -1,0 +1,38 @@
+#include "kern/Herkunft.h"
+
+#include <orvoplugin/plugin/LibraryVersion.h>
+
+namespace werkzeug {
+
+namespace {
+
+constexpr char kUnverfaenglich[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./,:=@%+";
+
+std::string fuerDieShell(const std::string& wort) {
+    if (!wort.empty() && wort.find_first_not_of(kUnverfaenglich) == std::string::npos)
+        return wort;
+    std::string text = "'";
+    for (const char c : wort)
+        text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return text + "'";
+}
+
+} // namespace
+
+std::string versionen() {
+    char produkt[16] = "";
+    char datei[16] = "";
+    getOrvoSharedLibProductversion(produkt);
+    getOrvoSharedLibFileversion(datei);
+    return std::string("orvoplugin " ORVO_TOOL_VERSION " (liborvoplugin ") + produkt + "; file " + datei +
+           ")";
+}
+
+std::string befehlszeile(int argc, char** argv) {
+    std::string text = "orvoplugin";
+    for (int i = 1; i < argc; ++i)
+        text += " " + fuerDieShell(argv[i]);
+    return text;
+}
+
+} // namespace werkzeug

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace werkzeug {
+
+/// The versions of the tool and of the library that it uses, on one line.
+std::string versionen();
+
+/// The command line, quoted for a shell, with the tool's name without its directory.
+std::string befehlszeile(int argc, char** argv);
+
+} // namespace werkzeug
