@@ -42,7 +42,7 @@ public:
         const Bestand bestand = sammle(optionen, deckungsauftrag(wunsch));
         const Json dokument = deckungsbericht(bestand, wunsch);
         if (!seite_.empty())
-            schreibeDatei(seite_, deckungAlsSeite(dokument));
+            schreibeDatei(seite_, deckungAlsSeite(dokument, optionen));
         gibAus(optionen, dokument, deckungAlsText);
 
         Ausgang ausgang = ausgangVon(bestand);

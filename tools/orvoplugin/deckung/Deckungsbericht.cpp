@@ -155,14 +155,6 @@ Json typAlsJson(const Bestand& bestand, const Zeilen& zeilen) {
     return json;
 }
 
-/// "A" to "Z", "AA" and so on.
-std::string merkzeichen(std::size_t nummer) {
-    std::string zeichen;
-    for (std::size_t rest = nummer + 1; rest > 0; rest = (rest - 1) / 26)
-        zeichen.insert(zeichen.begin(), static_cast<char>('A' + (rest - 1) % 26));
-    return zeichen;
-}
-
 /// The plugins of the tables, by name, each with its mark.
 class Beteiligte {
 public:
@@ -244,6 +236,13 @@ Json verlangtesAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
 }
 
 } // namespace
+
+std::string merkzeichen(std::size_t nummer) {
+    std::string zeichen;
+    for (std::size_t rest = nummer + 1; rest > 0; rest = (rest - 1) / 26)
+        zeichen.insert(zeichen.begin(), static_cast<char>('A' + (rest - 1) % 26));
+    return zeichen;
+}
 
 Auftrag deckungsauftrag(const Deckungswunsch& wunsch) {
     Auftrag auftrag;

@@ -25,6 +25,9 @@ Auftrag deckungsauftrag(const Deckungswunsch& wunsch);
 /// built from it.
 Json deckungsbericht(const Bestand& bestand, const Deckungswunsch& wunsch);
 
+/// "A" to "Z", "AA" and so on: the mark of a plugin, by its place in the list.
+std::string merkzeichen(std::size_t nummer);
+
 /// "2009", or "2009 to 2011": the years that a kind of the document has an entry for.
 std::string jahresspanne(const Json& typ);
 
