@@ -72,6 +72,19 @@ protected:
         EXPECT_THAT(ergebnis.ausgang, AnyOf(0, 1, 5)) << ergebnis.fehler;
         return liesDatei(seite);
     }
+    /// The page before and after the plugins of `neue` are added to the directory or replace those of their names.
+    std::string schreibeVergleich(const std::vector<std::pair<std::string, std::string>>& neue) {
+        heim_.verzeichnis.legeAn("neu");
+        for (const auto& [name, text] : neue) {
+            heim_.verzeichnis.schreibe("neu/" + name + ".txt", text);
+            heim_.verzeichnis.kopiere(ORVO_BESCHRIEBEN, "neu/" + name);
+        }
+        const std::string seite = heim_.verzeichnis.pfad("vergleich.html");
+        const Ergebnis ergebnis = rufeTool(
+            {"diff", "--merge", "--quiet", "--html", seite, heim_.plugins(), heim_.verzeichnis.pfad("neu")});
+        EXPECT_THAT(ergebnis.ausgang, AnyOf(0, 1)) << ergebnis.fehler;
+        return liesDatei(seite);
+    }
     /// The page's elements after its scripts have run.
     Ergebnis imBrowser(const std::string& html, const std::string& fenster = "1440,1043") {
         const std::string seite = heim_.verzeichnis.schreibe("probe.html", html);
@@ -196,8 +209,8 @@ TEST_F(Seite, ShowsInABrowserWhatTheJsonSays) {
 }
 
 TEST_F(Seite, NothingThatAPluginSaysIsTakenForThePage) {
-    {
-        const std::string seite = schreibeSeite();
+    for (const std::string& seite :
+         {schreibeSeite(), schreibeVergleich({{"libneu.dylib", "check 10 2009\n"}})}) {
         EXPECT_THAT(seite, Not(HasSubstr("<img")));
         EXPECT_THAT(seite, Not(HasSubstr("<script>window")));
         EXPECT_THAT(seite, Not(HasSubstr("\x1b")));
@@ -438,6 +451,45 @@ TEST_F(Seite, WhatIsInSightCanBeDownloadedAsCsv) {
                                  "\"2009-05, 2009Q2\""));
     EXPECT_THAT(alles, HasSubstr("\"10\";\"2008\";\"2008\";\"served\";\"libsteuer2009.dylib\";\"2.0.1\";"
                                  "\"libsteuer2008.dylib\";\"1.2.0\""));
+}
+
+TEST_F(Seite, AComparisonShowsBeforeAndAfterInEachCell) {
+    const std::string html = schreibeVergleich(
+        {{"libsteuer2008.dylib", "produktversion 1.1.0\ncheck 10 2007\n"},
+         {"libsteuer2009.dylib", "produktversion 3.0\ncheck 10 2009\ncheck LSTB 2009\ncheck 12 2007,2009\n"},
+         {"libneu.dylib", "produktversion 4.0\ncheck 12 2009\ncheck LSTB 2010\n"}});
+    UEBERSPRINGE_OHNE_BROWSER();
+    const Json gefunden = probe(html);
+    EXPECT_EQ(gefunden["tables"][0]["heads"],
+              (Json{"Sub-case type", "2010", "2009", "2008", "2007", "other", "changes"}));
+    std::map<std::string, std::vector<std::string>> zellen;
+    for (const Json& zeile : gefunden["tables"][0]["rows"])
+        for (const Json& zelle : zeile["cells"])
+            zellen[zeile["name"]].push_back(zelle["kind"].get<std::string>() + " " +
+                                            zelle["text"].get<std::string>());
+    // B immer, D neu, E steuer2008, F steuer2009
+    EXPECT_THAT(zellen["10"], ElementsAre("same ~B", "newer F↑", "lost F›~B", "lower E↓", "same ~B"));
+    EXPECT_THAT(zellen["12"], ElementsAre("gap –", "other F›D", "gap –", "newer F↑", "none –"));
+    EXPECT_THAT(zellen["LSTB"], ElementsAre("gained –›D", "newer F↑", "lost E›–", "gap –", "none –"));
+    EXPECT_THAT(zellen["9"], ElementsAre("gap –", "gap –", "lost F›–", "gap –", "none –"));
+    EXPECT_EQ(gefunden["tables"][0]["rows"][1]["cells"][2]["title"],
+              "before: steuer2009 2.0.1; after: immer 1.0 (period-independent)");
+    EXPECT_THAT(summe(gefunden["tables"][0], "lost"), ElementsAre("lost", "0", "0", "3", "0", "", "3"));
+    EXPECT_THAT(gefunden["legend"],
+                IsSupersetOf({"D neu – › 4.0", "F steuer2009 2.0.1 › 3.0", "B immer 1.0"}));
+    EXPECT_THAT(gefunden["gaps"],
+                ElementsAre(Json{"CHECK 9", "2008", "before: steuer2009 2.0.1; after: nobody"},
+                            Json{"CHECK 10", "2008",
+                                 "before: steuer2009 2.0.1; after: immer 1.0 (period-independent)"},
+                            Json{"CHECK 10", "2007", "before: steuer2008 1.2.0; after: steuer2008 1.1.0"},
+                            Json{"CHECK LSTB", "2008", "before: steuer2008 1.2.0; after: nobody"}));
+    EXPECT_THAT(gefunden["notes"], IsSupersetOf({"libneu.dylib added: not there › loaded 4.0",
+                                                 "steuer2009 3.0 by neu 4.0 newly displaced: 1 keys"}));
+    EXPECT_EQ(gefunden["filtered"]["lost"]["names"], (Json{"9", "10", "LSTB"}));
+    EXPECT_EQ(gefunden["filtered"]["lost"]["heads"], (Json{"Sub-case type", "2008", "changes"}));
+    EXPECT_THAT(gefunden["csv"].get<std::string>(),
+                HasSubstr("\"10\";\"2009\";\"2009\";\"newer\";\"libsteuer2009.dylib\";\"2.0.1\";"
+                          "\"libsteuer2009.dylib\";\"3.0\"\r\n"));
 }
 
 TEST_F(Seite, NamesThatLookTheSameHaveARowEach) {

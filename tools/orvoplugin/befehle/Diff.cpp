@@ -2,7 +2,9 @@
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
+#include "deckung/Deckungsbericht.h"
 #include "kern/Berichtsteile.h"
+#include "kern/Dateischreiber.h"
 #include "kern/Sammler.h"
 #include "vergleich/Vergleichsbericht.h"
 #include "vergleich/Zusammenlegung.h"
@@ -50,6 +52,9 @@ public:
         unterbefehl.add_option("DIR_B", b_, "Plugin directory to compare it with")->required();
         unterbefehl.add_flag("--merge", zusammenlegen_,
                              "Compare DIR_A with what it would be if DIR_B were copied over it");
+        unterbefehl
+            .add_option("--html", seite_, "Write before and after to this file, too, as a page for a browser")
+            ->type_name("FILE");
     }
 
     bool nimmtVerzeichnisOptionen() const override { return false; }
@@ -70,6 +75,9 @@ public:
         if (zusammenlegung)
             stelleHerkunftHer(dokument, *zusammenlegung);
         zusammenlegung.reset();
+        if (!seite_.empty())
+            schreibeDatei(seite_, vergleichAlsSeite(dokument, deckungsbericht(vorher, {}),
+                                                    deckungsbericht(nachher, {}), optionen));
         gibAus(optionen, dokument, vergleichAlsText);
 
         // A file refused on both sides is no difference.
@@ -83,6 +91,7 @@ public:
 private:
     std::string a_;
     std::string b_;
+    std::string seite_;
     bool zusammenlegen_ = false;
 };
 

@@ -2,8 +2,8 @@
 
 #include "kern/Anzeige.h"
 #include "kern/Fakten.h"
+#include "kern/Optionen.h"
 
-#include <functional>
 #include <string>
 
 namespace werkzeug {
@@ -22,5 +22,10 @@ Json vergleichsbericht(const Vergleichsseite& vorher, const Vergleichsseite& nac
 
 /// The document in text form.
 std::string vergleichAlsText(const Json& dokument, const Farben& farben);
+
+/// The document as a self-contained HTML page, with before and after in each cell. All text from plugins is escaped.
+/// Parameters: `vorher` and `nachher` are the documents of the coverage command for the two directories.
+std::string vergleichAlsSeite(const Json& dokument, const Json& vorher, const Json& nachher,
+                              const Optionen& optionen);
 
 } // namespace werkzeug
