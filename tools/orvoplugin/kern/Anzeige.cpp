@@ -16,7 +16,7 @@ namespace werkzeug {
 
 namespace {
 
-constexpr int kSchemaVersion = 1;
+constexpr int kSchemaVersion = 2;
 constexpr std::size_t kAbstand = 2; // between the columns of a table
 
 /// The character at a place of valid UTF-8, and how many bytes it takes.
@@ -191,10 +191,6 @@ void gibAus(const Optionen& optionen, const Json& dokument, std::string (*text)(
 void gibAus(const std::string& alles) {
     if (std::fwrite(alles.data(), 1, alles.size(), stdout) != alles.size() || std::fflush(stdout) != 0)
         throw std::runtime_error(std::string("cannot write the results: ") + std::strerror(errno));
-}
-
-std::string anzahl(std::size_t zahl, const char* einzahl, const char* mehrzahl) {
-    return std::to_string(zahl) + " " + (zahl == 1 ? einzahl : mehrzahl);
 }
 
 } // namespace werkzeug

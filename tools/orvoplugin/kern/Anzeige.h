@@ -5,6 +5,7 @@
 
 #include "kern/Fakten.h"
 #include "kern/Optionen.h"
+#include "kern/Sprache.h"
 #include "kern/Terminal.h"
 
 #include <nlohmann/json.hpp>
@@ -78,8 +79,5 @@ private:
 void gibAus(const Optionen& optionen, const Json& dokument, std::string (*text)(const Json&, const Farben&));
 /// The same for a text that is always written.
 void gibAus(const std::string& alles);
-
-/// A number of things: "1 file", "3 files".
-std::string anzahl(std::size_t zahl, const char* einzahl, const char* mehrzahl);
 
 } // namespace werkzeug

@@ -12,6 +12,7 @@ enum class Ausgang : int {
     NICHT_LESBAR = 3,    ///< a directory or file cannot be read
     ABGESTUERZT = 4,     ///< a plugin crashed, ended its process or took too long
     DECKUNG_FEHLT = 5,   ///< a required cell is not served
+    ABWEICHUNG = 6,      ///< a plugin directory is not what its lock file says
 };
 
 constexpr Ausgang schwerster(Ausgang a, Ausgang b) {
