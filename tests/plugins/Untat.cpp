@@ -1,7 +1,8 @@
 // A plugin that harms its process as a text file beside it says, "<library>.txt", with one order per line:
 //
-//     tu WANN WAS [ZAHL]     WANN is start (the library is opened), types, initialize or ende (it is closed); WAS:
-//                            segv, abort, exit ZAHL, haenge, schliesse (all descriptors), schreibe (on all
+//     tu WANN WAS [ZAHL]     WANN is start (the library is opened), types, initialize, onload, factory, factory2
+//                            (the factory "zweiter"), rueckgabe (a service is deleted) or ende (the library is closed); WAS:
+//                            segv, abort, kill, exit ZAHL, haenge, schliesse (all descriptors), schreibe (on all
 //                            descriptors), farbe (escape sequences on both standard streams), faden (a thread that
 //                            crashes a little later), schlafe ZAHL (milliseconds), stumm (takes the observers out),
 //                            knapp (lets no more descriptors be opened), wecker ZAHL (has SIGALRM sent in so many
@@ -10,11 +11,15 @@
 //     check NAME             a check service for the sub-case type of that name, any bytes, for 2009
 //     checks ZAHL            so many check services, in one extension, for the sub-case types from 1000 on
 //     factory NAME           the check services after it name that factory
+//     diene                  its factory makes a new service each time, which is deleted on release; else it returns
+//                            null
+//     statisch               the same, but it is a static object all the same
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/service/ValidierungsService.h>
 
 #include <dlfcn.h>
 #include <sys/resource.h>
@@ -26,6 +31,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
+#include <new>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -80,6 +86,8 @@ void tu(const std::string& was, int zahl) {
         sterbeAn(SIGSEGV);
     else if (was == "abort")
         std::abort();
+    else if (was == "kill")
+        std::raise(SIGKILL);
     else if (was == "exit")
         std::exit(zahl);
     else if (was == "haenge")
@@ -125,6 +133,21 @@ void tuWas(const std::string& jetzt) {
 __attribute__((constructor)) void beimOeffnen() { tuWas("start"); }
 __attribute__((destructor)) void beimSchliessen() { tuWas("ende"); }
 
+bool steht(const std::string& gesucht) {
+    bool gefunden = false;
+    lies([&](const std::string& auftrag, std::istream&) { gefunden |= auftrag == gesucht; });
+    return gefunden;
+}
+
+class Pruefung : public orvo::service::ValidierungsService {
+public:
+    ~Pruefung() override { tuWas("rueckgabe"); }
+    int pruefe(const orvo::data::SteuerfallListe&, const Unterfallart&, const Veranlagungszeitraum&,
+               PruefErgebnis&) override {
+        return 0;
+    }
+};
+
 Veranlagungszeitraum jahr() { return Veranlagungszeitraum(2009, "YYYY"); }
 
 } // namespace
@@ -140,8 +163,11 @@ bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
     const auto biete = [&](OrvoValidierungsServiceErweiterung erweiterung) {
         if (!factory.empty())
             erweiterung.setServiceFactoryName(factory);
+        erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, steht("diene") || steht("statisch"));
         plugin->addErweiterung(erweiterung);
     };
+    if (steht("tu"))
+        plugin->setOnLoadFuncName("beimLaden");
     lies([&](const std::string& auftrag, std::istream& worte) {
         if (auftrag == "version") {
             plugin->setProduktVersion(rest(worte));
@@ -165,4 +191,18 @@ bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
     return true;
 }
 
-Service* orvo_plugin_get_check_service() { return nullptr; }
+namespace {
+
+Service* mache(const char* wann) {
+    tuWas(wann);
+    if (!steht("statisch"))
+        return steht("diene") ? new Pruefung : nullptr;
+    alignas(Pruefung) static char platz[sizeof(Pruefung)];
+    return new (platz) Pruefung; // never destroyed with the library
+}
+
+} // namespace
+
+Service* orvo_plugin_get_check_service() { return mache("factory"); }
+extern "C" ORVO_PLUGIN_EXPORT Service* zweiter() { return mache("factory2"); }
+extern "C" ORVO_PLUGIN_EXPORT void beimLaden() { tuWas("onload"); }

@@ -12,7 +12,7 @@ import sys
 def column(page, heading):
     """The codes of the first column of the table below a heading."""
     part = page.split(f"\n## {heading}\n")[1].split("\n## ")[0]
-    return set(re.findall(r"^\| `(\w+)` \|", part, re.M)) - {"state", "code", "rule"}
+    return set(re.findall(r"^\| `(\w+)` \|", part, re.M)) - {"state", "code", "rule", "cause", "step"}
 
 
 def main():
@@ -23,6 +23,9 @@ def main():
     wanted = {
         "States of a file": set(defs["state"]["enum"]),
         "Reasons": reasons,
+        "Causes": set(defs["reason"]["properties"]["cause"]["enum"]) - {None},
+        "Steps and services": (set(defs["reason"]["properties"]["step"]["enum"]) - {None})
+        | set(defs["service"]["properties"]["state"]["enum"]),
         "Rules": set(defs["lost_key"]["properties"]["rule"]["enum"]),
     }
     wrong = 0
@@ -30,10 +33,11 @@ def main():
         if column(page, heading) != codes:
             print(f"{heading}: page and schema differ by {sorted(column(page, heading) ^ codes)}")
             wrong += 1
-    in_source = set(re.findall(r'\{Grund::\w+,\s*"(\w+)"', source))
-    if in_source != reasons:
-        print(f"reasons: sources and schema differ by {sorted(in_source ^ reasons)}")
-        wrong += 1
+    for name, codes in (("Grund", reasons), ("Ursache", wanted["Causes"])):
+        in_source = set(re.findall(r'\{%s::\w+,\s*"(\w+)"' % name, source))
+        if in_source != codes:
+            print(f"{name}: sources and schema differ by {sorted(in_source ^ codes)}")
+            wrong += 1
     return 1 if wrong else 0
 
 

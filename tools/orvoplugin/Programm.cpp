@@ -86,6 +86,8 @@ int programm(int argc, char** argv) try {
         befehl->beschreibe(*unterbefehl);
         if (befehl->nimmtBeschreibungen())
             fuegeDescribedHinzu(*unterbefehl, optionen);
+        if (befehl->probiert())
+            fuegeProbeHinzu(*unterbefehl, optionen);
         fuegeOptionenHinzu(*unterbefehl, optionen);
         if (!befehl->nimmtVerzeichnisOptionen())
             verschweigeVerzeichnisOptionen(*unterbefehl);

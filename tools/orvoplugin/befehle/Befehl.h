@@ -23,6 +23,8 @@ public:
     virtual bool nimmtVerzeichnisOptionen() const { return true; }
     /// Whether it takes --described, because it needs no more than what plugins say of themselves.
     virtual bool nimmtBeschreibungen() const { return false; }
+    /// Whether it takes --probe, because it says who serves what.
+    virtual bool probiert() const { return false; }
     /// Runs the command: results go to standard output, messages to standard error.
     /// Errors: `AufrufFehler` for an invalid command line; anything else ends the program with `Ausgang::NICHT_LESBAR`
     /// and its text.

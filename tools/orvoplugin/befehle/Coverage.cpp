@@ -6,6 +6,7 @@
 #include "deckung/Deckungsseite.h"
 #include "kern/Dateischreiber.h"
 #include "kern/Eingabe.h"
+#include "kern/Lebenslauf.h"
 #include "kern/Sammler.h"
 
 #include <CLI/CLI.hpp>
@@ -30,6 +31,7 @@ public:
     }
 
     bool nimmtBeschreibungen() const override { return true; }
+    bool probiert() const override { return true; }
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         Deckungswunsch wunsch;
@@ -39,14 +41,18 @@ public:
             wunsch.anforderung = anforderung_;
             wunsch.zellen = liesAnforderung(anforderung_);
         }
-        const Bestand bestand = sammle(optionen, deckungsauftrag(wunsch));
+        Bestand bestand = sammle(optionen, deckungsauftrag(wunsch));
+        const bool istGestorben = optionen.probe && probiereServices(bestand, bestand.inhaber(), optionen);
         const Json dokument = deckungsbericht(bestand, wunsch);
         if (!seite_.empty())
             schreibeDatei(seite_, deckungAlsSeite(dokument, optionen));
         gibAus(optionen, dokument, deckungAlsText);
 
         Ausgang ausgang = ausgangVon(bestand);
-        if (wunsch.typ && dokument["types"].empty()) // the requested kind was not found
+        if (istGestorben)
+            ausgang = schwerster(ausgang, Ausgang::ABGESTUERZT);
+        if (!dokument["broken"].empty() ||
+            (wunsch.typ && dokument["types"].empty())) // the requested kind was not found
             ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
         if (!dokument["required"].is_null() && dokument["required"]["missing"] != 0)
             ausgang = schwerster(ausgang, Ausgang::DECKUNG_FEHLT);

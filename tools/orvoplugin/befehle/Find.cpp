@@ -5,6 +5,7 @@
 #include "kern/Antwort.h"
 #include "kern/Berichtsteile.h"
 #include "kern/Eingabe.h"
+#include "kern/Lebenslauf.h"
 #include "kern/Sammler.h"
 
 #include <orvoplugin/domain/Unterfallart.h>
@@ -12,7 +13,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
+#include <set>
+#include <vector>
 
 namespace werkzeug {
 
@@ -33,6 +35,8 @@ std::string alsText(const Json& dokument, const Farben& farben) {
                        zeige(antwort["period"]["label"]), zeige(antwort["match"]),
                        zeige(antwort["plugin"]["product_version"]), zeige(antwort["plugin"]["file"]),
                        zeige(antwort["factory"])});
+        if (const std::string mangel = servicemangelAlsText(antwort["service"]); !mangel.empty())
+            tabelle.bemerkung(farben(Farbe::ROT, mangel));
         for (const Json& verdraengter : antwort["displaced"])
             tabelle.bemerkung("instead of " + anbieterAlsText(verdraengter["plugin"]) + ": " +
                               zeige(verdraengter["explanation"]));
@@ -50,28 +54,41 @@ public:
     }
 
     bool nimmtBeschreibungen() const override { return true; }
+    bool probiert() const override { return true; }
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         const std::int32_t typ = liesTyp(typ_);
         const std::string unterfallart = liesUnterfallart(unterfallart_);
         Auftrag auftrag;
+        auftrag.exporteVon = "*";
         if (!zeitraum_.empty()) {
             const Zeitraumtext zeitraum = liesZeitraum(zeitraum_);
             auftrag.frage = Frage{typ, unterfallart, zeitraum.text, zeitraum.format};
         }
-        const Bestand bestand = sammle(optionen, auftrag);
+        Bestand bestand = sammle(optionen, auftrag);
 
-        Json antworten = Json::array();
+        std::vector<const SchluesselFakt*> funde;
         if (bestand.antwort) {
             if (bestand.antwort->treffer != RegisterAuskunft::KEINER)
-                antworten.push_back(antwortAlsJson(bestand, bestand.schluessel[bestand.antwort->schluessel],
-                                                   bestand.antwort->treffer));
+                funde.push_back(&bestand.schluessel[bestand.antwort->schluessel]);
         } else {
             for (const SchluesselFakt& schluessel : bestand.schluessel)
                 if (schluessel.typ == typ &&
                     (unterfallart_.empty() || hatKeinePaare(typ) ||
                      alsUnterfallart(schluessel.unterfallart) == Unterfallart(unterfallart.c_str())))
-                    antworten.push_back(antwortAlsJson(bestand, schluessel, RegisterAuskunft::KEINER));
+                    funde.push_back(&schluessel);
+        }
+        std::set<ErweiterungsOrt> inhaber;
+        for (const SchluesselFakt* const schluessel : funde)
+            inhaber.insert(schluessel->inhaber);
+        const bool istGestorben = optionen.probe && probiereServices(bestand, inhaber, optionen);
+        bool istZuHaben = !funde.empty();
+        Json antworten = Json::array();
+        for (const SchluesselFakt* const schluessel : funde) {
+            antworten.push_back(antwortAlsJson(bestand, *schluessel,
+                                               bestand.antwort ? bestand.antwort->treffer
+                                                               : std::int32_t{RegisterAuskunft::KEINER}));
+            istZuHaben = istZuHaben && bestand.erweiterung(schluessel->inhaber).istZuHaben();
         }
 
         Json dokument = jsonKopf("find", bestand.suchpfad);
@@ -79,8 +96,7 @@ public:
             {"type", typAlsJson(typ, erweiterungTypName(static_cast<tag_erweiterung_typ>(typ)))},
             {"sub_case_type", unterfallart_.empty() ? Json(nullptr) : jsonText(unterfallart)},
             {"period", bestand.antwort ? alsJson(bestand.antwort->gefragt) : Json(nullptr)}};
-        const bool gefunden = !antworten.empty();
-        dokument["found"] = gefunden;
+        dokument["found"] = !antworten.empty();
         dokument["answers"] = std::move(antworten);
         dokument["not_loaded"] = ungewisseAlsJson(bestand);
         dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
@@ -88,7 +104,9 @@ public:
 
         // Refused files are no findings here, but the answer may be incomplete without files that crashed.
         const Ausgang umstaende = ausgangVon(bestand);
-        const Ausgang ausgang = gefunden ? Ausgang::GUT : Ausgang::BEFUNDE;
+        const Ausgang ausgang = istGestorben ? Ausgang::ABGESTUERZT
+                                : istZuHaben ? Ausgang::GUT
+                                             : Ausgang::BEFUNDE;
         return umstaende == Ausgang::BEFUNDE ? ausgang : schwerster(ausgang, umstaende);
     }
 

@@ -7,6 +7,7 @@
 #include "kern/Berichtsteile.h"
 #include "kern/Eingabe.h"
 #include "kern/Gruende.h"
+#include "kern/Lebenslauf.h"
 #include "kern/Sammler.h"
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
@@ -50,27 +51,30 @@ struct Ladestufe {
     Grund gruende[2]; ///< for ending there
 };
 constexpr Ladestufe kLadestufen[] = {
-    {"walk", "the walk through the plugin directory comes by it", {Grund::KEINER, Grund::KEINER}},
+    {"walk", N_("the walk through the plugin directory comes by it"), {Grund::KEINER, Grund::KEINER}},
     {"filter",
-     "its name is that of a plugin, and not on the block list",
+     N_("its name is that of a plugin, and not on the block list"),
      {Grund::SPERRLISTE, Grund::KEINE_ENDUNG}},
     {"file_check",
-     "the file is a whole library for this system and release",
+     N_("the file is a whole library for this system and release"),
      {Grund::DATEIPRUEFUNG, Grund::KEINER}},
-    {"open", "the system's loader opens it", {Grund::OEFFNEN, Grund::KEINER}},
-    {"types_entry", "it exports orvo_plugin_get_types", {Grund::OHNE_TYPEN, Grund::KEINER}},
-    {"types", "which names its interfaces", {Grund::AUSNAHME_TYPEN, Grund::LEERE_TYPEN}},
-    {"interface", "and these are known here", {Grund::PLUGINVERSION, Grund::KEINER}},
-    {"initialize_entry", "it exports orvo_plugin_initialize", {Grund::OHNE_INITIALISIERUNG, Grund::KEINER}},
+    {"open", N_("the system's loader opens it"), {Grund::OEFFNEN, Grund::KEINER}},
+    {"types_entry", N_("it exports orvo_plugin_get_types"), {Grund::OHNE_TYPEN, Grund::KEINER}},
+    {"types", N_("which names its interfaces"), {Grund::AUSNAHME_TYPEN, Grund::LEERE_TYPEN}},
+    {"interface", N_("and these are known here"), {Grund::PLUGINVERSION, Grund::KEINER}},
+    {"initialize_entry",
+     N_("it exports orvo_plugin_initialize"),
+     {Grund::OHNE_INITIALISIERUNG, Grund::KEINER}},
     {"initialize",
-     "with which it describes itself",
+     N_("with which it describes itself"),
      {Grund::AUSNAHME_INITIALISIERUNG, Grund::INITIALISIERUNG}},
-    {"register", "its extensions are filed in the registry", {Grund::BEOBACHTER, Grund::KEINER}},
+    {"register", N_("its extensions are filed in the registry"), {Grund::BEOBACHTER, Grund::KEINER}},
 };
 
-/// The text of a reason: the library's message, or the meaning of the code.
+/// The text of a reason: what it means, and the words of the library or the system.
 std::string text(const DateiFakt& datei) {
-    return datei.meldung.empty() ? std::string(erklaerung(datei.grund)) : einzeilig(datei.meldung);
+    const std::string sinn = erklaerung(datei);
+    return datei.meldung.empty() ? sinn : sinn + " [" + einzeilig(datei.meldung) + "]";
 }
 
 /// Returns: whether the file was loaded.
@@ -87,10 +91,11 @@ bool verfolge(Kette& kette, const DateiFakt& datei) {
             return false;
         }
         if (imProzess && std::string_view(s.name) == "open") { // from here on its code may run
-            kette.nein("process", text(datei));
+            const std::string wo = wobei(datei.schritt);
+            kette.nein("process", wo.empty() ? text(datei) : satz("{1}: {2}", wo, text(datei)));
             return false;
         }
-        kette.ja(s.name, s.gelungen);
+        kette.ja(s.name, uebersetzt(s.gelungen));
     }
     return true;
 }
@@ -114,41 +119,76 @@ Schluessellage schluesselVon(const Bestand& bestand, std::uint32_t datei) {
             Json verloren = schluesselAlsJson(schluessel);
             verloren["lost_to"] = anbieterAlsJson(bestand, verdraengt ? ereignis.wer : ereignis.gegen);
             verloren["rule"] = regelcode(ereignis.regel);
-            verloren["explanation"] = regelsatz(ereignis.regel);
+            verloren["explanation"] = uebersetzt(regelsatz(ereignis.regel));
             lage.verloren.push_back(std::move(verloren));
         }
     }
     return lage;
 }
 
+/// The extensions that hold keys of the registry and whose service cannot be had.
+std::vector<const ErweiterungFakt*> kaputte(const Bestand& bestand, std::uint32_t datei) {
+    std::vector<const ErweiterungFakt*> liste;
+    for (const ErweiterungsOrt& ort : bestand.inhaber())
+        if (ort.datei == datei && !bestand.erweiterung(ort).istZuHaben())
+            liste.push_back(&bestand.erweiterung(ort));
+    return liste;
+}
+
+/// The conclusion about an extension whose service cannot be had.
+Json schlussOhneService(const std::string& wer, const ErweiterungFakt& erweiterung) {
+    return schluss(erweiterung.factoryExport == Export::NEIN ? "no_factory" : "no_service",
+                   satz("{1} holds the key, but no service can be had: {2}.", wer, servicesatz(erweiterung)),
+                   servicerat(erweiterung));
+}
+
+/// The steps about an extension's service.
+void verfolgeService(Kette& kette, const ErweiterungFakt& erweiterung) {
+    std::string text = satz("{1} ({2})", servicesatz(erweiterung), einzeilig(erweiterung.factory));
+    if (erweiterung.factoryExport == Export::NEIN)
+        return kette.nein("factory", text);
+    kette.ja("factory", satz("its library exports the factory {1}", einzeilig(erweiterung.factory)));
+    if (const std::string wo = wobei(erweiterung.service.schritt); !wo.empty())
+        text += " " + wo;
+    if (!erweiterung.service.meldung.empty())
+        text += " [" + einzeilig(erweiterung.service.meldung) + "]";
+    if (erweiterung.istZuHaben())
+        kette.ja("service", text);
+    else
+        kette.nein("service", text);
+}
+
 Json schlussFuerGeladene(const DateiFakt& datei, const Schluessellage& lage) {
     if (datei.plugin->erweiterungen.empty())
-        return schluss("no_extensions", "The plugin is loaded, but offers nothing.",
-                       "Ask its author whether that is meant; orvo_plugin_initialize adds no extension.");
+        return schluss(
+            "no_extensions", satz("The plugin is loaded, but offers nothing."),
+            satz("Ask its author whether that is meant; orvo_plugin_initialize adds no extension."));
     const bool uebergangen =
         std::any_of(datei.plugin->erweiterungen.begin(), datei.plugin->erweiterungen.end(),
                     [](const ErweiterungFakt& e) { return e.uebergangen; });
     if (lage.gehalten.empty() && lage.verloren.empty())
         return uebergangen
                    ? schluss("passed_over",
-                             "The plugin is loaded, but the registry passed its extensions over: "
-                             "their class serves no sub-case types.",
-                             "Report this to the plugin's author.")
-                   : schluss("no_keys",
-                             "The plugin is loaded, but its extensions name no period, and so get no key.",
-                             "Report this to the plugin's author: each sub-case type needs its periods.");
+                             satz("The plugin is loaded, but the registry passed its extensions over: their "
+                                  "class serves no sub-case types."),
+                             satz("Report this to the plugin's author."))
+                   : schluss(
+                         "no_keys",
+                         satz("The plugin is loaded, but its extensions name no period, and so get no key."),
+                         satz("Report this to the plugin's author: each sub-case type needs its periods."));
     if (lage.gehalten.empty())
         return schluss(
             "all_keys_lost",
-            "The plugin is loaded, but never answers: it lost all its keys to other plugins.",
-            "If it should answer, give it a higher product version than theirs, or take the others away.");
+            satz("The plugin is loaded, but never answers: it lost all its keys to other plugins."),
+            satz(
+                "If it should answer, give it a higher product version than theirs, or take the others away."));
     if (!lage.verloren.empty())
-        return schluss("some_keys_lost", "The plugin is loaded and answers, but not for all that it offers.",
-                       "If it should answer for the keys it lost, give it a higher product version than the "
-                       "plugins that "
-                       "hold them, or take those away.");
-    return schluss("answers", "The plugin is loaded and answers for all that it offers.",
-                   "Nothing needs to be done.");
+        return schluss(
+            "some_keys_lost", satz("The plugin is loaded and answers, but not for all that it offers."),
+            satz("If it should answer for the keys it lost, give it a higher product version than the "
+                 "plugins that hold them, or take those away."));
+    return schluss("answers", satz("The plugin is loaded and answers for all that it offers."),
+                   satz("Nothing needs to be done."));
 }
 
 // --- Why a look-up ---
@@ -200,32 +240,32 @@ std::set<std::string> bedienteArten(const Bestand& bestand) {
 Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const Nachbarschaft& nachbarschaft,
                         std::size_t nichtGeladen) {
     const std::string rat = nichtGeladen == 0
-                                ? "Install a plugin that serves it."
-                                : "See to the files that were not loaded first; one of them may serve "
-                                  "it. Else install a plugin that does.";
+                                ? satz("Install a plugin that serves it.")
+                                : satz("See to the files that were not loaded first; one of them may serve "
+                                       "it. Else install a plugin that does.");
     if (hatKeinePaare(typ) && !bestand.schluessel.empty())
         return schluss("other_types",
-                       "No loaded plugin serves this kind of extension; served are " +
-                           aufgezaehlt(bedienteArten(bestand)) + ".",
+                       satz("No loaded plugin serves this kind of extension; served are {1}.",
+                            aufgezaehlt(bedienteArten(bestand))),
                        rat);
     if (!nachbarschaft.zeitraeume.empty())
         return schluss("other_periods",
-                       "No loaded plugin serves that period; served are " +
-                           aufgezaehlt(nachbarschaft.zeitraeume) + ".",
+                       satz("No loaded plugin serves that period; served are {1}.",
+                            aufgezaehlt(nachbarschaft.zeitraeume)),
                        rat);
     if (!nachbarschaft.arten.empty())
         return schluss("other_types",
-                       "No loaded plugin serves that sub-case type with this kind of extension; it is served "
-                       "by " +
-                           aufgezaehlt(nachbarschaft.arten) + ".",
+                       satz("No loaded plugin serves that sub-case type with this kind of extension; it is "
+                            "served by {1}.",
+                            aufgezaehlt(nachbarschaft.arten)),
                        rat);
     if (bestand.schluessel.empty())
-        return schluss("nothing_registered", "No plugin is loaded that serves anything.",
-                       nichtGeladen == 0 ? "Put plugins into " + einzeilig(bestand.suchpfad) +
-                                               ", or name another directory with "
-                                               "--home or --dir."
-                                         : rat);
-    return schluss("unknown_sub_case_type", "No loaded plugin serves that sub-case type.", rat);
+        return schluss("nothing_registered", satz("No plugin is loaded that serves anything."),
+                       nichtGeladen == 0
+                           ? satz("Put plugins into {1}, or name another directory with --home or --dir.",
+                                  einzeilig(bestand.suchpfad))
+                           : rat);
+    return schluss("unknown_sub_case_type", satz("No loaded plugin serves that sub-case type."), rat);
 }
 
 // --- What the descriptions in the files change ---
@@ -242,10 +282,11 @@ Bestand sammleMitBeschreibungen(Optionen optionen, const Auftrag& auftrag = {}) 
 }
 
 constexpr char kFalscheBeschreibung[] = "described_otherwise";
-constexpr char kRat[] =
-    "Have \"orvoplugin describe\" write what the plugin says into its file, or have clients ask: "
-    "unset basis.plugin_beschreibungen. \"orvoplugin check --only description\" names "
-    "what differs.";
+std::string beschreibungsrat() {
+    return satz(
+        "Have \"orvoplugin describe\" write what the plugin says into its file, or have clients ask: unset "
+        "basis.plugin_beschreibungen. \"orvoplugin check --only description\" names what differs.");
+}
 
 /// Those of the keys that are not among the others.
 std::set<std::string> ohne(const Json& schluessel, const Json& andere) {
@@ -262,22 +303,23 @@ Json vergleicheDatei(Kette& kette, const Bestand& gefragt, const Bestand& beschr
     const auto andere = std::find_if(beschrieben.dateien.begin(), beschrieben.dateien.end(),
                                      [&](const DateiFakt& d) { return d.pfad == datei.pfad; });
     if (andere == beschrieben.dateien.end() || datei.plugin == andere->plugin) {
-        kette.ja("description", "the description in it is what the plugin says");
+        kette.ja("description", satz("the description in it is what the plugin says"));
         return nullptr;
     }
     const Json hier = schluesselVon(gefragt, platz).gehalten;
     const Json dort =
         schluesselVon(beschrieben, static_cast<std::uint32_t>(andere - beschrieben.dateien.begin())).gehalten;
     const std::set<std::string> mehr = ohne(dort, hier), weniger = ohne(hier, dort);
-    std::string text = "the description in it is not what the plugin says";
+    std::string text = satz("the description in it is not what the plugin says");
     if (!mehr.empty())
-        text += "; by it, the plugin also answers for " + aufgezaehlt(mehr);
+        text += "; " + satz("by it, the plugin also answers for {1}", aufgezaehlt(mehr));
     if (!weniger.empty())
-        text += "; by it, the plugin does not answer for " + aufgezaehlt(weniger);
+        text += "; " + satz("by it, the plugin does not answer for {1}", aufgezaehlt(weniger));
     kette.nein("description", text);
     return schluss(
         kFalscheBeschreibung,
-        "Clients that take descriptions go by that in the file, which is not what the plugin says.", kRat);
+        satz("Clients that take descriptions go by that in the file, which is not what the plugin says."),
+        beschreibungsrat());
 }
 
 /// The answer with all that a client notices of it; null if there is none.
@@ -287,6 +329,7 @@ Json antwortVon(const Bestand& bestand) {
         return nullptr;
     Json json = antwortAlsJson(bestand, bestand.schluessel[antwort.schluessel], antwort.treffer);
     json.erase("displaced");
+    json.erase("service");
     return json;
 }
 
@@ -295,13 +338,17 @@ Json vergleicheAntwort(Kette& kette, const Bestand& gefragt, const Bestand& besc
     const Json dort = antwortVon(beschrieben);
     if (antwortVon(gefragt) == dort)
         return nullptr;
-    const std::string wer = dort.is_null() ? "nobody" : anbieterAlsText(dort["plugin"]);
-    kette.nein("description",
-               "by the descriptions in the files, " + wer + " answers; the plugins themselves say otherwise");
+    const std::string wer = dort.is_null() ? satz("nobody") : anbieterAlsText(dort["plugin"]);
+    kette.nein(
+        "description",
+        satz("by the descriptions in the files, {1} answers; the plugins themselves say otherwise", wer));
     return schluss(kFalscheBeschreibung,
-                   "Clients that take descriptions get another answer: " + wer +
-                       (dort.is_null() ? " answers." : " answers, by a key that comes from a description."),
-                   kRat);
+                   dort.is_null()
+                       ? satz("Clients that take descriptions get another answer: nobody answers.")
+                       : satz("Clients that take descriptions get another answer: {1} answers, by a key that "
+                              "comes from a description.",
+                              wer),
+                   beschreibungsrat());
 }
 
 // --- The text ---
@@ -314,7 +361,7 @@ std::string alsText(const Json& dokument, const Farben& farben) {
     for (const Json& schritt : dokument["steps"]) {
         const bool gut = schritt["ok"];
         text += std::to_string(++nummer) + ". " +
-                (gut ? farben(Farbe::GRUEN, "yes") : farben(Farbe::ROT, "no ")) + "  " +
+                farben(gut ? Farbe::GRUEN : Farbe::ROT, gut ? satz("yes") : satz("no ")) + "  " +
                 zeige(schritt["text"]) + "\n";
     }
     const auto liste = [&](const Json& schluessel, const std::string& titel, auto&& zeile) {
@@ -323,23 +370,23 @@ std::string alsText(const Json& dokument, const Farben& farben) {
         text += "\n" + farben(Farbe::FETT, titel) + "\n";
         for (std::size_t i = 0; i < schluessel.size(); ++i) {
             if (i == kHoechstens) {
-                text += "  and " + std::to_string(schluessel.size() - i) + " more; --json has them all\n";
+                text += "  " + satz("and {1} more; --json has them all", schluessel.size() - i) + "\n";
                 break;
             }
             text += "  " + zeile(schluessel[i]) + "\n";
         }
     };
-    liste(dokument["keys_held"], "Answers for", schluesselAlsText);
-    liste(dokument["keys_lost"], "Does not answer for", [](const Json& verloren) {
-        return schluesselAlsText(verloren) + ", but " + anbieterAlsText(verloren["lost_to"]) +
-               " does: " + zeige(verloren["explanation"]);
+    liste(dokument["keys_held"], satz("Answers for"), schluesselAlsText);
+    liste(dokument["keys_lost"], satz("Does not answer for"), [](const Json& verloren) {
+        return satz("{1}, but {2} does: {3}", schluesselAlsText(verloren),
+                    anbieterAlsText(verloren["lost_to"]), zeige(verloren["explanation"]));
     });
     if (const Json& antwort = dokument["answer"]; !antwort.is_null())
-        liste(antwort["displaced"], "Offer it too, and lost", [](const Json& verdraengter) {
-            return anbieterAlsText(verdraengter["plugin"]) + " to " +
-                   anbieterAlsText(verdraengter["lost_to"]) + ": " + zeige(verdraengter["explanation"]);
+        liste(antwort["displaced"], satz("Offer it too, and lost"), [](const Json& verdraengter) {
+            return satz("{1} to {2}: {3}", anbieterAlsText(verdraengter["plugin"]),
+                        anbieterAlsText(verdraengter["lost_to"]), zeige(verdraengter["explanation"]));
         });
-    liste(dokument["not_loaded"], "Not loaded", [](const Json& zeile) {
+    liste(dokument["not_loaded"], satz("Not loaded"), [](const Json& zeile) {
         return zeige(zeile["file"]) + ", " + zeige(zeile["state"]) + ": " + begruendung(zeile);
     });
     if (!dokument["unreadable_directories"].empty())
@@ -355,21 +402,25 @@ std::string alsText(const Json& dokument, const Farben& farben) {
 class Why : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
-        unterbefehl.add_option("FILE|TYPE", erstes_, "A file, as for \"show\"; or a kind of extension")
+        unterbefehl.add_option("FILE|TYPE", erstes_, satz("A file, as for \"show\"; or a kind of extension"))
             ->required();
-        unterbefehl.add_option("SUB-CASE-TYPE", unterfallart_, "Sub-case type: number or name");
-        unterbefehl.add_option("PERIOD", zeitraum_, "2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
+        unterbefehl.add_option("SUB-CASE-TYPE", unterfallart_, satz("Sub-case type: number or name"));
+        unterbefehl.add_option("PERIOD", zeitraum_,
+                               satz("2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG"));
     }
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         if (!unterfallart_.empty() && zeitraum_.empty())
-            throw AufrufFehler("why takes a file, or a kind of extension, a sub-case type and a period");
+            throw AufrufFehler(
+                satz("why takes a file, or a kind of extension, a sub-case type and a period"));
         return unterfallart_.empty() ? warumDatei(optionen) : warumSchluessel(optionen);
     }
 
 private:
     Ausgang warumDatei(const Optionen& optionen) const {
-        const Bestand bestand = sammle(optionen);
+        Auftrag auftrag;
+        auftrag.exporteVon = "*";
+        Bestand bestand = sammle(optionen, auftrag);
         const std::optional<std::uint32_t> platz = findeDatei(bestand, erstes_);
         Json dokument = jsonKopf("why", bestand.suchpfad);
         dokument["question"] = {{"file", jsonText(erstes_)}};
@@ -378,27 +429,27 @@ private:
         Schluessellage lage;
         Json ende;
         if (!platz) {
-            kette.nein("found",
-                       "there is no file " + einzeilig(erstes_) + " below " + einzeilig(bestand.suchpfad));
+            const std::string wo = einzeilig(bestand.suchpfad);
+            kette.nein("found", satz("there is no file {1} below {2}", einzeilig(erstes_), wo));
             ende = schluss(
-                "not_found",
-                "The library never sees the file: it looks below " + einzeilig(bestand.suchpfad) + " only.",
-                "Copy the file there, or name the directory that it lies in with --home or --dir.");
+                "not_found", satz("The library never sees the file: it looks below {1} only.", wo),
+                satz("Copy the file there, or name the directory that it lies in with --home or --dir."));
         } else {
             const DateiFakt& datei = bestand.dateien[*platz];
-            kette.ja("found", "there is a file " + einzeilig(bestand.fundort(datei)));
-            if (verfolge(kette, datei)) {
+            kette.ja("found", satz("there is a file {1}", einzeilig(bestand.fundort(datei))));
+            const bool istGeladen = verfolge(kette, datei);
+            if (!istGeladen) {
+                ende = schluss(code(datei.grund), erklaerung(datei), rat(datei));
+                ausgang = datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
+            } else {
                 lage = schluesselVon(bestand, *platz);
                 ende = schlussFuerGeladene(datei, lage);
-                if (lage.gehalten.empty())
-                    kette.nein("keys", "it holds no key, and so answers for nothing");
-                else
-                    kette.ja("keys", "it holds " + anzahl(lage.gehalten.size(), "key", "keys") +
-                                         " and lost " + std::to_string(lage.verloren.size()));
                 ausgang = lage.gehalten.empty() || !lage.verloren.empty() ? Ausgang::BEFUNDE : Ausgang::GUT;
-            } else {
-                ende = schluss(code(datei.grund), erklaerung(datei.grund), rat(datei.grund));
-                ausgang = datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
+                if (lage.gehalten.empty())
+                    kette.nein("keys", satz("it holds no key, and so answers for nothing"));
+                else
+                    kette.ja("keys", satz("it holds {1} and lost {2}",
+                                          anzahl(lage.gehalten.size(), "key", "keys"), lage.verloren.size()));
             }
             if (istBeschrieben(bestand, datei))
                 if (Json anders = vergleicheDatei(kette, bestand, sammleMitBeschreibungen(optionen), *platz);
@@ -406,6 +457,8 @@ private:
                     ende = std::move(anders);
                     ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
                 }
+            if (istGeladen)
+                ausgang = schwerster(ausgang, probiereDatei(bestand, *platz, kette, ende, optionen));
         }
         dokument["steps"] = std::move(kette).json();
         dokument["conclusion"] = std::move(ende);
@@ -419,6 +472,21 @@ private:
         return ausgang;
     }
 
+    /// Makes the services of the extensions that hold keys. A service that cannot be had becomes the conclusion.
+    static Ausgang probiereDatei(Bestand& bestand, std::uint32_t platz, Kette& kette, Json& ende,
+                                 const Optionen& optionen) {
+        std::set<ErweiterungsOrt> seine = bestand.inhaber();
+        std::erase_if(seine, [&](const ErweiterungsOrt& ort) { return ort.datei != platz; });
+        const bool istGestorben = probiereServices(bestand, seine, optionen);
+        for (const ErweiterungsOrt& ort : seine)
+            verfolgeService(kette, bestand.erweiterung(ort));
+        const auto kaputt = kaputte(bestand, platz);
+        if (kaputt.empty())
+            return Ausgang::GUT;
+        ende = schlussOhneService(einzeilig(kurzerPfad(bestand, bestand.dateien[platz])), *kaputt.front());
+        return istGestorben ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
+    }
+
     Ausgang warumSchluessel(const Optionen& optionen) const {
         const std::int32_t typ = liesTyp(erstes_);
         const std::string typName = erweiterungTypName(static_cast<tag_erweiterung_typ>(typ));
@@ -427,8 +495,8 @@ private:
         Auftrag auftrag;
         auftrag.frage = Frage{typ, unterfallart, zeitraum.text, zeitraum.format};
         auftrag.exporteVon = "*";
-        const Bestand bestand = sammle(optionen, auftrag);
-        const AntwortFakt& antwort = bestand.antwort.value();
+        Bestand bestand = sammle(optionen, auftrag);
+        const AntwortFakt antwort = bestand.antwort.value();
         const bool gefunden = antwort.treffer != RegisterAuskunft::KEINER;
 
         Json dokument = jsonKopf("why", bestand.suchpfad);
@@ -445,40 +513,40 @@ private:
             const std::string jahr = wonach + " " + std::to_string(antwort.gefragt.jahr);
             if (antwort.treffer == RegisterAuskunft::GENAU ||
                 antwort.treffer == RegisterAuskunft::GLEICHES_JAHR)
-                kette.ja("key_of_the_year", "there is a key for " + jahr);
+                kette.ja("key_of_the_year", satz("there is a key for {1}", jahr));
             else
-                kette.nein("key_of_the_year", "there is no key for " + jahr);
+                kette.nein("key_of_the_year", satz("there is no key for {1}", jahr));
         }
         if (ohneZeitraum || antwort.treffer == RegisterAuskunft::UNABHAENGIG || !gefunden) {
-            const std::string wofuer =
-                wonach + (fuerAlles ? ", for every sub-case type and period" : " for any period");
+            const std::string wofuer = fuerAlles ? satz("{1}, for every sub-case type and period", wonach)
+                                                 : satz("{1} for any period", wonach);
             if (gefunden)
-                kette.ja("period_independent_key", "there is a key for " + wofuer);
+                kette.ja("period_independent_key", satz("there is a key for {1}", wofuer));
             else
-                kette.nein("period_independent_key", "there is no key for " + (fuerAlles ? wonach : wofuer));
+                kette.nein("period_independent_key",
+                           satz("there is no key for {1}", fuerAlles ? wonach : wofuer));
         }
         Ausgang ausgang = Ausgang::BEFUNDE;
         dokument["answer"] = nullptr;
         if (gefunden) {
             const SchluesselFakt& schluessel = bestand.schluessel[antwort.schluessel];
+            const bool istGestorben = probiereServices(bestand, {schluessel.inhaber}, optionen);
             const ErweiterungFakt& erweiterung = bestand.erweiterung(schluessel.inhaber);
             dokument["answer"] = antwortAlsJson(bestand, schluessel, antwort.treffer);
             const std::string wer = anbieterAlsText(dokument["answer"]["plugin"]);
-            kette.ja("holder", "it is held by " + wer);
-            if (erweiterung.factoryExport == Export::NEIN) {
-                kette.nein("factory",
-                           "its library does not export the factory " + einzeilig(erweiterung.factory));
-                ende = schluss("no_factory", wer + " answers, but can make no service.",
-                               "Report this to the plugin's author.");
+            kette.ja("holder", satz("it is held by {1}", wer));
+            verfolgeService(kette, erweiterung);
+            if (!erweiterung.istZuHaben()) {
+                ende = schlussOhneService(wer, erweiterung);
+                ausgang = istGestorben ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
             } else {
-                kette.ja("factory", "its library exports the factory " + einzeilig(erweiterung.factory));
                 const bool ersatz = antwort.treffer == RegisterAuskunft::UNABHAENGIG && !ohneZeitraum;
-                ende = schluss("answered",
-                               wer + " answers" +
-                                   (fuerAlles ? ", for every sub-case type and period."
-                                    : ersatz  ? ", for any period: no plugin serves that year by name."
-                                              : "."),
-                               "Nothing needs to be done.");
+                ende = schluss(
+                    "answered",
+                    fuerAlles ? satz("{1} answers, for every sub-case type and period.", wer)
+                    : ersatz  ? satz("{1} answers, for any period: no plugin serves that year by name.", wer)
+                              : satz("{1} answers.", wer),
+                    satz("Nothing needs to be done."));
                 ausgang = Ausgang::GUT;
             }
         } else {
@@ -489,7 +557,7 @@ private:
             if (Json anders = vergleicheAntwort(kette, bestand, sammleMitBeschreibungen(optionen, auftrag));
                 !anders.is_null()) {
                 ende = std::move(anders);
-                ausgang = Ausgang::BEFUNDE;
+                ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
             }
         dokument["steps"] = std::move(kette).json();
         dokument["conclusion"] = std::move(ende);

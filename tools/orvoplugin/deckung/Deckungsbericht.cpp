@@ -20,11 +20,16 @@ bool istEigene(const SpanneFakt& spanne) {
     return spanne.treffer == RegisterAuskunft::GENAU || spanne.treffer == RegisterAuskunft::GLEICHES_JAHR;
 }
 
-const char* antwortcode(const SpanneFakt& spanne) {
+const char* antwortcode(const Bestand& bestand, const SpanneFakt& spanne) {
     if (spanne.treffer == RegisterAuskunft::KEINER)
         return "gap";
+    if (!bestand.erweiterung(bestand.schluessel.at(spanne.schluessel).inhaber).istZuHaben())
+        return "broken";
     return istEigene(spanne) ? "served" : "fallback";
 }
+
+/// The total of a cell's answer.
+std::string summenname(const Json& zelle) { return zelle["answer"] == "gap" ? "gaps" : zelle["answer"]; }
 
 /// The period of an extension that does not cover the whole year: "2009-05", "2009Q2".
 Json teiljahre(const SchluesselFakt& schluessel) {
@@ -48,7 +53,7 @@ Json teiljahre(const SchluesselFakt& schluessel) {
 }
 
 Json zelleAlsJson(const Bestand& bestand, const SpanneFakt& spanne) {
-    Json zelle{{"from", spanne.von}, {"to", spanne.bis}, {"answer", antwortcode(spanne)}};
+    Json zelle{{"from", spanne.von}, {"to", spanne.bis}, {"answer", antwortcode(bestand, spanne)}};
     if (spanne.treffer == RegisterAuskunft::KEINER)
         return zelle;
     const SchluesselFakt& schluessel = bestand.schluessel.at(spanne.schluessel);
@@ -107,9 +112,7 @@ Json zeileAlsJson(const Bestand& bestand, const ZeileFakt& zeile, const Jahre& j
         teil.bis = std::min(spanne.bis, *jahre.eigene.rbegin());
         Json zelle = zelleAlsJson(bestand, teil);
         const std::int64_t anzahl = std::int64_t{teil.bis} - teil.von + 1;
-        const char* const wohin = teil.treffer == RegisterAuskunft::KEINER ? "gaps"
-                                  : istEigene(teil)                        ? "served"
-                                                                           : "fallback";
+        const std::string wohin = summenname(zelle);
         summen[wohin] = summen[wohin].get<std::int64_t>() + anzahl;
         if (teil.treffer == RegisterAuskunft::KEINER)
             luecken += anzahl;
@@ -146,8 +149,12 @@ Json typAlsJson(const Bestand& bestand, const Zeilen& zeilen) {
     json["last_year"] = ohneJahre ? Json(nullptr) : Json(*jahre.eigene.rbegin());
     json["columns"] = jahre.spalten();
     Json& summen = json["totals"];
-    summen = {
-        {"sub_case_types", zeilen.size()}, {"served", 0}, {"fallback", 0}, {"gaps", 0}, {"contested", 0}};
+    summen = {{"sub_case_types", zeilen.size()},
+              {"served", 0},
+              {"fallback", 0},
+              {"broken", 0},
+              {"gaps", 0},
+              {"contested", 0}};
     Json reihen = Json::array();
     for (const ZeileFakt* const zeile : zeilen)
         reihen.push_back(zeileAlsJson(bestand, *zeile, jahre, summen));
@@ -179,7 +186,7 @@ private:
     void nimmZelleAuf(const Json& zelle, std::int64_t jahre) {
         if (!zelle.contains("plugin"))
             return;
-        zaehle(zelle["plugin"], "serves", jahre);
+        zaehle(zelle["plugin"], "serves", zelle["answer"] == "broken" ? 0 : jahre);
         if (!zelle["runner_up"].is_null())
             zaehle(zelle["runner_up"], "runner_up", jahre);
     }
@@ -210,7 +217,8 @@ Json verlangtesAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
             {"sub_case_type", nullptr},
             {"period", nullptr},
             {"match", nullptr},
-            {"plugin", nullptr}};
+            {"plugin", nullptr},
+            {"service", nullptr}};
         const SchluesselFakt* schluessel = nullptr;
         if (verlangte.frage) {
             zelle["sub_case_type"] = jsonText(verlangte.unterfallart);
@@ -225,14 +233,32 @@ Json verlangtesAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
                 if (!schluessel && kandidat.typ == verlangte.typ)
                     schluessel = &kandidat;
         }
-        if (schluessel)
+        bool istZuHaben = false;
+        if (schluessel) {
+            const ErweiterungFakt& erweiterung = bestand.erweiterung(schluessel->inhaber);
+            istZuHaben = erweiterung.istZuHaben();
             zelle["plugin"] = anbieterAlsJson(bestand, schluessel->inhaber);
-        else
-            ++fehlen;
-        zelle["served"] = schluessel != nullptr;
+            zelle["service"] = serviceAlsJson(erweiterung);
+        }
+        fehlen += istZuHaben ? 0 : 1;
+        zelle["served"] = istZuHaben;
         zellen.push_back(std::move(zelle));
     }
     return {{"file", jsonText(wunsch.anforderung)}, {"missing", fehlen}, {"cells", std::move(zellen)}};
+}
+
+/// The extensions that hold keys and whose service cannot be had.
+Json kaputteAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
+    Json liste = Json::array();
+    for (const ErweiterungsOrt& ort : bestand.inhaber()) {
+        const ErweiterungFakt& erweiterung = bestand.erweiterung(ort);
+        if (!erweiterung.istZuHaben() && (!wunsch.typ || *wunsch.typ == erweiterung.typ))
+            liste.push_back({{"plugin", anbieterAlsJson(bestand, ort)},
+                             {"type", werkzeug::typAlsJson(erweiterung.typ, erweiterung.typName)},
+                             {"factory", jsonText(erweiterung.factory)},
+                             {"service", serviceAlsJson(erweiterung)}});
+    }
+    return liste;
 }
 
 } // namespace
@@ -247,6 +273,7 @@ std::string merkzeichen(std::size_t nummer) {
 Auftrag deckungsauftrag(const Deckungswunsch& wunsch) {
     Auftrag auftrag;
     auftrag.deckung = true;
+    auftrag.exporteVon = "*";
     for (const VerlangteZelle& zelle : wunsch.zellen)
         if (zelle.frage)
             auftrag.fragen.push_back(*zelle.frage);
@@ -269,6 +296,7 @@ Json deckungsbericht(const Bestand& bestand, const Deckungswunsch& wunsch) {
     dokument["types"] = std::move(typen);
     dokument["plugins"] = std::move(beteiligte).alsJson();
     dokument["required"] = wunsch.anforderung.empty() ? Json(nullptr) : verlangtesAlsJson(bestand, wunsch);
+    dokument["broken"] = kaputteAlsJson(bestand, wunsch);
     Json ausfaelle = Json::array();
     for (const DateiFakt& datei : bestand.dateien)
         if (datei.zustand >= Zustand::ABGELEHNT)

@@ -2,6 +2,7 @@
 
 #include "deckung/Deckungsbericht.h"
 
+#include "kern/Antwort.h"
 #include "kern/Berichtsteile.h"
 
 #include <algorithm>
@@ -21,6 +22,7 @@ struct Zeichenkunde {
     bool ersatz = false;
     bool zweiter = false;
     bool teiljahr = false;
+    bool kaputt = false;
     bool luecke = false;
 };
 
@@ -36,6 +38,10 @@ public:
         if (zelle["answer"] == "gap") {
             kunde.luecke = true;
             return {"-", Farbe::ROT};
+        }
+        if (zelle["answer"] == "broken") {
+            kunde.kaputt = true;
+            return {"!" + zeichen(zelle["plugin"]), Farbe::ROT};
         }
         const bool ersatz = zelle["answer"] == "fallback";
         std::string text = (ersatz ? "~" : "") + zeichen(zelle["plugin"]);
@@ -172,6 +178,8 @@ std::string ueberschrift(const Json& typ, const Farben& farben) {
         text += ": " + anzahl(summen["served"], "cell", "cells") + " served";
         if (summen["fallback"] != 0)
             text += ", " + summen["fallback"].dump() + " more by a period-independent entry";
+        if (summen["broken"] != 0)
+            text += ", " + satz("{1} without a service", summen["broken"].dump());
         text += summen["gaps"] == 0 ? ", no gap" : ", " + anzahl(summen["gaps"], "gap", "gaps");
     }
     return text + "\n";
@@ -232,6 +240,8 @@ std::string zeichenAlsText(const Zeichenkunde& kunde) {
     if (kunde.teiljahr)
         text += "  A(05)  filed for that part of the year (month, quarter Q2, day 05-31);\n"
                 "         look-ups for any period of the year find it\n";
+    if (kunde.kaputt)
+        text += "  !A     " + satz("A holds the entry, but no service of it can be had") + "\n";
     if (kunde.luecke)
         text += "  -      nobody answers\n";
     return text.empty() ? text : "Marks:\n" + text + "\n";
@@ -277,6 +287,16 @@ std::string deckungAlsText(const Json& dokument, const Farben& farben) {
         for (const Json& zeile : ausfaelle) {
             tabelle.zeile({{zeige(zeile["state"]), farbe(zeile["state"])}, zeige(zeile["file"])});
             tabelle.bemerkung(begruendung(zeile));
+        }
+        text += tabelle.alsText(farben) + "\n";
+    }
+    if (const Json& kaputte = dokument["broken"]; !kaputte.empty()) {
+        Tabelle tabelle({satz("NO SERVICE"), satz("TYPE"), satz("FACTORY")});
+        for (const Json& zeile : kaputte) {
+            tabelle.zeile({{anbieterAlsText(zeile["plugin"]), Farbe::ROT},
+                           zeige(zeile["type"]["label"]),
+                           zeige(zeile["factory"])});
+            tabelle.bemerkung(servicemangelAlsText(zeile["service"]));
         }
         text += tabelle.alsText(farben) + "\n";
     }

@@ -25,6 +25,7 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
     antwort["match"] = treffer == RegisterAuskunft::KEINER ? Json(nullptr) : Json(treffercode(treffer));
     antwort["plugin"] = anbieterAlsJson(bestand, schluessel.inhaber);
     antwort["factory"] = jsonText(bestand.erweiterung(schluessel.inhaber).factory);
+    antwort["service"] = serviceAlsJson(bestand.erweiterung(schluessel.inhaber));
     Json verdraengte = Json::array();
     for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
         if (ereignis.art == SchluesselEreignis::Art::EINGETRAGEN)
@@ -35,7 +36,7 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
             {{"plugin", anbieterAlsJson(bestand, verlierer)},
              {"lost_to", anbieterAlsJson(bestand, neuerGewann ? ereignis.wer : ereignis.gegen)},
              {"rule", regelcode(ereignis.regel)},
-             {"explanation", regelsatz(ereignis.regel)}});
+             {"explanation", uebersetzt(regelsatz(ereignis.regel))}});
     }
     antwort["displaced"] = std::move(verdraengte);
     return antwort;
@@ -44,6 +45,15 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
 std::string schluesselAlsText(const Json& schluessel) {
     return zeige(schluessel["type"]["label"]) + " " + zeige(schluessel["sub_case_type"]["name"]) + " " +
            zeige(schluessel["period"]["label"]);
+}
+
+std::string servicemangelAlsText(const Json& service) {
+    if (service["advice"].is_null())
+        return {};
+    std::string text = satz("no service: {1}", zeige(service["explanation"]));
+    if (!service["message"].is_null())
+        text += " [" + zeige(service["message"]) + "]";
+    return text;
 }
 
 std::string anbieterAlsText(const Json& plugin) {

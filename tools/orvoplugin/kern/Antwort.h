@@ -9,7 +9,7 @@
 
 namespace werkzeug {
 
-/// The answer for a key: "type", "sub_case_type", "period", "match", "plugin", "factory", "displaced".
+/// The answer for a key: "type", "sub_case_type", "period", "match", "plugin", "factory", "service", "displaced".
 /// Parameters: `treffer` as `RegisterAuskunft::Treffer`; "match" is null for `KEINER`.
 Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, std::int32_t treffer);
 
@@ -17,6 +17,8 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
 Json schluesselAlsJson(const SchluesselFakt& schluessel);
 /// "CHECK 10 2009", of such a part of a document.
 std::string schluesselAlsText(const Json& schluessel);
+/// Why the service of such a part cannot be had; empty when nothing is known against it.
+std::string servicemangelAlsText(const Json& service);
 /// "libx.dylib (1.2.0)", of a plugin as `anbieterAlsJson` has it.
 std::string anbieterAlsText(const Json& plugin);
 

@@ -5,9 +5,13 @@
 
 #include <orvoplugin/domain/Unterfallart.h>
 
-#include <cstring>
-
 namespace werkzeug {
+
+namespace {
+
+Json codeOderNull(const char* code) { return *code ? Json(code) : Json(nullptr); }
+
+} // namespace
 
 Json alsJson(const ZeitraumFakt& zeitraum) {
     return {{"kind", zeitraumcode(zeitraum.typ)}, {"year", zeitraum.jahr},
@@ -41,10 +45,12 @@ Json zeileAlsJson(const Bestand& bestand, const DateiFakt& datei) {
     zeile["reason"] = nullptr;
     if (datei.grund != Grund::KEINER)
         zeile["reason"] = {{"code", code(datei.grund)},
+                           {"cause", codeOderNull(code(datei.ursache))},
                            {"stage", stufe(datei.grund)},
+                           {"step", codeOderNull(code(datei.schritt))},
                            {"message", datei.meldung.empty() ? Json(nullptr) : jsonText(datei.meldung)},
-                           {"explanation", erklaerung(datei.grund)},
-                           {"advice", rat(datei.grund)}};
+                           {"explanation", erklaerung(datei)},
+                           {"advice", rat(datei)}};
     zeile["signal"] = datei.grund == Grund::SIGNAL ? Json(datei.zahl) : Json(nullptr);
     zeile["exit_status"] = datei.grund == Grund::PROZESSENDE ? Json(datei.zahl) : Json(nullptr);
     zeile["output"] = datei.ausgabe.empty() ? Json(nullptr) : jsonText(datei.ausgabe);
@@ -59,19 +65,31 @@ Json anbieterAlsJson(const Bestand& bestand, const ErweiterungsOrt& ort) {
             {"resident", plugin.resident}};
 }
 
+Json serviceAlsJson(const ErweiterungFakt& erweiterung) {
+    const std::string advice = servicerat(erweiterung);
+    const bool istUngeprueft = erweiterung.factoryExport == Export::UNGEPRUEFT &&
+                               erweiterung.service.art == ServiceFakt::Art::UNGEPRUEFT;
+    return {{"state", servicecode(erweiterung)},
+            {"explanation", istUngeprueft ? Json(nullptr) : Json(servicesatz(erweiterung))},
+            {"step", codeOderNull(code(erweiterung.service.schritt))},
+            {"message",
+             erweiterung.service.meldung.empty() ? Json(nullptr) : jsonText(erweiterung.service.meldung)},
+            {"advice", advice.empty() ? Json(nullptr) : Json(advice)}};
+}
+
 Json unlesbareAlsJson(const Bestand& bestand) {
     Json liste = Json::array();
     for (const VerzeichnisFakt& verzeichnis : bestand.verzeichnisse)
         if (verzeichnis.fehler != 0)
             liste.push_back(
-                {{"path", jsonText(verzeichnis.pfad)}, {"reason", std::strerror(verzeichnis.fehler)}});
+                {{"path", jsonText(verzeichnis.pfad)}, {"reason", jsonText(systemtext(verzeichnis.fehler))}});
     return liste;
 }
 
 std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben) {
     std::string text;
     for (const Json& verzeichnis : verzeichnisse)
-        text += farben(Farbe::ROT, "cannot be read") + "  " + zeige(verzeichnis["path"]) + ": " +
+        text += farben(Farbe::ROT, satz("cannot be read")) + "  " + zeige(verzeichnis["path"]) + ": " +
                 zeige(verzeichnis["reason"]) + "\n";
     return text.empty() ? text : text + "\n";
 }
@@ -87,12 +105,12 @@ Json ungewisseAlsJson(const Bestand& bestand) {
 std::string umstaendeAlsText(const Json& dokument, const Farben& farben) {
     std::string text;
     for (const Json& zeile : dokument["not_loaded"])
-        text += farben(Farbe::ROT, "not loaded") + "  " + zeige(zeile["file"]) + ", " +
+        text += farben(Farbe::ROT, satz("not loaded")) + "  " + zeige(zeile["file"]) + ", " +
                 zeige(zeile["state"]) + ": " + begruendung(zeile) + "\n";
     for (const Json& verzeichnis : dokument["unreadable_directories"])
-        text += farben(Farbe::ROT, "cannot be read") + "  " + zeige(verzeichnis["path"]) + ": " +
+        text += farben(Farbe::ROT, satz("cannot be read")) + "  " + zeige(verzeichnis["path"]) + ": " +
                 zeige(verzeichnis["reason"]) + "\n";
-    return text.empty() ? text : "\nWithout these the answer may be another:\n" + text;
+    return text.empty() ? text : "\n" + satz("Without these the answer may be another:") + "\n" + text;
 }
 
 Farbe farbe(const std::string& zustand) {
@@ -107,8 +125,13 @@ std::string begruendung(const Json& zeile) {
     const Json& grund = zeile["reason"];
     if (grund.is_null())
         return {};
-    const Json& text = grund["message"].is_null() ? grund["explanation"] : grund["message"];
-    return grund["code"].get<std::string>() + ": " + zeige(text);
+    std::string text = grund["code"];
+    if (!grund["cause"].is_null())
+        text += "/" + grund["cause"].get<std::string>();
+    if (!grund["step"].is_null())
+        text += " (" + grund["step"].get<std::string>() + ")";
+    text += ": " + zeige(grund["explanation"]);
+    return grund["message"].is_null() ? text : text + " [" + zeige(grund["message"]) + "]";
 }
 
 std::string zeige(const Json& wert) {

@@ -23,6 +23,9 @@ std::string kurzerPfad(const Bestand& bestand, const DateiFakt& datei);
 /// The plugin that offers an extension: "file", "product_version", "file_version", "resident".
 Json anbieterAlsJson(const Bestand& bestand, const ErweiterungsOrt& ort);
 
+/// What is known about the service of an extension: "state", "explanation", "step", "message", "advice".
+Json serviceAlsJson(const ErweiterungFakt& erweiterung);
+
 /// [{"path": "...", "reason": "Permission denied"}] for the directories that cannot be read, and these as text.
 Json unlesbareAlsJson(const Bestand& bestand);
 std::string unlesbareAlsText(const Json& verzeichnisse, const Farben& farben);

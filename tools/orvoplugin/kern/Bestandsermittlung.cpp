@@ -5,6 +5,7 @@
 #include "kern/Nachfrage.h"
 #include "kern/Ordnung.h"
 #include "kern/Protokoll.h"
+#include "kern/Ursachen.h"
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
@@ -204,6 +205,7 @@ public:
         datei.zustand = Zustand::ABGELEHNT;
         datei.grund = static_cast<Grund>(schritt);
         datei.meldung = grund;
+        datei.ursache = sucheUrsache(schritt, datei.pfad, datei.name, datei.meldung);
         if (schritt == ABLEHNUNG_BEOBACHTER) // the plugin is loaded nevertheless, as the last one
             funde.back().plugin = OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().back();
     }
@@ -224,6 +226,8 @@ private:
         datei.zustand = Zustand::UNBESCHRIEBEN;
         datei.grund = Grund::NICHT_BESCHRIEBEN;
         datei.meldung = fund.grund;
+        datei.ursache = fund.stand == Beschreibungsfund::ABGELEHNT ? Ursache::FALSCHE_BESCHREIBUNG
+                                                                   : Ursache::OHNE_BESCHREIBUNG;
         return false;
     }
 

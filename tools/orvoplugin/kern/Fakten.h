@@ -12,8 +12,10 @@
 #include <orvoplugin/registry/RegisterAuskunft.h>
 #include <orvoplugin/registry/RegisterBeobachter.h>
 
+#include <compare>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,6 +53,41 @@ enum class Export : std::int32_t {
     NEIN = 2,
 };
 
+/// The step of a plugin's life that its code was in when it ended the process.
+enum class Schritt : std::int32_t {
+    KEINER = 0,
+    OEFFNEN,     ///< the library was opened
+    TYPEN,       ///< orvo_plugin_get_types
+    BESCHREIBEN, ///< orvo_plugin_initialize
+    LADEHOOK,    ///< its OnLoad function
+    FACTORY,     ///< it made a service
+    RUECKGABE,   ///< a service was given back
+    SCHLIESSEN,  ///< the OnUnload function, and the library was closed
+    DANACH,      ///< a thread, timer or other leftover of it, after the library was closed
+};
+
+/// What came of making an extension's service.
+struct ServiceFakt {
+    enum class Art : std::int32_t {
+        UNGEPRUEFT = 0,
+        GEMACHT,
+        NICHT_EXPORTIERT,     ///< the library does not export the factory
+        NICHT_GEOEFFNET,      ///< the library could not be loaded when the service was needed
+        NICHTS,               ///< the factory returned null
+        AUSNAHME,             ///< it threw
+        ANDERE_SCHNITTSTELLE, ///< it made an object of another interface than the extension declares
+        STATISCH,             ///< the object is a static one, which the extension has the library delete
+        ABGESTUERZT,
+        BEENDET,
+        ZEIT,
+    };
+    Art art = Art::UNGEPRUEFT;
+    Schritt schritt = Schritt::KEINER; ///< for the last three
+    std::string meldung;               ///< what the exception or the end of the process says
+
+    friend bool operator==(const ServiceFakt&, const ServiceFakt&) = default;
+};
+
 struct ErweiterungFakt {
     std::int32_t typ = 0;
     std::string typName;
@@ -63,6 +100,13 @@ struct ErweiterungFakt {
     std::vector<std::int32_t> abhaengigkeiten;                                   ///< the kind of each
     std::vector<std::int32_t> vorbedingungen;                                    ///< the kind of each
     std::vector<std::int32_t> nachbedingungen;                                   ///< the kind of each
+    ServiceFakt service; ///< the parent's; see `probiereServices`
+
+    /// Whether, as far as is known, a client gets the service.
+    bool istZuHaben() const {
+        return factoryExport != Export::NEIN &&
+               (service.art == ServiceFakt::Art::UNGEPRUEFT || service.art == ServiceFakt::Art::GEMACHT);
+    }
 
     friend bool operator==(const ErweiterungFakt&, const ErweiterungFakt&) = default;
 };
@@ -135,12 +179,43 @@ enum class Grund : std::int32_t {
     NICHT_BESCHRIEBEN = 111, ///< no description of the plugin in its file, or one that is refused
 };
 
+/// The cause behind a reason, where it is known more closely: the second half of the code, see `ursachencode`.
+enum class Ursache : std::int32_t {
+    KEINE = 0,
+    RECHTE,               ///< no permission to read it
+    FEHLT,                ///< it is not there (any more)
+    ENDUNG,               ///< its suffix is in upper case, and the library looks for it in lower case
+    DESKRIPTOREN,         ///< no file descriptor is left
+    LESEFEHLER,           ///< another error of the system
+    KEINE_DATEI,          ///< no regular file
+    FREMDES_FORMAT,       ///< no library at all
+    PROZESSOR,            ///< for another processor
+    PROGRAMM,             ///< a program or an object file
+    ABGESCHNITTEN,        ///< it ends too early
+    NICHT_ZU_ENDE,        ///< its end was not written
+    BESCHAEDIGT,          ///< its headers contradict each other
+    AUSGABE,              ///< for another release of the libraries
+    BIBLIOTHEK,           ///< a library that it needs is missing
+    SYMBOL,               ///< a symbol that it needs is missing
+    SYMBOLVERSION,        ///< a library that it needs is too old
+    THREADSPEICHER,       ///< no room for its thread-local variables
+    AUSFUEHRRECHT,        ///< its file system or the system's policy forbids its code
+    SPEICHER,             ///< no memory
+    ALTES_SYSTEM,         ///< built in a form that the system's loader does not know
+    OHNE_BESCHREIBUNG,    ///< no description in the file
+    FALSCHE_BESCHREIBUNG, ///< one that is refused
+    FADEN,                ///< a thread of it still ran when its library was closed
+    GETOETET,             ///< the system ended the process, mostly for want of memory
+};
+
 struct DateiFakt {
     std::uint32_t verzeichnis = 0; ///< place in `Bestand::verzeichnisse`
     std::string name;              ///< as in the directory
     std::string pfad;              ///< under which it is loaded, its suffix in lower case
     Zustand zustand = Zustand::UEBERGANGEN;
     Grund grund = Grund::KEINER;
+    Ursache ursache = Ursache::KEINE;
+    Schritt schritt = Schritt::KEINER; ///< for ABGESTUERZT, BEENDET and ZEIT
     std::string
         meldung; ///< for ABGELEHNT what the log says; for the last three states what happened, in English
     std::int32_t zahl = 0;
@@ -159,7 +234,7 @@ struct ErweiterungsOrt {
     std::uint32_t datei = 0;
     std::uint32_t erweiterung = 0;
 
-    friend bool operator==(const ErweiterungsOrt&, const ErweiterungsOrt&) = default;
+    friend auto operator<=>(const ErweiterungsOrt&, const ErweiterungsOrt&) = default;
 };
 
 /// One event in the life of a key.
@@ -230,6 +305,13 @@ struct Bestand {
     }
     const DateiFakt& datei(const ErweiterungsOrt& ort) const { return dateien.at(ort.datei); }
     const PluginFakt& plugin(const ErweiterungsOrt& ort) const { return datei(ort).plugin.value(); }
+    /// The extensions that hold a key.
+    std::set<ErweiterungsOrt> inhaber() const {
+        std::set<ErweiterungsOrt> orte;
+        for (const SchluesselFakt& einer : schluessel)
+            orte.insert(einer.inhaber);
+        return orte;
+    }
     /// Full path of a file, by its name in the directory.
     std::string fundort(const DateiFakt& datei) const {
         return verzeichnisse.at(datei.verzeichnis).pfad + "/" + datei.name;

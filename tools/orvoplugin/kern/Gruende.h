@@ -18,10 +18,24 @@ const char* zeitraumcode(std::int32_t typ);    ///< of a `Veranlagungszeitraum::
 /// "initialize", "register", "process"; empty for `KEINER`.
 const char* stufe(Grund grund);
 
-/// One sentence for people, in English: what the reason means, and what to do about it.
-const char* erklaerung(Grund grund);
-const char* rat(Grund grund);
-/// The rule by which an extension got a key or did not, as the end of a sentence.
+/// The cause behind a reason, the second half of its code: "cut" and so on; empty for `KEINE`.
+const char* code(Ursache ursache);
+/// "open", "describe" and so on; empty for `KEINER`.
+const char* code(Schritt schritt);
+/// What is known about an extension's service: "unchecked", "exported", "made", or why it cannot be had.
+const char* servicecode(const ErweiterungFakt& erweiterung);
+
+// For people, in the user's language.
+
+/// One sentence: what reason and cause mean, and what to do about it.
+std::string erklaerung(const DateiFakt& datei);
+std::string rat(const DateiFakt& datei);
+/// "in the factory" and the like; empty for `KEINER`.
+std::string wobei(Schritt schritt);
+/// "its factory returns nothing": the end of a sentence; and what to do about it, empty if there is nothing.
+std::string servicesatz(const ErweiterungFakt& erweiterung);
+std::string servicerat(const ErweiterungFakt& erweiterung);
+/// The rule by which an extension got a key or did not, as the end of a sentence, for the catalogue.
 const char* regelsatz(std::int32_t regel);
 
 } // namespace werkzeug

@@ -1,5 +1,7 @@
 #include "kern/Optionen.h"
 
+#include "kern/Sprache.h"
+
 #include <CLI/CLI.hpp>
 
 #include <cmath>
@@ -47,6 +49,12 @@ void fuegeDescribedHinzu(CLI::App& app, Optionen& optionen) {
     app.add_flag_callback(
         "--described", [&] { optionen.beschreibungen = Beschreibungen::NUR; },
         "Run no plugin code: go by the descriptions in the files, and load no file without one");
+}
+
+void fuegeProbeHinzu(CLI::App& app, Optionen& optionen) {
+    app.add_flag(
+        "--probe", optionen.probe,
+        satz("Make each service once, too, in a process of its own: what cannot be had is not served"));
 }
 
 } // namespace werkzeug

@@ -26,6 +26,7 @@ struct Optionen {
     std::string log;       ///< --log: "debug", "info", "warn" or "error"; empty for none
     bool json = false;     ///< --json
     bool quiet = false;    ///< --quiet: no results in text form, no progress; the exit code tells
+    bool probe = false;    ///< --probe, of some commands: services are made
     double zeitlimit = 10; ///< --timeout: seconds that a plugin may take before its process is killed
     Beschreibungen beschreibungen = Beschreibungen::UEBERGANGEN; ///< --described, of some commands: NUR
 
@@ -34,8 +35,9 @@ struct Optionen {
 
 /// Adds the options to a command or to the program.
 void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen);
-/// The same for `--described`.
+/// The same for `--described`, and for `--probe`.
 void fuegeDescribedHinzu(CLI::App& app, Optionen& optionen);
+void fuegeProbeHinzu(CLI::App& app, Optionen& optionen);
 
 /// The command line is well-formed but invalid (a bad period, for instance). The program prints the text, which is
 /// UTF-8, and ends with `Ausgang::FALSCHER_AUFRUF`.

@@ -3,16 +3,13 @@
 #include "kern/Anzeige.h"
 #include "kern/Bestandsermittlung.h"
 #include "kern/Kindprozess.h"
+#include "kern/Lebenslauf.h"
 #include "kern/Terminal.h"
 #include "kern/Uebertragung.h"
 
-#include <sys/time.h>
-
+#include <algorithm>
 #include <chrono>
-#include <cstring>
-#include <ctime>
 #include <map>
-#include <thread>
 #include <vector>
 
 namespace werkzeug {
@@ -34,27 +31,6 @@ struct Lauf {
     std::optional<Bestand> bestand;
 };
 
-/// Time for threads that a plugin may have left running to do their damage.
-constexpr auto kNachlauf = std::chrono::milliseconds(150);
-
-/// Lets timers that plugins left running expire: one of them may have ended the process while code of another plugin
-/// ran.
-void loeseZeitgeberAus() {
-    constexpr std::chrono::milliseconds kRechenzeit{50}; // for those that count processor time
-    bool laeuft = false;
-    for (const auto art : {ITIMER_REAL, ITIMER_VIRTUAL, ITIMER_PROF}) {
-        itimerval zeit{};
-        if (getitimer(art, &zeit) != 0 || (zeit.it_value.tv_sec == 0 && zeit.it_value.tv_usec == 0))
-            continue;
-        zeit.it_value = {0, 1};
-        setitimer(art, &zeit, nullptr);
-        laeuft = true;
-    }
-    for (const std::clock_t beginn = std::clock();
-         laeuft && (std::clock() - beginn) * 1000 / CLOCKS_PER_SEC < kRechenzeit.count();) {
-    }
-}
-
 /// One child. A `probe` sends no facts, but stays for a while.
 Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std::string>& ueberspringe,
            Fortschritt& fortschritt, bool probe = false) {
@@ -63,8 +39,7 @@ Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std:
         const auto bevor = [&](const std::string& pfad) { sende(kVorDatei + pfad); };
         const Bestand bestand = ermittleBestand(optionen, auftrag, ueberspringe, bevor);
         if (probe) {
-            loeseZeitgeberAus();
-            std::this_thread::sleep_for(kNachlauf);
+            wartAufUeberbleibsel();
             return;
         }
         const std::string bytes = schreibe(bestand, [&] { bevor({}); });
@@ -85,10 +60,10 @@ Lauf laufe(const Optionen& optionen, const Auftrag& auftrag, const std::set<std:
     };
     const auto zeige = [&] {
         if (lauf.begonnene.empty())
-            fortschritt.zeige("loading plugins");
+            fortschritt.zeige(satz("loading plugins"));
         else
-            fortschritt.zeige("loading plugins: " + std::to_string(lauf.begonnene.size()) + ", now at " +
-                              einzeilig(lauf.begonnene.back()));
+            fortschritt.zeige(satz("loading plugins: {1}, now at {2}", lauf.begonnene.size(),
+                                   einzeilig(lauf.begonnene.back())));
     };
     const auto nimm = [&](std::string_view satz) {
         empfange(satz);
@@ -112,7 +87,13 @@ Auftrag nurDiese(const Auftrag& auftrag, std::set<std::string> dateien) {
     return engerer;
 }
 
-using Schuld = std::pair<std::string, Kindende>;
+/// A file that ended the process, how, and in which step.
+struct Schuld {
+    std::string pfad;
+    Kindende ende;
+    Schritt schritt = Schritt::KEINER;
+    Ursache ursache = Ursache::KEINE;
+};
 
 /// Finds the file that ends the process among several that together do so; the last one when no smaller set does.
 Schuld sucheUnter(const Optionen& optionen, const Auftrag& auftrag, Fortschritt& fortschritt,
@@ -130,21 +111,32 @@ Schuld sucheUnter(const Optionen& optionen, const Auftrag& auftrag, Fortschritt&
     return {dateien.back(), gemeinsam};
 }
 
-/// The file that ended the child's process, and how. Nearly always it is the one whose code ran last. If that one does
-/// no harm when loaded alone, an earlier one did it, through a thread for example.
+/// The file that ended the child's process. Nearly always it is the one whose code ran last. If that one does no harm
+/// when loaded alone, an earlier one did it, through a thread for example.
 Schuld schuldiger(const Optionen& optionen, const Auftrag& auftrag, Fortschritt& fortschritt,
                   const Lauf& lauf) {
+    constexpr double kLangGenug = 2; // seconds, to see where a plugin hangs that has used up its time once
     const std::string& letzter = lauf.begonnene.back();
-    if (lauf.ende.art == Kindende::Art::ZEIT && lauf.codeLief)
-        return {letzter, lauf.ende};
+    const bool haengt = lauf.ende.art == Kindende::Art::ZEIT && lauf.codeLief;
+    const Lebenslauf leben =
+        verfolgeLeben(letzter, haengt ? std::min(kLangGenug, optionen.zeitlimit) : optionen.zeitlimit);
+    if (haengt)
+        return {letzter, lauf.ende, leben.ende.istGut() ? Schritt::KEINER : leben.schritt};
+    if (!leben.ende.istGut())
+        return {letzter, leben.ende, leben.schritt, leben.ursache};
     Optionen still = optionen;
     still.log.clear();
     const Lauf allein = laufe(still, nurDiese(auftrag, {letzter}), {}, fortschritt, true);
-    return allein.ende.istGut() ? sucheUnter(still, auftrag, fortschritt, lauf.begonnene, lauf.ende)
-                                : Schuld(letzter, allein.ende);
+    Schuld schuld = allein.ende.istGut() ? sucheUnter(still, auftrag, fortschritt, lauf.begonnene, lauf.ende)
+                                         : Schuld{letzter, allein.ende};
+    if (schuld.pfad != letzter)
+        if (const Lebenslauf seines = verfolgeLeben(schuld.pfad, optionen.zeitlimit); !seines.ende.istGut())
+            schuld = {schuld.pfad, seines.ende, seines.schritt, seines.ursache};
+    return schuld;
 }
 
-void trageEin(DateiFakt& datei, const Kindende& ende) {
+void trageEin(DateiFakt& datei, const Schuld& schuld) {
+    const Kindende& ende = schuld.ende;
     switch (ende.art) {
     case Kindende::Art::SIGNAL:
         datei.zustand = Zustand::ABGESTUERZT;
@@ -163,6 +155,8 @@ void trageEin(DateiFakt& datei, const Kindende& ende) {
         datei.grund = Grund::PROZESSENDE;
         break;
     }
+    datei.schritt = schuld.schritt;
+    datei.ursache = schuld.ursache;
     datei.zahl = ende.zahl;
     datei.ausgabe = ende.ausgabe;
     datei.meldung = ende.text();
@@ -172,25 +166,25 @@ void trageEin(DateiFakt& datei, const Kindende& ende) {
 
 Bestand sammle(const Optionen& optionen, const Auftrag& auftrag) {
     Fortschritt fortschritt(!optionen.quiet);
-    std::map<std::string, Kindende> schuldige;
+    std::map<std::string, Schuld> schuldige;
     for (;;) {
         std::set<std::string> ueberspringe;
-        for (const auto& [pfad, ende] : schuldige)
+        for (const auto& [pfad, schuld] : schuldige)
             ueberspringe.insert(pfad);
         Lauf lauf = laufe(optionen, auftrag, ueberspringe, fortschritt);
         if (lauf.ende.istGut()) {
             for (DateiFakt& datei : lauf.bestand->dateien)
-                if (const auto ende = schuldige.find(datei.pfad); ende != schuldige.end())
-                    trageEin(datei, ende->second);
+                if (const auto schuld = schuldige.find(datei.pfad); schuld != schuldige.end())
+                    trageEin(datei, schuld->second);
             const VerzeichnisFakt& erstes = lauf.bestand->verzeichnisse.at(0);
             if (erstes.fehler != 0)
-                throw Unlesbar(einzeilig(erstes.pfad) + ": " + std::strerror(erstes.fehler));
+                throw Unlesbar(einzeilig(erstes.pfad) + ": " + systemtext(erstes.fehler));
             return std::move(*lauf.bestand);
         }
         if (lauf.begonnene.empty())
-            throw std::runtime_error("the process that loads the plugins " + lauf.ende.text());
-        auto [pfad, ende] = schuldiger(optionen, auftrag, fortschritt, lauf);
-        schuldige.emplace(std::move(pfad), std::move(ende));
+            throw std::runtime_error(satz("the process that loads the plugins: {1}", lauf.ende.text()));
+        Schuld schuld = schuldiger(optionen, auftrag, fortschritt, lauf);
+        schuldige.emplace(schuld.pfad, std::move(schuld));
     }
 }
 

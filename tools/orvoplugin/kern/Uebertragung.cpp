@@ -28,7 +28,7 @@ void felder(auto& a, Fuer<PluginFakt> auto& p) {
       p.onUnloadExport, p.labels, p.erweiterungen);
 }
 void felder(auto& a, Fuer<DateiFakt> auto& d) {
-    a(d.verzeichnis, d.name, d.pfad, d.zustand, d.grund, d.meldung, d.zahl, d.ausgabe, d.plugin);
+    a(d.verzeichnis, d.name, d.pfad, d.zustand, d.grund, d.ursache, d.meldung, d.zahl, d.ausgabe, d.plugin);
 }
 void felder(auto& a, Fuer<VerzeichnisFakt> auto& v) { a(v.pfad, v.fehler); }
 void felder(auto& a, Fuer<ErweiterungsOrt> auto& o) { a(o.datei, o.erweiterung); }
@@ -179,6 +179,7 @@ void pruefe(const Bestand& bestand) {
         verlange(datei.verzeichnis < bestand.verzeichnisse.size());
         verlangeBereich(datei.zustand, Zustand::GELADEN, Zustand::ZEIT);
         verlangeBereich(datei.grund, Grund::KEINER, Grund::NICHT_BESCHRIEBEN);
+        verlangeBereich(datei.ursache, Ursache::KEINE, Ursache::GETOETET);
         verlange(datei.zustand != Zustand::GELADEN || datei.plugin);
         if (datei.plugin)
             pruefe(*datei.plugin);

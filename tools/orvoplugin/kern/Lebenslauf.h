@@ -1,0 +1,34 @@
+#pragma once
+
+#include "kern/Fakten.h"
+#include "kern/Kindprozess.h"
+#include "kern/Optionen.h"
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace werkzeug {
+
+/// One life of a plugin, in a child process of its own that says before each step which one it is.
+struct Lebenslauf {
+    Kindende ende;
+    Schritt schritt = Schritt::KEINER; ///< the last that was begun
+    Ursache ursache = Ursache::KEINE;  ///< of a bad end, if it is known
+};
+
+/// Opens a plugin, has it describe itself, closes it, and waits a while for what it left running.
+/// Parameters: `zeitlimit` in seconds, for each step.
+Lebenslauf verfolgeLeben(const std::string& pfad, double zeitlimit);
+
+/// In a child: waits for what plugins may have left running, so that it does its damage, if any, before the child ends
+/// well. Timers are made to expire.
+void wartAufUeberbleibsel();
+
+/// Makes the service of each of the extensions once, in child processes, and enters what came of it in their facts.
+/// A crash costs that service only. Returns: whether plugin code crashed, ended its process or took too long.
+bool probiereServices(Bestand& bestand, const std::set<ErweiterungsOrt>& erweiterungen,
+                      const Optionen& optionen);
+
+} // namespace werkzeug
