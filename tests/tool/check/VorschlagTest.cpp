@@ -20,19 +20,6 @@ constexpr char kInitialize[] = "orvo_plugin_initialize";
 
 } // namespace
 
-TEST(Abstand, CountsLettersPutInTakenOutReplacedAndSwapped) {
-    EXPECT_EQ(abstand("", ""), 0U);
-    EXPECT_EQ(abstand("abc", "abc"), 0U);
-    EXPECT_EQ(abstand("abc", "ABC"), 0U);
-    EXPECT_EQ(abstand("", "abc"), 3U);
-    EXPECT_EQ(abstand("abc", ""), 3U);
-    EXPECT_EQ(abstand("abc", "abxc"), 1U);
-    EXPECT_EQ(abstand("abc", "ac"), 1U);
-    EXPECT_EQ(abstand("abc", "axc"), 1U);
-    EXPECT_EQ(abstand("abc", "acb"), 1U);
-    EXPECT_EQ(abstand("kitten", "sitting"), 3U);
-}
-
 TEST(Vorschlag, NamesNearlyTheSameAreSuggested) {
     for (const char* const name :
          {"orvo_plugin_initialise", "orvo_plugin_initalize", "Orvo_Plugin_Initialize", "orvo_plugin_init",

@@ -3,9 +3,9 @@
 #include "check/PluginDateien.h"
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
-#include "check/Vorschlag.h"
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
+#include "kern/Naehe.h"
 #include "kern/Optionen.h"
 #include "kern/Protokoll.h"
 

@@ -2,13 +2,7 @@
 
 #include "check/Text.h"
 #include "kern/Anzeige.h"
-
-#include <orvoutil/StringUtil.h>
-
-#include <algorithm>
-#include <vector>
-
-using namespace orvo::orvoutil;
+#include "kern/Naehe.h"
 
 namespace werkzeug::check {
 
@@ -40,26 +34,6 @@ const Bibliothekssymbol* naechste(const Bibliotheksinhalt& inhalt, std::string_v
 }
 
 } // namespace
-
-std::size_t abstand(std::string_view a, std::string_view b) {
-    const std::string links = tolower(std::string(a)), rechts = tolower(std::string(b));
-    std::vector<std::size_t> vorvorige(rechts.size() + 1), vorige(rechts.size() + 1),
-        diese(rechts.size() + 1);
-    for (std::size_t j = 0; j <= rechts.size(); ++j)
-        diese[j] = j;
-    for (std::size_t i = 1; i <= links.size(); ++i) {
-        vorvorige = std::move(vorige);
-        vorige = diese;
-        diese[0] = i;
-        for (std::size_t j = 1; j <= rechts.size(); ++j) {
-            const bool gleich = links[i - 1] == rechts[j - 1];
-            diese[j] = std::min({vorige[j] + 1, diese[j - 1] + 1, vorige[j - 1] + (gleich ? 0 : 1)});
-            if (i > 1 && j > 1 && links[i - 1] == rechts[j - 2] && links[i - 2] == rechts[j - 1])
-                diese[j] = std::min(diese[j], vorvorige[j - 2] + 1);
-        }
-    }
-    return diese[rechts.size()];
-}
 
 std::string warumNichtExportiert(const Bibliotheksinhalt& inhalt, std::string_view name, bool fest) {
     const std::string was = zitiert(name);

@@ -13,7 +13,4 @@ namespace werkzeug::check {
 /// and the name may be misspelt.
 std::string warumNichtExportiert(const Bibliotheksinhalt& inhalt, std::string_view name, bool fest);
 
-/// The edit distance of two texts: letters to insert, delete, replace or swap with the next. Ignores letter case.
-std::size_t abstand(std::string_view a, std::string_view b);
-
 } // namespace werkzeug::check
