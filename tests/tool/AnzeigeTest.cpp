@@ -50,6 +50,12 @@ TEST(Anzeige, EscapesTheSameInJsonAndLosesNothing) {
     EXPECT_EQ(Json::parse(text)["text"].get<std::string>(), orvo::orvoutil::toUtf8(roh));
 }
 
+TEST(Anzeige, ShrinksTheWidestColumnsOfATableToFit) {
+    Tabelle tabelle({"A", "B", "C"});
+    tabelle.zeile({"kurz", "0123456789012345678", "0123456789"});
+    EXPECT_EQ(tabelle.alsText(Farben(false), 26), "A     B          C\nkurz  0123…5678  0123…6789\n");
+}
+
 TEST(Anzeige, AlignsColumnsByCharactersNotBytes) {
     Tabelle tabelle({"A", "B"});
     tabelle.zeile({"ü", "x"});

@@ -18,6 +18,9 @@ namespace {
 
 constexpr int kSchemaVersion = 2;
 constexpr std::size_t kAbstand = 2; // between the columns of a table
+constexpr std::size_t kBreiteste = 40;
+constexpr std::size_t kBreitesteLetzte = 160; // it pads no row
+constexpr std::size_t kSchmalste = 6;
 
 /// The character at a place of valid UTF-8, and how many bytes it takes.
 struct Zeichen {
@@ -145,6 +148,17 @@ std::string anzeige(const ZeitraumFakt& z) {
     }
 }
 
+namespace {
+
+std::size_t gesamtbreite(const std::vector<std::size_t>& spalten) {
+    std::size_t summe = 0;
+    for (const std::size_t spalte : spalten)
+        summe += (summe > 0 ? kAbstand : 0) + spalte;
+    return summe;
+}
+
+} // namespace
+
 std::vector<std::size_t> Tabelle::breiten() const {
     std::vector<std::size_t> liste;
     for (const Zeile& zeile : zeilen_) {
@@ -152,27 +166,31 @@ std::vector<std::size_t> Tabelle::breiten() const {
         for (std::size_t i = 0; i < zeile.zellen.size(); ++i)
             liste[i] = std::max(liste[i], anzeigebreite(zeile.zellen[i].text));
     }
+    for (std::size_t i = 0; i < liste.size(); ++i)
+        liste[i] = std::min(liste[i], i + 1 < liste.size() ? kBreiteste : kBreitesteLetzte);
     return liste;
 }
 
-std::size_t Tabelle::breite() const {
-    std::size_t summe = 0;
-    for (const std::size_t spalte : breiten())
-        summe += (summe > 0 ? kAbstand : 0) + spalte;
-    return summe;
-}
+std::size_t Tabelle::breite() const { return gesamtbreite(breiten()); }
 
-std::string Tabelle::alsText(const Farben& farben) const {
-    const std::vector<std::size_t> spalten = breiten();
+std::string Tabelle::alsText(const Farben& farben, std::size_t platz) const {
+    std::vector<std::size_t> spalten = breiten();
+    for (std::size_t zuviel = gesamtbreite(spalten); zuviel > platz; --zuviel) {
+        const auto breiteste = std::max_element(spalten.begin(), spalten.end());
+        if (*breiteste <= kSchmalste)
+            break;
+        --*breiteste;
+    }
     std::string text;
     for (const Zeile& zeile : zeilen_) {
         const bool kopf = &zeile == &zeilen_.front();
         for (std::size_t i = 0; i < zeile.zellen.size(); ++i) {
             const Zelle& zelle = zeile.zellen[i];
+            const std::string inhalt = gekuerzt(zelle.text, spalten[i]);
             const std::optional<Farbe> farbe = kopf ? Farbe::FETT : zelle.farbe;
-            text += farbe ? farben(*farbe, zelle.text) : zelle.text;
+            text += farbe ? farben(*farbe, inhalt) : inhalt;
             if (i + 1 < zeile.zellen.size())
-                text.append(spalten[i] - anzeigebreite(zelle.text) + kAbstand, ' ');
+                text.append(spalten[i] - anzeigebreite(inhalt) + kAbstand, ' ');
         }
         text.erase(text.find_last_not_of(' ') + 1);
         text += '\n';

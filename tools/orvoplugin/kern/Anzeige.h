@@ -43,7 +43,9 @@ std::size_t anzeigebreite(std::string_view utf8);
 /// The text, shortened to that many columns: the middle of a longer text is replaced by "…".
 std::string gekuerzt(const std::string& utf8, std::size_t spalten);
 
-/// Columns as wide as their widest cell. Cells hold text that is fit to be shown.
+/// Columns as wide as their widest cell. Texts of plugins may be of any length: no cell but the last is wider than 40
+/// columns, longer ones are shortened in the middle, and on a terminal the widest columns shrink until the table fits.
+/// Cells hold text that is fit to be shown.
 class Tabelle {
 public:
     struct Zelle {
@@ -59,7 +61,8 @@ public:
     void zeile(std::vector<Zelle> zellen) { zeilen_.push_back({std::move(zellen), {}}); }
     /// A line below the row before, below its second column.
     void bemerkung(std::string text) { zeilen_.back().bemerkungen.push_back(std::move(text)); }
-    std::string alsText(const Farben& farben) const;
+    std::string alsText(const Farben& farben) const { return alsText(farben, tabellenbreite()); }
+    std::string alsText(const Farben& farben, std::size_t platz) const;
     /// Total width in columns, without remarks.
     std::size_t breite() const;
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <limits>
 #include <string_view>
 
 namespace werkzeug {
@@ -55,6 +56,10 @@ std::size_t terminalbreite(std::FILE* strom) {
     const char* const gewuenscht = std::getenv("COLUMNS");
     const unsigned long spalten = gewuenscht ? std::strtoul(gewuenscht, nullptr, 10) : 0;
     return spalten > 0 && spalten <= kGroesste ? spalten : kUebliche;
+}
+
+std::size_t tabellenbreite() {
+    return isatty(STDOUT_FILENO) ? terminalbreite(stdout) : std::numeric_limits<std::size_t>::max();
 }
 
 Farben::Farben(std::FILE* strom) : an_(isatty(fileno(strom)) && willFarben()) {}

@@ -25,6 +25,9 @@ private:
 /// Width of the terminal that the stream goes to; for any other stream COLUMNS, or 80.
 std::size_t terminalbreite(std::FILE* strom);
 
+/// Width that a table on standard output may take: that of the terminal; any width for other output.
+std::size_t tabellenbreite();
+
 /// A progress line on standard error, shown after one second and only on a terminal. It is erased at the end.
 class Fortschritt {
 public:
