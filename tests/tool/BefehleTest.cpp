@@ -185,7 +185,9 @@ TEST(Befehle, AMissingDirectoryCannotBeRead) {
         const Ergebnis ergebnis = rufeTool(worte);
         EXPECT_EQ(ergebnis.ausgang, 3) << befehl;
         EXPECT_THAT(ergebnis.ausgabe, IsEmpty());
-        EXPECT_EQ(ergebnis.fehler, "orvoplugin: /gibt/es/nicht: No such file or directory\n");
+        EXPECT_EQ(
+            ergebnis.fehler,
+            "orvoplugin: /gibt/es/nicht: No such file or directory; --dir names the plugin directory itself\n");
     }
 }
 

@@ -64,7 +64,7 @@ TEST(Eingabe, ReadsKindsByNumberByNameAndByTheBeginningOfTheName) {
 }
 
 TEST(Eingabe, RefusesWhatIsNoKindOrSeveral) {
-    for (const char* const text : {"", "f", "fe", "orvo_", "ORVO", "checker", "-1", "1x"})
+    for (const char* const text : {"", "f", "fe", "orvo_", "ORVO", "checker", "-1", "1x", "daten"})
         EXPECT_THROW(liesTyp(text), AufrufFehler) << text;
 }
 

@@ -76,6 +76,14 @@ def main():
             wrong.append(f"{command}: arguments that the page does not explain: {sorted(missing)}")
         if summary not in plain(part):
             wrong.append(f"{command}: the page does not say '{summary}'")
+    for text in [overview, *(help_of(tool, command) for command in summaries)]:
+        examples = re.search(r"^Examples:\n((?:  orvoplugin .*\n)+)", text, re.M)
+        if not examples:
+            wrong.append(f"no examples in the help: {text.splitlines()[0]}")
+            continue
+        for line in examples.group(1).splitlines():
+            if line.strip() not in sections["EXAMPLES"].replace("\\-", "-").splitlines():
+                wrong.append(f"the page lacks the example '{line.strip()}'")
     print("\n".join(wrong))
     return 1 if wrong else 0
 

@@ -4,16 +4,19 @@
 #include "kern/Anzeige.h"
 #include "kern/Herkunft.h"
 #include "kern/Kindprozess.h"
+#include "kern/Naehe.h"
 #include "kern/Optionen.h"
 
 #include <CLI/CLI.hpp>
 
 #include <csignal>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -24,19 +27,70 @@ namespace {
 constexpr char kBeschreibung[] = "Shows what is in a plugin directory, which plugin answers for which "
                                  "sub-case type and period, and why not.";
 
+constexpr char kBeispiele[] = "  orvoplugin list --home /opt/client\n"
+                              "  orvoplugin why libmine.dylib --home /opt/client\n"
+                              "  orvoplugin help why\n";
+
 constexpr char kAusgaenge[] =
     "Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
     "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.";
 
+std::string fusszeile(const char* beispiele) {
+    return uebersetzt(std::string("Examples:")) + "\n" + beispiele + "\n" + kAusgaenge;
+}
+
+/// The words in the order in which CLI11 takes them: the last first. "help find" is "find --help".
+std::vector<std::string> worteVon(int argc, char** argv) {
+    std::vector<std::string> worte;
+    for (int i = argc - 1; i > 0; --i)
+        worte.emplace_back(argv[i]);
+    if (!worte.empty() && worte.back() == "help") {
+        worte.pop_back();
+        worte.insert(worte.begin(), "--help");
+    }
+    return worte;
+}
+
+/// What is wrong with a word that neither the program nor the command takes, and what may have been meant.
+std::string meldungZu(const CLI::App& befehl, const std::string& wort) {
+    const std::string gezeigt = einzeilig(fuerDieShell(wort));
+    std::vector<std::string> worte;
+    if (wort.starts_with('-')) {
+        for (const CLI::Option* const option : befehl.get_options())
+            for (const std::string& name : option->get_lnames())
+                worte.push_back("--" + name);
+        return satz("there is no option {1}", gezeigt) +
+               rueckfrage(naechstes(wort.substr(0, wort.find('=')), worte));
+    }
+    std::error_code keiner;
+    const bool istVerzeichnis = std::filesystem::is_directory(wort, keiner);
+    if (befehl.get_parent()) {
+        const bool nimmtOrt = !befehl.get_option("--home")->get_group().empty();
+        return satz("{1}: unexpected argument {2}", befehl.get_name(), gezeigt) +
+               (istVerzeichnis && nimmtOrt ? rueckfrage(ortsoption(wort) + (" " + fuerDieShell(wort))) : "");
+    }
+    if (istVerzeichnis)
+        return satz("{1} is a directory; did you mean: orvoplugin list {2} {1}", gezeigt, ortsoption(wort));
+    if (std::filesystem::exists(wort, keiner))
+        return satz("{1} is a file; did you mean: orvoplugin show {1}", gezeigt);
+    for (const BefehlEintrag& eintrag : alleBefehle())
+        worte.emplace_back(eintrag.name);
+    return satz("there is no command {1}", gezeigt) + rueckfrage(naechstes(wort, worte));
+}
+
 /// Reports a wrong command line in one line, with a hint to the help.
 int meldeFalschenAufruf(const CLI::App& app, const CLI::Error& fehler) {
-    if (fehler.get_exit_code() == 0) { // --help and --version
+    const std::vector<CLI::App*> gewaehlt = app.get_subcommands();
+    const CLI::App& befehl = gewaehlt.empty() ? app : *gewaehlt.front();
+    const std::vector<std::string> zuviel = befehl.remaining();
+    if (fehler.get_exit_code() == 0 && (zuviel.empty() || !gewaehlt.empty())) { // --help and --version
         std::ostringstream text;
         app.exit(fehler, text);
         gibAus(text.str());
         return static_cast<int>(Ausgang::GUT);
     }
-    std::cerr << "orvoplugin: " << fehler.what() << "\nTry 'orvoplugin --help'.\n";
+    std::cerr << "orvoplugin: " << (zuviel.empty() ? fehler.what() : meldungZu(befehl, zuviel.front()))
+              << "\nTry 'orvoplugin " << (gewaehlt.empty() ? "" : befehl.get_name() + " ") << "--help'.\n";
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
 }
 
@@ -69,8 +123,8 @@ void weiseAufFehlendesKommaHin(const Optionen& optionen) {
 
 int programm(int argc, char** argv) try {
     CLI::App app(kBeschreibung, "orvoplugin");
-    app.footer(kAusgaenge);
-    app.set_version_flag("--version", versionen());
+    app.footer(fusszeile(kBeispiele));
+    app.set_version_flag("-V,--version", versionen());
     app.require_subcommand(1);
     app.fallthrough(false);
 
@@ -81,9 +135,9 @@ int programm(int argc, char** argv) try {
     std::vector<std::pair<CLI::App*, std::unique_ptr<Befehl>>> befehle;
     for (const BefehlEintrag& eintrag : alleBefehle()) {
         CLI::App* const unterbefehl = app.add_subcommand(eintrag.name, eintrag.kurz);
-        unterbefehl->footer(kAusgaenge);
         std::unique_ptr<Befehl> befehl = eintrag.mache();
         befehl->beschreibe(*unterbefehl);
+        unterbefehl->footer(unterbefehl->get_footer() + fusszeile(eintrag.beispiele));
         if (befehl->nimmtBeschreibungen())
             fuegeDescribedHinzu(*unterbefehl, optionen);
         if (befehl->probiert())
@@ -96,7 +150,7 @@ int programm(int argc, char** argv) try {
     }
 
     try {
-        app.parse(argc, argv);
+        app.parse(worteVon(argc, argv));
     } catch (const CLI::Error& fehler) {
         return meldeFalschenAufruf(app, fehler);
     }

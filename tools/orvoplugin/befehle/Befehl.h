@@ -36,6 +36,7 @@ struct BefehlEintrag {
     const char* name;
     const char* kurz; ///< one line for --help and the man page
     std::unique_ptr<Befehl> (*mache)();
+    const char* beispiele = ""; ///< two or three command lines for --help and the man page, a line each
 };
 
 /// All commands, in the order of the help. To add one, add a file in befehle/ (or a folder beside it) and a line to the

@@ -4,6 +4,7 @@
 #include "befehle/Befehle.h"
 #include "deckung/Deckungsbericht.h"
 #include "deckung/Deckungsseite.h"
+#include "kern/Berichtsteile.h"
 #include "kern/Dateischreiber.h"
 #include "kern/Eingabe.h"
 #include "kern/Lebenslauf.h"
@@ -43,6 +44,7 @@ public:
         }
         Bestand bestand = sammle(optionen, deckungsauftrag(wunsch));
         const bool istGestorben = optionen.probe && probiereServices(bestand, bestand.inhaber(), optionen);
+        meldeLeere(optionen, bestand);
         const Json dokument = deckungsbericht(bestand, wunsch);
         if (!seite_.empty())
             schreibeDatei(seite_, deckungAlsSeite(dokument, optionen));

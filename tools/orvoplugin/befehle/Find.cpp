@@ -6,6 +6,7 @@
 #include "kern/Berichtsteile.h"
 #include "kern/Eingabe.h"
 #include "kern/Lebenslauf.h"
+#include "kern/Naehe.h"
 #include "kern/Sammler.h"
 
 #include <orvoplugin/domain/Unterfallart.h>
@@ -28,7 +29,9 @@ Unterfallart alsUnterfallart(const UnterfallartFakt& fakt) {
 std::string alsText(const Json& dokument, const Farben& farben) {
     const std::string umstaende = umstaendeAlsText(dokument, farben);
     if (dokument["answers"].empty())
-        return "nobody answers\n" + umstaende;
+        return satz("nobody answers") +
+               rueckfrage(dokument["did_you_mean"].is_null() ? "" : zeige(dokument["did_you_mean"])) + "\n" +
+               umstaende;
     Tabelle tabelle({"TYPE", "SUB-CASE TYPE", "PERIOD", "KEY", "VERSION", "FILE", "FACTORY"});
     for (const Json& antwort : dokument["answers"]) {
         tabelle.zeile({zeige(antwort["type"]["label"]), zeige(antwort["sub_case_type"]["name"]),
@@ -44,6 +47,27 @@ std::string alsText(const Json& dokument, const Farben& farben) {
     return tabelle.alsText(farben) + umstaende;
 }
 
+/// "Predefined sub-case types:" and their names, in lines for the help.
+std::string vordefinierteAlsText() {
+    constexpr std::size_t kZeile = 78;
+    std::string text = uebersetzt(std::string("Predefined sub-case types:")), zeile;
+    for (const std::string& name : vordefinierteUnterfallarten()) {
+        if (zeile.empty() || zeile.size() + name.size() + 1 > kZeile) {
+            text += zeile + "\n";
+            zeile = " ";
+        }
+        zeile += " " + name;
+    }
+    return text + zeile + "\n\n";
+}
+
+std::vector<std::string> bediente(const Bestand& bestand) {
+    std::vector<std::string> namen;
+    for (const SchluesselFakt& schluessel : bestand.schluessel)
+        namen.push_back(schluessel.unterfallart.name);
+    return namen;
+}
+
 class Find : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
@@ -51,6 +75,7 @@ public:
             ->required();
         unterbefehl.add_option("SUB-CASE-TYPE", unterfallart_, "Sub-case type: number or name");
         unterbefehl.add_option("PERIOD", zeitraum_, "2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
+        unterbefehl.footer(vordefinierteAlsText());
     }
 
     bool nimmtBeschreibungen() const override { return true; }
@@ -96,7 +121,12 @@ public:
             {"type", typAlsJson(typ, erweiterungTypName(static_cast<tag_erweiterung_typ>(typ)))},
             {"sub_case_type", unterfallart_.empty() ? Json(nullptr) : jsonText(unterfallart)},
             {"period", bestand.antwort ? alsJson(bestand.antwort->gefragt) : Json(nullptr)}};
-        dokument["found"] = !antworten.empty();
+        const bool gefunden = !antworten.empty();
+        const std::string gemeint =
+            gefunden ? std::string() : gemeinteUnterfallart(unterfallart, bediente(bestand));
+        dokument["did_you_mean"] = gemeint.empty() ? Json(nullptr) : jsonText(gemeint);
+        meldeLeere(optionen, bestand);
+        dokument["found"] = gefunden;
         dokument["answers"] = std::move(antworten);
         dokument["not_loaded"] = ungewisseAlsJson(bestand);
         dokument["unreadable_directories"] = unlesbareAlsJson(bestand);

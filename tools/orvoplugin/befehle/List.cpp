@@ -143,6 +143,7 @@ public:
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         const Bestand bestand = sammle(optionen);
+        meldeLeere(optionen, bestand);
         gibAus(optionen, bericht(bestand), alsText);
         return ausgangVon(bestand);
     }

@@ -10,14 +10,8 @@
 #include <orvoplugin/domain/Abhaengigkeit.h>
 #include <orvoplugin/domain/Bedingung.h>
 #include <orvoplugin/plugin/OrvoPlugin.h>
-#include <orvoutil/PathUtil.h>
 
 #include <CLI/CLI.hpp>
-
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 
 namespace werkzeug {
 
@@ -259,19 +253,14 @@ private:
 
     /// The path of the file to load. Empty for one that the library would not load; it is noted then.
     std::string pfadDerDatei(const Optionen& optionen) {
-        const bool ortGenannt = !optionen.dir.empty() || !optionen.home.empty();
-        if (!ortGenannt && datei_.find('/') != std::string::npos) {
-            if (access(datei_.c_str(), R_OK) != 0)
-                throw Unlesbar(einzeilig(datei_) + ": " + std::strerror(errno));
-            return orvo::orvoutil::getAbsolutePath(datei_);
-        }
+        if (const std::string einzelne = einzelneDatei(optionen, datei_); !einzelne.empty())
+            return einzelne;
         Auftrag nurSehen;
         nurSehen.nur.emplace();
         bestand_ = sammle(optionen, nurSehen);
         const std::optional<std::uint32_t> platz = findeDatei(bestand_, datei_);
         if (!platz)
-            throw Unlesbar("there is no file " + einzeilig(datei_) + " below " +
-                           einzeilig(bestand_.suchpfad));
+            throw Unlesbar(keineDatei(bestand_, datei_));
         platz_ = *platz;
         const DateiFakt& datei = bestand_.dateien[platz_];
         return datei.grund == Grund::KEINER ? datei.pfad : std::string();

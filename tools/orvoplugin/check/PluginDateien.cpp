@@ -49,15 +49,16 @@ private:
     const Sender& sende_;
 };
 
-void verlangeLesbar(const std::string& verzeichnis) {
+void verlangeLesbar(const std::string& verzeichnis, const Optionen& optionen) {
     if (!istLesbar(verzeichnis))
-        throw Unlesbar(einzeilig(verzeichnis) + " cannot be read: " + std::generic_category().message(errno));
+        throw Unlesbar(einzeilig(verzeichnis) + " cannot be read: " + std::generic_category().message(errno) +
+                       ortshinweis(optionen));
 }
 
 } // namespace
 
 std::vector<std::string> pluginDateien(const Optionen& optionen) {
-    verlangeLesbar(optionen.dir.empty() ? optionen.home + "/plugins" : optionen.dir);
+    verlangeLesbar(optionen.dir.empty() ? optionen.home + "/plugins" : optionen.dir, optionen);
     std::vector<std::string> dateien;
     constexpr std::chrono::hours kBeliebigLange{24}; // no plugin code runs
     laufeImKind(

@@ -4,6 +4,8 @@
 
 #include "kern/Antwort.h"
 #include "kern/Berichtsteile.h"
+#include "kern/Eingabe.h"
+#include "kern/Naehe.h"
 
 #include <algorithm>
 #include <map>
@@ -247,7 +249,8 @@ std::string zeichenAlsText(const Zeichenkunde& kunde) {
     return text.empty() ? text : "Marks:\n" + text + "\n";
 }
 
-std::string verlangtesAlsText(const Json& verlangt, const Farben& farben) {
+std::string verlangtesAlsText(const Json& verlangt, const std::vector<std::string>& bediente,
+                              const Farben& farben) {
     const std::size_t fehlen = verlangt["missing"];
     std::string text = "Required by " + zeige(verlangt["file"]) + ": " +
                        anzahl(verlangt["cells"].size(), "cell", "cells") + ", " +
@@ -257,10 +260,18 @@ std::string verlangtesAlsText(const Json& verlangt, const Farben& farben) {
     if (fehlen == 0)
         return text;
     Tabelle tabelle({"MISSING", "TYPE", "SUB-CASE TYPE", "PERIOD"});
-    for (const Json& zelle : verlangt["cells"])
-        if (!zelle["served"])
-            tabelle.zeile({"line " + zelle["line"].dump(), zeige(zelle["type"]["label"]),
-                           zeige(zelle["sub_case_type"]), zeige(zelle["period"])});
+    for (const Json& zelle : verlangt["cells"]) {
+        if (zelle["served"])
+            continue;
+        tabelle.zeile({"line " + zelle["line"].dump(), zeige(zelle["type"]["label"]),
+                       zeige(zelle["sub_case_type"]), zeige(zelle["period"])});
+        if (zelle["sub_case_type"].is_null())
+            continue;
+        if (const std::string gemeint = gemeinteUnterfallart(zelle["sub_case_type"], bediente);
+            !gemeint.empty())
+            tabelle.bemerkung(einzeilig(verlangt["file"].get<std::string>()) + ":" + zelle["line"].dump() +
+                              rueckfrage(gemeint));
+    }
     return text + tabelle.alsText(farben);
 }
 
@@ -276,8 +287,12 @@ std::string deckungAlsText(const Json& dokument, const Farben& farben) {
     std::string text = "Plugin directory: " + zeige(dokument["plugin_directory"]) + "\n\n";
     text += unlesbareAlsText(dokument["unreadable_directories"], farben);
     Zellentext zellentext(dokument["plugins"]);
-    for (const Json& typ : dokument["types"])
+    std::vector<std::string> bediente;
+    for (const Json& typ : dokument["types"]) {
         text += typAlsText(typ, zellentext, platz, farben);
+        for (const Json& zeile : typ["rows"])
+            bediente.push_back(zeile["sub_case_type"]["name"]);
+    }
     if (dokument["types"].empty())
         text += "nothing is served\n\n";
     else
@@ -301,7 +316,7 @@ std::string deckungAlsText(const Json& dokument, const Farben& farben) {
         text += tabelle.alsText(farben) + "\n";
     }
     if (!dokument["required"].is_null())
-        text += verlangtesAlsText(dokument["required"], farben);
+        text += verlangtesAlsText(dokument["required"], bediente, farben);
     while (text.ends_with("\n\n"))
         text.pop_back();
     return text;

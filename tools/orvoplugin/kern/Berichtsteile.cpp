@@ -5,6 +5,8 @@
 
 #include <orvoplugin/domain/Unterfallart.h>
 
+#include <iostream>
+
 namespace werkzeug {
 
 namespace {
@@ -111,6 +113,16 @@ std::string umstaendeAlsText(const Json& dokument, const Farben& farben) {
         text += farben(Farbe::ROT, satz("cannot be read")) + "  " + zeige(verzeichnis["path"]) + ": " +
                 zeige(verzeichnis["reason"]) + "\n";
     return text.empty() ? text : "\n" + satz("Without these the answer may be another:") + "\n" + text;
+}
+
+void meldeLeere(const Optionen& optionen, const Bestand& bestand) {
+    for (const DateiFakt& datei : bestand.dateien)
+        if (datei.zustand != Zustand::UEBERGANGEN)
+            return;
+    if (!optionen.quiet)
+        std::cerr << "orvoplugin: "
+                  << satz("there is no plugin below {1}; plugins end in .dylib", einzeilig(bestand.suchpfad))
+                  << ortshinweis(optionen) << "\n";
 }
 
 Farbe farbe(const std::string& zustand) {

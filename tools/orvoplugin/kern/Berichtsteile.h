@@ -36,6 +36,9 @@ Json ungewisseAlsJson(const Bestand& bestand);
 /// Gaps that may change an answer, shown below it: "not_loaded" and "unreadable_directories".
 std::string umstaendeAlsText(const Json& dokument, const Farben& farben);
 
+/// Says on standard error that there is no plugin, unless the options ask for quiet.
+void meldeLeere(const Optionen& optionen, const Bestand& bestand);
+
 /// The colour of a state, by its code.
 Farbe farbe(const std::string& zustand);
 /// What a row's text says beneath it: why the file is in its state.

@@ -1,6 +1,7 @@
 #include "kern/Eingabe.h"
 
 #include "kern/Anzeige.h"
+#include "kern/Naehe.h"
 
 #include <orvoplugin/domain/InvalidFormatException.h>
 #include <orvoplugin/domain/Konstanten.h>
@@ -19,11 +20,55 @@ namespace werkzeug {
 
 namespace {
 
+const Unterfallart* const kVordefiniert[] = {&UFA_10,
+                                             &UFA_12,
+                                             &UFA_13,
+                                             &UFA_20,
+                                             &UFA_21,
+                                             &UFA_30,
+                                             &UFA_31,
+                                             &UFA_32,
+                                             &UFA_33,
+                                             &UFA_50,
+                                             &UFA_57,
+                                             &UFA_58,
+                                             &UFA_64,
+                                             &UFA_77,
+                                             &UFA_90,
+                                             &UFA_95,
+                                             &UFA_LSTB,
+                                             &UFA_PROTOKOLL_ANFORDERUNG,
+                                             &UFA_KONTOABFRAGE,
+                                             &UFA_REGISTRIERUNG,
+                                             &UFA_ANTRAEGE_UND_RECHTE,
+                                             &UFA_ANTRAEGE_RECHTE_LOESCHEN,
+                                             &UFA_KAPESTA,
+                                             &UFA_KAPESTINVSTG,
+                                             &UFA_BILANZ_5_0,
+                                             &UFA_BILANZ_5_1,
+                                             &UFA_ZMDO,
+                                             &UFA_TALVOR_ERKLAERUNG_DATEN,
+                                             &UFA_TALVOR_FT_DATEN,
+                                             &UFA_TALVOR_LOHN2_DATEN,
+                                             &UFA_DUE_ANMELDEN,
+                                             &UFA_DUE_ABMELDEN,
+                                             &UFA_DUE_UMMELDEN,
+                                             &UFA_VV,
+                                             &UFA_ZD,
+                                             &UFA_LOHNERSATZLEISTUNG,
+                                             &UFA_ZUWENDUNGSBESTAETIGUNG,
+                                             &UFA_TALVOR_KMV_DATEN};
+
 constexpr std::string_view kVorne = "ORVO_";
 constexpr std::string_view kHinten[] = {"_ERWEITERUNG", "_SERVICE"};
 
 std::string ohneVorne(const std::string& name) {
     return name.starts_with(kVorne) ? name.substr(kVorne.size()) : name;
+}
+
+/// Whether the text begins the name, or is one of its words.
+bool istAnfangOderWort(const std::string& name, const std::string& text) {
+    return name.starts_with(text) || ("_" + name + "_").find("_" + text + "_") != std::string::npos;
 }
 
 bool gleichtDemMuster(const std::string& text, const std::string& muster) {
@@ -33,6 +78,29 @@ bool gleichtDemMuster(const std::string& text, const std::string& muster) {
         if (muster[i] == '9' ? text[i] < '0' || text[i] > '9' : text[i] != muster[i])
             return false;
     return true;
+}
+
+std::string typName(int typ) { return erweiterungTypName(static_cast<tag_erweiterung_typ>(typ)); }
+
+std::string aufgezaehlt(const std::vector<int>& typen) {
+    std::string text;
+    for (const int typ : typen)
+        text += "\n  " + std::to_string(typ) + "  " + kurzerTypName(typName(typ));
+    return text;
+}
+
+/// The name of a kind, or a word of one, that was probably meant.
+std::string naechsterTyp(const std::vector<int>& typen, const std::string& text) {
+    std::vector<std::string> worte;
+    for (const int typ : typen) {
+        const std::string name = kurzerTypName(typName(typ));
+        worte.insert(worte.end(), {ohneVorne(typName(typ)), name});
+        for (std::size_t i = 0, ende = 0; ende != std::string::npos; i = ende + 1) {
+            ende = name.find('_', i);
+            worte.push_back(name.substr(i, ende - i));
+        }
+    }
+    return naechstes(text, worte);
 }
 
 /// Whether the month exists, or the code of a quarter or of the whole year. The library accepts any number there, so
@@ -65,23 +133,25 @@ std::int32_t liesTyp(const std::string& text) {
     std::string gesucht = orvo::orvoutil::tolower(text);
     if (gesucht.starts_with(orvo::orvoutil::tolower(kVorne)))
         gesucht.erase(0, kVorne.size());
+    std::vector<int> alle;
     std::vector<int> anfang;
     std::vector<int> teil;
-    std::string namen;
     for (int typ = ORVO_CHECK_SERVICE_ERWEITERUNG; typ <= ORVO_DATENSATZ_READER_SERVICE_ERWEITERUNG; ++typ) {
-        const std::string name = ohneVorne(erweiterungTypName(static_cast<tag_erweiterung_typ>(typ)));
-        const std::size_t stelle = orvo::orvoutil::tolower(name).find(gesucht);
-        if (stelle == 0)
+        const std::string name = orvo::orvoutil::tolower(ohneVorne(typName(typ)));
+        alle.push_back(typ);
+        if (istAnfangOderWort(name, gesucht))
             anfang.push_back(typ);
-        if (stelle != std::string::npos)
+        if (name.find(gesucht) != std::string::npos)
             teil.push_back(typ);
-        namen += "\n  " + std::to_string(typ) + "  " + kurzerTypName(name);
     }
     const std::vector<int>& passende = anfang.empty() ? teil : anfang;
-    if (passende.size() != 1)
-        throw AufrufFehler((passende.empty() ? "there is no kind of extension \""
-                                             : "several kinds of extension are meant by \"") +
-                           einzeilig(text) + "\"; they are" + namen);
+    if (passende.empty())
+        throw AufrufFehler(satz("there is no kind of extension \"{1}\"", einzeilig(text)) +
+                           rueckfrage(naechsterTyp(alle, gesucht)) + "\n" + satz("The kinds are") +
+                           aufgezaehlt(alle));
+    if (passende.size() > 1)
+        throw AufrufFehler(satz("several kinds of extension are meant by \"{1}\":", einzeilig(text)) +
+                           aufgezaehlt(passende));
     return passende.front();
 }
 
@@ -128,6 +198,19 @@ std::string liesUnterfallart(const std::string& text) {
         }
     }
     return latin1;
+}
+
+std::vector<std::string> vordefinierteUnterfallarten() {
+    std::vector<std::string> namen;
+    for (const Unterfallart* const unterfallart : kVordefiniert)
+        namen.push_back(unterfallart->getName());
+    return namen;
+}
+
+std::string gemeinteUnterfallart(const std::string& unterfallart, std::vector<std::string> bediente) {
+    for (std::string& name : vordefinierteUnterfallarten())
+        bediente.push_back(std::move(name));
+    return naechstes(unterfallart, bediente);
 }
 
 } // namespace werkzeug

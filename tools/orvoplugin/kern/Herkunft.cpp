@@ -8,6 +8,8 @@ namespace {
 
 constexpr char kUnverfaenglich[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-./,:=@%+";
 
+} // namespace
+
 std::string fuerDieShell(const std::string& wort) {
     if (!wort.empty() && wort.find_first_not_of(kUnverfaenglich) == std::string::npos)
         return wort;
@@ -16,8 +18,6 @@ std::string fuerDieShell(const std::string& wort) {
         text += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return text + "'";
 }
-
-} // namespace
 
 std::string versionen() {
     char produkt[16] = "";

@@ -1,12 +1,16 @@
 #include "kern/Optionen.h"
 
+#include "kern/Anzeige.h"
+#include "kern/Herkunft.h"
 #include "kern/Sprache.h"
 
 #include <CLI/CLI.hpp>
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 namespace werkzeug {
 
@@ -55,6 +59,24 @@ void fuegeProbeHinzu(CLI::App& app, Optionen& optionen) {
     app.add_flag(
         "--probe", optionen.probe,
         satz("Make each service once, too, in a process of its own: what cannot be had is not served"));
+}
+
+const char* ortsoption(const std::string& verzeichnis) {
+    std::error_code keiner;
+    return std::filesystem::is_directory(verzeichnis + "/plugins", keiner) ? "--home" : "--dir";
+}
+
+std::string ortshinweis(const Optionen& optionen) {
+    std::error_code keiner;
+    if (!optionen.dir.empty())
+        return satz("; --dir names the plugin directory itself");
+    if (optionen.home.empty())
+        return satz("; name the plugin directory with --dir, or the one above \"plugins\" with --home");
+    if (std::filesystem::is_directory(optionen.home, keiner) &&
+        std::string_view(ortsoption(optionen.home)) == "--dir")
+        return satz("; --home names the directory above \"plugins\": did you mean --dir {1}?",
+                    einzeilig(fuerDieShell(optionen.home)));
+    return satz("; --home names the directory above \"plugins\"");
 }
 
 } // namespace werkzeug

@@ -39,6 +39,11 @@ void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen);
 void fuegeDescribedHinzu(CLI::App& app, Optionen& optionen);
 void fuegeProbeHinzu(CLI::App& app, Optionen& optionen);
 
+/// The option that a directory belongs to: "--home" if it has a subdirectory "plugins", else "--dir".
+const char* ortsoption(const std::string& verzeichnis);
+/// What to do about a plugin directory that cannot be read, to follow the message: names --home and --dir.
+std::string ortshinweis(const Optionen& optionen);
+
 /// The command line is well-formed but invalid (a bad period, for instance). The program prints the text, which is
 /// UTF-8, and ends with `Ausgang::FALSCHER_AUFRUF`.
 class AufrufFehler : public std::runtime_error {

@@ -178,7 +178,8 @@ Bestand sammle(const Optionen& optionen, const Auftrag& auftrag) {
                     trageEin(datei, schuld->second);
             const VerzeichnisFakt& erstes = lauf.bestand->verzeichnisse.at(0);
             if (erstes.fehler != 0)
-                throw Unlesbar(einzeilig(erstes.pfad) + ": " + systemtext(erstes.fehler));
+                throw Unlesbar(einzeilig(erstes.pfad) + ": " + systemtext(erstes.fehler) +
+                               ortshinweis(optionen));
             return std::move(*lauf.bestand);
         }
         if (lauf.begonnene.empty())
