@@ -86,12 +86,23 @@ TEST_F(Hilfe, AFileIsFoundByHalfItsNameOrASimilarOneNamed) {
     EXPECT_EQ(heim_.rufe({"why", "liblohnsteuer"}).ausgang, 0);
     EXPECT_EQ(heim_.rufe({"show", "liblohnsteuer"}).ausgang, 0);
     for (const char* const name : {"liblohnsteuer.so", "libLohnsteur.dylib", "lohnstuer"}) {
+        EXPECT_THAT(heim_.rufe({"why", name}).ausgabe, HasSubstr("did you mean liblohnsteuer.dylib?"))
+            << name;
         EXPECT_THAT(heim_.rufe({"show", name}).fehler, HasSubstr("did you mean liblohnsteuer.dylib?"))
             << name;
     }
     EXPECT_THAT(heim_.rufe({"why", "ganzanders"}).ausgabe, Not(HasSubstr("did you mean")));
     heim_.verzeichnis.schreibe("plugins/liblohnsteuer.so", "");
     EXPECT_THAT(heim_.rufe({"why", "liblohnsteuer.so"}).ausgabe, HasSubstr("end in \".dylib\""));
+}
+
+TEST_F(Hilfe, WhyTakesAPathWithoutADirectory) {
+    const Ergebnis ergebnis = rufeTool({"why", heim_.plugins() + "/liblohnsteuer.dylib"});
+    EXPECT_EQ(ergebnis.ausgang, 0) << ergebnis.fehler;
+    EXPECT_THAT(ergebnis.ausgabe, HasSubstr("looked at without other plugins"));
+    EXPECT_THAT(ergebnis.ausgabe, HasSubstr("answers for all that it offers"));
+    EXPECT_THAT(ergebnis.ausgabe, Not(HasSubstr("walk")));
+    EXPECT_THAT(fehler({"why", "/gibt/es/nicht.dylib"}, 3), HasSubstr("No such file"));
 }
 
 TEST_F(Hilfe, AKindThatFitsSeveralOrNoneNamesThem) {

@@ -61,13 +61,6 @@ std::string vordefinierteAlsText() {
     return text + zeile + "\n\n";
 }
 
-std::vector<std::string> bediente(const Bestand& bestand) {
-    std::vector<std::string> namen;
-    for (const SchluesselFakt& schluessel : bestand.schluessel)
-        namen.push_back(schluessel.unterfallart.name);
-    return namen;
-}
-
 class Find : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {

@@ -8,6 +8,7 @@
 #include "kern/Eingabe.h"
 #include "kern/Gruende.h"
 #include "kern/Lebenslauf.h"
+#include "kern/Naehe.h"
 #include "kern/Sammler.h"
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
@@ -78,10 +79,12 @@ std::string text(const DateiFakt& datei) {
 }
 
 /// Returns: whether the file was loaded.
-bool verfolge(Kette& kette, const DateiFakt& datei) {
+bool verfolge(Kette& kette, const DateiFakt& datei, bool einzeln) {
     const bool imWeg = std::string_view(stufe(datei.grund)) == "walk";
     const bool imProzess = std::string_view(stufe(datei.grund)) == "process";
     for (const Ladestufe& s : kLadestufen) {
+        if (einzeln && (std::string_view(s.name) == "walk" || std::string_view(s.name) == "filter"))
+            continue; // its place and name do not matter
         const bool hier =
             datei.grund != Grund::KEINER &&
             (std::find(std::begin(s.gruende), std::end(s.gruende), datei.grund) != std::end(s.gruende) ||
@@ -237,8 +240,8 @@ std::set<std::string> bedienteArten(const Bestand& bestand) {
     return arten;
 }
 
-Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const Nachbarschaft& nachbarschaft,
-                        std::size_t nichtGeladen) {
+Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const std::string& unterfallart,
+                        const Nachbarschaft& nachbarschaft, std::size_t nichtGeladen) {
     const std::string rat = nichtGeladen == 0
                                 ? satz("Install a plugin that serves it.")
                                 : satz("See to the files that were not loaded first; one of them may serve "
@@ -265,7 +268,9 @@ Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const Nachbars
                            ? satz("Put plugins into {1}, or name another directory with --home or --dir.",
                                   einzeilig(bestand.suchpfad))
                            : rat);
-    return schluss("unknown_sub_case_type", satz("No loaded plugin serves that sub-case type."), rat);
+    const std::string frage = rueckfrage(gemeinteUnterfallart(unterfallart, bediente(bestand)));
+    return schluss("unknown_sub_case_type",
+                   satz("No loaded plugin serves that sub-case type") + (frage.empty() ? "." : frage), rat);
 }
 
 // --- What the descriptions in the files change ---
@@ -420,8 +425,11 @@ private:
     Ausgang warumDatei(const Optionen& optionen) const {
         Auftrag auftrag;
         auftrag.exporteVon = "*";
+        auftrag.einzeln = einzelneDatei(optionen, erstes_);
+        const bool einzeln = !auftrag.einzeln.empty();
         Bestand bestand = sammle(optionen, auftrag);
-        const std::optional<std::uint32_t> platz = findeDatei(bestand, erstes_);
+        const std::optional<std::uint32_t> platz =
+            einzeln ? std::optional<std::uint32_t>(0) : findeDatei(bestand, erstes_);
         Json dokument = jsonKopf("why", bestand.suchpfad);
         dokument["question"] = {{"file", jsonText(erstes_)}};
         Kette kette;
@@ -429,15 +437,18 @@ private:
         Schluessellage lage;
         Json ende;
         if (!platz) {
-            const std::string wo = einzeilig(bestand.suchpfad);
-            kette.nein("found", satz("there is no file {1} below {2}", einzeilig(erstes_), wo));
+            kette.nein("found", keineDatei(bestand, erstes_));
             ende = schluss(
-                "not_found", satz("The library never sees the file: it looks below {1} only.", wo),
+                "not_found",
+                satz("The library never sees the file: it looks below {1} only.",
+                     einzeilig(bestand.suchpfad)),
                 satz("Copy the file there, or name the directory that it lies in with --home or --dir."));
         } else {
             const DateiFakt& datei = bestand.dateien[*platz];
-            kette.ja("found", satz("there is a file {1}", einzeilig(bestand.fundort(datei))));
-            const bool istGeladen = verfolge(kette, datei);
+            const std::string voll = einzeilig(bestand.fundort(datei));
+            kette.ja("found", einzeln ? satz("there is a file {1}, looked at without other plugins", voll)
+                                      : satz("there is a file {1}", voll));
+            const bool istGeladen = verfolge(kette, datei, einzeln);
             if (!istGeladen) {
                 ende = schluss(code(datei.grund), erklaerung(datei), rat(datei));
                 ausgang = datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
@@ -452,7 +463,8 @@ private:
                                           anzahl(lage.gehalten.size(), "key", "keys"), lage.verloren.size()));
             }
             if (istBeschrieben(bestand, datei))
-                if (Json anders = vergleicheDatei(kette, bestand, sammleMitBeschreibungen(optionen), *platz);
+                if (Json anders =
+                        vergleicheDatei(kette, bestand, sammleMitBeschreibungen(optionen, auftrag), *platz);
                     !anders.is_null()) {
                     ende = std::move(anders);
                     ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
@@ -550,7 +562,8 @@ private:
                 ausgang = Ausgang::GUT;
             }
         } else {
-            ende = schlussOhneAntwort(bestand, typ, nachbarn(bestand, typ, unterfallart), geladene.size());
+            ende = schlussOhneAntwort(bestand, typ, unterfallart, nachbarn(bestand, typ, unterfallart),
+                                      geladene.size());
         }
         if (std::any_of(bestand.dateien.begin(), bestand.dateien.end(),
                         [&](const DateiFakt& datei) { return istBeschrieben(bestand, datei); }))

@@ -47,6 +47,13 @@ std::string schluesselAlsText(const Json& schluessel) {
            zeige(schluessel["period"]["label"]);
 }
 
+std::vector<std::string> bediente(const Bestand& bestand) {
+    std::vector<std::string> namen;
+    for (const SchluesselFakt& schluessel : bestand.schluessel)
+        namen.push_back(schluessel.unterfallart.name);
+    return namen;
+}
+
 std::string servicemangelAlsText(const Json& service) {
     if (service["advice"].is_null())
         return {};

@@ -6,6 +6,7 @@
 #include "kern/Fakten.h"
 
 #include <string>
+#include <vector>
 
 namespace werkzeug {
 
@@ -17,6 +18,8 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
 Json schluesselAlsJson(const SchluesselFakt& schluessel);
 /// "CHECK 10 2009", of such a part of a document.
 std::string schluesselAlsText(const Json& schluessel);
+/// The names of the sub-case types that somebody answers for.
+std::vector<std::string> bediente(const Bestand& bestand);
 /// Why the service of such a part cannot be had; empty when nothing is known against it.
 std::string servicemangelAlsText(const Json& service);
 /// "libx.dylib (1.2.0)", of a plugin as `anbieterAlsJson` has it.
