@@ -55,4 +55,16 @@ erwarte "$ordner/heim" list --home "$ordner/"
 erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" show "$ordner/"
 erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" coverage --require "$ordner/"
 erwarte "$(printf '%s\n' "$ordner/heim" "$ordner/libx.dylib")" coverage --html = "$ordner/"
+erwarte exports,umask check --only exports,uma
+erwarte alle, list --resident al
+erwarte LSTB find check LST
+erwarte LSTB why check LST
+erwarte "$(printf 'Bilanz_5_0\nBilanz_5_1')" find --log debug check B
+mkdir -p "$ordner/heim/plugins/unter"
+touch "$ordner/heim/plugins/libA.dylib" "$ordner/heim/plugins/unter/libb c.dylib" "$ordner/heim/plugins/lies.txt"
+erwarte "$(printf 'libA.dylib\nunter/libb c.dylib')" show --home "$ordner/heim" ""
+erwarte libA.dylib show --dir = "$ordner/heim/plugins" lib
+erwarte xpath_mapping why --home "$ordner/heim" x
+erwarte "$(printf 'x,a,\nx,alle,')" list --home "$ordner/heim" --resident x,a
+HOME=$ordner erwarte libA.dylib why --home "~/heim" lib
 exit $wrong
