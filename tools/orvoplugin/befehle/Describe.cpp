@@ -6,6 +6,7 @@
 #include "check/PluginDateien.h"
 #include "datei/Bibliotheksbild.h"
 #include "kern/Anzeige.h"
+#include "kern/Berichtsteile.h"
 #include "kern/Dateischreiber.h"
 #include "kern/Terminal.h"
 
@@ -26,13 +27,14 @@ namespace {
 /// The room for a description in a file. Errors: `NichtBeschreibbar`.
 Beschreibungsfund findePlatz(const std::string& pfad) {
     if (const std::string grund = check::warumUnlesbar(pfad); !grund.empty())
-        throw NichtBeschreibbar("cannot be read: " + grund, Ausgang::NICHT_LESBAR);
+        throw NichtBeschreibbar(satz("cannot be read: {1}", grund), Ausgang::NICHT_LESBAR);
     if (const Bibliotheksbild bild(pfad); !bild.istLadbar())
         throw NichtBeschreibbar(einzeilig(bild.getGrund()));
     Beschreibungsfund fund = liesBeschreibung(pfad);
     if (fund.platz == 0)
-        throw NichtBeschreibbar("it has no room for a description: build it with DESCRIBED, or with the "
-                                "source that \"pkg-config --variable=described orvoplugin-plugin\" names");
+        throw NichtBeschreibbar(
+            satz("it has no room for a description: build it with DESCRIBED, or with the "
+                 "source that \"pkg-config --variable=described orvoplugin-plugin\" names"));
     return fund;
 }
 
@@ -40,10 +42,10 @@ void verlangePlatz(const Beschreibungsfund& fund, const std::string& beschreibun
     if (beschreibung.size() <= fund.platz)
         return;
     constexpr std::size_t kStufe = 1024; // leaves some room for the next version
-    throw NichtBeschreibbar("its description takes " + std::to_string(beschreibung.size()) +
-                            " bytes, and its file has room for " + std::to_string(fund.platz) +
-                            ": build it with DESCRIPTION_SIZE " +
-                            std::to_string((beschreibung.size() / kStufe + 1) * kStufe));
+    throw NichtBeschreibbar(
+        satz("its description takes {1} bytes, and its file has room for {2}: build it with "
+             "DESCRIPTION_SIZE {3}",
+             beschreibung.size(), fund.platz, (beschreibung.size() / kStufe + 1) * kStufe));
 }
 
 /// Replaces the file by one with the description.
@@ -51,7 +53,7 @@ void trageEin(const std::string& pfad, const Beschreibungsfund& fund, std::strin
     std::ifstream datei(pfad, std::ios::binary);
     std::string inhalt((std::istreambuf_iterator<char>(datei)), {});
     if (!datei || inhalt.size() < fund.stelle + fund.platz)
-        throw NichtBeschreibbar("cannot be read", Ausgang::NICHT_LESBAR);
+        throw NichtBeschreibbar(satz("cannot be read"), Ausgang::NICHT_LESBAR);
     beschreibung.resize(fund.platz);
     inhalt.replace(fund.stelle, fund.platz, beschreibung);
     schreibeDatei(pfad, inhalt);
@@ -83,10 +85,14 @@ Json alsJson(const std::string& pfad, const std::string& grund) {
 
 std::string alsText(const Json& dokument, const Farben&) {
     std::string text;
-    for (const Json& datei : dokument["files"])
-        if (datei["reason"].is_null()) // else it is an error message
-            text += einzeilig(datei["file"].get<std::string>()) + ": " + datei["result"].get<std::string>() +
-                    ", " + datei["size"].dump() + " of " + datei["room"].dump() + " bytes\n";
+    for (const Json& datei : dokument["files"]) {
+        if (!datei["reason"].is_null()) // it is an error message
+            continue;
+        const bool neu = datei["result"] == "described";
+        text += satz(neu ? N_("{1}: described, {2} of {3} bytes") : N_("{1}: unchanged, {2} of {3} bytes"),
+                     zeige(datei["file"]), zeige(datei["size"]), zeige(datei["room"]));
+        text += '\n';
+    }
     return text;
 }
 
@@ -100,18 +106,18 @@ public:
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         if (!optionen.home.empty() || !optionen.dir.empty())
-            throw AufrufFehler("describe takes files, and neither --home nor --dir");
+            throw AufrufFehler(satz("describe takes files, and neither --home nor --dir"));
         Json dokument = jsonKopf("describe");
         dokument["files"] = Json::array();
         Ausgang ausgang = Ausgang::GUT;
         const auto scheitere = [&](const std::string& datei, const std::string& grund, Ausgang wie) {
-            std::cerr << "orvoplugin: " << einzeilig(datei) << ": not described: " << grund << '\n';
+            std::cerr << "orvoplugin: " << satz("{1}: not described: {2}", einzeilig(datei), grund) << '\n';
             dokument["files"].push_back(alsJson(datei, grund));
             ausgang = schwerster(ausgang, wie);
         };
         Fortschritt fortschritt(!optionen.quiet);
         for (const std::string& datei : dateien_) {
-            fortschritt.zeige("describing " + einzeilig(datei));
+            fortschritt.zeige(satz("describing {1}", einzeilig(datei)));
             try {
                 dokument["files"].push_back(werkzeug::beschreibe(datei, optionen));
             } catch (const NichtBeschreibbar& fehler) {

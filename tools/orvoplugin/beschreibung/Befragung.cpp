@@ -5,6 +5,7 @@
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
 #include "kern/Protokoll.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
 
@@ -66,12 +67,13 @@ struct Umstand {
     const char* name;
     void (*aendere)();
 };
-constexpr Umstand kUmstaende[] = {
-    {"environment", aendereUmgebung}, {"working directory", aendereVerzeichnis}, {"locale", aendereLocale}};
+constexpr Umstand kUmstaende[] = {{N_("environment"), aendereUmgebung},
+                                  {N_("working directory"), aendereVerzeichnis},
+                                  {N_("locale"), aendereLocale}};
 
 // --- Asking ---
 
-constexpr char kBytes = 'B', kZeile = 'Z', kFehler = 'F'; // first byte of a record: its type
+constexpr char kBytes = 'B', kZeile = 'Z', kFehler = 'F', kAusnahme = 'A'; // first byte of a record: its type
 
 /// Asks the plugin in this process. The library is closed again before the child reports its success.
 void frage(const std::string& pfad, const Sender& sende) {
@@ -81,9 +83,9 @@ void frage(const std::string& pfad, const Sender& sende) {
         for (const std::string& zeile : check::beschreibung(*plugin))
             sende(kZeile + zeile);
     } catch (const check::Ladefehler& fehler) {
-        sende(kFehler + std::string("asked to describe itself, it fails: ") + fehler.what());
+        sende(kFehler + std::string(fehler.what()));
     } catch (...) {
-        sende(kFehler + check::laufendeAusnahme());
+        sende(kAusnahme + check::laufendeAusnahme());
     }
 }
 
@@ -98,20 +100,21 @@ Auskunft frageImKind(const std::string& pfad, const Optionen& optionen,
                 umstand.aendere();
             frage(pfad, sende);
         },
-        [&](std::string_view satz) {
-            const std::string text(satz.substr(1));
-            if (satz.front() == kBytes)
+        [&](std::string_view nachricht) {
+            const std::string text(nachricht.substr(1));
+            if (nachricht.front() == kBytes)
                 auskunft.bytes = text;
-            else if (satz.front() == kZeile)
+            else if (nachricht.front() == kZeile)
                 auskunft.zeilen.push_back(text);
-            else
-                fehler = text;
+            else // a child under other circumstances may have lost its language
+                fehler = nachricht.front() == kFehler ? satz("asked to describe itself, it fails: {1}", text)
+                                                      : text;
         },
         std::chrono::duration<double>(optionen.zeitlimit));
     if (!fehler.empty())
         throw NichtBeschreibbar(fehler);
     if (!ende.istGut())
-        throw NichtBeschreibbar("asked to describe itself, it " + ende.text(), Ausgang::ABGESTUERZT);
+        throw NichtBeschreibbar(satz("asked to describe itself, it {1}", ende.text()), Ausgang::ABGESTUERZT);
     return auskunft;
 }
 
@@ -120,10 +123,11 @@ std::string ursachen(const std::string& pfad, const Optionen& optionen, const Au
     std::string namen;
     for (const Umstand& umstand : kUmstaende)
         if (frageImKind(pfad, optionen, {umstand}).bytes != erste.bytes)
-            namen += (namen.empty() ? "" : " or ") + std::string(umstand.name);
-    return frageImKind(pfad, optionen, {}).bytes != erste.bytes ? "in each process"
-           : namen.empty()                                      ? "under other circumstances"
-                                                                : "with another " + namen;
+            namen = namen.empty() ? uebersetzt(umstand.name)
+                                  : satz("{1} or {2}", namen, uebersetzt(umstand.name));
+    return frageImKind(pfad, optionen, {}).bytes != erste.bytes ? satz("in each process")
+           : namen.empty()                                      ? satz("under other circumstances")
+                                                                : satz("with another {1}", namen);
 }
 
 } // namespace
@@ -133,9 +137,10 @@ std::string befrage(const std::string& pfad, const Optionen& optionen) {
     const Auskunft zweite = frageImKind(pfad, optionen, {std::begin(kUmstaende), std::end(kUmstaende)});
     if (erste.bytes == zweite.bytes)
         return erste.bytes;
-    throw NichtBeschreibbar("it describes itself differently " + ursachen(pfad, optionen, erste) + ": " +
-                            check::unterschied(erste.zeilen, zweite.zeilen) +
-                            "; such a plugin must be asked at each start: build it without DESCRIBED");
+    throw NichtBeschreibbar(
+        satz("it describes itself differently {1}: {2}; such a plugin must be asked at each "
+             "start: build it without DESCRIBED",
+             ursachen(pfad, optionen, erste), check::unterschied(erste.zeilen, zweite.zeilen)));
 }
 
 } // namespace werkzeug

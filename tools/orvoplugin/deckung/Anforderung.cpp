@@ -1,12 +1,12 @@
 #include "deckung/Anforderung.h"
 
 #include "kern/Eingabe.h"
+#include "kern/Sprache.h"
 
 #include <orvoutil/Latin1.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -23,11 +23,11 @@ constexpr int kGroessteSpanne = 1000; // years
 
 std::string liesGanz(const std::string& datei) {
     if (std::error_code keiner; std::filesystem::is_directory(datei, keiner))
-        throw Unlesbar(toUtf8(datei) + ": " + std::strerror(EISDIR));
+        throw Unlesbar(toUtf8(datei) + ": " + systemtext(EISDIR));
     std::ifstream strom(datei, std::ios::binary);
     std::string inhalt((std::istreambuf_iterator<char>(strom)), {});
     if (!strom.is_open() || strom.bad())
-        throw Unlesbar(toUtf8(datei) + ": " + std::strerror(errno));
+        throw Unlesbar(toUtf8(datei) + ": " + systemtext(errno));
     return inhalt;
 }
 
@@ -45,7 +45,7 @@ std::vector<std::string> worte(const std::string& zeile) {
         if (zeile[i] == '"') {
             const std::size_t ende = zeile.find('"', i + 1);
             if (ende == std::string::npos)
-                throw AufrufFehler("a quotation mark is not closed");
+                throw AufrufFehler(satz("a quotation mark is not closed"));
             worte.push_back(zeile.substr(anfang + 1, ende - anfang - 1));
             i = ende + 1;
         } else {
@@ -68,7 +68,7 @@ std::vector<std::string> zeitraeume(const std::string& text) {
     const int von = std::stoi(text.substr(0, 4));
     const int bis = std::stoi(text.substr(5));
     if (von > bis || bis - von >= kGroessteSpanne)
-        throw AufrufFehler("\"" + text + "\" is no range of years");
+        throw AufrufFehler(satz("\"{1}\" is no range of years", text));
     std::vector<std::string> jahre;
     for (int jahr = von; jahr <= bis; ++jahr) {
         const std::string ziffern = std::to_string(jahr);
@@ -87,7 +87,8 @@ void liesZeile(const std::string& zeile, std::size_t nummer, std::vector<Verlang
         return;
     }
     if (w.size() != 3)
-        throw AufrufFehler("a line has a kind of extension, a sub-case type and a period, or a kind alone");
+        throw AufrufFehler(
+            satz("a line has a kind of extension, a sub-case type and a period, or a kind alone"));
     for (const std::string& zeitraum : zeitraeume(w[2])) {
         const Zeitraumtext gelesen = liesZeitraum(zeitraum);
         zellen.push_back(

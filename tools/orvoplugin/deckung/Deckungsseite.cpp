@@ -66,6 +66,7 @@ Json fehlendes(const Json& verlangt) {
 } // namespace
 
 std::string deckungAlsSeite(const Json& dokument, const Optionen& optionen) {
+    const Englisch auchBeiJson(false);
     Json werte = seitenwerte(nullptr, dokument);
     werte["title"] = seitentexte()["title_coverage"];
     werte["tiles"] = kacheln(dokument);
@@ -76,7 +77,7 @@ std::string deckungAlsSeite(const Json& dokument, const Optionen& optionen) {
     werte["gaps"] = std::move(luecken);
     for (const Json& datei : dokument["not_loaded"])
         werte["notes"].push_back(
-            {{"what", datei["file"]}, {"state", datei["state"]}, {"text", begruendung(datei)}});
+            {{"what", datei["file"]}, {"state", zustandsname(datei["state"])}, {"text", begruendung(datei)}});
     return alsSeite(std::move(werte), dokument, optionen);
 }
 

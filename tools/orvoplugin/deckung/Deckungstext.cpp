@@ -112,14 +112,15 @@ Raster raster(const Json& typ, Zellentext& zellentext, bool mitVersion) {
     const bool andereJahre = std::any_of(typ["rows"].begin(), typ["rows"].end(),
                                          [](const Json& zeile) { return !zeile["other_years"].is_null(); });
     Raster r;
-    r.kopf.push_back("SUB-CASE TYPE");
+    r.kopf.push_back(uebersetzt("SUB-CASE TYPE"));
     for (const Json& spalte : typ["columns"])
-        r.kopf.push_back(paare ? spaltenkopf(spalte) : "ANY PERIOD");
+        r.kopf.push_back(paare ? spaltenkopf(spalte) : uebersetzt("ANY PERIOD"));
     if (andereJahre)
-        r.kopf.push_back(typ["columns"].empty() ? "ANY YEAR" : "OTHER YEARS");
+        r.kopf.push_back(typ["columns"].empty() ? uebersetzt("ANY YEAR") : uebersetzt("OTHER YEARS"));
     for (const Json& zeile : typ["rows"]) {
         std::vector<Tabelle::Zelle>& zellen = r.zeilen.emplace_back();
-        zellen.push_back(paare ? gekuerzt(zeige(zeile["sub_case_type"]["name"]), kBreitesterName) : "any");
+        zellen.push_back(paare ? gekuerzt(zeige(zeile["sub_case_type"]["name"]), kBreitesterName)
+                               : uebersetzt("any"));
         auto zelle = zeile["cells"].begin();
         for (const Json& spalte : typ["columns"]) {
             while ((*zelle)["to"] < spalte["from"])
@@ -170,19 +171,19 @@ std::string alsText(const Raster& r, const std::vector<std::size_t>& enden, cons
 
 std::string ueberschrift(const Json& typ, const Farben& farben) {
     const Json& summen = typ["totals"];
-    std::string text =
-        farben(Farbe::FETT, zeige(typ["type"]["label"])) + " (type " + typ["type"]["number"].dump() + ")";
+    std::string text = satz("{1} (type {2})", farben(Farbe::FETT, zeige(typ["type"]["label"])),
+                            typ["type"]["number"].dump());
     if (!typ["by_sub_case_type_and_period"])
-        return text + ", for every sub-case type and period\n";
+        return satz("{1}, for every sub-case type and period", text) + "\n";
     text += ", " + anzahl(summen["sub_case_types"], "sub-case type", "sub-case types");
     if (!typ["first_year"].is_null()) {
         text += ", " + jahresspanne(typ);
-        text += ": " + anzahl(summen["served"], "cell", "cells") + " served";
+        text += ": " + anzahl(summen["served"], "cell served", "cells served");
         if (summen["fallback"] != 0)
-            text += ", " + summen["fallback"].dump() + " more by a period-independent entry";
+            text += ", " + satz("{1} more by a period-independent entry", summen["fallback"].dump());
         if (summen["broken"] != 0)
             text += ", " + satz("{1} without a service", summen["broken"].dump());
-        text += summen["gaps"] == 0 ? ", no gap" : ", " + anzahl(summen["gaps"], "gap", "gaps");
+        text += ", " + (summen["gaps"] == 0 ? satz("no gap") : anzahl(summen["gaps"], "gap", "gaps"));
     }
     return text + "\n";
 }
@@ -190,7 +191,7 @@ std::string ueberschrift(const Json& typ, const Farben& farben) {
 std::string typAlsText(const Json& typ, Zellentext& zellentext, std::size_t platz, const Farben& farben) {
     std::string text = ueberschrift(typ, farben);
     if (typ["rows"].size() * (typ["columns"].size() + 1) > kMeisteZellen)
-        return text + "too many cells for a table; --json has them all\n\n";
+        return text + uebersetzt("too many cells for a table; --json has them all") + "\n\n";
     Raster r = raster(typ, zellentext, true);
     std::vector<std::size_t> enden = blockenden(r.breiten(), platz);
     if (enden.size() > 1) { // the list of plugins has the versions too
@@ -201,10 +202,10 @@ std::string typAlsText(const Json& typ, Zellentext& zellentext, std::size_t plat
 }
 
 Tabelle plugintabelle(const Json& plugins, bool mitDateiversion, std::size_t namensbreite) {
-    std::vector<Tabelle::Zelle> kopf{"MARK", "PLUGIN", "VERSION"};
+    std::vector<Tabelle::Zelle> kopf{uebersetzt("MARK"), uebersetzt("PLUGIN"), uebersetzt("VERSION")};
     if (mitDateiversion)
-        kopf.emplace_back("FILE VERSION");
-    kopf.insert(kopf.end(), {"CELLS", "RUNNER-UP"});
+        kopf.emplace_back(uebersetzt("FILE VERSION"));
+    kopf.insert(kopf.end(), {uebersetzt("CELLS"), uebersetzt("RUNNER-UP")});
     Tabelle tabelle(std::move(kopf));
     for (const Json& plugin : plugins) {
         std::vector<Tabelle::Zelle> zellen{zeige(plugin["mark"]),
@@ -235,35 +236,35 @@ std::string pluginsAlsText(const Json& plugins, std::size_t platz, const Farben&
 
 std::string zeichenAlsText(const Zeichenkunde& kunde) {
     std::string text;
-    if (kunde.zweiter)
-        text += "  A>B    plugin B would answer if A were not there\n";
-    if (kunde.ersatz)
-        text += "  ~A     a period-independent entry of A answers, for want of one of the year\n";
-    if (kunde.teiljahr)
-        text += "  A(05)  filed for that part of the year (month, quarter Q2, day 05-31);\n"
-                "         look-ups for any period of the year find it\n";
-    if (kunde.kaputt)
-        text += "  !A     " + satz("A holds the entry, but no service of it can be had") + "\n";
-    if (kunde.luecke)
-        text += "  -      nobody answers\n";
-    return text.empty() ? text : "Marks:\n" + text + "\n";
+    const auto zeile = [&](bool kommtVor, const char* zeichen, const char* worte) {
+        text += kommtVor ? zeichen + std::string(uebersetzt(worte)) + "\n" : "";
+    };
+    zeile(kunde.zweiter, "  A>B    ", N_("plugin B would answer if A were not there"));
+    zeile(kunde.ersatz, "  ~A     ",
+          N_("a period-independent entry of A answers, for want of one of the year"));
+    zeile(kunde.teiljahr, "  A(05)  ", N_("filed for that part of the year (month, quarter Q2, day 05-31);"));
+    zeile(kunde.teiljahr, "         ", N_("look-ups for any period of the year find it"));
+    zeile(kunde.kaputt, "  !A     ", N_("A holds the entry, but no service of it can be had"));
+    zeile(kunde.luecke, "  -      ", N_("nobody answers"));
+    return text.empty() ? text : uebersetzt("Marks:") + ("\n" + text) + "\n";
 }
 
 std::string verlangtesAlsText(const Json& verlangt, const std::vector<std::string>& bediente,
                               const Farben& farben) {
     const std::size_t fehlen = verlangt["missing"];
-    std::string text = "Required by " + zeige(verlangt["file"]) + ": " +
-                       anzahl(verlangt["cells"].size(), "cell", "cells") + ", " +
-                       (fehlen == 0 ? farben(Farbe::GRUEN, "none missing")
-                                    : farben(Farbe::ROT, std::to_string(fehlen) + " missing")) +
+    std::string text = satz("Required by {1}: {2}, {3}", zeige(verlangt["file"]),
+                            anzahl(verlangt["cells"].size(), "cell", "cells"),
+                            fehlen == 0 ? farben(Farbe::GRUEN, satz("none missing"))
+                                        : farben(Farbe::ROT, satz("{1} missing", fehlen))) +
                        "\n";
     if (fehlen == 0)
         return text;
-    Tabelle tabelle({"MISSING", "TYPE", "SUB-CASE TYPE", "PERIOD"});
+    Tabelle tabelle(
+        {uebersetzt("MISSING"), uebersetzt("TYPE"), uebersetzt("SUB-CASE TYPE"), uebersetzt("PERIOD")});
     for (const Json& zelle : verlangt["cells"]) {
         if (zelle["served"])
             continue;
-        tabelle.zeile({"line " + zelle["line"].dump(), zeige(zelle["type"]["label"]),
+        tabelle.zeile({satz("line {1}", zelle["line"].dump()), zeige(zelle["type"]["label"]),
                        zeige(zelle["sub_case_type"]), zeige(zelle["period"])});
         if (zelle["sub_case_type"].is_null())
             continue;
@@ -279,12 +280,13 @@ std::string verlangtesAlsText(const Json& verlangt, const std::vector<std::strin
 
 std::string jahresspanne(const Json& typ) {
     const std::string erstes = typ["first_year"].dump();
-    return typ["first_year"] == typ["last_year"] ? erstes : erstes + " to " + typ["last_year"].dump();
+    return typ["first_year"] == typ["last_year"] ? erstes
+                                                 : satz("{1} to {2}", erstes, typ["last_year"].dump());
 }
 
 std::string deckungAlsText(const Json& dokument, const Farben& farben) {
     const std::size_t platz = terminalbreite(stdout);
-    std::string text = "Plugin directory: " + zeige(dokument["plugin_directory"]) + "\n\n";
+    std::string text = satz("Plugin directory: {1}", zeige(dokument["plugin_directory"])) + "\n\n";
     text += unlesbareAlsText(dokument["unreadable_directories"], farben);
     Zellentext zellentext(dokument["plugins"]);
     std::vector<std::string> bediente;
@@ -294,13 +296,13 @@ std::string deckungAlsText(const Json& dokument, const Farben& farben) {
             bediente.push_back(zeile["sub_case_type"]["name"]);
     }
     if (dokument["types"].empty())
-        text += "nothing is served\n\n";
+        text += uebersetzt("nothing is served") + std::string("\n\n");
     else
         text += pluginsAlsText(dokument["plugins"], platz, farben) + zeichenAlsText(zellentext.kunde);
     if (const Json& ausfaelle = dokument["not_loaded"]; !ausfaelle.empty()) {
-        Tabelle tabelle({"NOT LOADED", "FILE"});
+        Tabelle tabelle({uebersetzt("NOT LOADED"), uebersetzt("FILE")});
         for (const Json& zeile : ausfaelle) {
-            tabelle.zeile({{zeige(zeile["state"]), farbe(zeile["state"])}, zeige(zeile["file"])});
+            tabelle.zeile({{zustandsname(zeile["state"]), farbe(zeile["state"])}, zeige(zeile["file"])});
             tabelle.bemerkung(begruendung(zeile));
         }
         text += tabelle.alsText(farben) + "\n";

@@ -277,6 +277,16 @@ Json pluginsAlsWerte(const Seitenplugins& plugins, const Json& typen, const Spal
     return liste;
 }
 
+/// The texts of the document, but for what is the same in every language.
+void uebersetze(Json& texte) {
+    if (texte.is_string())
+        texte = uebersetzt(texte.get<std::string>());
+    else if (texte.is_structured())
+        for (auto&& [name, text] : texte.items())
+            if (name != "class" && name != "example")
+                uebersetze(text);
+}
+
 std::string jetzt() {
     const std::time_t zeit = std::time(nullptr);
     char text[32] = "";
@@ -287,7 +297,12 @@ std::string jetzt() {
 } // namespace
 
 const Json& seitentexte() {
-    static const Json texte = Json::parse(kSeitentexte);
+    static const Json texte = [] {
+        const Englisch auchBeiJson(false);
+        Json alle = Json::parse(kSeitentexte);
+        uebersetze(alle);
+        return alle;
+    }();
     return texte;
 }
 

@@ -35,7 +35,7 @@ std::string mitVersion(const Seitenplugins& plugins, const Json& anbieter) {
     return plugins[anbieter].name + (version.empty() ? "" : " " + version);
 }
 
-std::string satz(const Seitenplugins& plugins, const Json* antwort) {
+std::string wer(const Seitenplugins& plugins, const Json* antwort) {
     if (!antwort)
         return text("nobody");
     const std::string ersatz = (*antwort)["answer"] == "fallback" ? " (" + text("fallback") + ")" : "";
@@ -52,7 +52,7 @@ std::string zeichen(const Seitenplugins& plugins, const Json* antwort) {
 Json zelle(const Seitenplugins& plugins, const char* klasse, const Json* antwort) {
     Json zelle{{"class", klasse},
                {"text", zeichen(plugins, antwort)},
-               {"title", satz(plugins, antwort)},
+               {"title", wer(plugins, antwort)},
                {"color", nullptr},
                {"plugin", nullptr},
                {"name", nullptr},
@@ -141,7 +141,7 @@ Json vergleichszelle(const Seitenplugins& plugins, const Json* vorher, const Jso
     const std::string b = zeichen(plugins, nachher);
     werte["text"] = (a == b ? a : a + "›" + b) + (was == "lower" ? "↓" : was == "newer" ? "↑" : "");
     werte["title"] =
-        text("before") + ": " + satz(plugins, vorher) + "; " + text("after") + ": " + satz(plugins, nachher);
+        text("before") + ": " + wer(plugins, vorher) + "; " + text("after") + ": " + wer(plugins, nachher);
     return werte;
 }
 

@@ -125,6 +125,13 @@ void meldeLeere(const Optionen& optionen, const Bestand& bestand) {
                   << ortshinweis(optionen) << "\n";
 }
 
+std::string zustandsname(const std::string& zustand) {
+    [[maybe_unused]] constexpr const char* kAlle[] = {N_("loaded"),  N_("blocked"),       N_("ignored"),
+                                                      N_("refused"), N_("not_described"), N_("crashed"),
+                                                      N_("exited"),  N_("timed_out")};
+    return uebersetzt(zustand);
+}
+
 Farbe farbe(const std::string& zustand) {
     if (zustand == "loaded")
         return Farbe::GRUEN;

@@ -39,6 +39,8 @@ std::string umstaendeAlsText(const Json& dokument, const Farben& farben);
 /// Says on standard error that there is no plugin, unless the options ask for quiet.
 void meldeLeere(const Optionen& optionen, const Bestand& bestand);
 
+/// The name of a state for people, by its code.
+std::string zustandsname(const std::string& zustand);
 /// The colour of a state, by its code.
 Farbe farbe(const std::string& zustand);
 /// What a row's text says beneath it: why the file is in its state.

@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <stdexcept>
 #include <utility>
@@ -18,7 +17,7 @@ namespace werkzeug {
 namespace {
 
 [[noreturn]] void scheitere(const std::string& datei, int fehler) {
-    throw std::runtime_error("cannot write " + einzeilig(datei) + ": " + std::strerror(fehler));
+    throw std::runtime_error(satz("cannot write {1}: {2}", einzeilig(datei), systemtext(fehler)));
 }
 
 /// Closes on every path, and removes an unfinished file.

@@ -1,5 +1,7 @@
 #include "kern/Herkunft.h"
 
+#include "kern/Sprache.h"
+
 #include <orvoplugin/plugin/LibraryVersion.h>
 
 namespace werkzeug {
@@ -24,8 +26,7 @@ std::string versionen() {
     char datei[16] = "";
     getOrvoSharedLibProductversion(produkt);
     getOrvoSharedLibFileversion(datei);
-    return std::string("orvoplugin " ORVO_TOOL_VERSION " (liborvoplugin ") + produkt + "; file " + datei +
-           ")";
+    return satz("orvoplugin {1} (liborvoplugin {2}; file {3})", ORVO_TOOL_VERSION, produkt, datei);
 }
 
 std::string befehlszeile(int argc, char** argv) {

@@ -1,5 +1,7 @@
 #include "kern/Kindprozess.h"
 
+#include "kern/Sprache.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/resource.h>
@@ -422,13 +424,13 @@ private:
 std::string Kindende::text() const {
     switch (art) {
     case Art::SIGNAL:
-        return "ended by signal " + std::to_string(zahl) + signalname(zahl);
+        return satz("ended by signal {1}", std::to_string(zahl) + signalname(zahl));
     case Art::BEENDET:
-        return "ended the process with exit code " + std::to_string(zahl);
+        return satz("ended the process with exit code {1}", zahl);
     case Art::ZEIT:
-        return "did not come back in time";
+        return uebersetzt("did not come back in time");
     case Art::KANAL:
-        return "interfered with the tool's own channel";
+        return uebersetzt("interfered with the tool's own channel");
     case Art::GUT:
         break;
     }

@@ -15,7 +15,7 @@
 namespace werkzeug {
 
 void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen) {
-    constexpr char kGruppe[] = "Options of all commands";
+    constexpr const char* kGruppe = N_("Options of all commands");
     CLI::Option* const home = app.add_option("--home", optionen.home,
                                              "Home directory; plugins lie below its subdirectory \"plugins\"")
                                   ->type_name("DIR");
@@ -34,11 +34,11 @@ void fuegeOptionenHinzu(CLI::App& app, Optionen& optionen) {
     app.add_option("--log", optionen.log,
                    "The library's own log on standard error: debug, info, warn or error")
         ->type_name("LEVEL")
-        ->check(CLI::IsMember({"debug", "info", "warn", "error"}))
+        ->check(CLI::IsMember({"debug", "info", "warn", "error"}).description(""))
         ->group(kGruppe);
     app.add_option("--timeout", optionen.zeitlimit, "Seconds that one plugin may take before it is killed")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.01, 86400.0))
+        ->check(CLI::Range(0.01, 86400.0).description(""))
         ->check(CLI::Validator(
             [](std::string& wert) {
                 return std::isnan(std::strtod(wert.c_str(), nullptr)) ? std::string("must be a number")

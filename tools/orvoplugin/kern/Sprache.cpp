@@ -59,7 +59,7 @@ void sprichDieSpracheDesBenutzers() {
     bind_textdomain_codeset(kKatalog, "UTF-8");
 }
 
-Englisch::Englisch() : vorher_(istEnglisch) { istEnglisch = true; }
+Englisch::Englisch(bool ja) : vorher_(istEnglisch) { istEnglisch = ja; }
 Englisch::~Englisch() { istEnglisch = vorher_; }
 
 const char* uebersetzt(const char* text) {

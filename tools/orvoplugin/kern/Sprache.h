@@ -12,10 +12,10 @@ namespace werkzeug {
 
 /// Takes up the user's language. Without a call, and where no catalogue has that language, the tool speaks English.
 void sprichDieSpracheDesBenutzers();
-/// Speaks English while it lives: for output that programs read.
+/// Speaks English while it lives, for output that programs read; with `ja` false, the user's language again.
 class Englisch {
 public:
-    Englisch();
+    explicit Englisch(bool ja = true);
     Englisch(const Englisch&) = delete;
     Englisch& operator=(const Englisch&) = delete;
     ~Englisch();
