@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 extern char** environ; // NOLINT: POSIX's name
@@ -21,7 +22,10 @@ std::vector<char*> alsFeld(std::vector<std::string>& texte) {
     return feld;
 }
 
-std::vector<std::string> umgebungMit(const std::vector<std::string>& zusaetze) {
+std::vector<std::string> umgebungMit(std::vector<std::string> zusaetze) {
+    if (std::none_of(zusaetze.begin(), zusaetze.end(),
+                     [](const std::string& zusatz) { return zusatz.starts_with("LC_ALL="); }))
+        zusaetze.emplace_back("LC_ALL=C");
     std::vector<std::string> umgebung = zusaetze;
     for (char** eintrag = environ; *eintrag; ++eintrag) {
         const std::string zeile = *eintrag;

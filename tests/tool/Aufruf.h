@@ -15,5 +15,8 @@ struct Ergebnis {
 Ergebnis rufe(const std::string& programm, const std::vector<std::string>& argumente,
               const std::vector<std::string>& umgebung = {});
 
-/// Runs the tool.
+/// What makes the tool speak German, on a machine without a German locale, too.
+inline const std::vector<std::string> kDeutsch{"LC_ALL=C.UTF-8", "LANGUAGE=de"};
+
+/// Runs the tool. It speaks English unless the environment given says otherwise.
 Ergebnis rufeTool(const std::vector<std::string>& argumente, const std::vector<std::string>& umgebung = {});

@@ -55,7 +55,7 @@ protected:
         EXPECT_THAT(text.fehler, IsEmpty());
         std::vector<std::string> mitJson = argumente;
         mitJson.push_back("--json");
-        const Ergebnis json = heim_.rufe(mitJson);
+        const Ergebnis json = heim_.rufe(mitJson, kDeutsch); // JSON is English in every locale
         EXPECT_EQ(json.ausgang, ausgang);
         EXPECT_EQ(vergleicheMitMuster(name + ".json", json.ausgabe), "");
         EXPECT_THAT(json.fehler, IsEmpty());

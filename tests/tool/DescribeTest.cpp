@@ -218,7 +218,8 @@ TEST(Describe, TextAndJsonStandAsTheyAre) {
         std::vector<std::string> argumente{"describe", gut, ohne};
         if (name == std::string("describe.json"))
             argumente.emplace_back("--json");
-        const Ergebnis ergebnis = rufeTool(argumente);
+        const Ergebnis ergebnis = // JSON is English in every locale
+            rufeTool(argumente, argumente.back() == "--json" ? kDeutsch : std::vector<std::string>{});
         const std::string groesse = std::to_string(liesBeschreibung(gut).bytes.size());
         const std::string text = ersetze(ergebnis.ausgabe, heim.verzeichnis.pfad(), "@HOME@");
         EXPECT_EQ(vergleicheMitMuster(name, ersetze(text, groesse, "200")), "");

@@ -46,6 +46,24 @@ TEST(Programm, RefusesAMissingCommandAsWrongUsage) {
     EXPECT_THAT(ergebnis.fehler, StartsWith("orvoplugin: A subcommand is required"));
 }
 
+TEST(Programm, SpeaksTheUsersLanguage) {
+    const Ergebnis hilfe = rufeTool({"find", "--help"}, kDeutsch);
+    EXPECT_THAT(hilfe.ausgabe,
+                HasSubstr("Aufruf: orvoplugin find [OPTIONEN] ART [UNTERFALLART] [ZEITRAUM]\n"));
+    EXPECT_EQ(rufeTool({"find"}, kDeutsch).fehler,
+              "orvoplugin: TYPE fehlt\nHilfe gibt 'orvoplugin --help'.\n");
+    EXPECT_EQ(
+        rufeTool({"list", "--log", "laut"}, kDeutsch).fehler,
+        "orvoplugin: --log: laut ist keines von {debug,info,warn,error}\nHilfe gibt 'orvoplugin --help'.\n");
+    EXPECT_EQ(rufeTool({"find"}, {"LC_ALL=xx_YY.UTF-8"}).fehler,
+              "orvoplugin: TYPE is required\nTry 'orvoplugin --help'.\n");
+}
+
+TEST(Programm, SpeaksGermanAlsoWhereTheSystemHasNoGermanLocale) {
+    const Ergebnis ohne = rufe("/usr/bin/env", {"-i", "LANG=de_AT.UTF-8", ORVO_TOOL, "find"});
+    EXPECT_THAT(ohne.fehler, StartsWith("orvoplugin: TYPE fehlt\n"));
+}
+
 TEST(Programm, RefusesAnUnknownCommandAsWrongUsage) {
     const Ergebnis ergebnis = rufeTool({"paint"});
     EXPECT_EQ(ergebnis.ausgang, 2);

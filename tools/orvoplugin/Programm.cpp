@@ -3,9 +3,11 @@
 #include "befehle/Befehl.h"
 #include "kern/Anzeige.h"
 #include "kern/Herkunft.h"
+#include "kern/Hilfe.h"
 #include "kern/Kindprozess.h"
 #include "kern/Naehe.h"
 #include "kern/Optionen.h"
+#include "kern/Sprache.h"
 
 #include <CLI/CLI.hpp>
 
@@ -24,19 +26,20 @@ namespace werkzeug {
 
 namespace {
 
-constexpr char kBeschreibung[] = "Shows what is in a plugin directory, which plugin answers for which "
-                                 "sub-case type and period, and why not.";
+constexpr const char* kBeschreibung =
+    N_("Shows what is in a plugin directory, which plugin answers for which "
+       "sub-case type and period, and why not.");
 
 constexpr char kBeispiele[] = "  orvoplugin list --home /opt/client\n"
                               "  orvoplugin why libmine.dylib --home /opt/client\n"
                               "  orvoplugin help why\n";
 
-constexpr char kAusgaenge[] =
-    "Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
-    "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.";
+constexpr const char* kAusgaenge =
+    N_("Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
+       "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.");
 
 std::string fusszeile(const char* beispiele) {
-    return uebersetzt(std::string("Examples:")) + "\n" + beispiele + "\n" + kAusgaenge;
+    return satz("Examples:") + "\n" + beispiele + "\n" + uebersetzt(kAusgaenge);
 }
 
 /// The words in the order in which CLI11 takes them: the last first. "help find" is "find --help".
@@ -89,8 +92,11 @@ int meldeFalschenAufruf(const CLI::App& app, const CLI::Error& fehler) {
         gibAus(text.str());
         return static_cast<int>(Ausgang::GUT);
     }
-    std::cerr << "orvoplugin: " << (zuviel.empty() ? fehler.what() : meldungZu(befehl, zuviel.front()))
-              << "\nTry 'orvoplugin " << (gewaehlt.empty() ? "" : befehl.get_name() + " ") << "--help'.\n";
+    std::cerr << "orvoplugin: "
+              << (zuviel.empty() ? parsertext(fehler.what()) : meldungZu(befehl, zuviel.front())) << "\n"
+              << satz("Try '{1}'.",
+                      "orvoplugin " + (gewaehlt.empty() ? "" : befehl.get_name() + " ") + "--help")
+              << "\n";
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
 }
 
@@ -116,12 +122,14 @@ void weiseAufFehlendesKommaHin(const Optionen& optionen) {
     if (optionen.quiet || liste.empty() || liste.back() == ',')
         return;
     const std::string letzter = einzeilig(liste.substr(liste.rfind(',') + 1));
-    std::cerr << "orvoplugin: --resident: \"" << letzter << "\" names no plugin, for no comma follows it\n";
+    std::cerr << "orvoplugin: "
+              << satz("--resident: \"{1}\" names no plugin, for no comma follows it", letzter) << "\n";
 }
 
 } // namespace
 
 int programm(int argc, char** argv) try {
+    sprichDieSpracheDesBenutzers();
     CLI::App app(kBeschreibung, "orvoplugin");
     app.footer(fusszeile(kBeispiele));
     app.set_version_flag("-V,--version", versionen());
@@ -148,6 +156,7 @@ int programm(int argc, char** argv) try {
         verlangeWerte(*unterbefehl);
         befehle.emplace_back(unterbefehl, std::move(befehl));
     }
+    uebersetzeHilfe(app);
 
     try {
         app.parse(worteVon(argc, argv));
@@ -155,6 +164,7 @@ int programm(int argc, char** argv) try {
         return meldeFalschenAufruf(app, fehler);
     }
     weiseAufFehlendesKommaHin(optionen);
+    const Englisch englisch(optionen.json);
     for (const auto& [unterbefehl, befehl] : befehle)
         if (unterbefehl->parsed())
             return static_cast<int>(befehl->fuehreAus(optionen));
@@ -164,7 +174,7 @@ int programm(int argc, char** argv) try {
     std::raise(unterbrochen.signal);
     return static_cast<int>(Ausgang::NICHT_LESBAR);
 } catch (const AufrufFehler& fehler) {
-    std::cerr << "orvoplugin: " << fehler.what() << "\nTry 'orvoplugin --help'.\n";
+    std::cerr << "orvoplugin: " << fehler.what() << "\n" << satz("Try '{1}'.", "orvoplugin --help") << "\n";
     return static_cast<int>(Ausgang::FALSCHER_AUFRUF);
 } catch (const std::exception& fehler) {
     std::cerr << "orvoplugin: " << fehler.what() << "\n";

@@ -279,15 +279,15 @@ TEST(CheckBefehl, TextAndJsonOfADirectoryStandAsTheyAre) {
          {std::pair("check.json", alle), std::pair("check-some.json", wenige)}) {
         std::vector<std::string> mitJson = argumente;
         mitJson.push_back("--json");
-        EXPECT_EQ(vergleicheMitMuster(name, heim.rufe(mitJson).ausgabe), "");
+        EXPECT_EQ(vergleicheMitMuster(name, heim.rufe(mitJson, kDeutsch).ausgabe), "");
     }
 #endif
 }
 
 TEST(CheckBefehl, TheListStandsAsItIs) {
     EXPECT_EQ(vergleicheMitMuster("check-list.txt", rufeTool({"check", "--list"}).ausgabe), "");
-    EXPECT_EQ(
-        vergleicheMitMuster("check-list.json",
-                            rufeTool({"check", "--list", "--json", "--only", "loads,describes"}).ausgabe),
-        "");
+    EXPECT_EQ(vergleicheMitMuster(
+                  "check-list.json",
+                  rufeTool({"check", "--list", "--json", "--only", "loads,describes"}, kDeutsch).ausgabe),
+              "");
 }

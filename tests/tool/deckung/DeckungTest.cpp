@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 using namespace testing;
 using Json = nlohmann::json;
@@ -36,13 +38,17 @@ protected:
         EXPECT_EQ(text.ausgang, ausgang) << text.fehler;
         EXPECT_EQ(vergleicheMitMuster(name + ".txt", text.ausgabe), "");
         argumente.push_back("--json");
-        const Ergebnis alsJson = heim_.rufe(argumente);
+        const Ergebnis alsJson = heim_.rufe(argumente, kDeutsch); // JSON is English in every locale
         EXPECT_EQ(alsJson.ausgang, ausgang);
         EXPECT_EQ(vergleicheMitMuster(name + ".json", alsJson.ausgabe), "");
         argumente.back() = "--quiet";
         const Ergebnis still = heim_.rufe(argumente);
         EXPECT_EQ(still.ausgang, ausgang);
         EXPECT_THAT(still.ausgabe + still.fehler, IsEmpty());
+    }
+    static std::string inhalt(const std::string& datei) {
+        std::ifstream strom(datei, std::ios::binary);
+        return {(std::istreambuf_iterator<char>(strom)), {}};
     }
     /// The widest line, in characters.
     static std::size_t breite(const std::string& text) {
@@ -79,6 +85,26 @@ TEST_F(Deckung, NamesWhatIsRequiredAndNotServed) {
         "soll.txt",
         "check 10 2007-2011 # the last two by the entry without period\ncheck lstb 2012Q1\nfinanz\nxpath\n");
     pruefe("coverage-required", 5, {"--type", "fehler", "--require", soll});
+}
+TEST_F(Deckung, SpeaksGermanWithoutAWordOfEnglish) {
+    legeUebliche();
+    const std::string soll = heim_.verzeichnis.schreibe("soll.txt", "check 10 2007-2011\nxpath\n");
+    EXPECT_EQ(
+        vergleicheMitMuster("coverage-de.txt", heim_.rufe({"coverage", "--require", soll}, kDeutsch).ausgabe),
+        "");
+    EXPECT_EQ(vergleicheMitMuster("coverage-nothing-de.txt",
+                                  heim_.rufe({"coverage", "--type", "xpath"}, kDeutsch).ausgabe),
+              "");
+}
+TEST_F(Deckung, ThePageIsInTheUsersLanguageAlsoBesideJson) {
+    legeUebliche();
+    const std::string seite = heim_.verzeichnis.pfad("seite.html");
+    const std::vector<std::string> argumente{"coverage", "--html", seite, "--json"};
+    const std::string englisch = heim_.rufe(argumente).ausgabe;
+    EXPECT_THAT(inhalt(seite), AllOf(HasSubstr("<html lang=\"en\">"), HasSubstr("Plugin coverage")));
+    EXPECT_EQ(heim_.rufe(argumente, kDeutsch).ausgabe, englisch);
+    EXPECT_THAT(inhalt(seite), AllOf(HasSubstr("<html lang=\"de\">"), HasSubstr("Abdeckung durch Plugins"),
+                                     HasSubstr("aria-label=\"Filter der Tabellen\"")));
 }
 TEST_F(Deckung, IsFineWhenAllThatIsRequiredIsServed) {
     legeUebliche();
