@@ -52,10 +52,14 @@ if(TARGET orvoplugin_tool)
 
     # Manual pages and shell completion, which are beside the tool's sources.
     set(tool_source "${PROJECT_SOURCE_DIR}/tools/orvoplugin")
-    file(GLOB_RECURSE manuals CONFIGURE_DEPENDS "${tool_source}/*.1")
+    file(GLOB manuals CONFIGURE_DEPENDS "${tool_source}/man/*.1")
     file(GLOB_RECURSE bash_completion CONFIGURE_DEPENDS "${tool_source}/*.bash")
     file(GLOB_RECURSE zsh_completion CONFIGURE_DEPENDS "${tool_source}/_orvoplugin")
     install(FILES ${manuals} DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tool)
+    install(
+        FILES "${tool_source}/man/de/orvoplugin.1"
+        DESTINATION "${CMAKE_INSTALL_MANDIR}/de/man1"
+        COMPONENT tool)
     install(
         FILES ${bash_completion}
         DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"

@@ -16,7 +16,8 @@ declare -A files=(
         $documents/docs/client.md $documents/docs/plugin-author.md
         $documents/examples/plugin-template/README.md $documents/examples/client-template/README.md"
     [tool]="bin/orvoplugin
-        share/man/man1/orvoplugin.1
+        share/man/man1/orvoplugin.1 share/man/de/man1/orvoplugin.1
+        share/locale/de/LC_MESSAGES/orvoplugin.mo
         share/bash-completion/completions/orvoplugin share/zsh/vendor-completions/_orvoplugin
         share/orvoplugin/orvoplugin.schema.json"
 )

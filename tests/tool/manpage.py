@@ -2,24 +2,34 @@
 """Compares the tool's manual page with its --help: the same commands, arguments, options and exit codes, and for each
 command the same line that says what it does.
 
-    manpage.py TOOL PAGE
+    manpage.py TOOL PAGE LANGUAGE
 """
 
+import os
 import re
 import subprocess
 import sys
 
 
+WORDS = {
+    "en": {"positionals": "Positionals", "subcommands": "Subcommands", "usage": "Usage", "codes": "Exit codes",
+           "commands": "COMMANDS", "options": "OPTIONS", "exit status": "EXIT STATUS"},
+    "de": {"positionals": "Argumente", "subcommands": "Befehle", "usage": "Aufruf", "codes": "Exit-Codes",
+           "commands": "BEFEHLE", "options": "OPTIONEN", "exit status": "EXIT-STATUS"},
+}
+
+
 def help_of(tool, *command):
-    return subprocess.run([tool, *command, "--help"], check=True, capture_output=True, text=True).stdout
+    return subprocess.run([tool, *command, "--help"], check=True, capture_output=True, text=True,
+                          encoding="utf-8").stdout
 
 
 def options(text):
     return set(re.findall(r"^ +(?:-\w,)?(--[a-z-]+)", text, re.M))
 
 
-def arguments(text):
-    block = re.search(r"^Positionals:\n(.*?)\n\n", text, re.M | re.S)
+def arguments(text, heading):
+    block = re.search(rf"^{heading}:\n(.*?)\n\n", text, re.M | re.S)
     return set(re.findall(r"^  (\S+)", block.group(1), re.M)) if block else set()
 
 
@@ -39,25 +49,27 @@ def tagged_options(roff):
 
 
 def main():
-    tool, page = sys.argv[1:]
+    tool, page, language = sys.argv[1:]
+    words = WORDS[language]
+    os.environ.update(LC_ALL="C.UTF-8", LANGUAGE=language)
     with open(page, encoding="utf-8") as file:
         roff = file.read()
     sections = {part.split("\n", 1)[0].strip('"'): part for part in re.split(r"^\.SH ", roff, flags=re.M)[1:]}
     pages = {}
-    for part in re.split(r"^\.SS ", sections["COMMANDS"], flags=re.M)[1:]:
+    for part in re.split(r"^\.SS ", sections[words["commands"]], flags=re.M)[1:]:
         title = part.split("\n", 1)[0].strip('"')
         pages[title.split()[1]] = (title, part)
 
     wrong = []
     overview = help_of(tool)
-    summaries = dict(re.findall(r"^  ([a-z]+) +(\S.*)$", overview.split("Subcommands:\n")[1].split("\n\n")[0], re.M))
+    summaries = dict(re.findall(r"^  ([a-z]+) +(\S.*)$", overview.split("\n" + words["subcommands"] + ":\n")[1].split("\n\n")[0], re.M))
     if set(summaries) != set(pages):
         wrong.append(f"commands: help {sorted(summaries)}, page {sorted(pages)}")
     common = options(overview)
-    if common != tagged_options(sections["OPTIONS"]):
-        wrong.append(f"common options: help {sorted(common)}, page {sorted(tagged_options(sections['OPTIONS']))}")
-    for code, meaning in re.findall(r"(\d) ([^;]+?)(?:;|\.$)", overview.split("Exit codes: ")[1].replace("\n", " ").strip()):
-        if f"\n.B {code}\n{meaning}\n" not in sections["EXIT STATUS"]:
+    if common != tagged_options(sections[words["options"]]):
+        wrong.append(f"common options: help {sorted(common)}, page {sorted(tagged_options(sections[words['options']]))}")
+    for code, meaning in re.findall(r"(\d) ([^;]+?)(?:;|\.$)", overview.split(words["codes"] + ": ")[1].replace("\n", " ").strip()):
+        if f"\n.B {code}\n{meaning}\n" not in sections[words["exit status"]]:
             wrong.append(f"exit code {code}: the page does not say '{meaning}'")
     for command, summary in summaries.items():
         title, part = pages.get(command, ("", ""))
@@ -68,10 +80,10 @@ def main():
         for option in common - options(text) - {"--version"}:  # which is of no command
             if option not in plain(part):
                 wrong.append(f"{command}: the page does not say that it takes no {option}")
-        usage = re.search(r"^Usage: (.*)$", text, re.M).group(1)
+        usage = re.search(rf"^{words['usage']}: (.*)$", text, re.M).group(1)
         if usage != title:
             wrong.append(f"{command}: usage: help '{usage}', page '{title}'")
-        missing = {a for a in arguments(text) if a not in {tag.split()[0] for tag in tags(part)}}
+        missing = {a for a in arguments(text, words["positionals"]) if a not in {tag.split()[0] for tag in tags(part)}}
         if missing:
             wrong.append(f"{command}: arguments that the page does not explain: {sorted(missing)}")
         if summary not in plain(part):
