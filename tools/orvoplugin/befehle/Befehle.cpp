@@ -27,7 +27,7 @@ const std::vector<BefehlEintrag>& alleBefehle() {
         {"diff", N_("What another plugin directory, or one copied over this one, would change"), macheDiff,
          "  orvoplugin diff /opt/client/plugins ./plugins\n"
          "  orvoplugin diff --merge /opt/client/plugins ./delivery\n"},
-        {"check", N_("Checks plugins for conformance, for their authors and for CI"), check::macheCheckBefehl,
+        {"check", N_("Checks plugins for conformance, for their authors and for CI"), macheCheck,
          "  orvoplugin check ./libmine.dylib\n"
          "  orvoplugin check --only exports,unloads ./libmine.dylib\n"
          "  orvoplugin check --strict --home /opt/client\n"},

@@ -8,6 +8,7 @@ namespace werkzeug {
 
 class Befehl;
 
+std::unique_ptr<Befehl> macheCheck();
 std::unique_ptr<Befehl> macheCoverage();
 std::unique_ptr<Befehl> macheDiff();
 std::unique_ptr<Befehl> macheDescribe();
@@ -15,9 +16,5 @@ std::unique_ptr<Befehl> macheList();
 std::unique_ptr<Befehl> macheShow();
 std::unique_ptr<Befehl> macheFind();
 std::unique_ptr<Befehl> macheWhy();
-
-namespace check {
-std::unique_ptr<Befehl> macheCheckBefehl();
-}
 
 } // namespace werkzeug

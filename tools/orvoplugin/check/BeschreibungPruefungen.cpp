@@ -6,6 +6,7 @@
 #include "check/Text.h"
 #include "check/Vorschlag.h"
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -124,8 +125,6 @@ void pruefeHook(const char* was, const std::string& name, const Pruefling& p, Fu
     if (!name.empty() && !p.bild.exportiertFunktion(name))
         funde.fehler(std::string(was) + ": " + warumNichtExportiert(p.bild.getInhalt(), name, false));
 }
-
-} // namespace
 
 Befund pruefeTypen(const Pruefling& p) {
     std::list<orvo_plugin_version_t> typen; // the plugin allocates its nodes, and they are freed here
@@ -267,6 +266,68 @@ Befund pruefeHooks(const Pruefling& p) {
     pruefeHook("OnLoad function", plugin->getOnLoadFuncName(), p, funde);
     pruefeHook("OnUnload function", plugin->getOnUnloadFuncName(), p, funde);
     return funde.befund();
+}
+
+} // namespace
+
+std::vector<Pruefung> beschreibungsPruefungen() {
+    return {
+        {"declares-type",
+         N_("orvo_plugin_get_types declares plugin interface 1, once, and no other."),
+         {"entry-points", "loads"},
+         Ort::KIND,
+         pruefeTypen},
+        {"describes",
+         N_("The plugin describes itself, and the library takes it."),
+         {"declares-type"},
+         Ort::KIND,
+         pruefeBeschreibung},
+        {"signatures",
+         N_("The entry points do what their signatures say: the one only appends, the other returns true or false."),
+         {"describes"},
+         Ort::KIND,
+         pruefeSignaturen},
+        {"describes-twice",
+         N_("The plugin describes itself the same way each time."),
+         {"describes"},
+         Ort::KIND,
+         pruefeZweiteBeschreibung},
+        {"description",
+         N_("The description in the file, if there is one, is what the plugin says of itself."),
+         {"describes-twice"},
+         Ort::KIND,
+         pruefeBeschreibungInDatei},
+        {"versions",
+         N_("Product version and file version are numbers with dots or commas between them."),
+         {"describes"},
+         Ort::KIND,
+         pruefeVersionen},
+        {"texts",
+         N_("Names, versions and labels are readable Latin-1."),
+         {"describes"},
+         Ort::KIND,
+         pruefeTexte},
+        {"offers",
+         N_("The plugin offers at least one extension, and each extension serves at least one period."),
+         {"describes"},
+         Ort::KIND,
+         pruefeAngebot},
+        {"own-overlaps",
+         N_("No extension of the plugin hides another one of it."),
+         {"describes"},
+         Ort::KIND,
+         pruefeEigeneUeberschneidung},
+        {"factories",
+         N_("The factory function of each extension is exported."),
+         {"describes"},
+         Ort::KIND,
+         pruefeFactories},
+        {"hooks",
+         N_("The OnLoad and OnUnload functions that the plugin names are exported."),
+         {"describes"},
+         Ort::KIND,
+         pruefeHooks},
+    };
 }
 
 } // namespace werkzeug::check

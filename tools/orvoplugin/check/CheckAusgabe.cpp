@@ -159,7 +159,7 @@ std::string listentext(const Json& dokument, const Farben& farben) {
     std::string text;
     for (const Json& pruefung : pruefungen)
         text += farben(Farbe::FETT, aufgefuellt(pruefung.at("name").get<std::string>(), breite)) + "  " +
-                pruefung.at("sentence").get<std::string>() + "\n";
+                uebersetzt(pruefung.at("sentence").get<std::string>()) + "\n";
     return text;
 }
 

@@ -4,8 +4,11 @@
 #include "check/Text.h"
 #include "check/Vorschlag.h"
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 namespace werkzeug::check {
+
+namespace {
 
 Befund pruefeDateiformat(const Pruefling& p) {
     return p.bild.istLadbar() ? bestanden() : durchgefallen(einzeilig(p.bild.getGrund()));
@@ -50,14 +53,6 @@ Befund pruefeThreadDestruktoren(const Pruefling& p) {
                : bestanden();
 }
 
-Befund pruefeBindung(const Pruefling& p) {
-    return p.bild.getInhalt().bindetSofort
-               ? bestanden()
-               : warnung(
-                     "not linked with -z now: opened by others, a missing function would end the process at "
-                     "its first call");
-}
-
 Befund pruefeCodeAenderung(const Pruefling& p) {
     return p.bild.getInhalt().aendertCode
                ? durchgefallen(
@@ -72,6 +67,53 @@ Befund pruefeSuchpfade(const Pruefling& p) {
             funde.fehler("looks for libraries in " + zitiert(pfad) +
                          ", which depends on the directory that the process runs in");
     return funde.befund();
+}
+
+} // namespace
+
+std::vector<Pruefung> dateiPruefungen() {
+    return {
+        {"file-format",
+         N_("The file is a whole shared library for this machine and for this release of the libraries."),
+         {},
+         Ort::DATEI,
+         pruefeDateiformat},
+        {"entry-points",
+         N_("The library exports the functions orvo_plugin_get_types and orvo_plugin_initialize."),
+         {},
+         Ort::DATEI,
+         pruefeEinsprungpunkte},
+        {"exports",
+         N_("The library exports C functions only, so that none of its C++ names meet those of others."),
+         {},
+         Ort::DATEI,
+         pruefeExporte},
+        {"unique-symbols",
+         N_("The library exports no unique symbol, which would keep it in the process for good."),
+         {},
+         Ort::DATEI,
+         pruefeEinmaligeSymbole},
+        {"nodelete",
+         N_("The library is not marked as one that stays in the process."),
+         {},
+         Ort::DATEI,
+         pruefeBleiben},
+        {"thread-destructors",
+         N_("The library has no thread-local variable with a destructor, which would keep it in the process."),
+         {},
+         Ort::DATEI,
+         pruefeThreadDestruktoren},
+        {"text-relocations",
+         N_("The library's code need not be written to when it is opened."),
+         {},
+         Ort::DATEI,
+         pruefeCodeAenderung},
+        {"search-paths",
+         N_("The library looks for others in directories with full names only, or beside itself."),
+         {},
+         Ort::DATEI,
+         pruefeSuchpfade},
+    };
 }
 
 } // namespace werkzeug::check

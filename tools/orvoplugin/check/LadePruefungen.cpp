@@ -5,6 +5,7 @@
 #include "check/Text.h"
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/plugin/LadeBeobachter.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
@@ -129,8 +130,6 @@ Namensurteil urteilUeber(const std::string& name) {
     return urteil;
 }
 
-} // namespace
-
 Befund pruefeDateiname(const Pruefling& p) {
     const std::string name = getOnlyFilenameOfFullFilename(p.pfad);
     const Namensurteil urteil = urteilUeber(name);
@@ -169,9 +168,49 @@ Befund pruefeUndefinierteSymbole(const Pruefling& p) {
     return funde.befund();
 }
 
+Befund pruefeBindung(const Pruefling& p) {
+    return p.bild.getInhalt().bindetSofort
+               ? bestanden()
+               : warnung(
+                     "not linked with -z now: opened by others, a missing function would end the process at "
+                     "its first call");
+}
+
 Befund pruefeOeffnen(const Pruefling& p) {
     SharedLib bibliothek(p.pfad);
     return bibliothek.load() ? bestanden() : durchgefallen(einzeilig(bibliothek.getLastError()));
+}
+
+} // namespace
+
+std::vector<Pruefung> ladePruefungen() {
+    return {
+        {"file-name",
+         N_("The file has a name under which the plugin manager loads it."),
+         {},
+         Ort::KIND,
+         pruefeDateiname},
+        {"needed-libraries",
+         N_("Every library that the plugin needs is there, in a version that fits."),
+         {},
+         Ort::KIND,
+         pruefeBenoetigteBibliotheken},
+        {"undefined-symbols",
+         N_("Every symbol that the plugin needs is provided by somebody."),
+         {"needed-libraries"},
+         Ort::KIND,
+         pruefeUndefinierteSymbole},
+        {"immediate-binding",
+         N_("The library asks for all its symbols when it is opened, and does not depend on getting some later."),
+         {"needed-libraries", "undefined-symbols"},
+         Ort::DATEI,
+         pruefeBindung},
+        {"loads",
+         N_("The loader opens the library and closes it again, and its code that runs then comes back."),
+         {"needed-libraries", "undefined-symbols"},
+         Ort::KIND,
+         pruefeOeffnen},
+    };
 }
 
 } // namespace werkzeug::check

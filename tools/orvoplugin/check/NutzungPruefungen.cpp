@@ -4,6 +4,7 @@
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
@@ -158,8 +159,6 @@ std::size_t verlustJeNutzung(const OrvoPluginV1& plugin, std::chrono::duration<d
     return nachher > vorher ? (nachher - vorher) / runden : 0;
 }
 
-} // namespace
-
 Befund pruefeNutzung(const Pruefling& p) {
     ladeUndBenutze(p.pfad);
     return bestanden();
@@ -272,6 +271,53 @@ Befund pruefeReload(const Pruefling& p) {
             break;
     }
     return funde.befund();
+}
+
+} // namespace
+
+std::vector<Pruefung> nutzungsPruefungen() {
+    return {
+        {"use",
+         N_("Loading the plugin, getting and giving back each of its services and closing it come to an end."),
+         {"describes"},
+         Ort::KIND,
+         pruefeNutzung},
+        {"services",
+         N_("Each factory makes an object of the interface that its extension declares, each time."),
+         {"factories", "use"},
+         Ort::KIND,
+         pruefeServices},
+        {"service-ownership",
+         N_("A factory makes a new object each time where the library deletes it, and the same one otherwise."),
+         {"services"},
+         Ort::KIND,
+         pruefeServiceBesitz},
+        {"exceptions",
+         N_("No exception leaves an entry point, a hook or a factory."),
+         {"use"},
+         Ort::KIND,
+         pruefeAusnahmen},
+        {"unloads",
+         N_("After loading, use and release nothing of the library is left in the process."),
+         {"use", "nodelete"},
+         Ort::KIND,
+         pruefeEntladen},
+        {"memory",
+         N_("Using the plugin again and again takes no more memory."),
+         {"services"},
+         Ort::KIND,
+         pruefeSpeicher},
+        {"resident",
+         N_("The plugin also works as a resident one, which stays open between uses."),
+         {"services"},
+         Ort::KIND,
+         pruefeResident},
+        {"reload",
+         N_("The plugin can be unloaded while a service is out, and is the same after it is loaded again."),
+         {"services", "describes-twice", "unloads"},
+         Ort::KIND,
+         pruefeReload},
+    };
 }
 
 } // namespace werkzeug::check

@@ -109,8 +109,7 @@ private:
     Befund befundVon(const Pruefung& pruefung) {
         if (const Pruefergebnis* const hindernis = hindernisFuer(pruefung))
             return uebersprungen(std::string("builds on ") + hindernis->pruefung->name);
-        const bool istFormat = pruefung.pruefe == pruefeDateiformat;
-        if (!istFormat && !pruefling_.bild.istLadbar())
+        if (&pruefung != &katalog().front() && !pruefling_.bild.istLadbar())
             return durchgefallen(einzeilig(pruefling_.bild.getGrund()));
         if (auftrag_.vorPruefung)
             auftrag_.vorPruefung(ergebnis_.pfad, pruefung);

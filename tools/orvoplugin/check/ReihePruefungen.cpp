@@ -5,6 +5,7 @@
 #include "check/Registratur.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 #include <orvoutil/OrvoVersion.h>
 #include <orvoutil/SharedLib.h>
@@ -35,8 +36,6 @@ std::string text(const OrvoPlugin& anderes, const Verlust& verlust) {
     return verlust.beispiel + mehr + " served by " + einzeilig(anderes.getSharedLib()->getName()) + " (" +
            version + ")";
 }
-
-} // namespace
 
 Befund pruefeUeberschneidungen(const Pruefling& p) {
     if (p.andere.empty())
@@ -73,6 +72,18 @@ Befund pruefeUeberschneidungen(const Pruefling& p) {
             funde.warnung(text(*anderes, verlust));
     }
     return funde.befund();
+}
+
+} // namespace
+
+std::vector<Pruefung> reihenPruefungen() {
+    return {
+        {"overlaps",
+         N_("No other of the given plugins answers in place of this one."),
+         {"describes"},
+         Ort::KIND_REIHE,
+         pruefeUeberschneidungen},
+    };
 }
 
 } // namespace werkzeug::check

@@ -4,6 +4,7 @@
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 #include <orvoutil/Einstellungen.h>
 
@@ -254,8 +255,6 @@ Stand einstellungen() {
     return stand;
 }
 
-} // namespace
-
 Befund pruefeAusgabe(const Pruefling& p) {
     std::string aus, fehler;
     {
@@ -321,6 +320,71 @@ Befund pruefeKindprozesse(const Pruefling& p) {
         return bestanden();
     return durchgefallen(kind > 0 ? "a child process of the plugin has ended, and nobody has waited for it"
                                   : "a child process of the plugin still runs");
+}
+
+} // namespace
+
+std::vector<Pruefung> rueckstandsPruefungen() {
+    return {
+        {"no-output", N_("The plugin writes nothing to standard output."), {"use"}, Ort::KIND, pruefeAusgabe},
+        {"locale", N_("The plugin leaves the locale as it found it."), {"use"}, Ort::KIND, pruefeLocale},
+        {"working-directory",
+         N_("The plugin leaves the working directory as it found it."),
+         {"use"},
+         Ort::KIND,
+         pruefeVerzeichnis},
+        {"signal-handlers",
+         N_("The plugin leaves the handling of signals as it found it."),
+         {"use"},
+         Ort::KIND,
+         pruefeSignale},
+        {"cxx-handlers",
+         N_("The plugin leaves the handlers for terminate and for want of memory as it found them."),
+         {"use"},
+         Ort::KIND,
+         pruefeHandler},
+        {"descriptors",
+         N_("The plugin closes the file descriptors that it opens, and no others."),
+         {"use"},
+         Ort::KIND,
+         pruefeDeskriptoren},
+        {"environment",
+         N_("The plugin leaves the environment variables as it found them."),
+         {"use"},
+         Ort::KIND,
+         pruefeUmgebung},
+        {"umask",
+         N_("The plugin leaves the mask for new files as it found it."),
+         {"use"},
+         Ort::KIND,
+         pruefeUmask},
+        {"threads", N_("The plugin ends the threads that it starts."), {"use"}, Ort::KIND, pruefeThreads},
+        {"child-processes",
+         N_("The plugin leaves no child process behind."),
+         {"use"},
+         Ort::KIND,
+         pruefeKindprozesse},
+        {"floating-point",
+         N_("The plugin leaves the rules of floating-point arithmetic as it found them."),
+         {"use"},
+         Ort::KIND,
+         pruefeGleitkomma},
+        {"streams",
+         N_("The plugin leaves the standard streams' formats and buffers as it found them."),
+         {"use"},
+         Ort::KIND,
+         pruefeStroeme},
+        {"timers",
+         N_("The plugin leaves no timer running that would end the process."),
+         {"use"},
+         Ort::KIND,
+         pruefeZeitgeber},
+        {"settings",
+         N_("The plugin leaves the library's settings as it found them."),
+         {"use"},
+         Ort::KIND,
+         pruefeEinstellungen},
+    };
 }
 
 } // namespace werkzeug::check

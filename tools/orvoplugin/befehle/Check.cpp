@@ -1,3 +1,5 @@
+// orvoplugin check FILE...: whether plugins fit the library and their hosts.
+
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
 #include "check/CheckAusgabe.h"
@@ -16,13 +18,13 @@
 #include <string>
 #include <vector>
 
-using namespace orvo::orvoutil;
-
-namespace werkzeug::check {
+namespace werkzeug {
 
 namespace {
 
-class CheckBefehl final : public Befehl {
+using namespace check;
+
+class Check final : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
         unterbefehl
@@ -46,7 +48,8 @@ public:
         if (liste_)
             return zeigeListe(auswahl, optionen);
         const std::vector<std::string> dateien = alleDateien(optionen);
-        Einstellungen().setze("basis.resident_plugins", optionen.resident); // child processes inherit it
+        // child processes inherit it
+        orvo::orvoutil::Einstellungen().setze("basis.resident_plugins", optionen.resident);
         std::vector<Dateiergebnis> ergebnisse = pruefeAlle(dateien, auswahl, optionen);
         if (streng_)
             verschaerfe(ergebnisse);
@@ -97,6 +100,6 @@ private:
 
 } // namespace
 
-std::unique_ptr<Befehl> macheCheckBefehl() { return std::make_unique<CheckBefehl>(); }
+std::unique_ptr<Befehl> macheCheck() { return std::make_unique<Check>(); }
 
-} // namespace werkzeug::check
+} // namespace werkzeug
