@@ -30,6 +30,8 @@ namespace {
 
 using Uhr = std::chrono::steady_clock;
 
+volatile std::sig_atomic_t unterbrechung = 0; ///< the signal that came
+
 /// Header of each record in the pipe.
 struct Kopf {
     std::uint64_t geheimnis = 0; ///< of this one child
@@ -85,20 +87,6 @@ public:
 private:
     int enden_[2] = {-1, -1};
 };
-
-bool schreibeGanz(int deskriptor, const void* daten, std::size_t anzahl) {
-    const char* lies = static_cast<const char*>(daten);
-    while (anzahl > 0) {
-        const ssize_t geschrieben = write(deskriptor, lies, anzahl);
-        if (geschrieben < 0 && errno == EINTR)
-            continue;
-        if (geschrieben <= 0)
-            return false;
-        lies += geschrieben;
-        anzahl -= static_cast<std::size_t>(geschrieben);
-    }
-    return true;
-}
 
 /// Closes all inherited descriptors except the standard streams and the two given.
 void schliesseGeerbtes([[maybe_unused]] int einer, [[maybe_unused]] int anderer) {
@@ -187,30 +175,6 @@ void lasseStellvertreter(int rohr) {
     endeWie(zustand);
 }
 
-/// The children of this process; none where the system does not tell.
-std::set<pid_t> kinder() {
-    std::set<pid_t> liste;
-    std::ifstream datei("/proc/thread-self/children");
-    for (pid_t kind = 0; datei >> kind;)
-        liste.insert(kind);
-    return liste;
-}
-
-/// Ends processes that a child left behind: orphans become children of this process on request.
-void raeumeAuf(const std::set<pid_t>& eigene) {
-    std::set<pid_t> fremde = eigene; // and those that may not be ended
-    for (bool fertig = false; !fertig;) {
-        fertig = true;
-        for (const pid_t kind : kinder())
-            if (fremde.insert(kind).second && kill(kind, SIGKILL) == 0) {
-                while (waitpid(kind, nullptr, 0) < 0 && errno == EINTR) {
-                }
-                fremde.erase(kind); // the number may be reused
-                fertig = false;     // it may have had children itself
-            }
-    }
-}
-
 [[noreturn]] void seiKind(const Kindarbeit& arbeit, int rohr, std::uint64_t geheimnis) noexcept {
     Kopf kopf{geheimnis, 0, 0};
     arbeit([&](std::string_view satz) {
@@ -236,33 +200,6 @@ std::string signalname([[maybe_unused]] int signal) {
 #endif
     return {};
 }
-
-volatile std::sig_atomic_t unterbrechung = 0; ///< the signal that came
-
-/// Records signals that would end this process, so that the child is ended first.
-class Signalwache {
-public:
-    Signalwache() {
-        unterbrechung = 0;
-        struct sigaction notiz {};
-        notiz.sa_handler = [](int signal) { unterbrechung = signal; };
-        for (std::size_t i = 0; i < std::size(kSignale); ++i) {
-            sigaction(kSignale[i], nullptr, &vorher_[i]);
-            if (vorher_[i].sa_handler == SIG_DFL) // ignored signals stay ignored
-                sigaction(kSignale[i], &notiz, nullptr);
-        }
-    }
-    Signalwache(const Signalwache&) = delete;
-    Signalwache& operator=(const Signalwache&) = delete;
-    ~Signalwache() {
-        for (std::size_t i = 0; i < std::size(kSignale); ++i)
-            sigaction(kSignale[i], &vorher_[i], nullptr);
-    }
-
-private:
-    static constexpr int kSignale[] = {SIGINT, SIGTERM, SIGHUP};
-    struct sigaction vorher_[std::size(kSignale)];
-};
 
 /// The parent's side.
 class Aufsicht {
@@ -315,8 +252,7 @@ private:
                 liesAlles();
             else if (takt_)
                 takt_();
-            if (unterbrechung != 0)
-                throw Unterbrochen{unterbrechung};
+            wache_.pruefe();
             if (fertig_)
                 return {};
             if (verdorben_)
@@ -420,6 +356,66 @@ private:
 };
 
 } // namespace
+
+bool schreibeGanz(int deskriptor, const void* daten, std::size_t anzahl) {
+    const char* lies = static_cast<const char*>(daten);
+    while (anzahl > 0) {
+        const ssize_t geschrieben = write(deskriptor, lies, anzahl);
+        if (geschrieben < 0 && errno == EINTR)
+            continue;
+        if (geschrieben <= 0)
+            return false;
+        lies += geschrieben;
+        anzahl -= static_cast<std::size_t>(geschrieben);
+    }
+    return true;
+}
+
+std::set<pid_t> kinder() {
+    std::set<pid_t> liste;
+    std::ifstream datei("/proc/thread-self/children");
+    for (pid_t kind = 0; datei >> kind;)
+        liste.insert(kind);
+    return liste;
+}
+
+void raeumeAuf(const std::set<pid_t>& eigene) {
+    std::set<pid_t> fremde = eigene; // and those that may not be ended
+    for (bool fertig = false; !fertig;) {
+        fertig = true;
+        for (const pid_t kind : kinder())
+            if (fremde.insert(kind).second && kill(kind, SIGKILL) == 0) {
+                while (waitpid(kind, nullptr, 0) < 0 && errno == EINTR) {
+                }
+                fremde.erase(kind); // the number may be reused
+                fertig = false;     // it may have had children itself
+            }
+    }
+}
+
+Signalwache::Signalwache() {
+    unterbrechung = 0;
+    struct sigaction notiz {};
+    notiz.sa_handler = [](int signal) { unterbrechung = signal; };
+    for (std::size_t i = 0; i < std::size(kSignale); ++i) {
+        sigaction(kSignale[i], nullptr, &vorher_[i]);
+        if (vorher_[i].sa_handler == SIG_DFL) // ignored signals stay ignored
+            sigaction(kSignale[i], &notiz, nullptr);
+    }
+}
+
+Signalwache::~Signalwache() { legeNieder(); }
+
+bool Signalwache::legeNieder() {
+    for (std::size_t i = 0; i < std::size(kSignale); ++i)
+        sigaction(kSignale[i], &vorher_[i], nullptr);
+    return unterbrechung == 0;
+}
+
+void Signalwache::pruefe() const {
+    if (unterbrechung != 0)
+        throw Unterbrochen{unterbrechung};
+}
 
 std::string Kindende::text() const {
     switch (art) {

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
+#include <csignal>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -39,6 +43,32 @@ using Empfang = std::function<void(std::string_view)>;
 struct Unterbrochen {
     int signal = 0;
 };
+
+/// Records SIGINT, SIGTERM and SIGHUP while it lives, so that children are ended first.
+class Signalwache {
+public:
+    Signalwache();
+    Signalwache(const Signalwache&) = delete;
+    Signalwache& operator=(const Signalwache&) = delete;
+    ~Signalwache();
+
+    /// Errors: `Unterbrochen` when one came.
+    void pruefe() const;
+    /// Lets the signals act as before. Returns: false when one came.
+    bool legeNieder();
+
+private:
+    static constexpr int kSignale[] = {SIGINT, SIGTERM, SIGHUP};
+    struct sigaction vorher_[3];
+};
+
+/// The children of this process; none where the system does not tell.
+std::set<pid_t> kinder();
+/// Ends all children of this process but these, and orphans that become its children by that.
+void raeumeAuf(const std::set<pid_t>& eigene);
+
+/// Returns: whether all could be written.
+bool schreibeGanz(int deskriptor, const void* daten, std::size_t anzahl);
 
 /// In a child: a descriptor of the tool's own standard error. Plugins do not see it: they write to the child's.
 int protokollDeskriptor();
