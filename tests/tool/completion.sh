@@ -47,6 +47,7 @@ erwarte xpath_mapping coverage --type = x
 erwarte xpath_mapping coverage --json --type x
 erwarte "$(printf 'describes\ndescribes-twice')" check --only describes
 erwarte umask check --skip uma
+erwarte sarif check --format s
 ordner=$(mktemp -d)
 trap 'rm -rf "$ordner"' EXIT
 mkdir "$ordner/heim"

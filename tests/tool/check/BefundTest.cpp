@@ -15,13 +15,15 @@ TEST(Fundliste, WithoutAFindTheCheckHasPassed) {
 
 TEST(Fundliste, AnErrorOutweighsWarnings) {
     Fundliste funde;
-    funde.warnung("eins");
+    funde.warnung("eins", "one");
     EXPECT_EQ(funde.befund().urteil, Urteil::WARNUNG);
     EXPECT_EQ(funde.befund().text, "eins");
-    funde.fehler("zwei");
-    funde.fehler("drei");
+    EXPECT_EQ(funde.befund().code, "one");
+    funde.fehler("zwei", "two");
+    funde.fehler("drei", "three");
     EXPECT_EQ(funde.befund().urteil, Urteil::DURCHGEFALLEN);
     EXPECT_EQ(funde.befund().text, "zwei; drei");
+    EXPECT_EQ(funde.befund().code, "two") << "that of the first error";
     EXPECT_FALSE(funde.istLeer());
 }
 

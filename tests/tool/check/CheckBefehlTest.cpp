@@ -44,11 +44,20 @@ TEST(CheckBefehl, SeveralFilesAreSeveralBlocks) {
     const Ergebnis ergebnis =
         rufeTool({"check", "--only", "entry-points,immediate-binding", eines.pfad(), anderes.pfad()});
     EXPECT_EQ(ergebnis.ausgang, 0) << "a warning is no failure";
-    EXPECT_THAT(ergebnis.ausgabe, HasSubstr(eines.pfad() +
-                                            "\n  passed     entry-points\n  passed     "
-                                            "immediate-binding\n  2 passed\n\n" +
-                                            anderes.pfad() + "\n"));
-    EXPECT_THAT(ergebnis.ausgabe, HasSubstr("  1 passed, 1 warning\n"));
+    EXPECT_EQ(ergebnis.ausgabe,
+              "1/2 " + eines.pfad() +
+                  ": passed\n"
+                  "  passed     entry-points\n"
+                  "  passed     immediate-binding\n"
+                  "  2 passed\n\n"
+                  "2/2 " +
+                  anderes.pfad() +
+                  ": with warnings\n"
+                  "  passed     entry-points\n"
+                  "  warning    immediate-binding  not linked with -z now: opened by others, a "
+                  "missing function would end the process at its first call\n"
+                  "  1 passed, 1 warning\n\n"
+                  "2 files: 1 passed, 1 with warnings\n");
 }
 
 TEST(CheckBefehl, StrictMakesAWarningAFailure) {
@@ -60,6 +69,69 @@ TEST(CheckBefehl, StrictMakesAWarningAFailure) {
     const Ergebnis gut =
         rufeTool({"check", "--strict", "--only", "immediate-binding", test_plugins::Conforms});
     EXPECT_EQ(gut.ausgang, 0);
+}
+
+TEST(CheckBefehl, ResultsDoNotDependOnHowManyFilesAreCheckedAtOnce) {
+    const Verzeichnis verzeichnis;
+    for (const char* const name : {"liba.dylib", "libb.dylib", "libc.dylib", "libd.dylib"})
+        verzeichnis.kopiere(test_plugins::Conforms, name);
+    verzeichnis.schreibe("libb.dylib.txt", "beschreiben absturz");
+    verzeichnis.schreibe("libe.dylib", "no library");
+    for (const char* const format : {"text", "json", "junit", "sarif", "github"}) {
+        const auto mit = [&](const char* jobs) {
+            return rufeTool({"check", "--dir", verzeichnis.pfad(), "--only",
+                             "file-format,describes,use,overlaps", "--format", format, "--jobs", jobs});
+        };
+        const Ergebnis eines = mit("1");
+        EXPECT_EQ(eines.ausgang, 4);
+        for (const char* const jobs : {"2", "7"})
+            EXPECT_EQ(mit(jobs).ausgabe, eines.ausgabe) << format;
+    }
+}
+
+TEST(CheckBefehl, WhatLooksAtFilesTogetherComesAfterThem) {
+    const Verzeichnis verzeichnis;
+    const std::string eines = verzeichnis.kopiere(test_plugins::Conforms, "liba.dylib"),
+                      anderes = verzeichnis.kopiere(test_plugins::Conforms, "libb.dylib");
+    const std::string text = rufeTool({"check", "--only", "describes,overlaps", eines, anderes}).ausgabe;
+    EXPECT_THAT(
+        text,
+        StartsWith(
+            "1/2 " + eines + ": passed\n  passed     describes\n  1 passed\n\n2/2 " + anderes +
+            ": passed\n  passed     describes\n  1 passed\n\nAll files together\n  failed     overlaps  "));
+    EXPECT_THAT(
+        text,
+        EndsWith(
+            ", of the same version: the order of the file names decides\n\n2 files: 1 passed, 1 failed\n"));
+}
+
+TEST(CheckBefehl, OnlyFailedLeavesOutFilesThatPassedAndCountsThem) {
+    const Pruefplugin gut(test_plugins::Conforms), warnung(test_plugins::BindsLate),
+        schlecht(test_plugins::Conforms, "beschreiben absturz");
+    const std::vector<std::string> argumente{"--only-failed", "--only",       "immediate-binding,describes",
+                                             gut.pfad(),      warnung.pfad(), schlecht.pfad()};
+    std::vector<std::string> alsText = argumente;
+    alsText.insert(alsText.begin(), "check");
+    const std::string text = rufeTool(alsText).ausgabe;
+    EXPECT_THAT(text, StartsWith("2/3 " + warnung.pfad() + ": with warnings\n"));
+    EXPECT_THAT(text, HasSubstr("\n3/3 " + schlecht.pfad() + ": crashed\n"));
+    EXPECT_THAT(text, Not(HasSubstr(gut.pfad())));
+    EXPECT_THAT(text, EndsWith("\n3 files: 1 passed, 1 with warnings, 1 crashed\n"));
+    int ausgang = 0;
+    const nlohmann::json json = pruefeAlsJson(argumente, ausgang);
+    EXPECT_EQ(json.at("files").size(), 2U);
+    EXPECT_EQ(json.at("totals").at("files"), 3);
+    EXPECT_EQ(json.at("totals").at("passed"), 1);
+}
+
+TEST(CheckBefehl, ChecksThatOneStandsInTheWayOfAreOneLine) {
+    const Verzeichnis verzeichnis;
+    const std::string pfad = verzeichnis.schreibe("libtext.dylib", "no library");
+    const std::string mehr = std::to_string(werkzeug::check::katalog().size() - 1);
+    EXPECT_EQ(rufeTool({"check", pfad}).ausgabe,
+              pfad + "\n  failed     file-format         keine ELF-Datei\n  " + mehr +
+                  " skipped: they build on file-format\n  1 failed, " + mehr + " skipped\n");
+    EXPECT_EQ(pruefe(pfad).ergebnisse.size(), werkzeug::check::katalog().size()) << "JSON has all";
 }
 
 TEST(CheckBefehl, HasNoColoursInAPipe) {
@@ -127,6 +199,10 @@ TEST(CheckBefehl, WrongUsageIsTold) {
     EXPECT_EQ(rufeTool({"check"}).ausgang, 2);
     EXPECT_EQ(rufeTool({"check", "--home", "x", "--dir", "x"}).ausgang, 2);
     EXPECT_EQ(rufeTool({"check", "--only", "use", "--skip", "use", "x"}).ausgang, 2);
+    EXPECT_EQ(rufeTool({"check", "--json", "--format", "sarif", "x"}).ausgang, 2);
+    EXPECT_EQ(rufeTool({"check", "--list", "--format", "junit"}).ausgang, 2);
+    EXPECT_EQ(rufeTool({"check", "--format", "xml", "x"}).ausgang, 2);
+    EXPECT_EQ(rufeTool({"check", "--jobs", "0", "x"}).ausgang, 2);
     const Ergebnis ergebnis = rufeTool({"check", "--only", "desribes", test_plugins::Conforms});
     EXPECT_EQ(ergebnis.ausgang, 2);
     EXPECT_THAT(ergebnis.fehler, HasSubstr("there is no check \"desribes\"; did you mean describes?"));
@@ -145,7 +221,8 @@ TEST(CheckBefehl, FilesThatCannotBeReadAreNamedAndTheOthersChecked) {
     const Ergebnis ergebnis = rufeTool(argumente);
     EXPECT_EQ(ergebnis.ausgang, 3);
     EXPECT_EQ(ergebnis.ausgabe,
-              std::string(test_plugins::Conforms) + "\n  passed     describes\n  1 passed\n");
+              "4/4 " + std::string(test_plugins::Conforms) +
+                  ": passed\n  passed     describes\n  1 passed\n\n4 files: 1 passed, 3 unreadable\n");
     for (const std::string& pfad : unlesbare)
         EXPECT_THAT(ergebnis.fehler, HasSubstr("orvoplugin: " + pfad + ": cannot be read: "));
     int ausgang = 0;

@@ -21,6 +21,8 @@ Dateilauf alsDateilauf(const nlohmann::json& datei) {
         const auto name = pruefung.at("name").get<std::string>();
         const auto ergebnis = pruefung.at("result").get<std::string>();
         lauf.ergebnisse[name] = ergebnis;
+        EXPECT_EQ(pruefung.at("code").is_null(), ergebnis == "passed")
+            << name << " names no code for what it found";
         lauf.gruende[name] = pruefung.at("reason").get<std::string>();
         if (ergebnis != "passed" && ergebnis != "skipped")
             lauf.auffaellige[name] = ergebnis;

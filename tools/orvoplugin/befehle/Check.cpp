@@ -6,6 +6,8 @@
 #include "check/PluginDateien.h"
 #include "check/Pruefstand.h"
 #include "kern/Anzeige.h"
+#include "kern/Arbeitsteilung.h"
+#include "kern/Sprache.h"
 #include "kern/Terminal.h"
 
 #include <orvoutil/Einstellungen.h>
@@ -14,8 +16,10 @@
 
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace werkzeug {
@@ -41,32 +45,73 @@ public:
             ->delimiter(',')
             ->allow_extra_args(false);
         unterbefehl.add_flag("--strict", streng_, "Count a warning as a failure");
+        unterbefehl
+            .add_option("--format", format_, "Results as text, json (as --json), or for a build server")
+            ->type_name("FORMAT")
+            ->check(CLI::IsMember({"text", "json", "junit", "sarif", "github"}));
+        unterbefehl.add_flag("--only-failed", nurAuffaellige_, "Leave out the files that passed");
+        unterbefehl
+            .add_option("--jobs", zugleich_,
+                        "Files that are checked at the same time; default: one for each processor")
+            ->type_name("N")
+            ->check(CLI::Range(1, 1024));
     }
 
     Ausgang fuehreAus(const Optionen& optionen) override {
+        const std::string format = formatVon(optionen);
+        std::optional<Englisch> englisch;
+        if (format != "text")
+            englisch.emplace();
         const std::vector<const Pruefung*> auswahl = waehle(nur_, ohne_);
         if (liste_)
-            return zeigeListe(auswahl, optionen);
+            return zeigeListe(auswahl, optionen, format);
         const std::vector<std::string> dateien = alleDateien(optionen);
         // child processes inherit it
         orvo::orvoutil::Einstellungen().setze("basis.resident_plugins", optionen.resident);
-        std::vector<Dateiergebnis> ergebnisse = pruefeAlle(dateien, auswahl, optionen);
-        if (streng_)
-            verschaerfe(ergebnisse);
-        gibAus(optionen, ergebnisdokument(ergebnisse), ergebnistext);
+        std::vector<Dateiergebnis> ergebnisse = pruefeAlle(dateien, auswahl, optionen, format == "text");
+        for (Dateiergebnis& datei : ergebnisse)
+            verschaerfe(datei);
+        if (!optionen.quiet)
+            gibAus(alsFormat(format, ergebnisse, auswahl));
         schreibeMeldungen(std::cerr, ergebnisse, optionen.quiet);
         return ausgangVon(ergebnisse);
     }
 
 private:
-    static void verschaerfe(std::vector<Dateiergebnis>& ergebnisse) {
-        for (Dateiergebnis& datei : ergebnisse)
-            for (Pruefergebnis& ergebnis : datei.ergebnisse)
-                if (ergebnis.befund.urteil == Urteil::WARNUNG)
-                    ergebnis.befund.urteil = Urteil::DURCHGEFALLEN;
+    std::string formatVon(const Optionen& optionen) const {
+        if (optionen.json && !format_.empty() && format_ != "json")
+            throw AufrufFehler(satz("--json and --format {1} contradict each other", format_));
+        return optionen.json ? "json" : format_.empty() ? "text" : format_;
     }
 
-    static Ausgang zeigeListe(const std::vector<const Pruefung*>& auswahl, const Optionen& optionen) {
+    std::string alsFormat(const std::string& format, std::vector<Dateiergebnis> ergebnisse,
+                          const std::vector<const Pruefung*>& auswahl) const {
+        if (format == "text")
+            return (bloecke_ > 0 && ergebnisse.size() != 1 ? "\n" : "") + schlusstext(ergebnisse);
+        if (format == "json")
+            return alsText(ergebnisdokument(ergebnisse, nurAuffaellige_)) + "\n";
+        if (nurAuffaellige_)
+            std::erase_if(ergebnisse, istUnauffaellig);
+        if (format == "sarif")
+            return alsText(alsSarif(ergebnisse, auswahl)) + "\n";
+        return format == "junit" ? alsJunit(ergebnisse) : alsGithub(ergebnisse);
+    }
+
+    static bool istUnauffaellig(const Dateiergebnis& datei) {
+        return urteilUeber(datei) == Dateiurteil::BESTANDEN;
+    }
+
+    void verschaerfe(Dateiergebnis& datei) const {
+        for (Pruefergebnis& ergebnis : datei.ergebnisse)
+            if (streng_ && ergebnis.befund.urteil == Urteil::WARNUNG)
+                ergebnis.befund.urteil = Urteil::DURCHGEFALLEN;
+    }
+
+    static Ausgang zeigeListe(const std::vector<const Pruefung*>& auswahl, Optionen optionen,
+                              const std::string& format) {
+        if (format != "text" && format != "json")
+            throw AufrufFehler(satz("--list gives text or JSON, and not {1}", format));
+        optionen.json = format == "json";
         gibAus(optionen, listendokument(auswahl), listentext);
         return Ausgang::GUT;
     }
@@ -84,18 +129,47 @@ private:
         return dateien;
     }
 
-    static std::vector<Dateiergebnis> pruefeAlle(const std::vector<std::string>& dateien,
-                                                 const std::vector<const Pruefung*>& auswahl,
-                                                 const Optionen& optionen) {
+    /// Parameters: with `alsText`, each file's block is written as soon as it and all before it are done.
+    std::vector<Dateiergebnis> pruefeAlle(const std::vector<std::string>& dateien,
+                                          const std::vector<const Pruefung*>& auswahl,
+                                          const Optionen& optionen, bool alsText) {
         Fortschritt fortschritt(!optionen.quiet);
-        return pruefe({dateien, auswahl, std::chrono::duration<double>(optionen.zeitlimit), optionen.log,
-                       [&](const std::string& pfad, const Pruefung& pruefung) {
-                           fortschritt.zeige("checking " + einzeilig(pfad) + ": " + pruefung.name);
-                       }});
+        Pruefauftrag auftrag{dateien, auswahl, std::chrono::duration<double>(optionen.zeitlimit),
+                             optionen.log, zugleich_};
+        auftrag.takt = [&](std::size_t nummer, const Pruefung& pruefung) {
+            fortschritt.zeige(satz("{1}/{2} checking {3}: {4}", nummer + 1, dateien.size(),
+                                   einzeilig(dateien[nummer]), pruefung.name));
+        };
+        std::size_t fertige = 0;
+        auftrag.fertig = [&](Dateiergebnis datei) {
+            ++fertige;
+            verschaerfe(datei);
+            if (!alsText || optionen.quiet || !datei.unlesbar.empty() ||
+                (nurAuffaellige_ && istUnauffaellig(datei)))
+                return; // what cannot be read is an error message
+            fortschritt.zeige("");
+            gibAus((bloecke_++ > 0 ? "\n" : "") + dateitext(datei, fertige, dateien.size(), Farben(stdout)));
+        };
+        bool beginnt = true;
+        auftrag.ganzFertig = [&](Dateiergebnis datei) {
+            verschaerfe(datei);
+            const std::string text = gemeinsamtext(datei, dateien.size(), Farben(stdout));
+            if (!alsText || optionen.quiet || text.empty())
+                return;
+            fortschritt.zeige("");
+            if (std::exchange(beginnt, false))
+                gibAus((bloecke_++ > 0 ? "\n" : "") +
+                       Farben(stdout)(Farbe::FETT, uebersetzt("All files together")) + "\n");
+            gibAus(text);
+        };
+        return pruefe(auftrag);
     }
 
     std::vector<std::string> dateien_, nur_, ohne_;
-    bool liste_ = false, streng_ = false;
+    std::string format_;
+    std::size_t zugleich_ = verfuegbareProzessoren();
+    std::size_t bloecke_ = 0; ///< written so far
+    bool liste_ = false, streng_ = false, nurAuffaellige_ = false;
 };
 
 } // namespace

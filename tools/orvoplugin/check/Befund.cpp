@@ -1,5 +1,7 @@
 #include "check/Befund.h"
 
+#include "kern/Sprache.h"
+
 namespace werkzeug::check {
 
 namespace {
@@ -30,9 +32,13 @@ const char* urteilName(Urteil urteil) {
     return urteil == Urteil::ZU_LANGSAM ? "timed out" : urteilKennung(urteil);
 }
 
+std::string Befund::grund() const { return code == kBautAuf ? satz("builds on {1}", text) : text; }
+
 bool istHindernis(Urteil urteil) { return urteil != Urteil::BESTANDEN && urteil != Urteil::WARNUNG; }
 
-void Fundliste::nimm(Liste& liste, std::string text) {
+void Fundliste::nimm(Liste& liste, std::string text, const char* code) {
+    if (liste.gesamt == 0)
+        liste.code = code;
     if (liste.gesamt++ < kGenannte)
         liste.erste.push_back(std::move(text));
 }
@@ -48,8 +54,8 @@ std::string Fundliste::text(const Liste& liste) {
 
 Befund Fundliste::befund() const {
     if (fehler_.gesamt > 0)
-        return durchgefallen(text(fehler_));
-    return warnungen_.gesamt > 0 ? check::warnung(text(warnungen_)) : bestanden();
+        return durchgefallen(text(fehler_), fehler_.code);
+    return warnungen_.gesamt > 0 ? check::warnung(text(warnungen_), warnungen_.code) : bestanden();
 }
 
 } // namespace werkzeug::check

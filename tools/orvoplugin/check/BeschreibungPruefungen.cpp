@@ -63,7 +63,8 @@ void pruefeAnhaengen(const std::string& pfad, Fundliste& funde) {
     std::list<orvo_plugin_version_t> typen{{kMarke}};
     getTypes(&typen);
     if (typen.size() < 2 || typen.front().type != kMarke)
-        funde.fehler("orvo_plugin_get_types does not append to the list: what stood in it is gone or moved");
+        funde.fehler("orvo_plugin_get_types does not append to the list: what stood in it is gone or moved",
+                     "not_appended");
 }
 
 /// The raw return value of orvo_plugin_initialize. Returns: nothing when it throws.
@@ -83,7 +84,8 @@ std::optional<unsigned char> rufeInitialize(const std::string& pfad) {
 void pruefeErgebnis(std::optional<unsigned char> ergebnis, Fundliste& funde) {
     if (ergebnis > 1)
         funde.fehler("orvo_plugin_initialize returns " + std::to_string(*ergebnis) +
-                     ", which is no bool: does it return another type?");
+                         ", which is no bool: does it return another type?",
+                     "no_bool");
 }
 
 /// Introduces the reason: the text of an exception alone may be a single word.
@@ -110,20 +112,22 @@ bool hatSteuerzeichen(const std::string& text) {
 
 void pruefeText(const std::string& was, const std::string& text, Fundliste& funde) {
     if (istUtf8(text))
-        funde.warnung(was + " " + zitiert(text) + " is UTF-8, but is read as Latin-1");
+        funde.warnung(was + " " + zitiert(text) + " is UTF-8, but is read as Latin-1", "utf8");
     else if (hatSteuerzeichen(text))
-        funde.fehler(was + " " + zitiert(text) + " holds control characters");
+        funde.fehler(was + " " + zitiert(text) + " holds control characters", "control_characters");
 }
 
 void pruefeVersion(const char* was, const std::string& version, Fundliste& funde) {
     if (!version.empty() && !OrvoVersion(version).hatNurZahlen())
         funde.fehler(std::string(was) + " " + zitiert(version) +
-                     " has parts that are no numbers, and count as 0 when versions are compared");
+                         " has parts that are no numbers, and count as 0 when versions are compared",
+                     "not_numeric");
 }
 
 void pruefeHook(const char* was, const std::string& name, const Pruefling& p, Fundliste& funde) {
     if (!name.empty() && !p.bild.exportiertFunktion(name))
-        funde.fehler(std::string(was) + ": " + warumNichtExportiert(p.bild.getInhalt(), name, false));
+        funde.fehler(std::string(was) + ": " + warumNichtExportiert(p.bild.getInhalt(), name, false),
+                     "not_exported");
 }
 
 Befund pruefeTypen(const Pruefling& p) {
@@ -132,15 +136,17 @@ Befund pruefeTypen(const Pruefling& p) {
     try {
         getTypes(&typen);
     } catch (...) {
-        return durchgefallen("orvo_plugin_get_types throws: " + laufendeAusnahme());
+        return durchgefallen("orvo_plugin_get_types throws: " + laufendeAusnahme(), "throws");
     }
     if (typen.empty())
-        return durchgefallen("orvo_plugin_get_types declares nothing");
+        return durchgefallen("orvo_plugin_get_types declares nothing", "nothing_declared");
     if (typen.size() > 1)
         return durchgefallen("orvo_plugin_get_types declares " + std::to_string(typen.size()) +
-                             " records (types " + liste(typen) + ") instead of one");
+                                 " records (types " + liste(typen) + ") instead of one",
+                             "several_declared");
     if (typen.front().type != 1)
-        return durchgefallen("orvo_plugin_get_types declares interface " + liste(typen) + " instead of 1");
+        return durchgefallen("orvo_plugin_get_types declares interface " + liste(typen) + " instead of 1",
+                             "wrong_type");
     return bestanden();
 }
 
@@ -150,9 +156,11 @@ Befund pruefeBeschreibung(const Pruefling& p) {
         lade(p.pfad);
     } catch (const Ladefehler& fehler) {
         if (!p.bild.exportiertFunktion(kInitialize))
-            return durchgefallen(fehler.what());
+            return durchgefallen(fehler.what(), "refused");
         const std::optional<unsigned char> ergebnis = rufeInitialize(p.pfad);
-        funde.fehler(wieBeendet(ergebnis) + fehler.what());
+        funde.fehler(wieBeendet(ergebnis) + fehler.what(), !ergebnis        ? "throws"
+                                                           : *ergebnis == 0 ? "returns_false"
+                                                                            : "refused");
         pruefeErgebnis(ergebnis, funde); // may be the cause
     }
     return funde.befund();
@@ -179,21 +187,23 @@ Befund pruefeZweiteBeschreibung(const Pruefling& p) {
 Befund pruefeBeschreibungInDatei(const Pruefling& p) {
     const Beschreibungsfund fund = liesBeschreibung(p.pfad);
     if (fund.stand == Beschreibungsfund::ABGELEHNT)
-        return warnung("clients ignore it: " + einzeilig(fund.grund));
+        return warnung("clients ignore it: " + einzeilig(fund.grund), "ignored");
     if (fund.stand != Beschreibungsfund::GEFUNDEN)
-        return uebersprungen("there is none");
+        return uebersprungen("there is none", "none");
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
     if (schreibeBeschreibung(*plugin) == fund.bytes)
         return bestanden();
     return durchgefallen("it is not: " + unterschied(beschreibung(*lade(p.pfad, true)), beschreibung(*plugin),
-                                                     "in the file", "asked"));
+                                                     "in the file", "asked"),
+                         "differs");
 }
 
 Befund pruefeVersionen(const Pruefling& p) {
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
     Fundliste funde;
     if (plugin->getProduktVersion().empty())
-        funde.warnung("no product version: where another plugin serves the same, that one answers");
+        funde.warnung("no product version: where another plugin serves the same, that one answers",
+                      "no_version");
     pruefeVersion("product version", plugin->getProduktVersion(), funde);
     pruefeVersion("file version", plugin->getFileVersion(), funde);
     return funde.befund();
@@ -218,7 +228,7 @@ Befund pruefeAngebot(const Pruefling& p) {
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
     Fundliste funde;
     if (plugin->listeErweiterungen().empty())
-        funde.warnung("the plugin adds no extension: nobody will ever find it");
+        funde.warnung("the plugin adds no extension: nobody will ever find it", "no_extension");
     for (const OrvoErweiterung* const erweiterung : plugin->listeErweiterungen()) {
         const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung);
         if (!uaVz)
@@ -226,9 +236,11 @@ Befund pruefeAngebot(const Pruefling& p) {
         for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap())
             if (vzs.empty())
                 funde.warnung(art(*erweiterung) + " serves " + einzeilig(ua.getName()) +
-                              " for no period: nobody will ever find it");
+                                  " for no period: nobody will ever find it",
+                              "no_period");
         if (uaVz->getUnterfallArten().empty())
-            funde.warnung(art(*erweiterung) + " serves no sub-case type: nobody will ever find it");
+            funde.warnung(art(*erweiterung) + " serves no sub-case type: nobody will ever find it",
+                          "no_sub_case_type");
     }
     return funde.befund();
 }
@@ -237,12 +249,13 @@ Befund pruefeEigeneUeberschneidung(const Pruefling& p) {
     Registratur registratur;
     const OrvoPluginV1* const plugin = registratur.lade(p.pfad);
     if (!plugin)
-        return durchgefallen("the plugin manager does not load it");
+        return durchgefallen("the plugin manager does not load it", "not_loaded");
     Fundliste funde;
     registratur.besuche(*plugin, [&](const Zuordnung& z) {
         if (z.antwort && z.antwort != z.erweiterung && z.antwort->getPlugin() == plugin)
             funde.fehler(art(*z.erweiterung) + " for " + z.text +
-                         " is declared twice: the first extension answers, the other is never asked");
+                             " is declared twice: the first extension answers, the other is never asked",
+                         "declared_twice");
     });
     return funde.befund();
 }
@@ -255,7 +268,8 @@ Befund pruefeFactories(const Pruefling& p) {
         const std::string& name = erweiterung->getServiceFactoryName();
         if (gesehene.insert(name).second && !p.bild.exportiertFunktion(name))
             funde.fehler("factory of " + art(*erweiterung) + ": " +
-                         warumNichtExportiert(p.bild.getInhalt(), name, false));
+                             warumNichtExportiert(p.bild.getInhalt(), name, false),
+                         "not_exported");
     }
     return funde.befund();
 }

@@ -4,7 +4,10 @@
 #include "kern/Anzeige.h"
 
 #include <algorithm>
+#include <iterator>
 #include <ostream>
+#include <string_view>
+#include <utility>
 
 namespace werkzeug::check {
 
@@ -31,23 +34,42 @@ Ausgang ausgangVon(Urteil urteil) {
 }
 
 Ausgang ausgangVon(const Dateiergebnis& datei) {
-    Ausgang ausgang = datei.unlesbar.empty() ? Ausgang::GUT : Ausgang::NICHT_LESBAR;
+    Ausgang ausgang = datei.unlesbar.empty() && datei.abbruch.empty() ? Ausgang::GUT : Ausgang::NICHT_LESBAR;
     for (const Pruefergebnis& e : datei.ergebnisse)
         ausgang = schwerster(ausgang, ausgangVon(e.befund.urteil));
     return ausgang;
 }
 
-Farbe farbe(const std::string& kennung) {
-    if (kennung == urteilKennung(Urteil::BESTANDEN))
+Farbe farbe(Urteil urteil) {
+    switch (urteil) {
+    case Urteil::BESTANDEN:
         return Farbe::GRUEN;
-    if (kennung == urteilKennung(Urteil::WARNUNG))
+    case Urteil::WARNUNG:
         return Farbe::GELB;
-    return kennung == urteilKennung(Urteil::UEBERSPRUNGEN) ? Farbe::BLASS : Farbe::ROT;
+    case Urteil::UEBERSPRUNGEN:
+        return Farbe::BLASS;
+    default:
+        return Farbe::ROT;
+    }
 }
 
-/// The result's name for people.
-std::string name(const std::string& kennung) {
-    return kennung == urteilKennung(Urteil::ZU_LANGSAM) ? urteilName(Urteil::ZU_LANGSAM) : kennung;
+struct Dateiurteilsname {
+    const char* kennung;
+    const char* name;
+    Farbe farbe;
+};
+
+/// In the order of `Dateiurteil`.
+constexpr Dateiurteilsname kDateiurteile[] = {{"passed", N_("passed"), Farbe::GRUEN},
+                                              {"with_warnings", N_("with warnings"), Farbe::GELB},
+                                              {"failed", N_("failed"), Farbe::ROT},
+                                              {"crashed", N_("crashed"), Farbe::ROT},
+                                              {"unreadable", N_("unreadable"), Farbe::ROT}};
+
+std::size_t anzahl(const std::vector<Dateiergebnis>& ergebnisse, Dateiurteil urteil) {
+    return static_cast<std::size_t>(
+        std::count_if(ergebnisse.begin(), ergebnisse.end(),
+                      [&](const auto& datei) { return urteilUeber(datei) == urteil; }));
 }
 
 std::string aufgefuellt(std::string text, std::size_t breite) {
@@ -63,18 +85,23 @@ std::size_t namensbreite(const Json& pruefungen) {
     return breite;
 }
 
-std::string summe(const Json& anzahlen) {
+std::string summe(const std::map<Urteil, std::size_t>& anzahlen) {
     std::string text;
-    for (const auto& [kennung, anzahl] : anzahlen.items())
-        if (const auto n = anzahl.get<std::size_t>(); n > 0)
-            text += (text.empty() ? "" : ", ") + std::to_string(n) + " " + name(kennung) +
-                    (kennung == urteilKennung(Urteil::WARNUNG) && n > 1 ? "s" : "");
-    return text;
+    for (const auto& [urteil, n] : anzahlen)
+        text += (text.empty() ? "" : ", ") + std::to_string(n) + " " + urteilName(urteil) +
+                (urteil == Urteil::WARNUNG && n > 1 ? "s" : "");
+    return "  " + text + "\n";
+}
+
+std::string zeile(Urteil urteil, const std::string& rest, const Farben& farben) {
+    constexpr std::size_t kBreite = 9;
+    return "  " + farben(farbe(urteil), aufgefuellt(urteilName(urteil), kBreite)) + "  " + rest + "\n";
 }
 
 Json alsJson(const Dateiergebnis& datei) {
     Json json{{"file", jsonText(datei.pfad)}};
-    json["error"] = datei.unlesbar.empty() ? Json() : Json(datei.unlesbar);
+    const std::string& fehler = datei.unlesbar.empty() ? datei.abbruch : datei.unlesbar;
+    json["error"] = fehler.empty() ? Json() : Json(fehler);
     json["conformant"] = ausgangVon(datei) == Ausgang::GUT;
     json["totals"] = Json::object();
     for (const Urteil urteil : kUrteile)
@@ -83,24 +110,9 @@ Json alsJson(const Dateiergebnis& datei) {
     for (const Pruefergebnis& e : datei.ergebnisse)
         json["checks"].push_back({{"name", e.pruefung->name},
                                   {"result", urteilKennung(e.befund.urteil)},
-                                  {"reason", e.befund.text}});
+                                  {"code", e.befund.code.empty() ? Json() : Json(e.befund.code)},
+                                  {"reason", e.befund.grund()}});
     return json;
-}
-
-std::string textVon(const Json& datei, const Farben& farben) {
-    constexpr std::size_t kUrteilsbreite = 9;
-    std::string text = farben(Farbe::FETT, einzeilig(datei.at("file").get<std::string>())) + "\n";
-    const Json& pruefungen = datei.at("checks");
-    const std::size_t breite = namensbreite(pruefungen);
-    for (const Json& pruefung : pruefungen) {
-        const auto kennung = pruefung.at("result").get<std::string>(),
-                   grund = pruefung.at("reason").get<std::string>(),
-                   wessen = pruefung.at("name").get<std::string>();
-        text += "  " + farben(farbe(kennung), aufgefuellt(name(kennung), kUrteilsbreite)) + "  ";
-        text += grund.empty() ? wessen : aufgefuellt(wessen, breite) + "  " + grund;
-        text += '\n';
-    }
-    return text + "  " + summe(datei.at("totals")) + "\n";
 }
 
 } // namespace
@@ -112,22 +124,91 @@ Ausgang ausgangVon(const std::vector<Dateiergebnis>& ergebnisse) {
     return ausgang;
 }
 
-Json ergebnisdokument(const std::vector<Dateiergebnis>& ergebnisse) {
-    Json json = jsonKopf("check");
-    json["files"] = Json::array();
-    for (const Dateiergebnis& datei : ergebnisse)
-        json["files"].push_back(alsJson(datei));
-    return json;
+Dateiurteil urteilUeber(const Dateiergebnis& datei) {
+    switch (ausgangVon(datei)) {
+    case Ausgang::GUT:
+        return anzahl(datei, Urteil::WARNUNG) > 0 ? Dateiurteil::MIT_WARNUNGEN : Dateiurteil::BESTANDEN;
+    case Ausgang::BEFUNDE:
+        return Dateiurteil::DURCHGEFALLEN;
+    case Ausgang::ABGESTUERZT:
+        return Dateiurteil::ABGESTUERZT;
+    default:
+        return Dateiurteil::UNLESBAR;
+    }
 }
 
-std::string ergebnistext(const Json& dokument, const Farben& farben) {
+std::map<std::string, std::size_t> uebersprungeneNach(const Dateiergebnis& datei) {
+    std::map<std::string, std::size_t> anzahlen;
+    for (const Pruefergebnis& e : datei.ergebnisse)
+        if (e.befund.code == kBautAuf)
+            ++anzahlen[e.befund.text];
+    return anzahlen;
+}
+
+std::string dateitext(const Dateiergebnis& datei, std::size_t nummer, std::size_t gesamt,
+                      const Farben& farben) {
+    const std::string pfad = farben(Farbe::FETT, einzeilig(datei.pfad));
+    const Dateiurteilsname& urteil = kDateiurteile[static_cast<std::size_t>(urteilUeber(datei))];
+    std::string text = gesamt == 1 ? pfad
+                                   : satz("{1}/{2} {3}: {4}", nummer, gesamt, pfad,
+                                          farben(urteil.farbe, uebersetzt(urteil.name)));
+    text += '\n';
+    std::size_t breite = 0;
+    for (const Pruefergebnis& e : datei.ergebnisse)
+        breite = std::max(breite, std::string_view(e.pruefung->name).size());
+    auto uebersprungene = uebersprungeneNach(datei);
+    std::map<Urteil, std::size_t> anzahlen;
+    for (const Pruefergebnis& e : datei.ergebnisse) {
+        ++anzahlen[e.befund.urteil];
+        const std::size_t gleiche =
+            e.befund.code == kBautAuf ? std::exchange(uebersprungene[e.befund.text], 0) : 1;
+        if (gleiche > 1)
+            text += "  " +
+                    farben(Farbe::BLASS, satz("{1} skipped: they build on {2}", gleiche, e.befund.text)) +
+                    "\n";
+        else if (gleiche == 1)
+            text += zeile(e.befund.urteil,
+                          e.befund.grund().empty()
+                              ? e.pruefung->name
+                              : aufgefuellt(e.pruefung->name, breite) + "  " + e.befund.grund(),
+                          farben);
+    }
+    return text + summe(anzahlen);
+}
+
+std::string gemeinsamtext(const Dateiergebnis& datei, std::size_t gesamt, const Farben& farben) {
     std::string text;
-    for (const Json& datei : dokument.at("files"))
-        if (datei.at("error").is_null()) { // else it is an error message
-            text += text.empty() ? "" : "\n";
-            text += textVon(datei, farben);
-        }
+    for (const Pruefergebnis& e : datei.ergebnisse)
+        if (kommtZuletzt(*e.pruefung, gesamt) && e.befund.urteil != Urteil::BESTANDEN &&
+            e.befund.urteil != Urteil::UEBERSPRUNGEN)
+            text +=
+                zeile(e.befund.urteil,
+                      std::string(e.pruefung->name) + "  " + einzeilig(datei.pfad) + ": " + e.befund.grund(),
+                      farben);
     return text;
+}
+
+std::string schlusstext(const std::vector<Dateiergebnis>& ergebnisse) {
+    if (ergebnisse.size() == 1)
+        return {};
+    std::string text;
+    for (std::size_t i = 0; i < std::size(kDateiurteile); ++i)
+        if (const std::size_t n = anzahl(ergebnisse, static_cast<Dateiurteil>(i)); n > 0)
+            text +=
+                (text.empty() ? ": " : ", ") + std::to_string(n) + " " + uebersetzt(kDateiurteile[i].name);
+    return werkzeug::anzahl(ergebnisse.size(), "file", "files") + text + "\n";
+}
+
+Json ergebnisdokument(const std::vector<Dateiergebnis>& ergebnisse, bool nurAuffaellige) {
+    Json json = jsonKopf("check");
+    json["totals"] = {{"files", ergebnisse.size()}};
+    for (std::size_t i = 0; i < std::size(kDateiurteile); ++i)
+        json["totals"][kDateiurteile[i].kennung] = anzahl(ergebnisse, static_cast<Dateiurteil>(i));
+    json["files"] = Json::array();
+    for (const Dateiergebnis& datei : ergebnisse)
+        if (!nurAuffaellige || urteilUeber(datei) != Dateiurteil::BESTANDEN)
+            json["files"].push_back(alsJson(datei));
+    return json;
 }
 
 void schreibeMeldungen(std::ostream& out, const std::vector<Dateiergebnis>& ergebnisse, bool auchBefunde) {
@@ -135,12 +216,14 @@ void schreibeMeldungen(std::ostream& out, const std::vector<Dateiergebnis>& erge
         const std::string anfang = "orvoplugin: " + einzeilig(datei.pfad) + ": ";
         if (!datei.unlesbar.empty())
             out << anfang << "cannot be read: " << datei.unlesbar << '\n';
+        if (!datei.abbruch.empty())
+            out << anfang << datei.abbruch << '\n';
         if (!auchBefunde)
             continue;
         for (const Pruefergebnis& e : datei.ergebnisse)
             if (e.befund.urteil == Urteil::WARNUNG || ausgangVon(e.befund.urteil) != Ausgang::GUT)
                 out << anfang << urteilName(e.befund.urteil) << ": " << e.pruefung->name << ": "
-                    << e.befund.text << '\n';
+                    << e.befund.grund() << '\n';
     }
 }
 

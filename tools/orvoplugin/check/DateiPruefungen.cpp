@@ -11,14 +11,14 @@ namespace werkzeug::check {
 namespace {
 
 Befund pruefeDateiformat(const Pruefling& p) {
-    return p.bild.istLadbar() ? bestanden() : durchgefallen(einzeilig(p.bild.getGrund()));
+    return p.bild.istLadbar() ? bestanden() : durchgefallen(einzeilig(p.bild.getGrund()), "not_loadable");
 }
 
 Befund pruefeEinsprungpunkte(const Pruefling& p) {
     Fundliste funde;
     for (const char* const name : {"orvo_plugin_get_types", "orvo_plugin_initialize"})
         if (!p.bild.exportiertFunktion(name))
-            funde.fehler(warumNichtExportiert(p.bild.getInhalt(), name, true));
+            funde.fehler(warumNichtExportiert(p.bild.getInhalt(), name, true), "not_exported");
     return funde.befund();
 }
 
@@ -26,7 +26,7 @@ Befund pruefeExporte(const Pruefling& p) {
     Fundliste funde;
     for (const Bibliothekssymbol& symbol : p.bild.getInhalt().exportierte)
         if (symbol.name.starts_with("_Z"))
-            funde.warnung("exports " + symbolname(symbol.name));
+            funde.warnung("exports " + symbolname(symbol.name), "cxx_symbol");
     return funde.befund();
 }
 
@@ -35,13 +35,14 @@ Befund pruefeEinmaligeSymbole(const Pruefling& p) {
     for (const Bibliothekssymbol& symbol : p.bild.getInhalt().exportierte)
         if (symbol.bindung == Symbolbindung::Einmalig)
             funde.fehler(symbolname(symbol.name) +
-                         " is unique and keeps the library in the process: compile with -fno-gnu-unique");
+                             " is unique and keeps the library in the process: compile with -fno-gnu-unique",
+                         "unique_symbol");
     return funde.befund();
 }
 
 Befund pruefeBleiben(const Pruefling& p) {
     return p.bild.getInhalt().bleibtGeladen
-               ? durchgefallen("the library is linked with -z nodelete and is never unmapped")
+               ? durchgefallen("the library is linked with -z nodelete and is never unmapped", "nodelete")
                : bestanden();
 }
 
@@ -49,14 +50,16 @@ Befund pruefeThreadDestruktoren(const Pruefling& p) {
     return p.bild.hatThreadDestruktoren()
                ? warnung(
                      "has a thread-local variable with a destructor: once a thread has used it, the library "
-                     "stays in the process until that thread ends")
+                     "stays in the process until that thread ends",
+                     "thread_destructor")
                : bestanden();
 }
 
 Befund pruefeCodeAenderung(const Pruefling& p) {
     return p.bild.getInhalt().aendertCode
                ? durchgefallen(
-                     "the code is written to when the library is opened: compile all of it with -fPIC")
+                     "the code is written to when the library is opened: compile all of it with -fPIC",
+                     "text_relocation")
                : bestanden();
 }
 
@@ -65,7 +68,8 @@ Befund pruefeSuchpfade(const Pruefling& p) {
     for (const std::string& pfad : p.bild.getInhalt().suchpfade)
         if (!pfad.starts_with('/') && !pfad.starts_with("$ORIGIN") && !pfad.starts_with("${ORIGIN}"))
             funde.fehler("looks for libraries in " + zitiert(pfad) +
-                         ", which depends on the directory that the process runs in");
+                             ", which depends on the directory that the process runs in",
+                         "relative_path");
     return funde.befund();
 }
 

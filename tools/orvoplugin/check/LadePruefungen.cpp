@@ -134,26 +134,30 @@ Befund pruefeDateiname(const Pruefling& p) {
     const std::string name = getOnlyFilenameOfFullFilename(p.pfad);
     const Namensurteil urteil = urteilUeber(name);
     if (!urteil.istGefunden)
-        return durchgefallen(zitiert(name) + " is passed over: it is hidden, or has no suffix");
+        return durchgefallen(zitiert(name) + " is passed over: it is hidden, or has no suffix",
+                             "passed_over");
     switch (urteil.art) {
     case LadeBeobachter::GESPERRT:
-        return durchgefallen(zitiert(name) + " is on the block list: the plugin manager passes over it");
+        return durchgefallen(zitiert(name) + " is on the block list: the plugin manager passes over it",
+                             "blocked");
     case LadeBeobachter::UEBERGANGEN:
-        return durchgefallen(zitiert(name) + " is not taken for a plugin: its name has to end in .dylib");
+        return durchgefallen(zitiert(name) + " is not taken for a plugin: its name has to end in .dylib",
+                             "wrong_suffix");
     default:
         break;
     }
     return urteil.geladenAls == name
                ? bestanden()
                : durchgefallen(zitiert(name) + " is looked for as " + zitiert(urteil.geladenAls) +
-                               ", and so not found: write the suffix in lower case");
+                                   ", and so not found: write the suffix in lower case",
+                               "upper_case_suffix");
 }
 
 Befund pruefeBenoetigteBibliotheken(const Pruefling& p) {
     const std::optional<Oeffnung> oeffnung = oeffneImKind(p);
     return !oeffnung || oeffnung->gelungen || istGrundEinSymbol(oeffnung->grund)
                ? bestanden()
-               : durchgefallen(einzeilig(oeffnung->grund));
+               : durchgefallen(einzeilig(oeffnung->grund), "library_missing");
 }
 
 Befund pruefeUndefinierteSymbole(const Pruefling& p) {
@@ -162,9 +166,9 @@ Befund pruefeUndefinierteSymbole(const Pruefling& p) {
         return bestanden();
     Fundliste funde;
     for (const std::string& name : oeffnung->fehlende)
-        funde.fehler(symbolname(name) + " is provided by nobody");
+        funde.fehler(symbolname(name) + " is provided by nobody", "undefined_symbol");
     if (funde.istLeer())
-        funde.fehler(symbolname(symbolAus(oeffnung->grund)) + " is provided by nobody");
+        funde.fehler(symbolname(symbolAus(oeffnung->grund)) + " is provided by nobody", "undefined_symbol");
     return funde.befund();
 }
 
@@ -173,12 +177,14 @@ Befund pruefeBindung(const Pruefling& p) {
                ? bestanden()
                : warnung(
                      "not linked with -z now: opened by others, a missing function would end the process at "
-                     "its first call");
+                     "its first call",
+                     "lazy_binding");
 }
 
 Befund pruefeOeffnen(const Pruefling& p) {
     SharedLib bibliothek(p.pfad);
-    return bibliothek.load() ? bestanden() : durchgefallen(einzeilig(bibliothek.getLastError()));
+    return bibliothek.load() ? bestanden()
+                             : durchgefallen(einzeilig(bibliothek.getLastError()), "not_opened");
 }
 
 } // namespace

@@ -57,17 +57,20 @@ void pruefeService(const OrvoPluginV1& plugin, OrvoServiceErweiterung& erweiteru
         if (holeVomRichtigenTyp(erweiterung))
             continue;
         if (erweiterung.getInstanzen().empty())
-            funde.fehler(factoryVon(erweiterung) + wann + " " + warumKeinService(plugin, erweiterung));
+            funde.fehler(factoryVon(erweiterung) + wann + " " + warumKeinService(plugin, erweiterung),
+                         "no_service");
         else if (*wann == '\0')
             funde.fehler(factoryVon(erweiterung) + " makes an object of another interface than " +
-                         art(erweiterung) + " declares");
+                             art(erweiterung) + " declares",
+                         "other_interface");
         else
-            funde.fehler(factoryVon(erweiterung) + " makes no object of its interface" + wann);
+            funde.fehler(factoryVon(erweiterung) + " makes no object of its interface" + wann, "no_service");
         break;
     }
     gibAllesZurueck(erweiterung);
     if (funde.istLeer() && !holeVomRichtigenTyp(erweiterung))
-        funde.fehler(factoryVon(erweiterung) + " makes no object after the first ones were given back");
+        funde.fehler(factoryVon(erweiterung) + " makes no object after the first ones were given back",
+                     "no_service");
     gibAllesZurueck(erweiterung);
 }
 
@@ -78,10 +81,12 @@ void pruefeBesitz(OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
     if (wirdGeloescht && erster == zweiter)
         funde.fehler(
             factoryVon(erweiterung) +
-            " gives the same object twice, and FLAG_SERVICE_LOESCHEN has it deleted at its first release");
+                " gives the same object twice, and FLAG_SERVICE_LOESCHEN has it deleted at its first release",
+            "same_object");
     else if (!wirdGeloescht && erster != zweiter)
         funde.warnung(factoryVon(erweiterung) +
-                      " makes a new object each time, which nobody deletes without FLAG_SERVICE_LOESCHEN");
+                          " makes a new object each time, which nobody deletes without FLAG_SERVICE_LOESCHEN",
+                      "leaks_object");
     gibAllesZurueck(erweiterung);
 }
 
@@ -90,7 +95,7 @@ void haelt(const std::string& was, Fundliste& funde, const std::function<void()>
     try {
         ruf();
     } catch (...) {
-        funde.fehler("an exception leaves " + was + ": " + laufendeAusnahme());
+        funde.fehler("an exception leaves " + was + ": " + laufendeAusnahme(), "throws");
     }
 }
 
@@ -128,13 +133,14 @@ std::set<std::string> bibliotheken() {
 void pruefeWegsein(const Pruefling& p, const std::set<std::string>& vorher, const std::string& wann,
                    Fundliste& funde) {
     if (istImProzess(p.pfad)) {
-        funde.fehler("the library is still in the process " + wann);
+        funde.fehler("the library is still in the process " + wann, "still_mapped");
         return;
     }
     for (const std::string& name : bibliotheken())
         if (!vorher.contains(name))
             funde.warnung(einzeilig(name) + ", which the plugin brought along, is still in the process " +
-                          wann);
+                              wann,
+                          "library_left");
 }
 
 /// Allocated bytes; 0 where the system does not tell.
@@ -171,7 +177,7 @@ Befund pruefeServices(const Pruefling& p) {
         Fundliste einzeln;
         pruefeService(*plugin, *erweiterung, einzeln);
         if (!einzeln.istLeer())
-            funde.fehler(einzeln.befund().text);
+            funde.fehler(einzeln.befund().text, einzeln.befund().code.c_str());
     }
     return funde.befund();
 }
@@ -217,7 +223,7 @@ Befund pruefeSpeicher(const Pruefling& p) {
     for (int i = 0; i < kAnlauf; ++i)
         benutze(*plugin);
     if (belegt() == 0)
-        return uebersprungen("the memory in use cannot be told here");
+        return uebersprungen("the memory in use cannot be told here", "not_measurable");
     // A one-time allocation, by the system's loader for instance, falls into one section; a leak shows in each.
     std::size_t verlust = std::numeric_limits<std::size_t>::max();
     for (int i = 0; i < kAbschnitte; ++i)
@@ -225,7 +231,8 @@ Befund pruefeSpeicher(const Pruefling& p) {
     constexpr std::size_t kKleinstesStueck = 16;
     return verlust < kKleinstesStueck
                ? bestanden()
-               : warnung("each use keeps about " + std::to_string(verlust) + " bytes that are never freed");
+               : warnung("each use keeps about " + std::to_string(verlust) + " bytes that are never freed",
+                         "memory_leak");
 }
 
 Befund pruefeResident(const Pruefling& p) {
@@ -236,7 +243,8 @@ Befund pruefeResident(const Pruefling& p) {
         for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin)) {
             if (!holeVomRichtigenTyp(*erweiterung))
                 funde.fehler("a resident plugin's factory " + factoryVon(*erweiterung) + " makes no object " +
-                             wann);
+                                 wann,
+                             "no_service");
             gibAllesZurueck(*erweiterung);
         }
     return funde.befund();
@@ -251,7 +259,8 @@ Befund pruefeReload(const Pruefling& p) {
     for (const bool nochmal : {false, true}) {
         if (!manager.ladePlugin(p.pfad))
             return durchgefallen(nochmal ? "the plugin manager does not load it again"
-                                         : "the plugin manager does not load it");
+                                         : "the plugin manager does not load it",
+                                 "not_loaded");
         const auto& plugin = dynamic_cast<const OrvoPluginV1&>(*manager.getRegistriertePlugins().back());
         if (nochmal)
             vergleicheBeschreibungen(erste, beschreibung(plugin), "after a reload it differs", funde);
@@ -260,7 +269,8 @@ Befund pruefeReload(const Pruefling& p) {
         for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(plugin)) {
             if (!holeVomRichtigenTyp(*erweiterung))
                 funde.fehler(factoryVon(*erweiterung) + " makes no object" +
-                             (nochmal ? " after a reload" : ""));
+                                 (nochmal ? " after a reload" : ""),
+                             "no_service");
             if (nochmal)
                 gibAllesZurueck(*erweiterung);
         }

@@ -156,7 +156,7 @@ std::string unterschied(const std::vector<std::string>& erste, const std::vector
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                               const std::string& wann, Fundliste& funde) {
     if (erste != zweite)
-        funde.fehler(wann + ": " + unterschied(erste, zweite));
+        funde.fehler(wann + ": " + unterschied(erste, zweite), "differs");
 }
 
 bool istImProzess(const std::string& pfad) {

@@ -4,13 +4,16 @@
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
+#include "kern/Arbeitsteilung.h"
 #include "kern/Kindprozess.h"
 #include "kern/Naehe.h"
 #include "kern/Optionen.h"
 #include "kern/Protokoll.h"
+#include "kern/Sprache.h"
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 
 namespace werkzeug::check {
 
@@ -40,9 +43,9 @@ Befund mache(const Pruefung& pruefung, const Pruefling& pruefling) {
     try {
         return pruefung.pruefe(pruefling);
     } catch (const Ladefehler& fehler) {
-        return durchgefallen(fehler.what());
+        return durchgefallen(fehler.what(), "refused");
     } catch (...) {
-        return durchgefallen(laufendeAusnahme());
+        return durchgefallen(laufendeAusnahme(), "throws");
     }
 }
 
@@ -57,73 +60,74 @@ std::string letzteZeile(std::string_view ausgabe) {
     return einzeilig(zeile.substr(zeile.find_first_not_of(" \t\r")));
 }
 
+Json alsSatz(const Befund& befund) {
+    return {static_cast<int>(befund.urteil), jsonText(befund.text), befund.code};
+}
+Befund befundAus(const Json& satz) {
+    return {static_cast<Urteil>(satz.at(0).get<int>()), satz.at(1).get<std::string>(),
+            satz.at(2).get<std::string>()};
+}
+
 Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const std::string& log) {
     Befund befund;
     const Kindende ende = laufeImKind(
         [&](const Sender& sende) {
             const auto protokoll = Protokoll::beginne(log);
-            const Befund hier = mache(pruefung, pruefling);
-            sende(static_cast<char>(hier.urteil) + hier.text);
+            sende(alsSatz(mache(pruefung, pruefling)).dump());
         },
-        [&](std::string_view satz) {
-            if (!satz.empty())
-                befund = {static_cast<Urteil>(satz.front()), std::string(satz.substr(1))};
-        },
-        pruefling.zeitlimit);
+        [&](std::string_view satz) { befund = befundAus(Json::parse(satz)); }, pruefling.zeitlimit);
     if (ende.istGut())
         return befund;
     const std::string letztes = letzteZeile(ende.ausgabe);
-    return {ende.art == Kindende::Art::ZEIT ? Urteil::ZU_LANGSAM : Urteil::ABGESTUERZT,
-            ende.text() + (letztes.empty() ? "" : ": " + letztes)};
+    const bool zuLangsam = ende.art == Kindende::Art::ZEIT;
+    return {zuLangsam ? Urteil::ZU_LANGSAM : Urteil::ABGESTUERZT,
+            ende.text() + (letztes.empty() ? "" : ": " + letztes),
+            zuLangsam                            ? "timed_out"
+            : ende.art == Kindende::Art::BEENDET ? "exited"
+                                                 : "crashed"};
+}
+
+/// Whether, as far as is known, other files can be loaded together with this one.
+bool istVertraeglich(const Dateiergebnis& datei) {
+    return datei.unlesbar.empty() && datei.abbruch.empty() &&
+           std::none_of(datei.ergebnisse.begin(), datei.ergebnisse.end(), [](const Pruefergebnis& e) {
+               return e.befund.urteil == Urteil::ABGESTUERZT || e.befund.urteil == Urteil::ZU_LANGSAM ||
+                      (e.pruefung->name == std::string_view("describes") && istHindernis(e.befund.urteil));
+           });
 }
 
 /// The checks of one file, in progress.
 class Dateilauf {
 public:
-    Dateilauf(const Pruefauftrag& auftrag, const std::string& pfad)
+    Dateilauf(const Pruefauftrag& auftrag, Dateiergebnis bisher, std::vector<std::string> andere)
         : auftrag_(auftrag),
-          pruefling_{vollerPfad(pfad), Bibliotheksbild(vollerPfad(pfad)), {}, auftrag.zeitlimit} {
-        ergebnis_.pfad = pfad;
-    }
+          ergebnis_(std::move(bisher)),
+          pruefling_{vollerPfad(ergebnis_.pfad), Bibliotheksbild(vollerPfad(ergebnis_.pfad)),
+                     std::move(andere), auftrag.zeitlimit} {}
 
-    void laufe(bool reihe) {
-        for (const Pruefung* const pruefung : auftrag_.auswahl)
-            if ((pruefung->ort == Ort::KIND_REIHE) == reihe)
-                ergebnis_.ergebnisse.push_back({pruefung, befundVon(*pruefung)});
+    Befund laufe(const Pruefung& pruefung) {
+        ergebnis_.ergebnisse.push_back({&pruefung, befundVon(pruefung)});
+        return ergebnis_.ergebnisse.back().befund;
     }
-
-    /// Whether, as far as is known, other files can be loaded together with this one.
-    bool istVertraeglich() const {
-        return std::none_of(
-            ergebnis_.ergebnisse.begin(), ergebnis_.ergebnisse.end(), [](const Pruefergebnis& e) {
-                return e.befund.urteil == Urteil::ABGESTUERZT || e.befund.urteil == Urteil::ZU_LANGSAM ||
-                       (e.pruefung->name == std::string_view("describes") && istHindernis(e.befund.urteil));
-            });
-    }
-    const std::string& pfad() const { return pruefling_.pfad; }
-    void nimmAndere(std::vector<std::string> andere) { pruefling_.andere = std::move(andere); }
-
-    Dateiergebnis ergebnis() && { return std::move(ergebnis_); }
 
 private:
     Befund befundVon(const Pruefung& pruefung) {
         if (const Pruefergebnis* const hindernis = hindernisFuer(pruefung))
-            return uebersprungen(std::string("builds on ") + hindernis->pruefung->name);
+            return uebersprungen(hindernis->pruefung->name, kBautAuf);
         if (&pruefung != &katalog().front() && !pruefling_.bild.istLadbar())
-            return durchgefallen(einzeilig(pruefling_.bild.getGrund()));
-        if (auftrag_.vorPruefung)
-            auftrag_.vorPruefung(ergebnis_.pfad, pruefung);
+            return durchgefallen(einzeilig(pruefling_.bild.getGrund()), "not_loadable");
         return pruefung.ort == Ort::DATEI ? mache(pruefung, pruefling_)
                                           : macheImKind(pruefung, pruefling_, auftrag_.log);
     }
 
-    /// The check that did not pass and that this one depends on, directly or not.
+    /// The check that was made, did not pass, and that this one depends on, directly or not.
     const Pruefergebnis* hindernisFuer(const Pruefung& pruefung) const {
         if (const Pruefergebnis* const format = ergebnisVon(katalog().front().name);
             format && istHindernis(format->befund.urteil))
             return format;
         for (const std::string_view name : pruefung.bautAuf) {
-            if (const Pruefergebnis* const e = ergebnisVon(name); e && istHindernis(e->befund.urteil))
+            if (const Pruefergebnis* const e = ergebnisVon(name);
+                e && istHindernis(e->befund.urteil) && e->befund.code != kBautAuf)
                 return e;
             if (const Pruefung* const davor = finde(name))
                 if (const Pruefergebnis* const e = hindernisFuer(*davor))
@@ -140,8 +144,93 @@ private:
     }
 
     const Pruefauftrag& auftrag_;
-    Pruefling pruefling_;
     Dateiergebnis ergebnis_;
+    Pruefling pruefling_;
+};
+
+/// The checks of all files, in progress.
+class Gesamtlauf {
+public:
+    explicit Gesamtlauf(const Pruefauftrag& auftrag) : auftrag_(auftrag) {
+        for (const std::string& pfad : auftrag.dateien)
+            ergebnisse_.push_back({pfad, warumUnlesbar(pfad), {}, {}});
+    }
+
+    std::vector<Dateiergebnis> laufe() && {
+        fuelle(false);
+        for (std::size_t i = 0; i < ergebnisse_.size(); ++i)
+            if (istVertraeglich(ergebnisse_[i]))
+                vertraegliche_.push_back(i);
+        fuelle(true);
+        return std::move(ergebnisse_);
+    }
+
+private:
+    /// Makes the checks that come last, or all others.
+    void fuelle(bool zuletzt) {
+        std::vector<const Pruefung*> auswahl;
+        for (const Pruefung* const pruefung : auftrag_.auswahl)
+            if (kommtZuletzt(*pruefung, auftrag_.dateien.size()) == zuletzt)
+                auswahl.push_back(pruefung);
+        Arbeitsplan plan;
+        plan.zugleich = auftrag_.zugleich;
+        for (std::size_t i = 0; i < ergebnisse_.size() && !auswahl.empty(); ++i)
+            if (ergebnisse_[i].unlesbar.empty() && ergebnisse_[i].abbruch.empty())
+                plan.stuecke.push_back(i);
+        plan.arbeit = [&](std::size_t i, const auto& sende) {
+            Dateilauf lauf(auftrag_, ergebnisse_[i], andereAls(i));
+            for (const Pruefung* const pruefung : auswahl)
+                sende(alsSatz(lauf.laufe(*pruefung)).dump() + "\n"); // JSON text holds no line feed
+        };
+        plan.fertig = [&](std::size_t i, const std::string& gesendet, const Kindende& ende) {
+            nimm(ergebnisse_[i], auswahl, gesendet, ende);
+            melde(i, zuletzt);
+        };
+        plan.takt = [&](std::size_t i, const std::string& gesendet) {
+            const auto n = static_cast<std::size_t>(std::count(gesendet.begin(), gesendet.end(), '\n'));
+            if (auftrag_.takt && n < auswahl.size())
+                auftrag_.takt(i, *auswahl[n]);
+        };
+        gemeldete_ = 0;
+        for (std::size_t i = 0; i < ergebnisse_.size(); ++i)
+            if (std::find(plan.stuecke.begin(), plan.stuecke.end(), i) == plan.stuecke.end())
+                melde(i, zuletzt);
+        verteile(plan);
+    }
+
+    static void nimm(Dateiergebnis& datei, const std::vector<const Pruefung*>& auswahl,
+                     const std::string& gesendet, const Kindende& ende) {
+        std::istringstream zeilen(gesendet);
+        std::size_t n = 0;
+        for (std::string zeile; std::getline(zeilen, zeile) && !zeilen.eof(); ++n)
+            datei.ergebnisse.push_back({auswahl[n], befundAus(Json::parse(zeile))});
+        if (!ende.istGut() || n < auswahl.size())
+            datei.abbruch = satz("the tool's process for this file {1}", ende.text());
+    }
+
+    /// Reports the file, and those after it that have waited for it.
+    void melde(std::size_t nummer, bool zuletzt) {
+        const auto& ruf = zuletzt ? auftrag_.ganzFertig : auftrag_.fertig;
+        wartende_.insert(nummer);
+        for (; wartende_.erase(gemeldete_) > 0; ++gemeldete_)
+            if (ruf)
+                ruf(ergebnisse_[gemeldete_]);
+    }
+
+    /// The other files that can be loaded together with this one.
+    std::vector<std::string> andereAls(std::size_t nummer) const {
+        std::vector<std::string> andere;
+        for (const std::size_t i : vertraegliche_)
+            if (i != nummer)
+                andere.push_back(vollerPfad(ergebnisse_[i].pfad));
+        return andere;
+    }
+
+    const Pruefauftrag& auftrag_;
+    std::vector<Dateiergebnis> ergebnisse_;
+    std::vector<std::size_t> vertraegliche_;
+    std::set<std::size_t> wartende_;
+    std::size_t gemeldete_ = 0;
 };
 
 } // namespace
@@ -162,28 +251,10 @@ std::vector<const Pruefung*> waehle(const std::vector<std::string>& nur,
     return auswahl;
 }
 
-std::vector<Dateiergebnis> pruefe(const Pruefauftrag& auftrag) {
-    std::vector<Dateiergebnis> ergebnisse;
-    std::vector<std::pair<std::size_t, Dateilauf>> laeufe; // of the readable files, with their positions
-    for (const std::string& pfad : auftrag.dateien) {
-        ergebnisse.push_back({pfad, warumUnlesbar(pfad), {}});
-        if (!ergebnisse.back().unlesbar.empty())
-            continue;
-        laeufe.emplace_back(ergebnisse.size() - 1, Dateilauf(auftrag, pfad));
-        laeufe.back().second.laufe(false);
-    }
-    for (auto& [stelle, lauf] : laeufe) {
-        std::vector<std::string> andere;
-        for (const auto& [andereStelle, anderer] : laeufe)
-            if (andereStelle != stelle && anderer.istVertraeglich())
-                andere.push_back(anderer.pfad());
-        lauf.nimmAndere(std::move(andere));
-    }
-    for (auto& [stelle, lauf] : laeufe) {
-        lauf.laufe(true);
-        ergebnisse[stelle] = std::move(lauf).ergebnis();
-    }
-    return ergebnisse;
+bool kommtZuletzt(const Pruefung& pruefung, std::size_t dateien) {
+    return pruefung.ort == Ort::KIND_REIHE && dateien > 1;
 }
+
+std::vector<Dateiergebnis> pruefe(const Pruefauftrag& auftrag) { return Gesamtlauf(auftrag).laufe(); }
 
 } // namespace werkzeug::check

@@ -19,6 +19,7 @@ struct Pruefergebnis {
 struct Dateiergebnis {
     std::string pfad;
     std::string unlesbar; ///< why the file cannot be read, UTF-8; then no check was run
+    std::string abbruch;  ///< why checks are missing: the tool's own process for this file ended, UTF-8
     std::vector<Pruefergebnis> ergebnisse;
 };
 
@@ -27,9 +28,15 @@ struct Pruefauftrag {
     std::vector<std::string> dateien;
     std::vector<const Pruefung*> auswahl; ///< in the catalogue's order
     std::chrono::duration<double> zeitlimit;
-    std::string log; ///< level of the library's log, as in `Optionen::log`
-    /// Called before each check of a file, to report progress; may be empty.
-    std::function<void(const std::string& pfad, const Pruefung& pruefung)> vorPruefung;
+    std::string log;          ///< level of the library's log, as in `Optionen::log`
+    std::size_t zugleich = 1; ///< files that are checked at the same time
+    /// Called at intervals with a file that is being checked, counted from 0, and its check under way.
+    std::function<void(std::size_t nummer, const Pruefung& pruefung)> takt = {};
+    /// Called for each file, in their order, once it and all before it have been checked. When there are several, what
+    /// looks at them together is not in it yet.
+    std::function<void(const Dateiergebnis&)> fertig = {};
+    /// The same, once that is in it too.
+    std::function<void(const Dateiergebnis&)> ganzFertig = {};
 };
 
 /// The checks selected by `--only` and `--skip`, both lists of names; an empty `nur` means all.
@@ -37,8 +44,12 @@ struct Pruefauftrag {
 std::vector<const Pruefung*> waehle(const std::vector<std::string>& nur,
                                     const std::vector<std::string>& ohne);
 
+/// Whether a check's result comes after those of all files, because it looks at several together.
+bool kommtZuletzt(const Pruefung& pruefung, std::size_t dateien);
+
 /// Runs the checks, those that run plugin code in a child process each. A check is skipped when one that it depends on
-/// was run and did not pass.
+/// was run and did not pass. The results do not depend on how many files are checked at the same time.
+/// Errors: as `verteile`.
 std::vector<Dateiergebnis> pruefe(const Pruefauftrag& auftrag);
 
 } // namespace werkzeug::check

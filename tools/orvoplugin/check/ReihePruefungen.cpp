@@ -39,7 +39,7 @@ std::string text(const OrvoPlugin& anderes, const Verlust& verlust) {
 
 Befund pruefeUeberschneidungen(const Pruefling& p) {
     if (p.andere.empty())
-        return uebersprungen("no other plugin that can be loaded was given");
+        return uebersprungen("no other plugin that can be loaded was given", "no_other_plugin");
     std::vector<std::string> pfade = p.andere;
     pfade.push_back(p.pfad);
     std::sort(pfade.begin(), pfade.end()); // the manager's order within a directory
@@ -49,7 +49,7 @@ Befund pruefeUeberschneidungen(const Pruefling& p) {
         if (const OrvoPluginV1* const plugin = registratur.lade(pfad); pfad == p.pfad)
             unseres = plugin;
     if (!unseres)
-        return durchgefallen("the plugin manager does not load it");
+        return durchgefallen("the plugin manager does not load it", "not_loaded");
 
     std::map<const OrvoPlugin*, Verlust> verluste;
     registratur.besuche(*unseres, [&](const Zuordnung& z) {
@@ -64,12 +64,13 @@ Befund pruefeUeberschneidungen(const Pruefling& p) {
     Fundliste funde;
     for (const auto& [anderes, verlust] : verluste) {
         if (!verlust.nachVersion)
-            funde.warnung(text(*anderes, verlust) + ", the first by its file name");
+            funde.warnung(text(*anderes, verlust) + ", the first by its file name", "file_name_decides");
         else if (OrvoVersion(anderes->getProduktVersion()) == OrvoVersion(unseres->getProduktVersion()))
             funde.fehler(text(*anderes, verlust) +
-                         ", of the same version: the order of the file names decides");
+                             ", of the same version: the order of the file names decides",
+                         "same_version");
         else
-            funde.warnung(text(*anderes, verlust));
+            funde.warnung(text(*anderes, verlust), "newer_version");
     }
     return funde.befund();
 }

@@ -56,7 +56,8 @@ Befund vergleiche(const Stand& vorher, const Stand& nachher, const std::string& 
     for (const auto& [name, wert] : namen)
         if (wertVon(vorher, name) != wertVon(nachher, name))
             funde.fehler(was + einzeilig(name) + " was " + wertVon(vorher, name) + " and is now " +
-                         wertVon(nachher, name));
+                             wertVon(nachher, name),
+                         "changed");
     return funde.befund();
 }
 
@@ -267,8 +268,9 @@ Befund pruefeAusgabe(const Pruefling& p) {
         fehler = standardfehler.anfang();
     }
     if (!aus.empty())
-        return durchgefallen("writes to standard output: " + zitiert(aus));
-    return fehler.empty() ? bestanden() : warnung("writes to standard error: " + zitiert(fehler));
+        return durchgefallen("writes to standard output: " + zitiert(aus), "writes_to_output");
+    return fehler.empty() ? bestanden()
+                          : warnung("writes to standard error: " + zitiert(fehler), "writes_to_error_output");
 }
 
 Befund pruefeLocale(const Pruefling& p) { return vergleicheLeben(p, "the ", locale); }
@@ -296,17 +298,18 @@ Befund pruefeEinstellungen(const Pruefling& p) { return vergleicheLeben(p, "the 
 Befund pruefeThreads(const Pruefling& p) {
     const std::size_t vorher = threads();
     if (vorher == 0)
-        return uebersprungen("the threads of a process cannot be counted here");
+        return uebersprungen("the threads of a process cannot be counted here", "not_measurable");
     ladeUndBenutze(p.pfad);
     // A process that has ended may still be listed for a moment.
     for (int i = 0; threads() > vorher && i < 50; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     const std::size_t mehr = threads() - std::min(vorher, threads());
-    return mehr == 0
-               ? bestanden()
-               : durchgefallen(std::to_string(mehr) +
+    return mehr == 0 ? bestanden()
+                     : durchgefallen(
+                           std::to_string(mehr) +
                                " of its threads still run after the plugin was unloaded: their code may go "
-                               "at any time");
+                               "at any time",
+                           "threads_left");
 }
 
 Befund pruefeKindprozesse(const Pruefling& p) {
@@ -318,8 +321,9 @@ Befund pruefeKindprozesse(const Pruefling& p) {
     const pid_t kind = waitpid(-1, &zustand, WNOHANG);
     if (kind < 0 && errno == ECHILD)
         return bestanden();
-    return durchgefallen(kind > 0 ? "a child process of the plugin has ended, and nobody has waited for it"
-                                  : "a child process of the plugin still runs");
+    return kind > 0 ? durchgefallen("a child process of the plugin has ended, and nobody has waited for it",
+                                    "child_not_awaited")
+                    : durchgefallen("a child process of the plugin still runs", "child_left");
 }
 
 } // namespace

@@ -43,7 +43,7 @@ _orvoplugin() {
             continue
         fi
         case ${COMP_WORDS[i]} in
-        --home | --dir | --resident | --log | --timeout | --only | --skip | --type | --require | --html)
+        --home | --dir | --resident | --log | --timeout | --only | --skip | --type | --require | --html | --format | --jobs)
             option=${COMP_WORDS[i]}
             ;;
         -*) ;;
@@ -90,7 +90,11 @@ _orvoplugin() {
             sed 's|.*/||;s/^lib//;s/\.[^.]*$/,/' | tr '[:upper:]' '[:lower:]')"
         return
         ;;
-    --timeout) return ;;
+    --format)
+        mapfile -t COMPREPLY < <(compgen -W 'text json junit sarif github' -- "$word")
+        return
+        ;;
+    --timeout | --jobs) return ;;
     esac
     if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_orvoplugin_options "$tool" ${command:+"$command"})" -- "$word")
