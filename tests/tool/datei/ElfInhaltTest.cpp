@@ -152,6 +152,45 @@ TEST_F(ElfInhalt, ATableThatLeadsOutOfTheFileIsNotRead) {
     }
 }
 
+TEST_F(ElfInhalt, TheVersionsOfOtherLibrariesAreListedWithTheirLibraries) {
+    EXPECT_THAT(gelesen().versionen, Contains(AllOf(Field(&Versionsbedarf::bibliothek, "libc.so.6"),
+                                                    Field(&Versionsbedarf::version, StartsWith("GLIBC_")))));
+    datei_.eintrag(DT_VERNEEDNUM).d_un.d_val = 0;
+    EXPECT_THAT(gelesen().versionen, IsEmpty());
+}
+
+TEST_F(ElfInhalt, ATableOfVersionsThatIsDamagedIsNotRead) {
+    const std::string ganz = datei_.bytes;
+    Bibliotheksinhalt inhalt;
+    for (const std::uint64_t wert : {std::uint64_t{1} << 40, ~std::uint64_t{0}}) {
+        datei_.eintrag(DT_VERNEED).d_un.d_val = wert;
+        EXPECT_NE(lies(inhalt), "") << wert;
+        datei_.bytes = ganz;
+    }
+    for (const auto feld : {&ElfW(Verneed)::vn_aux, &ElfW(Verneed)::vn_file}) {
+        datei_.inTabelle<ElfW(Verneed)>(DT_VERNEED).*feld = 0x7FFFFFFF;
+        EXPECT_NE(lies(inhalt), "");
+        datei_.bytes = ganz;
+    }
+    // Entries that overlap, each the next byte: as many as the field of their number holds.
+    auto& bedarf = datei_.inTabelle<ElfW(Verneed)>(DT_VERNEED);
+    bedarf.vn_cnt = 0xFFFF;
+    const std::uint64_t erster = datei_.stelle(datei_.eintrag(DT_VERNEED).d_un.d_ptr) + bedarf.vn_aux;
+    datei_.bei<ElfW(Vernaux)>(erster).vna_next = 1;
+    EXPECT_NE(lies(inhalt), "");
+    EXPECT_THAT(inhalt.versionen, IsEmpty());
+}
+
+TEST_F(ElfInhalt, WhetherCodeRunsOnTheStackIsSaidOrNot) {
+    EXPECT_TRUE(gelesen().nenntStapel);
+    EXPECT_FALSE(gelesen().stapelMitCode);
+    datei_.segmentVom(PT_GNU_STACK).p_flags |= PF_X;
+    EXPECT_TRUE(gelesen().stapelMitCode);
+    datei_.segmentVom(PT_GNU_STACK).p_type = PT_NULL;
+    EXPECT_FALSE(gelesen().nenntStapel);
+    EXPECT_FALSE(gelesen().stapelMitCode);
+}
+
 // Names may overlap in the file, so that a small file fills the memory of its reader.
 TEST(ElfInhaltNamen, ThatAreTooLongTogetherAreRefused) {
     const Verzeichnis verzeichnis;

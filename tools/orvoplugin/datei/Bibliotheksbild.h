@@ -30,6 +30,12 @@ struct Bibliothekssymbol {
     Symbolart art = Symbolart::Andere;
 };
 
+/// A version of another library's symbols that a library needs, such as "GLIBC_2.34" of "libc.so.6".
+struct Versionsbedarf {
+    std::string bibliothek;
+    std::string version;
+};
+
 /// The contents of a library's file that concern the loader.
 struct Bibliotheksinhalt {
     std::string soname;                  ///< the name by which other libraries need it; empty for none
@@ -37,12 +43,15 @@ struct Bibliotheksinhalt {
     std::vector<std::string> suchpfade;  ///< where these are searched, as written in the file
     std::vector<Bibliothekssymbol> exportierte;  ///< in the file's order
     std::vector<Bibliothekssymbol> undefinierte; ///< in the file's order
+    std::vector<Versionsbedarf> versionen;       ///< in the file's order
     std::uint32_t startfunktionen = 0;           ///< number of functions that run on opening
     std::uint32_t endfunktionen = 0;             ///< and on closing
     bool bindetSofort = false;                   ///< all symbols are bound on opening
     bool bleibtGeladen = false;                  ///< marked as never to be unmapped
     bool hatThreadLokale = false;                ///< defines thread-local variables
     bool aendertCode = false;                    ///< has text relocations
+    bool nenntStapel = false;                    ///< says whether its code runs on the stack
+    bool stapelMitCode = false;                  ///< says that it does
 };
 
 /// Reads a library's file without opening the library: none of its code runs. Shows what cannot be examined safely by

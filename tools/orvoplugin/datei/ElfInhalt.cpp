@@ -113,6 +113,7 @@ public:
     void lies() {
         liesDynamik();
         liesNamen();
+        liesVersionen();
         liesMerkmale();
         liesSymbole();
     }
@@ -120,6 +121,8 @@ public:
 private:
     // Names may overlap in the string table, but one that uses each byte this often is meant to exhaust memory.
     static constexpr std::uint64_t kNutzungen = 16, kMindestvorrat = 1 << 20;
+    // Likewise for entries of the table of versions, which may overlap too.
+    static constexpr std::uint64_t kMaxVersionen = 1 << 14;
 
     void liesDynamik() {
         const ElfW(Phdr)* const segment = segmente_.segmentVom(PT_DYNAMIC);
@@ -178,6 +181,33 @@ private:
         inhalt_.suchpfade.push_back(pfade.substr(ab));
     }
 
+    /// Two chains: the libraries, and for each the versions that it has to have.
+    void liesVersionen() {
+        std::uint64_t adresse = wert(DT_VERNEED).value_or(0);
+        const std::uint64_t anzahl = adresse == 0 ? 0 : wert(DT_VERNEEDNUM).value_or(0);
+        for (std::uint64_t i = 0; i < std::min(anzahl, kMaxVersionen); ++i) {
+            const auto bedarf = segmente_.tabelle<ElfW(Verneed)>(adresse, 1).front();
+            liesVersionen(adresse + bedarf.vn_aux, bedarf);
+            if (bedarf.vn_next == 0)
+                break;
+            adresse += bedarf.vn_next;
+        }
+    }
+
+    void liesVersionen(std::uint64_t adresse, const ElfW(Verneed) & bedarf) {
+        const std::string bibliothek = text(bedarf.vn_file);
+        for (unsigned i = bedarf.vn_cnt; i > 0; --i) {
+            const auto eintrag = segmente_.tabelle<ElfW(Vernaux)>(adresse, 1).front();
+            verlange(inhalt_.versionen.size() < kMaxVersionen, "Die Tabelle der Versionen ist zu lang");
+            verlange(bibliothek.size() <= uebrig_, "Die Namen sind zusammen zu lang");
+            uebrig_ -= bibliothek.size();
+            inhalt_.versionen.push_back({bibliothek, text(eintrag.vna_name)});
+            if (eintrag.vna_next == 0)
+                break;
+            adresse += eintrag.vna_next;
+        }
+    }
+
     std::uint32_t funktionen(std::int64_t einzelne, std::int64_t laengeDerTabelle) const {
         const std::uint64_t anzahl = wert(laengeDerTabelle).value_or(0) / sizeof(ElfW(Addr));
         return static_cast<std::uint32_t>(anzahl) + (wert(einzelne) ? 1 : 0);
@@ -191,6 +221,9 @@ private:
         inhalt_.bleibtGeladen = hatBit(DT_FLAGS_1, DF_1_NODELETE);
         inhalt_.hatThreadLokale = segmente_.segmentVom(PT_TLS) != nullptr;
         inhalt_.aendertCode = wert(DT_TEXTREL) || hatBit(DT_FLAGS, DF_TEXTREL);
+        const ElfW(Phdr)* const stapel = segmente_.segmentVom(PT_GNU_STACK);
+        inhalt_.nenntStapel = stapel != nullptr;
+        inhalt_.stapelMitCode = stapel && (stapel->p_flags & PF_X);
     }
 
     /// The number of symbols, known from the hash tables only. In GNU's form, the words after the filter hold the first
