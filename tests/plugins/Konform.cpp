@@ -1,8 +1,8 @@
 // A plugin that passes all checks of the tool, except for the faults listed in a text file beside it, "<library>.txt",
 // one per line: when, what, and an argument.
 //
-//     WHEN    oeffnen (start-up code), typen, beschreiben, laden, entladen (the hooks), factory, ende (of a service),
-//             schliessen (the library's last code)
+//     WHEN    oeffnen (start-up code), typen, beschreiben, laden, entladen (the hooks), factory, pruefen, ende (of a
+//             service), schliessen (the library's last code)
 //     WHAT    see `taten` and `beschreibung`
 //
 // Built with other flags it has faults in the file itself (see tool_check.cmake).
@@ -12,11 +12,15 @@
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/service/PruefErgebnis.h>
+#include <orvoplugin/service/SteuerfallListe.h>
 #include <orvoutil/Einstellungen.h>
+#include <orvoutil/Logger.h>
 
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -36,6 +40,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <tuple>
 
 namespace {
@@ -108,6 +113,28 @@ void tue(const std::string& was, const std::string& womit) {
              pthread_create(&thread, nullptr,
                             reinterpret_cast<void* (*)(void*)>(dlsym(RTLD_DEFAULT, "pause")), nullptr);
          }},
+        {"faden", // code of the plugin
+         [](const std::string&) {
+             std::thread([] {
+                 for (;;)
+                     std::this_thread::yield();
+             }).detach();
+         }},
+        {"knapp",
+         [](const std::string&) {
+             const rlimit keine{0, 0};
+             setrlimit(RLIMIT_NOFILE, &keine);
+         }},
+        {"logge",
+         [](const std::string& zeilen) {
+             for (int i = std::stoi(zeilen); i > 0; --i)
+                 if (auto* const logger = orvo::orvoutil::Logger::getInstance("konform"))
+                     logger->info("one of many lines");
+         }},
+        {"schlafe",
+         [](const std::string& ms) {
+             std::this_thread::sleep_for(std::chrono::milliseconds(std::stoi(ms)));
+         }},
         {"kind",
          [](const std::string&) {
              if (fork() == 0)
@@ -179,9 +206,13 @@ public:
             einzige = nullptr;
         tueWasAnstehtBeim("ende");
     }
-    int pruefe(const orvo::data::SteuerfallListe&, const Unterfallart&, const Veranlagungszeitraum&,
-               PruefErgebnis&) override {
-        return 0;
+    /// Finds something in each record.
+    int pruefe(const orvo::data::SteuerfallListe& faelle, const Unterfallart&, const Veranlagungszeitraum&,
+               PruefErgebnis& ergebnis) override {
+        tueWasAnstehtBeim("pruefen");
+        for (std::size_t i = 0; i < faelle.getAnzahl(); ++i)
+            ergebnis.fuegeHinzu(4711, "Feld", faelle.getDatensatz(i));
+        return static_cast<int>(faelle.getAnzahl());
     }
 
     static Pruefung* einzige; ///< when all users get the same object
@@ -298,6 +329,10 @@ Service* orvo_plugin_get_check_service() {
         return nullptr;
     if (sollBeim("factory", "falsche"))
         return new Finanzaemter;
+    if (sollBeim("factory", "statische")) {
+        static Pruefung statische;
+        return &statische;
+    }
     if (sollBeim("factory", "dieselbe"))
         return Pruefung::einzige ? Pruefung::einzige : Pruefung::einzige = new Pruefung;
     tueWasAnstehtBeim("factory");
@@ -329,7 +364,13 @@ __asm__(".pushsection .data\n"
 #endif
 #ifdef MIT_THREAD_DESTRUKTOR
 thread_local std::string jeThread;
-ORVO_PLUGIN_EXPORT std::size_t wirdNieGerufen() { return jeThread.size(); }
+__attribute__((used)) static std::size_t wirdNieGerufen() { return jeThread.size(); }
+#endif
+#ifdef MIT_C_SYMBOLEN
+ORVO_PLUGIN_EXPORT int inflate();
+int inflate() { return 0; }
+ORVO_PLUGIN_EXPORT extern int fremdeDaten;
+int fremdeDaten = 1;
 #endif
 #ifdef MIT_CODE_AENDERUNG
 __asm__(".pushsection .text\n"

@@ -11,6 +11,11 @@ orvo_test_plugin(BindsLate Konform.cpp)
 target_link_options(BindsLate PRIVATE LINKER:-z,lazy)
 orvo_test_plugin(SearchesTheWorkingDirectory Konform.cpp)
 set_target_properties(SearchesTheWorkingDirectory PROPERTIES BUILD_RPATH "lib/relativ")
+orvo_test_plugin(HasAnExecutableStack Konform.cpp)
+target_link_options(HasAnExecutableStack PRIVATE LINKER:-z,execstack)
+orvo_test_plugin(ExportsCNames Konform.cpp MIT_C_SYMBOLEN)
+orvo_test_plugin(BringsItsCxxLibrary Konform.cpp)
+target_link_options(BringsItsCxxLibrary PRIVATE -static-libstdc++)
 # Built without the header that makes a wrong signature a compile error.
 orvo_test_plugin(ReturnsAnInt GanzeZahl.cpp)
 # Misspelt here, and wherever the header declares it.

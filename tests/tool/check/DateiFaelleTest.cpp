@@ -2,16 +2,21 @@
 
 #include "Lauf.h"
 
+#include "ElfDatei.h"
 #include "TestPlugins.h"
 
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
 
 using namespace testing;
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -54,7 +59,7 @@ private:
 } // namespace
 
 TEST(Dateifaelle, AnEntryPointThatIsMisspeltGetsASuggestion) {
-    erwarteNur(test_plugins::MisspellsInitialize, "entry-points", "failed",
+    erwarteNur(Pruefplugin(test_plugins::MisspellsInitialize).pfad(), "entry-points", "failed",
                "\"orvo_plugin_initialise\" is exported, \"orvo_plugin_initialize\" is not: did you mean "
                "orvo_plugin_initialize?");
 }
@@ -91,16 +96,69 @@ TEST(Dateifaelle, ASearchPathThatDependsOnTheWorkingDirectoryIsFound) {
                "\"lib/relativ\"");
 }
 
+TEST(Dateifaelle, ALibraryThatMakesTheStackExecutableIsFound) {
+    erwarteNur(Pruefplugin(test_plugins::HasAnExecutableStack).pfad(), "executable-stack", "failed",
+               "makes the stack of the whole process executable");
+    ElfDatei ohneAngabe(test_plugins::Conforms);
+    ohneAngabe.segmentVom(PT_GNU_STACK).p_type = PT_NULL;
+    const Verzeichnis verzeichnis;
+    erwarteNur(verzeichnis.schreibe("libpruefling.dylib", ohneAngabe.bytes), "executable-stack", "failed",
+               "does not say whether code runs on the stack");
+}
+
+TEST(Dateifaelle, ExportedCNamesThatNobodyAsksForAreFound) {
+    const Pruefplugin plugin(test_plugins::ExportsCNames);
+    erwarteNur(plugin.pfad(), "c-symbols", "warning", "exports inflate");
+    erwarteNur(plugin.pfad(), "c-symbols", "warning", "exports fremdeDaten");
+}
+
+TEST(Dateifaelle, WhoElseMayWriteTheFileOrAFolderIsFound) {
+    const Pruefplugin plugin(test_plugins::Conforms);
+    const fs::path datei = plugin.pfad(), ordner = datei.parent_path();
+    const auto grund = [](const std::string& pfad) {
+        const Dateilauf lauf = pruefe(pfad, {"--only", "writable"});
+        EXPECT_EQ(lauf.ergebnisse.at("writable"), lauf.gruende.at("writable").empty() ? "passed" : "warning");
+        return lauf.gruende.at("writable");
+    };
+    EXPECT_EQ(grund(datei), "");
+    fs::permissions(datei, fs::perms::group_write, fs::perm_options::add);
+    EXPECT_THAT(grund(datei), HasSubstr(datei.string() + " is writable by its group ("));
+    fs::permissions(datei, fs::perms::others_write, fs::perm_options::add);
+    EXPECT_EQ(grund(datei), datei.string() + " is writable by everybody");
+    fs::permissions(datei, fs::perms::group_write | fs::perms::others_write, fs::perm_options::remove);
+    fs::permissions(ordner, fs::perms::others_write, fs::perm_options::add);
+    EXPECT_EQ(grund(datei), ordner.string() + " is writable by everybody");
+
+    const Verzeichnis anderswo;
+    const std::string link = anderswo.pfad("liblink.dylib");
+    fs::create_symlink(datei, link);
+    EXPECT_THAT(grund(link), StartsWith(ordner.string() + " is writable")) << "of the folders of both";
+    fs::permissions(ordner, fs::perms::sticky_bit, fs::perm_options::add);
+    EXPECT_EQ(grund(link), "");
+    fs::permissions(anderswo.pfad(), fs::perms::group_write, fs::perm_options::add);
+    EXPECT_THAT(grund(link), StartsWith(anderswo.pfad() + " is writable"));
+}
+
+TEST(Dateifaelle, AFileOfSomebodyElseIsFound) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root gives files away";
+    const Pruefplugin plugin(test_plugins::Conforms);
+    ASSERT_EQ(chown(plugin.pfad().c_str(), 4711, 0), 0);
+    erwarteNur(plugin.pfad(), "writable", "warning",
+               plugin.pfad() + " belongs to user 4711, who may replace the plugin");
+}
+
 TEST(Dateifaelle, ALibraryThatBindsLateIsFound) {
     erwarteNur(Pruefplugin(test_plugins::BindsLate).pfad(), "immediate-binding", "warning", "-z now");
 }
 
 TEST(Dateifaelle, ALibraryThatIsNotThereIsNamed) {
-    erwarteNur(test_plugins::NeedsAMissingLibrary, "needed-libraries", "failed", "libgibtEsNicht.so");
+    erwarteNur(Pruefplugin(test_plugins::NeedsAMissingLibrary).pfad(), "needed-libraries", "failed",
+               "libgibtEsNicht.so");
 }
 
 TEST(Dateifaelle, ASymbolThatNobodyHasIsNamed) {
-    erwarteNur(test_plugins::CallsAMissingFunction, "undefined-symbols", "failed",
+    erwarteNur(Pruefplugin(test_plugins::CallsAMissingFunction).pfad(), "undefined-symbols", "failed",
                "gibtEsNicht is provided by nobody");
 }
 
@@ -112,9 +170,12 @@ TEST(Dateifaelle, AnotherResultTypeThanBoolIsFound) {
 }
 
 TEST(Dateifaelle, EachDeclarationOfTypesThatTheLoaderRefusesFailsOneCheck) {
-    erwarteNur(test_plugins::DeclaresTypeTwo, "declares-type", "failed", "declares interface 2 instead of 1");
-    erwarteNur(test_plugins::DeclaresNoType, "declares-type", "failed", "declares nothing");
-    erwarteNur(test_plugins::DeclaresTypeOneTwice, "declares-type", "failed", "2 records (types 1, 1)");
+    erwarteNur(Pruefplugin(test_plugins::DeclaresTypeTwo).pfad(), "declares-type", "failed",
+               "declares interface 2 instead of 1");
+    erwarteNur(Pruefplugin(test_plugins::DeclaresNoType).pfad(), "declares-type", "failed",
+               "declares nothing");
+    erwarteNur(Pruefplugin(test_plugins::DeclaresTypeOneTwice).pfad(), "declares-type", "failed",
+               "2 records (types 1, 1)");
 }
 
 TEST(Dateifaelle, AFileThatIsNoLibraryFailsTheFirstCheckAndIsSkippedByAllOthers) {

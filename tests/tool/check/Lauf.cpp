@@ -2,9 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+namespace fs = std::filesystem;
+
 Pruefplugin::Pruefplugin(const char* quelle, const std::string& auftraege, const std::string& name)
     : pfad_(verzeichnis_.kopiere(quelle, name)) {
     verzeichnis_.schreibe(name + ".txt", auftraege);
+    // Where the build's files are writable by a group.
+    fs::permissions(pfad_, fs::perms::group_write, fs::perm_options::remove);
 }
 
 nlohmann::json pruefeAlsJson(std::vector<std::string> argumente, int& ausgang) {

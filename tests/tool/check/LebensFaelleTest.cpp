@@ -250,6 +250,26 @@ const Fall kFaelle[] = {
      {{"timers", "failed"}},
      "timers",
      "the timer for real time was off and is now running"},
+    {"LowersALimit",
+     "entladen knapp",
+     {{"limits", "failed"}, {"services", "failed"}, {"descriptors", "failed"}, {"time", "failed"}},
+     "limits",
+     "the limit of open files was "},
+    {"WritesThousandsOfLinesToTheLog",
+     "factory logge 3000",
+     {{"log-volume", "warning"}},
+     "log-volume",
+     " entries to the log; 65536 bytes are allowed"},
+    {"NamesASubCaseTypeWithoutAName",
+     "beschreiben unterfallart",
+     {{"texts", "warning"}},
+     "texts",
+     "serves a sub-case type without a name"},
+    {"GivesAStaticObjectThatTheLibraryDeletes",
+     "factory statische",
+     {{"use", "failed"}},
+     "use",
+     "gives a static object, and FLAG_SERVICE_LOESCHEN has it deleted"},
     {"ChangesASetting",
      "laden einstellung jemand,",
      {{"settings", "failed"}},
@@ -289,7 +309,10 @@ INSTANTIATE_TEST_SUITE_P(Plugin, Faelle, ValuesIn(kFaelle),
                          [](const TestParamInfo<Fall>& fall) { return std::string(fall.param.name); });
 
 TEST(Konformitaet, EachCheckThatRunsPluginCodeHasACaseThatDoesNotPass) {
-    std::set<std::string> gefunden{"file-name", "needed-libraries", "undefined-symbols", // in DateiFaelleTest
+    std::set<std::string> gefunden{"file-name",  "needed-libraries", "undefined-symbols",
+                                   "c-symbols", // in DateiFaelleTest
+                                   "time",
+                                   "data",         // in VorgabenTest
                                    "description"}; // in BeschriebeneTest
     for (const Fall& fall : kFaelle)
         for (const auto& [name, ergebnis] : fall.auffaellige)
@@ -298,6 +321,52 @@ TEST(Konformitaet, EachCheckThatRunsPluginCodeHasACaseThatDoesNotPass) {
         if (pruefung.ort == werkzeug::check::Ort::KIND) {
             EXPECT_TRUE(gefunden.contains(pruefung.name)) << pruefung.name;
         }
+    }
+}
+
+TEST(Konformitaet, ATextThatNobodyCanReadForItsLengthIsAWarning) {
+    const Pruefplugin knapp(test_plugins::Conforms, "beschreiben label " + std::string(1000, 'x')),
+        lang(test_plugins::Conforms, "beschreiben label " + std::string(1001, 'x'));
+    EXPECT_EQ(pruefe(knapp.pfad(), {"--only", "texts"}).ergebnisse.at("texts"), "passed");
+    const Dateilauf lauf = pruefe(lang.pfad(), {"--only", "texts"});
+    EXPECT_EQ(lauf.ergebnisse.at("texts"), "warning");
+    EXPECT_THAT(lauf.gruende.at("texts"), EndsWith(" has 1001 bytes"));
+}
+
+// A sanitizer's own threads and memory are others.
+#if !defined(ORVO_ADDRESS_SANITIZER)
+TEST(Konformitaet, AThreadInUnmappedCodeIsNamedAsTheCauseOfTheCrash) {
+    const Pruefplugin plugin(test_plugins::Conforms, "factory faden");
+    const Dateilauf lauf = pruefe(plugin.pfad());
+    EXPECT_THAT(lauf.auffaellige, Contains(Pair(_, "crashed")));
+    for (const auto& [name, ergebnis] : lauf.auffaellige)
+        if (ergebnis == "crashed") {
+            EXPECT_THAT(lauf.gruende.at(name),
+                        HasSubstr("; a thread that the plugin started still runs when its code is unmapped"));
+        }
+}
+
+TEST(Konformitaet, ACxxLibraryOfItsOwnIsNamedAsTheCauseOfLostMemory) {
+    const Dateilauf lauf = pruefe(Pruefplugin(test_plugins::BringsItsCxxLibrary).pfad());
+    EXPECT_THAT(lauf.auffaellige, ElementsAre(Pair("memory", "warning")));
+    EXPECT_THAT(lauf.gruende.at("memory"), HasSubstr("brings a C++ library or an operator new of its own"));
+}
+#endif
+
+TEST(Konformitaet, ALimitThatWasLoweredIsNamedAsTheCauseOfWhatFails) {
+    const Pruefplugin plugin(test_plugins::Conforms, "laden knapp");
+    const Dateilauf lauf = pruefe(plugin.pfad(), {"--only", "services"});
+    EXPECT_EQ(lauf.ergebnisse.at("services"), "failed");
+    EXPECT_THAT(lauf.gruende.at("services"),
+                AllOf(HasSubstr("; the limit of open files was "), EndsWith(" and is now 0 (0)")));
+}
+
+TEST(Konformitaet, AStaticObjectThatIsDeletedIsRefusedByEachCheckThatWouldDeleteIt) {
+    const Pruefplugin plugin(test_plugins::Conforms, "factory statische");
+    for (const char* const name : {"services", "service-ownership", "exceptions", "memory", "resident"}) {
+        const Dateilauf lauf = pruefe(plugin.pfad(), {"--only", name});
+        EXPECT_EQ(lauf.ergebnisse.at(name), "failed") << name;
+        EXPECT_THAT(lauf.gruende.at(name), HasSubstr("gives a static object")) << name;
     }
 }
 

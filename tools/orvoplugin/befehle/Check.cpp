@@ -44,6 +44,7 @@ public:
             ->type_name("NAME,...")
             ->delimiter(',')
             ->allow_extra_args(false);
+        fuegeVorgabenHinzu(unterbefehl, vorgaben_);
         unterbefehl.add_flag("--strict", streng_, "Count a warning as a failure");
         unterbefehl
             .add_option("--format", format_, "Results as text, json (as --json), or for a build server")
@@ -62,9 +63,11 @@ public:
         std::optional<Englisch> englisch;
         if (format != "text")
             englisch.emplace();
-        const std::vector<const Pruefung*> auswahl = waehle(nur_, ohne_);
+        std::vector<const Pruefung*> auswahl = waehle(nur_, ohne_);
         if (liste_)
             return zeigeListe(auswahl, optionen, format);
+        if (nur_.empty() && vorgaben_.daten.empty())
+            std::erase_if(auswahl, [](const Pruefung* pruefung) { return pruefung->brauchtDaten; });
         const std::vector<std::string> dateien = alleDateien(optionen);
         // child processes inherit it
         orvo::orvoutil::Einstellungen().setze("basis.resident_plugins", optionen.resident);
@@ -135,7 +138,7 @@ private:
                                           const Optionen& optionen, bool alsText) {
         Fortschritt fortschritt(!optionen.quiet);
         Pruefauftrag auftrag{dateien, auswahl, std::chrono::duration<double>(optionen.zeitlimit),
-                             optionen.log, zugleich_};
+                             &vorgaben_, optionen.log, zugleich_};
         auftrag.takt = [&](std::size_t nummer, const Pruefung& pruefung) {
             fortschritt.zeige(satz("{1}/{2} checking {3}: {4}", nummer + 1, dateien.size(),
                                    einzeilig(dateien[nummer]), pruefung.name));
@@ -166,6 +169,7 @@ private:
     }
 
     std::vector<std::string> dateien_, nur_, ohne_;
+    Vorgaben vorgaben_;
     std::string format_;
     std::size_t zugleich_ = verfuegbareProzessoren();
     std::size_t bloecke_ = 0; ///< written so far

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kern/Anzeige.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -22,11 +24,12 @@ const char* urteilKennung(Urteil urteil);
 /// Whether checks that depend on this result must be skipped.
 bool istHindernis(Urteil urteil);
 
-/// Result and reason. Both texts are empty for a check that passed.
+/// Result and reason. A check that passed has no code, and no text except where it reports something.
 struct Befund {
     Urteil urteil = Urteil::BESTANDEN;
     std::string text; ///< the reason, UTF-8, one line; with `kBautAuf` the name of that check
     std::string code; ///< the same for programs: stable, in English, in small letters
+    Json zahlen = {}; ///< what was measured, for programs: an object, or null
 
     /// The reason as a text for people.
     std::string grund() const;

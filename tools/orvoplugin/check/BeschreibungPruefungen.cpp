@@ -111,6 +111,9 @@ bool hatSteuerzeichen(const std::string& text) {
 }
 
 void pruefeText(const std::string& was, const std::string& text, Fundliste& funde) {
+    constexpr std::size_t kLaengster = 1000; // bytes, and more than any text for people needs
+    if (text.size() > kLaengster)
+        funde.warnung(satz("{1} {2} has {3} bytes", was, zitiert(text), text.size()), "long_text");
     if (istUtf8(text))
         funde.warnung(was + " " + zitiert(text) + " is UTF-8, but is read as Latin-1", "utf8");
     else if (hatSteuerzeichen(text))
@@ -122,6 +125,14 @@ void pruefeVersion(const char* was, const std::string& version, Fundliste& funde
         funde.fehler(std::string(was) + " " + zitiert(version) +
                          " has parts that are no numbers, and count as 0 when versions are compared",
                      "not_numeric");
+}
+
+/// Whether a symbol is one that a plugin has to export, or that another check reports.
+bool istErwartet(const Bibliothekssymbol& symbol) {
+    // The linker's own, where no list of exports keeps them inside.
+    static const std::set<std::string_view> marken{"__bss_start", "_edata", "_end", "_init", "_fini"};
+    return symbol.name.starts_with("_Z") || symbol.name.starts_with("orvo_plugin_") ||
+           symbol.bindung == Symbolbindung::Einmalig || marken.contains(symbol.name);
 }
 
 void pruefeHook(const char* was, const std::string& name, const Pruefling& p, Fundliste& funde) {
@@ -219,8 +230,12 @@ Befund pruefeTexte(const Pruefling& p) {
             pruefeText("label", *text, funde);
     for (const OrvoErweiterung* const erweiterung : plugin->listeErweiterungen())
         if (const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(erweiterung))
-            for (const Unterfallart& ua : uaVz->getUnterfallArten())
+            for (const Unterfallart& ua : uaVz->getUnterfallArten()) {
                 pruefeText("sub-case type", ua.getName(), funde);
+                if (ua.getName().empty())
+                    funde.warnung(satz("{1} serves a sub-case type without a name", art(*erweiterung)),
+                                  "empty_name");
+            }
     return funde.befund();
 }
 
@@ -282,6 +297,18 @@ Befund pruefeHooks(const Pruefling& p) {
     return funde.befund();
 }
 
+Befund pruefeCSymbole(const Pruefling& p) {
+    const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
+    std::set<std::string> genannte{plugin->getOnLoadFuncName(), plugin->getOnUnloadFuncName()};
+    for (const OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
+        genannte.insert(erweiterung->getServiceFactoryName());
+    Fundliste funde;
+    for (const Bibliothekssymbol& symbol : p.bild.getInhalt().exportierte)
+        if (!istErwartet(symbol) && !genannte.contains(symbol.name))
+            funde.warnung(satz("exports {1}", symbolname(symbol.name)), "foreign_export");
+    return funde.befund();
+}
+
 } // namespace
 
 std::vector<Pruefung> beschreibungsPruefungen() {
@@ -317,7 +344,7 @@ std::vector<Pruefung> beschreibungsPruefungen() {
          Ort::KIND,
          pruefeVersionen},
         {"texts",
-         N_("Names, versions and labels are readable Latin-1."),
+         N_("Names, versions and labels are readable Latin-1, and of a sensible length."),
          {"describes"},
          Ort::KIND,
          pruefeTexte},
@@ -341,6 +368,11 @@ std::vector<Pruefung> beschreibungsPruefungen() {
          {"describes"},
          Ort::KIND,
          pruefeHooks},
+        {"c-symbols",
+         N_("The library exports entry points, factories and hooks only."),
+         {"factories", "hooks"},
+         Ort::KIND,
+         pruefeCSymbole},
     };
 }
 

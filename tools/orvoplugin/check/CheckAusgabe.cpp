@@ -111,7 +111,8 @@ Json alsJson(const Dateiergebnis& datei) {
         json["checks"].push_back({{"name", e.pruefung->name},
                                   {"result", urteilKennung(e.befund.urteil)},
                                   {"code", e.befund.code.empty() ? Json() : Json(e.befund.code)},
-                                  {"reason", e.befund.grund()}});
+                                  {"reason", e.befund.grund()},
+                                  {"figures", e.befund.zahlen}});
     return json;
 }
 

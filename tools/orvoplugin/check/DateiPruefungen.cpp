@@ -6,6 +6,12 @@
 #include "kern/Anzeige.h"
 #include "kern/Sprache.h"
 
+#include <orvoutil/OrvoVersion.h>
+
+#include <utility>
+
+using orvo::orvoutil::OrvoVersion;
+
 namespace werkzeug::check {
 
 namespace {
@@ -73,6 +79,49 @@ Befund pruefeSuchpfade(const Pruefling& p) {
     return funde.befund();
 }
 
+Befund pruefeStapel(const Pruefling& p) {
+    if (p.bild.getInhalt().stapelMitCode)
+        return durchgefallen(
+            satz("makes the stack of the whole process executable: link with -z noexecstack"),
+            "executable_stack");
+    return p.bild.getInhalt().nenntStapel
+               ? bestanden()
+               : durchgefallen(
+                     satz("does not say whether code runs on the stack, which the system's loader takes for "
+                          "a yes: link with -z noexecstack"));
+}
+
+/// The newest version of that prefix that the file needs; empty for none. Those without numbers, such as GLIBC_PRIVATE,
+/// are left out.
+std::string neuesteVersion(const Bibliotheksinhalt& inhalt, const std::string& vorsatz) {
+    std::string neueste;
+    for (const Versionsbedarf& bedarf : inhalt.versionen) {
+        const std::string name = bedarf.version == "GLIBC_ABI_DT_RELR" ? "GLIBC_2.36" : bedarf.version;
+        const std::string version = name.starts_with(vorsatz) ? name.substr(vorsatz.size()) : "";
+        if (OrvoVersion(version).hatNurZahlen() && OrvoVersion(version) > OrvoVersion(neueste))
+            neueste = version;
+    }
+    return neueste;
+}
+
+Befund pruefeBaseline(const Pruefling& p) {
+    Fundliste funde;
+    Json zahlen;
+    for (const auto& [name, vorsatz] :
+         {std::pair("glibc", "GLIBC_"), std::pair("libstdc++", "GLIBCXX_"), std::pair("cxxabi", "CXXABI_")}) {
+        const std::string version = neuesteVersion(p.bild.getInhalt(), vorsatz);
+        zahlen[name] = version.empty() ? Json() : jsonText(version);
+        const auto grenze = p.vorgaben->baseline.find(name);
+        if (grenze != p.vorgaben->baseline.end() && OrvoVersion(version) > OrvoVersion(grenze->second))
+            funde.fehler(
+                satz("needs {1} {2}, newer than {3}", name, einzeilig(version), einzeilig(grenze->second)),
+                "newer_than_baseline");
+    }
+    Befund befund = funde.befund();
+    befund.zahlen = std::move(zahlen);
+    return befund;
+}
+
 } // namespace
 
 std::vector<Pruefung> dateiPruefungen() {
@@ -117,6 +166,16 @@ std::vector<Pruefung> dateiPruefungen() {
          {},
          Ort::DATEI,
          pruefeSuchpfade},
+        {"executable-stack",
+         N_("The library does not make the stack of its process executable."),
+         {},
+         Ort::DATEI,
+         pruefeStapel},
+        {"baseline",
+         N_("The library needs no newer glibc and libstdc++ than those of the baseline."),
+         {},
+         Ort::DATEI,
+         pruefeBaseline},
     };
 }
 

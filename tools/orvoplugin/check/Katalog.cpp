@@ -5,8 +5,9 @@ namespace werkzeug::check {
 const std::vector<Pruefung>& katalog() {
     static const std::vector<Pruefung> pruefungen = [] {
         std::vector<Pruefung> alle = dateiPruefungen();
-        for (const auto tabelle : {ladePruefungen, beschreibungsPruefungen, nutzungsPruefungen,
-                                   rueckstandsPruefungen, reihenPruefungen})
+        for (const auto tabelle :
+             {zugriffPruefungen, ladePruefungen, beschreibungsPruefungen, nutzungsPruefungen,
+              aufwandPruefungen, datenPruefungen, rueckstandsPruefungen, reihenPruefungen})
             for (Pruefung& pruefung : tabelle())
                 alle.push_back(std::move(pruefung));
         return alle;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "check/Befund.h"
+#include "check/Vorgaben.h"
 #include "datei/Bibliotheksbild.h"
 
 #include <chrono>
@@ -16,6 +17,7 @@ struct Pruefling {
     Bibliotheksbild bild;
     std::vector<std::string> andere;
     std::chrono::duration<double> zeitlimit; ///< for plugin code
+    const Vorgaben* vorgaben;                ///< never null
 };
 
 /// Where a check runs.
@@ -33,6 +35,7 @@ struct Pruefung {
     std::vector<std::string_view> bautAuf;
     Ort ort;
     Befund (*pruefe)(const Pruefling&);
+    bool brauchtDaten = false; ///< run without being named only if there are data
 };
 
 /// All checks, in the order in which they run. The first is that of the file's format, on which all others depend.
@@ -41,9 +44,12 @@ const std::vector<Pruefung>& katalog();
 // The parts of the catalogue, each at the end of the source that defines its checks.
 
 std::vector<Pruefung> dateiPruefungen();
+std::vector<Pruefung> zugriffPruefungen();
 std::vector<Pruefung> ladePruefungen();
 std::vector<Pruefung> beschreibungsPruefungen();
 std::vector<Pruefung> nutzungsPruefungen();
+std::vector<Pruefung> aufwandPruefungen();
+std::vector<Pruefung> datenPruefungen();
 std::vector<Pruefung> rueckstandsPruefungen();
 std::vector<Pruefung> reihenPruefungen();
 

@@ -3,6 +3,7 @@
 #include "check/Katalog.h"
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
+#include "check/Ursache.h"
 #include "kern/Anzeige.h"
 #include "kern/Sprache.h"
 
@@ -104,15 +105,15 @@ void rufeHook(const char* was, SharedLib& bibliothek, const std::string& name, F
         haelt(std::string(was) + " " + zitiert(name), funde, hook);
 }
 
-void rufeFactory(SharedLib& bibliothek, const OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
+void rufeFactory(SharedLib& bibliothek, OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
     const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(erweiterung.getServiceFactoryName()));
     if (!factory)
         return;
-    haelt("the factory " + factoryVon(erweiterung), funde, [&] {
-        const Service* const service = factory();
-        if (erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN))
-            delete service;
-    });
+    const Service* service = nullptr;
+    haelt("the factory " + factoryVon(erweiterung), funde, [&] { service = factory(); });
+    verlangeLoeschbar(erweiterung, service);
+    if (erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN))
+        delete service;
 }
 
 /// The libraries mapped into the process, by name.
@@ -195,7 +196,7 @@ Befund pruefeAusnahmen(const Pruefling& p) {
     Fundliste funde;
     SharedLib bibliothek(p.pfad, true);
     rufeHook("the OnLoad function", bibliothek, plugin->getOnLoadFuncName(), funde);
-    for (const OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
+    for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
         rufeFactory(bibliothek, *erweiterung, funde);
     rufeHook("the OnUnload function", bibliothek, plugin->getOnUnloadFuncName(), funde);
     return funde.befund();
@@ -231,7 +232,8 @@ Befund pruefeSpeicher(const Pruefling& p) {
     constexpr std::size_t kKleinstesStueck = 16;
     return verlust < kKleinstesStueck
                ? bestanden()
-               : warnung("each use keeps about " + std::to_string(verlust) + " bytes that are never freed",
+               : warnung("each use keeps about " + std::to_string(verlust) + " bytes that are never freed" +
+                             eigenesCxx(p.bild),
                          "memory_leak");
 }
 

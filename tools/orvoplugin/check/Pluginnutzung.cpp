@@ -2,6 +2,7 @@
 
 #include "check/Text.h"
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/plugin/OrvoPluginLoader.h>
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
@@ -11,8 +12,12 @@
 #include <orvoutil/SharedLib.h>
 
 #include <dlfcn.h>
+#include <sys/resource.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <utility>
 
 using namespace orvo::orvoutil;
 
@@ -115,7 +120,20 @@ Service* holeVomRichtigenTyp(OrvoServiceErweiterung& erweiterung) {
     return erweiterung.holeService();
 }
 
+void verlangeLoeschbar(OrvoServiceErweiterung& erweiterung, const Service* service) {
+    Dl_info bild{};
+    if (!erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN) || dladdr(service, &bild) == 0)
+        return;
+    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, false); // or unwinding deletes it
+    throw Ladefehler(
+        satz("the factory {1} gives a static object, and FLAG_SERVICE_LOESCHEN has it deleted: make "
+             "each object with new, or do not set the flag",
+             zitiert(erweiterung.getServiceFactoryName())));
+}
+
 void gibAllesZurueck(OrvoServiceErweiterung& erweiterung) {
+    for (const auto& [service, ausgaben] : erweiterung.getInstanzen())
+        verlangeLoeschbar(erweiterung, service);
     while (!erweiterung.getInstanzen().empty())
         erweiterung.release(erweiterung.getInstanzen().begin()->first);
 }
@@ -165,6 +183,33 @@ bool istImProzess(const std::string& pfad) {
     if (griff)
         dlclose(griff);
     return griff != nullptr;
+}
+
+double millisekundenSeit(std::chrono::steady_clock::time_point beginn) {
+    const auto dauer = std::chrono::steady_clock::now() - beginn;
+    return static_cast<double>(std::chrono::duration_cast<std::chrono::microseconds>(dauer).count()) / 1000;
+}
+
+std::size_t laufendeThreads() {
+    std::error_code fehler;
+    const std::filesystem::directory_iterator liste("/proc/self/task", fehler);
+    return static_cast<std::size_t>(std::distance(begin(liste), end(liste)));
+}
+
+std::map<std::string, std::string> prozessgrenzen() {
+    static constexpr std::pair<const char*, decltype(RLIMIT_NOFILE)> kGrenzen[] = {
+        {N_("limit of open files"), RLIMIT_NOFILE}, {N_("limit of address space"), RLIMIT_AS},
+        {N_("limit of data"), RLIMIT_DATA},         {N_("limit of the stack"), RLIMIT_STACK},
+        {N_("limit of core files"), RLIMIT_CORE},   {N_("limit of file size"), RLIMIT_FSIZE},
+        {N_("limit of processor time"), RLIMIT_CPU}};
+    const auto text = [](rlim_t wert) { return wert == RLIM_INFINITY ? satz("unlimited") : alsWert(wert); };
+    std::map<std::string, std::string> grenzen;
+    for (const auto& [name, nummer] : kGrenzen) {
+        rlimit grenze{};
+        if (getrlimit(nummer, &grenze) == 0)
+            grenzen[uebersetzt(name)] = text(grenze.rlim_cur) + " (" + text(grenze.rlim_max) + ")";
+    }
+    return grenzen;
 }
 
 void beginneOhnePlugins() { Einstellungen().setze("basis.home_dir", "/dev/null/nowhere"); }

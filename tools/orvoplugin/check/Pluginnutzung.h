@@ -6,6 +6,9 @@
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 
+#include <chrono>
+#include <cstddef>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -36,7 +39,11 @@ std::vector<OrvoServiceErweiterung*> serviceErweiterungen(const OrvoPluginV1& pl
 /// interface; an object of another interface is then among the extension's instances.
 Service* holeVomRichtigenTyp(OrvoServiceErweiterung& erweiterung);
 
-/// Releases all services of an extension.
+/// Refuses a service that the library would delete, but that is a static object: the process would not survive it, or
+/// not for long. Errors: `Ladefehler`; the extension then deletes nothing any more.
+void verlangeLoeschbar(OrvoServiceErweiterung& erweiterung, const Service* service);
+
+/// Releases all services of an extension. Errors: `Ladefehler`, see `verlangeLoeschbar`.
 void gibAllesZurueck(OrvoServiceErweiterung& erweiterung);
 
 /// Gets a service of each extension and releases it.
@@ -57,6 +64,15 @@ void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::
 
 /// Whether the library of that file is mapped into the process.
 bool istImProzess(const std::string& pfad);
+
+/// To the microsecond.
+double millisekundenSeit(std::chrono::steady_clock::time_point beginn);
+
+/// The process's threads; 0 where they cannot be counted.
+std::size_t laufendeThreads();
+
+/// The process's limits (setrlimit), by name.
+std::map<std::string, std::string> prozessgrenzen();
 
 /// Sets a home directory without plugins, so that the process's manager and registry start empty.
 void beginneOhnePlugins();

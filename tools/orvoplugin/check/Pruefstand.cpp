@@ -3,6 +3,7 @@
 #include "check/PluginDateien.h"
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
+#include "check/Ursache.h"
 #include "kern/Anzeige.h"
 #include "kern/Arbeitsteilung.h"
 #include "kern/Kindprozess.h"
@@ -61,11 +62,11 @@ std::string letzteZeile(std::string_view ausgabe) {
 }
 
 Json alsSatz(const Befund& befund) {
-    return {static_cast<int>(befund.urteil), jsonText(befund.text), befund.code};
+    return {static_cast<int>(befund.urteil), jsonText(befund.text), befund.code, befund.zahlen};
 }
 Befund befundAus(const Json& satz) {
     return {static_cast<Urteil>(satz.at(0).get<int>()), satz.at(1).get<std::string>(),
-            satz.at(2).get<std::string>()};
+            satz.at(2).get<std::string>(), satz.at(3)};
 }
 
 Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const std::string& log) {
@@ -73,7 +74,12 @@ Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const s
     const Kindende ende = laufeImKind(
         [&](const Sender& sende) {
             const auto protokoll = Protokoll::beginne(log);
-            sende(alsSatz(mache(pruefung, pruefling)).dump());
+            const auto grenzen = prozessgrenzen();
+            Befund hier = mache(pruefung, pruefling);
+            const std::string grenze = geaenderteGrenze(grenzen);
+            if (hier.urteil == Urteil::DURCHGEFALLEN && hier.text.find(grenze) == std::string::npos)
+                hier.text += "; " + grenze;
+            sende(alsSatz(hier).dump());
         },
         [&](std::string_view satz) { befund = befundAus(Json::parse(satz)); }, pruefling.zeitlimit);
     if (ende.istGut())
@@ -81,7 +87,8 @@ Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const s
     const std::string letztes = letzteZeile(ende.ausgabe);
     const bool zuLangsam = ende.art == Kindende::Art::ZEIT;
     return {zuLangsam ? Urteil::ZU_LANGSAM : Urteil::ABGESTUERZT,
-            ende.text() + (letztes.empty() ? "" : ": " + letztes),
+            ende.text() + (letztes.empty() ? "" : ": " + letztes) +
+                (zuLangsam ? "" : ursacheDesAbsturzes(pruefling)),
             zuLangsam                            ? "timed_out"
             : ende.art == Kindende::Art::BEENDET ? "exited"
                                                  : "crashed"};
@@ -103,7 +110,7 @@ public:
         : auftrag_(auftrag),
           ergebnis_(std::move(bisher)),
           pruefling_{vollerPfad(ergebnis_.pfad), Bibliotheksbild(vollerPfad(ergebnis_.pfad)),
-                     std::move(andere), auftrag.zeitlimit} {}
+                     std::move(andere), auftrag.zeitlimit, auftrag.vorgaben} {}
 
     Befund laufe(const Pruefung& pruefung) {
         ergebnis_.ergebnisse.push_back({&pruefung, befundVon(pruefung)});

@@ -28,6 +28,7 @@ struct Pruefauftrag {
     std::vector<std::string> dateien;
     std::vector<const Pruefung*> auswahl; ///< in the catalogue's order
     std::chrono::duration<double> zeitlimit;
+    const Vorgaben* vorgaben; ///< never null
     std::string log;          ///< level of the library's log, as in `Optionen::log`
     std::size_t zugleich = 1; ///< files that are checked at the same time
     /// Called at intervals with a file that is being checked, counted from 0, and its check under way.

@@ -179,15 +179,6 @@ Stand maske() {
     return {{"mask for new files", text.str()}};
 }
 
-std::size_t threads() {
-    std::error_code fehler;
-    std::size_t anzahl = 0;
-    for ([[maybe_unused]] const auto& eintrag :
-         std::filesystem::directory_iterator("/proc/self/task", fehler))
-        ++anzahl;
-    return anzahl;
-}
-
 std::string rundung() {
     switch (std::fegetround()) {
     case FE_TONEAREST:
@@ -293,17 +284,19 @@ Befund pruefeStroeme(const Pruefling& p) { return vergleicheLeben(p, "the ", str
 
 Befund pruefeZeitgeber(const Pruefling& p) { return vergleicheLeben(p, "the ", zeitgeber); }
 
+Befund pruefeGrenzen(const Pruefling& p) { return vergleicheLeben(p, "the ", prozessgrenzen); }
+
 Befund pruefeEinstellungen(const Pruefling& p) { return vergleicheLeben(p, "the setting ", einstellungen); }
 
 Befund pruefeThreads(const Pruefling& p) {
-    const std::size_t vorher = threads();
+    const std::size_t vorher = laufendeThreads();
     if (vorher == 0)
         return uebersprungen("the threads of a process cannot be counted here", "not_measurable");
     ladeUndBenutze(p.pfad);
     // A process that has ended may still be listed for a moment.
-    for (int i = 0; threads() > vorher && i < 50; ++i)
+    for (int i = 0; laufendeThreads() > vorher && i < 50; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    const std::size_t mehr = threads() - std::min(vorher, threads());
+    const std::size_t mehr = laufendeThreads() - std::min(vorher, laufendeThreads());
     return mehr == 0 ? bestanden()
                      : durchgefallen(
                            std::to_string(mehr) +
@@ -383,6 +376,11 @@ std::vector<Pruefung> rueckstandsPruefungen() {
          {"use"},
          Ort::KIND,
          pruefeZeitgeber},
+        {"limits",
+         N_("The plugin leaves the limits of the process as it found them."),
+         {"use"},
+         Ort::KIND,
+         pruefeGrenzen},
         {"settings",
          N_("The plugin leaves the library's settings as it found them."),
          {"use"},

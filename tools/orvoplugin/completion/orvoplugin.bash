@@ -43,7 +43,8 @@ _orvoplugin() {
             continue
         fi
         case ${COMP_WORDS[i]} in
-        --home | --dir | --resident | --log | --timeout | --only | --skip | --type | --require | --html | --format | --jobs)
+        --home | --dir | --resident | --log | --timeout | --only | --skip | --type | --require | --html | \
+            --format | --jobs | --baseline | --data | --max-log | --max-open-ms | --max-describe-ms | --max-service-ms)
             option=${COMP_WORDS[i]}
             ;;
         -*) ;;
@@ -79,7 +80,7 @@ _orvoplugin() {
         mapfile -t COMPREPLY < <(compgen -W "$kinds" -- "$word")
         return
         ;;
-    --require | --html)
+    --require | --html | --data)
         compopt -o filenames 2>/dev/null || true
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
         return
@@ -94,7 +95,7 @@ _orvoplugin() {
         mapfile -t COMPREPLY < <(compgen -W 'text json junit sarif github' -- "$word")
         return
         ;;
-    --timeout | --jobs) return ;;
+    --timeout | --jobs | --baseline | --max-*) return ;;
     esac
     if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_orvoplugin_options "$tool" ${command:+"$command"})" -- "$word")
