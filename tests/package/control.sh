@@ -14,12 +14,12 @@ runtime=liborvoplugin$major
 demand_field "$runtime" Section libs
 demand_field liborvoplugin-dev Section libdevel
 depends=$(field "$runtime" Depends)
-[[ $depends =~ libc6.*libstdc\+\+6 && $depends != *orvo* ]] || fail "$runtime depends on $depends"
+[[ $depends =~ libc6.*libstdc\+\+6 && $depends != *orvo* && $depends != *nettle* ]] || fail "$runtime depends on $depends"
 if ((TOOL)); then
     demand_field orvoplugin Section utils
     demand_field liborvoplugin-dev Depends "$runtime (= $VERSION), orvoplugin (= $VERSION)"
     depends=$(field orvoplugin Depends)
-    [[ $depends =~ ^"$runtime (= $VERSION), ".*libc6.*libstdc\+\+6 ]] || fail "orvoplugin depends on $depends"
+    [[ $depends =~ ^"$runtime (= $VERSION), ".*libc6.*libnettle.*libstdc\+\+6 ]] || fail "orvoplugin depends on $depends"
 else
     demand_field liborvoplugin-dev Depends "$runtime (= $VERSION)"
 fi

@@ -208,6 +208,14 @@ enum class Ursache : std::int32_t {
     GETOETET,             ///< the system ended the process, mostly for want of memory
 };
 
+/// What is in a file.
+struct Inhalt {
+    std::uint64_t groesse = 0;
+    std::string sha256; ///< in hexadecimal digits
+
+    friend bool operator==(const Inhalt&, const Inhalt&) = default;
+};
+
 struct DateiFakt {
     std::uint32_t verzeichnis = 0; ///< place in `Bestand::verzeichnisse`
     std::string name;              ///< as in the directory
@@ -222,6 +230,7 @@ struct DateiFakt {
     std::string
         ausgabe; ///< for ABGESTUERZT, BEENDET and ZEIT: the last that was written to the standard streams
     std::optional<PluginFakt> plugin; ///< whenever the manager lists the plugin
+    std::optional<Inhalt> inhalt;     ///< not gathered with the other facts; see bestandsliste/Inhalt.h
 };
 
 struct VerzeichnisFakt {

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "kern/Fakten.h"
+
+#include <optional>
+#include <string>
+
+namespace werkzeug {
+
+/// Size and SHA-256 of a file's content; none for what is neither a regular file nor a link to one.
+/// Errors: `Unlesbar`.
+std::optional<Inhalt> inhaltVon(const std::string& pfad);
+
+/// Fills `DateiFakt::inhalt` of all files. A file that cannot be read has none.
+void liesInhalte(Bestand& bestand, bool fortschritt);
+
+} // namespace werkzeug
