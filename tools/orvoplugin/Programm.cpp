@@ -36,7 +36,8 @@ constexpr char kBeispiele[] = "  orvoplugin list --home /opt/client\n"
 
 constexpr const char* kAusgaenge =
     N_("Exit codes: 0 fine; 1 findings (something refused, failed or not found); 2 wrong usage;\n"
-       "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing.");
+       "3 directory or file cannot be read; 4 a plugin crashed or timed out; 5 required coverage missing;\n"
+       "6 not as the lock file has it.");
 
 std::string fusszeile(const char* beispiele) {
     return satz("Examples:") + "\n" + beispiele + "\n" + uebersetzt(kAusgaenge);

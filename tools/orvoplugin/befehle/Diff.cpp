@@ -2,6 +2,8 @@
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
+#include "bestandsliste/Bestandsliste.h"
+#include "bestandsliste/Inhalt.h"
 #include "deckung/Deckungsbericht.h"
 #include "kern/Berichtsteile.h"
 #include "kern/Dateischreiber.h"
@@ -14,17 +16,22 @@
 #include <CLI/CLI.hpp>
 
 #include <optional>
+#include <utility>
 
 namespace werkzeug {
 
 namespace {
 
-Bestand sammleIn(const std::string& verzeichnis, Optionen optionen) {
+Bestand sammleIn(const std::string& pfad, Optionen optionen) {
+    if (istBestandsliste(pfad))
+        return liesBestandsliste(pfad);
     optionen.home.clear();
-    optionen.dir = verzeichnis;
+    optionen.dir = pfad;
     Auftrag auftrag;
     auftrag.deckung = true;
-    return sammle(optionen, auftrag);
+    Bestand bestand = sammle(optionen, auftrag);
+    liesInhalte(bestand, !optionen.quiet);
+    return bestand;
 }
 
 /// Replaces paths in the temporary directory by the paths of the originals.
@@ -48,8 +55,9 @@ void stelleHerkunftHer(Json& dokument, const Zusammenlegung& zusammenlegung) {
 class Diff : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
-        unterbefehl.add_option("DIR_A", a_, "Plugin directory as it is")->required();
-        unterbefehl.add_option("DIR_B", b_, "Plugin directory to compare it with")->required();
+        unterbefehl.add_option("DIR_A", a_, "Plugin directory as it is, or its lock file")->required();
+        unterbefehl.add_option("DIR_B", b_, "Plugin directory to compare it with, or its lock file")
+            ->required();
         unterbefehl.add_flag("--merge", zusammenlegen_,
                              "Compare DIR_A with what it would be if DIR_B were copied over it");
         unterbefehl
@@ -65,13 +73,18 @@ public:
             throw AufrufFehler("diff takes its two directories as arguments, and neither --home nor --dir");
         const std::string a = orvo::orvoutil::getAbsolutePath(a_);
         const std::string b = orvo::orvoutil::getAbsolutePath(b_);
+        const bool listeA = istBestandsliste(a);
+        const bool listeB = istBestandsliste(b);
+        if ((listeA || listeB) && (zusammenlegen_ || !seite_.empty()))
+            throw AufrufFehler(satz("diff takes {1} with two directories only, and {2} is a file",
+                                    zusammenlegen_ ? "--merge" : "--html", einzeilig(listeA ? a : b)));
         const Bestand vorher = sammleIn(a, optionen);
         std::optional<Zusammenlegung> zusammenlegung;
         if (zusammenlegen_)
             zusammenlegung.emplace(a, b);
         const Bestand nachher = sammleIn(zusammenlegung ? zusammenlegung->pfad() : b, optionen);
 
-        Json dokument = vergleichsbericht({a, vorher}, {b, nachher}, zusammenlegen_);
+        Json dokument = vergleichsbericht({a, vorher, listeA}, {b, nachher, listeB}, zusammenlegen_);
         if (zusammenlegung)
             stelleHerkunftHer(dokument, *zusammenlegung);
         zusammenlegung.reset();
@@ -82,8 +95,9 @@ public:
 
         // A file refused on both sides is no difference.
         Ausgang ausgang = dokument["totals"]["findings"] == 0 ? Ausgang::GUT : Ausgang::BEFUNDE;
-        for (const Bestand* const seite : {&vorher, &nachher})
-            if (const Ausgang umstaende = ausgangVon(*seite); umstaende != Ausgang::BEFUNDE)
+        for (const auto& [seite, istListe] : {std::pair(&vorher, listeA), std::pair(&nachher, listeB)})
+            if (const Ausgang umstaende = istListe ? Ausgang::GUT : ausgangVon(*seite);
+                umstaende != Ausgang::BEFUNDE)
                 ausgang = schwerster(ausgang, umstaende);
         return ausgang;
     }

@@ -77,6 +77,13 @@ std::string ortshinweis(const Optionen& optionen) {
         return satz("; --home names the directory above \"plugins\": did you mean --dir {1}?",
                     einzeilig(fuerDieShell(optionen.home)));
     return satz("; --home names the directory above \"plugins\"");
+Optionen mitVerzeichnis(Optionen optionen, const std::string& verzeichnis) {
+    if (verzeichnis.empty())
+        return optionen;
+    if (!optionen.home.empty() || !optionen.dir.empty())
+        throw AufrufFehler(satz("give one of DIR, --home and --dir"));
+    optionen.dir = orvo::orvoutil::getAbsolutePath(verzeichnis);
+    return optionen;
 }
 
 } // namespace werkzeug

@@ -44,6 +44,10 @@ const char* ortsoption(const std::string& verzeichnis);
 /// What to do about a plugin directory that cannot be read, to follow the message: names --home and --dir.
 std::string ortshinweis(const Optionen& optionen);
 
+/// The options with the directory that a command was given as an argument, if any, in place of --dir.
+/// Errors: `AufrufFehler` if they name a directory, too.
+Optionen mitVerzeichnis(Optionen optionen, const std::string& verzeichnis);
+
 /// The command line is well-formed but invalid (a bad period, for instance). The program prints the text, which is
 /// UTF-8, and ends with `Ausgang::FALSCHER_AUFRUF`.
 class AufrufFehler : public std::runtime_error {

@@ -18,6 +18,8 @@ namespace werkzeug {
 using Zeilenrang = std::tuple<std::int32_t, bool, std::int32_t, std::string>;
 
 inline Zeilenrang zeilenrang(std::int32_t typ, const UnterfallartFakt& unterfallart) {
+    if (hatKeinePaare(typ)) // its one key is internal
+        return {typ, false, 0, {}};
     const bool ohneNummer = unterfallart.nummer == Unterfallart::OHNE_NUMMER;
     return {typ, ohneNummer, unterfallart.nummer,
             ohneNummer ? orvo::orvoutil::tolower(unterfallart.name) : std::string()};
@@ -28,6 +30,8 @@ inline Zeilenrang zeilenrang(const ZeileFakt& z) { return zeilenrang(z.typ, z.un
 /// The same, and then the year.
 using Schluesselrang = std::pair<Zeilenrang, std::int32_t>;
 
-inline Schluesselrang schluesselrang(const SchluesselFakt& s) { return {zeilenrang(s), s.zeitraum.jahr}; }
+inline Schluesselrang schluesselrang(const SchluesselFakt& s) {
+    return {zeilenrang(s), hatKeinePaare(s.typ) ? 0 : s.zeitraum.jahr};
+}
 
 } // namespace werkzeug

@@ -190,8 +190,11 @@ Json dateiAlsJson(const Bestand& bestand, const DateiFakt* datei) {
         return nullptr;
     Json json = zeileAlsJson(bestand, *datei);
     json.erase("file");
+    if (datei->pfad.empty()) // of a lock file
+        json["path"] = nullptr;
     json["product_version"] = datei->plugin ? jsonText(datei->plugin->produktVersion) : Json(nullptr);
     json["file_version"] = datei->plugin ? jsonText(datei->plugin->fileVersion) : Json(nullptr);
+    json.update(inhaltAlsJson(*datei));
     return json;
 }
 
@@ -199,12 +202,17 @@ Json dateiAlsJson(const Bestand& bestand, const DateiFakt* datei) {
 /// directory.
 std::optional<std::pair<const char*, bool>> dateiaenderung(const DateiFakt* a, const DateiFakt* b) {
     using Aenderung = std::pair<const char*, bool>;
+    const bool andererInhalt = a && b && a->inhalt && b->inhalt && a->inhalt != b->inhalt;
+    const auto gleicheVersion = [&] {
+        return andererInhalt ? std::optional(Aenderung("content_changed", false)) : std::nullopt;
+    };
     if (istAusfall(b)) {
         if (!istAusfall(a))
             return Aenderung("newly_refused", true);
-        if (a->zustand != b->zustand || a->grund != b->grund)
+        const bool ausListe = a->grund == Grund::KEINER || b->grund == Grund::KEINER;
+        if (a->zustand != b->zustand || (a->grund != b->grund && !ausListe))
             return Aenderung("reason_changed", false);
-        return {};
+        return gleicheVersion();
     }
     if (istAusfall(a))
         return b ? Aenderung("no_longer_refused", false) : Aenderung("removed", false);
@@ -212,7 +220,7 @@ std::optional<std::pair<const char*, bool>> dateiaenderung(const DateiFakt* a, c
         if (a->plugin->produktVersion != b->plugin->produktVersion ||
             a->plugin->fileVersion != b->plugin->fileVersion)
             return Aenderung("version_changed", false);
-        return {};
+        return gleicheVersion();
     }
     if (istGeladen(a))
         return b ? Aenderung("no_longer_loaded", true) : Aenderung("removed", false);
@@ -222,13 +230,8 @@ std::optional<std::pair<const char*, bool>> dateiaenderung(const DateiFakt* a, c
 }
 
 Json dateien(const Bestand& vorher, const Bestand& nachher) {
-    std::map<std::string, std::pair<const DateiFakt*, const DateiFakt*>> paare;
-    for (const DateiFakt& datei : vorher.dateien)
-        paare[kurzerPfad(vorher, datei)].first = &datei;
-    for (const DateiFakt& datei : nachher.dateien)
-        paare[kurzerPfad(nachher, datei)].second = &datei;
     Json liste = Json::array();
-    for (const auto& [name, paar] : paare)
+    for (const auto& [name, paar] : dateipaare(vorher, nachher))
         if (const auto aenderung = dateiaenderung(paar.first, paar.second))
             liste.push_back(eintrag(aenderung->first, aenderung->second,
                                     {{"file", jsonText(name)},
@@ -247,8 +250,8 @@ struct Summenzeile {
 
 const Summenzeile kSummen[] = {
     {"files",
-     {"newly_refused", "no_longer_loaded", "no_longer_refused", "reason_changed", "version_changed", "added",
-      "removed"}},
+     {"newly_refused", "no_longer_loaded", "no_longer_refused", "reason_changed", "version_changed",
+      "content_changed", "added", "removed"}},
     {"keys", {"lost", "gained", "provider_changed", "version_changed"}},
     {"displaced", {"newly_displaced", "no_longer_displaced"}},
 };
@@ -274,14 +277,36 @@ Json summen(const Json& dokument) {
 
 } // namespace
 
+std::map<std::string, std::pair<const DateiFakt*, const DateiFakt*>> dateipaare(const Bestand& a,
+                                                                                const Bestand& b) {
+    std::map<std::string, std::pair<const DateiFakt*, const DateiFakt*>> paare;
+    for (const DateiFakt& datei : a.dateien)
+        paare[kurzerPfad(a, datei)].first = &datei;
+    for (const DateiFakt& datei : b.dateien)
+        paare[kurzerPfad(b, datei)].second = &datei;
+    return paare;
+}
+
+Json inhaltAlsJson(const DateiFakt& datei) {
+    return {{"size", datei.inhalt ? Json(datei.inhalt->groesse) : Json(nullptr)},
+            {"sha256", datei.inhalt ? Json(datei.inhalt->sha256) : Json(nullptr)}};
+}
+
 Json vergleichsbericht(const Vergleichsseite& vorher, const Vergleichsseite& nachher, bool zusammengelegt) {
     Json dokument = jsonKopf("diff", vorher.verzeichnis);
     dokument["other_directory"] = jsonText(nachher.verzeichnis);
     dokument["merge"] = zusammengelegt;
+    Json listen = Json::array();
+    if (vorher.istListe)
+        listen.push_back("before");
+    if (nachher.istListe)
+        listen.push_back("after");
+    dokument["lock_files"] = std::move(listen);
     dokument["files"] = dateien(vorher.bestand, nachher.bestand);
     dokument["keys"] = Schluesselvergleich(vorher.bestand, nachher.bestand).alsJson();
-    const Verluste verlusteVorher = verlusteIn(vorher.bestand);
-    const Verluste verlusteNachher = verlusteIn(nachher.bestand);
+    const bool ausListen = vorher.istListe || nachher.istListe;
+    const Verluste verlusteVorher = ausListen ? Verluste() : verlusteIn(vorher.bestand);
+    const Verluste verlusteNachher = ausListen ? Verluste() : verlusteIn(nachher.bestand);
     Json verdraengte = Json::array();
     nimmVerlusteAuf(verdraengte, nachher.bestand, verlusteNachher, verlusteVorher, "newly_displaced", true);
     nimmVerlusteAuf(verdraengte, vorher.bestand, verlusteVorher, verlusteNachher, "no_longer_displaced",

@@ -4,17 +4,27 @@
 #include "kern/Fakten.h"
 #include "kern/Optionen.h"
 
+#include <map>
 #include <string>
+#include <utility>
 
 namespace werkzeug {
 
 /// One of the two sides.
 struct Vergleichsseite {
     std::string verzeichnis; ///< its full path, as the user named it
-    const Bestand& bestand;  ///< gathered with `Auftrag::deckung`
+    const Bestand& bestand;  ///< gathered with `Auftrag::deckung` and `liesInhalte`, or from a lock file
+    bool istListe;           ///< from a lock file
 };
 
-/// The differences between two plugin directories, as the document of the diff command.
+/// The files of two directories, by their paths below them; null for one that is on the other side only.
+std::map<std::string, std::pair<const DateiFakt*, const DateiFakt*>> dateipaare(const Bestand& a,
+                                                                                const Bestand& b);
+/// {"size": 4711, "sha256": "..."}; null where the file has no content that can be read.
+Json inhaltAlsJson(const DateiFakt& datei);
+
+/// The differences between two plugin directories, as the document of the diff command. What a lock file does not say
+/// (who is displaced, why a file was refused) is left out.
 ///
 /// An entry is a finding when something is lost: a key that is gone or has gone to a lower version, a file that is
 /// refused or no longer loaded, a plugin that does not get a key that it offers.

@@ -27,6 +27,7 @@ constexpr Abschnitt kAbschnitte[] = {
     {"files", "no_longer_refused", "No longer refused"},
     {"files", "reason_changed", "Refused as before, for another reason"},
     {"files", "version_changed", "Files with another version"},
+    {"files", "content_changed", "Files with other content under the same version"},
     {"files", "added", "Files added"},
     {"files", "removed", "Files removed"},
 };
@@ -48,6 +49,11 @@ std::string versionen(const Json& seite) {
         return "-";
     return zeige(seite["product_version"]) +
            (seite["file_version"] == "" ? "" : " (file version " + zeige(seite["file_version"]) + ")");
+}
+
+/// The beginning is enough to see that it is another, and to find it.
+std::string pruefsumme(const Json& seite) {
+    return " sha256 " + seite["sha256"].get<std::string>().substr(0, 12) + "…";
 }
 
 std::string zustand(const Json& seite) { return seite.is_null() ? "not there" : zeige(seite["state"]); }
@@ -87,7 +93,9 @@ Tabelle dateitabelle(const Json& liste, const std::string& aenderung) {
         const Json& vorher = eintrag["before"];
         const Json& nachher = eintrag["after"];
         if (!zustaende) {
-            tabelle.zeile({zeige(eintrag["file"]), versionen(vorher), versionen(nachher)});
+            const bool inhalt = aenderung == "content_changed";
+            tabelle.zeile({zeige(eintrag["file"]), versionen(vorher) + (inhalt ? pruefsumme(vorher) : ""),
+                           versionen(nachher) + (inhalt ? pruefsumme(nachher) : "")});
             continue;
         }
         tabelle.zeile({zeige(eintrag["file"]),
@@ -120,6 +128,11 @@ std::string vergleichAlsText(const Json& dokument, const Farben& farben) {
     text += dokument["merge"]
                 ? "After:  the same, with " + zeige(dokument["other_directory"]) + " copied over it\n\n"
                 : "After:  " + zeige(dokument["other_directory"]) + "\n\n";
+    if (!dokument["lock_files"].empty())
+        text +=
+            satz(
+                "A lock file does not say why a file was refused, nor who is displaced: both are left out.") +
+            "\n\n";
     text += unlesbareAlsText(dokument["unreadable_directories"], farben);
     bool ersatz = false;
     for (const Json& eintrag : dokument["keys"])
