@@ -4,6 +4,8 @@
 #include "kern/Herkunft.h"
 #include "kern/Sprache.h"
 
+#include <orvoutil/PathUtil.h>
+
 #include <CLI/CLI.hpp>
 
 #include <cmath>
@@ -77,6 +79,8 @@ std::string ortshinweis(const Optionen& optionen) {
         return satz("; --home names the directory above \"plugins\": did you mean --dir {1}?",
                     einzeilig(fuerDieShell(optionen.home)));
     return satz("; --home names the directory above \"plugins\"");
+}
+
 Optionen mitVerzeichnis(Optionen optionen, const std::string& verzeichnis) {
     if (verzeichnis.empty())
         return optionen;
