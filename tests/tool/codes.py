@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Compares the codes on the page about the JSON output with those of the schema, and of the sources.
+"""Compares the codes on the page about the JSON output with those of the schema, and of the tool's own table.
 
-    codes.py PAGE SCHEMA SOURCE
+    codes.py PAGE SCHEMA TABLE
 """
 
 import json
@@ -16,9 +16,12 @@ def column(page, heading):
 
 
 def main():
-    page, source = (open(name, encoding="utf-8").read() for name in (sys.argv[1], sys.argv[3]))
+    with open(sys.argv[1], encoding="utf-8") as file:
+        page = file.read()
     with open(sys.argv[2], encoding="utf-8") as file:
         defs = json.load(file)["$defs"]
+    with open(sys.argv[3], encoding="utf-8") as file:
+        table = json.load(file)
     reasons = set(defs["reason"]["properties"]["code"]["enum"])
     wanted = {
         "States of a file": set(defs["state"]["enum"]),
@@ -33,10 +36,11 @@ def main():
         if column(page, heading) != codes:
             print(f"{heading}: page and schema differ by {sorted(column(page, heading) ^ codes)}")
             wrong += 1
-    for name, codes in (("Grund", reasons), ("Ursache", wanted["Causes"])):
-        in_source = set(re.findall(r'\{%s::\w+,\s*"(\w+)"' % name, source))
+    states = wanted["States of a file"]
+    for name, codes in (("reasons", reasons), ("causes", wanted["Causes"]), ("states", states)):
+        in_source = {row["code"] for row in table[name]} - {""}
         if in_source != codes:
-            print(f"{name}: sources and schema differ by {sorted(in_source ^ codes)}")
+            print(f"{name}: table and schema differ by {sorted(in_source ^ codes)}")
             wrong += 1
     return 1 if wrong else 0
 

@@ -122,7 +122,7 @@ Schluessellage schluesselVon(const Bestand& bestand, std::uint32_t datei) {
             Json verloren = schluesselAlsJson(schluessel);
             verloren["lost_to"] = anbieterAlsJson(bestand, verdraengt ? ereignis.wer : ereignis.gegen);
             verloren["rule"] = regelcode(ereignis.regel);
-            verloren["explanation"] = uebersetzt(regelsatz(ereignis.regel));
+            verloren["explanation"] = regelsatz(ereignis.regel);
             lage.verloren.push_back(std::move(verloren));
         }
     }

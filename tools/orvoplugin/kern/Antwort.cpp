@@ -36,7 +36,7 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
             {{"plugin", anbieterAlsJson(bestand, verlierer)},
              {"lost_to", anbieterAlsJson(bestand, neuerGewann ? ereignis.wer : ereignis.gegen)},
              {"rule", regelcode(ereignis.regel)},
-             {"explanation", uebersetzt(regelsatz(ereignis.regel))}});
+             {"explanation", regelsatz(ereignis.regel)}});
     }
     antwort["displaced"] = std::move(verdraengte);
     return antwort;

@@ -6,6 +6,8 @@
 
 namespace werkzeug {
 
+// All come from gruende.json, the one table of codes, meanings and advice.
+
 /// Codes of the JSON output. They are part of its schema: none is ever renamed or reused.
 const char* code(Zustand zustand);             ///< "loaded", "refused" and so on
 const char* code(Grund grund);                 ///< "no_types_entry" and so on; empty for `KEINER`
@@ -35,7 +37,7 @@ std::string wobei(Schritt schritt);
 /// "its factory returns nothing": the end of a sentence; and what to do about it, empty if there is nothing.
 std::string servicesatz(const ErweiterungFakt& erweiterung);
 std::string servicerat(const ErweiterungFakt& erweiterung);
-/// The rule by which an extension got a key or did not, as the end of a sentence, for the catalogue.
-const char* regelsatz(std::int32_t regel);
+/// The rule by which an extension got a key or did not, as the end of a sentence.
+std::string regelsatz(std::int32_t regel);
 
 } // namespace werkzeug

@@ -14,12 +14,12 @@ import tempfile
 KEYWORDS = ["satz:1", "uebersetzt:1", "N_:1", "anzahl:2,3", "add_option:3", "add_flag:3",
             "add_flag_callback:3", "type_name:1"]
 ARGUMENT = re.compile(r'\badd_option\(\s*"([^-"][^"]*)"')
-SAME_EVERYWHERE = {"class", "example"}
+SAME_EVERYWHERE = {"class", "example", "code", "stage"}
 
 
 def texts_of_page(value):
     """The texts of a JSON document, as it is translated when the page is made."""
-    if isinstance(value, str):
+    if isinstance(value, str) and value:
         yield value
     elif isinstance(value, list):
         for entry in value:
@@ -39,7 +39,7 @@ def is_text(block):
 def template(sources):
     code = sorted(sources.rglob("*.cpp"))
     with tempfile.NamedTemporaryFile("w", suffix=".cpp", encoding="utf-8") as page:
-        for file in sorted(sources.rglob("texte.json")):
+        for file in sorted([*sources.rglob("texte.json"), *sources.rglob("gruende.json")]):
             for text in texts_of_page(json.loads(file.read_text(encoding="utf-8"))):
                 page.write(f"N_({json.dumps(text, ensure_ascii=False)});\n")
         for file in code:
