@@ -51,12 +51,12 @@ TEST(Programm, SpeaksTheUsersLanguage) {
     EXPECT_THAT(hilfe.ausgabe,
                 HasSubstr("Aufruf: orvoplugin find [OPTIONEN] ART [UNTERFALLART] [ZEITRAUM]\n"));
     EXPECT_EQ(rufeTool({"find"}, kDeutsch).fehler,
-              "orvoplugin: TYPE fehlt\nHilfe gibt 'orvoplugin --help'.\n");
+              "orvoplugin: TYPE fehlt\nHilfe gibt 'orvoplugin find --help'.\n");
     EXPECT_EQ(
         rufeTool({"list", "--log", "laut"}, kDeutsch).fehler,
-        "orvoplugin: --log: laut ist keines von {debug,info,warn,error}\nHilfe gibt 'orvoplugin --help'.\n");
+        "orvoplugin: --log: laut ist keines von {debug,info,warn,error}\nHilfe gibt 'orvoplugin list --help'.\n");
     EXPECT_EQ(rufeTool({"find"}, {"LC_ALL=xx_YY.UTF-8"}).fehler,
-              "orvoplugin: TYPE is required\nTry 'orvoplugin --help'.\n");
+              "orvoplugin: TYPE is required\nTry 'orvoplugin find --help'.\n");
 }
 
 TEST(Programm, SpeaksGermanAlsoWhereTheSystemHasNoGermanLocale) {

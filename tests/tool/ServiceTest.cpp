@@ -7,6 +7,9 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
+#include <fstream>
+#include <iterator>
+
 using namespace testing;
 using Json = nlohmann::json;
 
@@ -113,6 +116,15 @@ TEST_F(Services, AFactoryThatIsNotExportedCountsAsUnservedWithoutRunningAnything
     EXPECT_EQ(rufe({"coverage"}).ausgang, 1);
     const std::string text = heim_.rufe({"coverage"}).ausgabe;
     EXPECT_THAT(text, AllOf(HasSubstr("!"), HasSubstr("NO SERVICE"), HasSubstr("gibtEsNicht")));
+}
+
+TEST_F(Services, ThePageShowsItAsAGapWithTheNameOfThePlugin) {
+    lege(kFehlt);
+    const std::string seite = heim_.verzeichnis.pfad("seite.html");
+    EXPECT_EQ(heim_.rufe({"coverage", "--html", seite}).ausgang, 1);
+    std::ifstream datei(seite);
+    const std::string html((std::istreambuf_iterator<char>(datei)), {});
+    EXPECT_THAT(html, AllOf(HasSubstr("A✗"), HasSubstr("schlecht 2: no service can be had")));
 }
 
 TEST_F(Services, WithoutAskingForItFindAndCoverageRunNoFactory) {

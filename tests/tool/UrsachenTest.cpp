@@ -61,6 +61,25 @@ constexpr std::size_t kArt = 16, kMaschine = 18; // in the file's header
 
 } // namespace
 
+TEST(Gruende, EveryValueHasACodeOfItsOwn) {
+    std::set<std::string> codes;
+    const auto einmalig = [&](const char* code) { return *code && codes.insert(code).second; };
+    for (auto i = static_cast<int>(Ursache::RECHTE); i <= static_cast<int>(Ursache::GETOETET); ++i)
+        EXPECT_TRUE(einmalig(code(static_cast<Ursache>(i)))) << i;
+    codes.clear();
+    for (auto i = static_cast<int>(Schritt::OEFFNEN); i <= static_cast<int>(Schritt::DANACH); ++i)
+        EXPECT_TRUE(einmalig(code(static_cast<Schritt>(i)))) << i;
+    codes.clear();
+    for (int i = 0; i <= static_cast<int>(ServiceFakt::Art::ZEIT); ++i) {
+        ErweiterungFakt erweiterung;
+        erweiterung.service.art = static_cast<ServiceFakt::Art>(i);
+        EXPECT_TRUE(einmalig(servicecode(erweiterung))) << i;
+    }
+    codes.clear();
+    for (int i = 0; i <= static_cast<int>(Zustand::ZEIT); ++i)
+        EXPECT_TRUE(einmalig(code(static_cast<Zustand>(i)))) << i;
+}
+
 TEST_F(Ursachen, AFileThatIsNoGoodLibraryIsToldApart) {
     schreibe("kein Plugin");
     EXPECT_EQ(kennung(), "file_not_loadable/format");

@@ -16,11 +16,12 @@ Json kacheln(const Json& dokument) {
     for (const Json& typ : dokument["types"])
         for (const auto& [was, zahl] : typ["totals"].items())
             summen[was] += zahl.get<std::int64_t>();
+    const std::int64_t luecken = summen["gaps"] + summen["broken"];
     const auto ausfaelle = static_cast<std::int64_t>(dokument["not_loaded"].size());
     Json liste{kachel("tile_served", summen["served"], false, "kinds"),
                kachel("tile_fallback", summen["fallback"], false, "kinds"),
                kachel("tile_contested", summen["contested"], false, "kinds"),
-               kachel("tile_gaps", summen["gaps"], summen["gaps"] != 0, "gaps"),
+               kachel("tile_gaps", luecken, luecken != 0, "gaps"),
                kachel("tile_not_loaded", ausfaelle, ausfaelle != 0, ausfaelle != 0 ? "notes" : "kinds")};
     if (const Json& verlangt = dokument["required"]; !verlangt.is_null())
         liste.push_back(kachel("tile_missing", verlangt["missing"], verlangt["missing"] != 0, "gaps"));

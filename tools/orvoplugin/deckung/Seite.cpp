@@ -242,7 +242,7 @@ std::map<std::string, std::vector<std::int64_t>> bedienteZellen(const Json& type
                 if (typ["first_year"].is_null() || jahre[i].von < typ["first_year"] ||
                     jahre[i].bis > typ["last_year"])
                     continue;
-                if (const Json* const zelle = antwort(&zeile, jahre[i].von)) {
+                if (const Json* const zelle = antwort(&zeile, jahre[i].von); istBedient(zelle)) {
                     std::vector<std::int64_t>& zahl = zahlen[(*zelle)["plugin"]["file"]];
                     zahl.resize(jahre.size());
                     zahl[i] += jahre[i].jahre();

@@ -108,9 +108,17 @@ Seitenplugins::Seitenplugins(const Paar& dokumente) {
     }
 }
 
+bool istBedient(const Json* antwort) { return antwort && (*antwort)["answer"] != "broken"; }
+
 Json deckungszelle(const Seitenplugins& plugins, const Json* antwort) {
-    if (!antwort)
-        return zelle(plugins, "gap", nullptr);
+    if (!istBedient(antwort)) {
+        Json luecke = zelle(plugins, "gap", nullptr);
+        if (antwort) {
+            luecke["text"] = zeichen(plugins, antwort) + "✗";
+            luecke["title"] = wer(plugins, antwort) + ": " + text("no_service");
+        }
+        return luecke;
+    }
     const bool ersatz = (*antwort)["answer"] == "fallback";
     Json werte = zelle(plugins, ersatz ? "fallback" : "served", antwort);
     std::string titel = werte["title"];
@@ -131,6 +139,8 @@ Json deckungszelle(const Seitenplugins& plugins, const Json* antwort) {
 }
 
 Json vergleichszelle(const Seitenplugins& plugins, const Json* vorher, const Json* nachher) {
+    vorher = istBedient(vorher) ? vorher : nullptr;
+    nachher = istBedient(nachher) ? nachher : nullptr;
     const std::string was = aenderung(vorher, nachher);
     Json werte = zelle(plugins, was.c_str(), nachher);
     if (vorher)

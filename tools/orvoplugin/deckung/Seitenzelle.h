@@ -39,7 +39,11 @@ private:
     std::map<std::string, Seitenplugin> plugins_;
 };
 
-/// The cell of a page of one document: "A", "~A" (period-independent), "A*" (for a part of the year), "–" (gap).
+/// Whether somebody answers and a client gets the service.
+bool istBedient(const Json* antwort);
+
+/// The cell of a page of one document: "A", "~A" (period-independent), "A*" (for a part of the year), "–" (gap), "A✗"
+/// (a gap, too, because A's service cannot be had).
 /// Parameters: `antwort` is a cell of the document, null for a gap.
 Json deckungszelle(const Seitenplugins& plugins, const Json* antwort);
 
