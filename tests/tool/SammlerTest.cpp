@@ -144,6 +144,9 @@ TEST_F(Untaten, WithoutADescriptorLeftEveryRowIsThereAllTheSame) {
     EXPECT_EQ(datei(bestand, "liba.dylib").plugin->erweiterungen.at(0).factoryExport, Export::UNGEPRUEFT);
     EXPECT_EQ(zustand(bestand, "libm.dylib"), Zustand::GELADEN);
     EXPECT_EQ(zustand(bestand, "libz.dylib"), Zustand::ABGELEHNT) << "as in a client";
+    EXPECT_EQ(datei(bestand, "libz.dylib").ursache, Ursache::DESKRIPTOREN);
+    EXPECT_THAT(datei(bestand, "libz.dylib").meldung,
+                HasSubstr("the limit of open files was lowered by libm.dylib"));
     EXPECT_EQ(datei(bestand, "anders.txt").grund, Grund::KEINE_ENDUNG);
     EXPECT_EQ(datei(bestand, ".versteckt").grund, Grund::VERSTECKT);
 }

@@ -1,6 +1,7 @@
 #include "kern/Bestandsermittlung.h"
 
 #include "datei/Bibliotheksbild.h"
+#include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
 #include "kern/Nachfrage.h"
 #include "kern/Ordnung.h"
@@ -23,6 +24,7 @@
 #include <orvoutil/StringUtil.h>
 
 #include <dirent.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -192,6 +194,8 @@ public:
         if (auftrag_.ohne.contains(pfad) || ueberspringe_.contains(pfad) ||
             (auftrag_.nur && !auftrag_.nur->contains(pfad)) || (nurBeschriebene_ && !istBeschrieben(pfad)))
             return false;
+        achteAufGrenze();
+        letzter_ = pfad;
         bevor_(pfad);
         return true;
     }
@@ -206,6 +210,10 @@ public:
         datei.grund = static_cast<Grund>(schritt);
         datei.meldung = grund;
         datei.ursache = sucheUrsache(schritt, datei.pfad, datei.name, datei.meldung);
+        achteAufGrenze();
+        if (datei.ursache == Ursache::DESKRIPTOREN && !begrenzer_.empty())
+            datei.meldung = einzeilig(datei.meldung) + "; " +
+                            satz("the limit of open files was lowered by {1}", einzeilig(begrenzer_));
         if (schritt == ABLEHNUNG_BEOBACHTER) // the plugin is loaded nevertheless, as the last one
             funde.back().plugin = OrvoPluginManager::getInstanz(nullptr)->getRegistriertePlugins().back();
     }
@@ -231,6 +239,18 @@ private:
         return false;
     }
 
+    /// Notes which plugin lowers the limit of open files: those after it are refused for want of descriptors.
+    void achteAufGrenze() {
+        rlimit jetzt{};
+        getrlimit(RLIMIT_NOFILE, &jetzt);
+        if (jetzt.rlim_cur < grenze_ && !letzter_.empty())
+            begrenzer_ = getOnlyFilenameOfFullFilename(letzter_);
+        grenze_ = jetzt.rlim_cur;
+    }
+
+    std::string letzter_;   ///< file whose code ran
+    std::string begrenzer_; ///< empty while the limit has not been lowered
+    rlim_t grenze_ = RLIM_INFINITY;
     const Auftrag& auftrag_;
     const std::set<std::string>& ueberspringe_;
     const bool nurBeschriebene_;
