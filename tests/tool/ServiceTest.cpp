@@ -118,6 +118,11 @@ TEST_F(Services, AFactoryThatIsNotExportedCountsAsUnservedWithoutRunningAnything
     EXPECT_THAT(text, AllOf(HasSubstr("!"), HasSubstr("NO SERVICE"), HasSubstr("gibtEsNicht")));
 }
 
+TEST_F(Services, WhatRunsNoPluginCodeMakesNoServices) {
+    EXPECT_EQ(heim_.rufe({"coverage", "--described", "--probe"}).ausgang, 2);
+    EXPECT_EQ(heim_.rufe({"find", "CHECK", "--probe", "--described"}).ausgang, 2);
+}
+
 TEST_F(Services, ThePageShowsItAsAGapWithTheNameOfThePlugin) {
     lege(kFehlt);
     const std::string seite = heim_.verzeichnis.pfad("seite.html");

@@ -58,9 +58,11 @@ void fuegeDescribedHinzu(CLI::App& app, Optionen& optionen) {
 }
 
 void fuegeProbeHinzu(CLI::App& app, Optionen& optionen) {
-    app.add_flag(
+    CLI::Option* const probe = app.add_flag(
         "--probe", optionen.probe,
         satz("Make each service once, too, in a process of its own: what cannot be had is not served"));
+    if (CLI::Option* const described = app.get_option_no_throw("--described"))
+        probe->excludes(described); // which runs no plugin code
 }
 
 const char* ortsoption(const std::string& verzeichnis) {
