@@ -247,16 +247,19 @@ Json verlangtesAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
     return {{"file", jsonText(wunsch.anforderung)}, {"missing", fehlen}, {"cells", std::move(zellen)}};
 }
 
-/// The extensions that hold keys and whose service cannot be had.
+/// The extensions that hold keys and whose service cannot be had; those of one factory once.
 Json kaputteAlsJson(const Bestand& bestand, const Deckungswunsch& wunsch) {
     Json liste = Json::array();
     for (const ErweiterungsOrt& ort : bestand.inhaber()) {
         const ErweiterungFakt& erweiterung = bestand.erweiterung(ort);
-        if (!erweiterung.istZuHaben() && (!wunsch.typ || *wunsch.typ == erweiterung.typ))
-            liste.push_back({{"plugin", anbieterAlsJson(bestand, ort)},
-                             {"type", werkzeug::typAlsJson(erweiterung.typ, erweiterung.typName)},
-                             {"factory", jsonText(erweiterung.factory)},
-                             {"service", serviceAlsJson(erweiterung)}});
+        if (erweiterung.istZuHaben() || (wunsch.typ && *wunsch.typ != erweiterung.typ))
+            continue;
+        Json eine{{"plugin", anbieterAlsJson(bestand, ort)},
+                  {"type", werkzeug::typAlsJson(erweiterung.typ, erweiterung.typName)},
+                  {"factory", jsonText(erweiterung.factory)},
+                  {"service", serviceAlsJson(erweiterung)}};
+        if (liste.empty() || liste.back() != eine)
+            liste.push_back(std::move(eine));
     }
     return liste;
 }
