@@ -5,21 +5,37 @@
 
 #include <nlohmann/json.hpp>
 
+#include <map>
+#include <vector>
+
 namespace werkzeug {
 
 namespace {
 
 using nlohmann::json;
 
-/// The row of gruende.json for a value of an enumeration; the first of the list for a value that has none.
+enum Liste { ZUSTAENDE, GRUENDE, URSACHEN, SCHRITTE, SERVICES, EXPORTE, REGELN, TREFFER, ZEITRAEUME };
+constexpr const char* kListen[] = {"states",  "reasons", "causes",  "steps",  "services",
+                                   "exports", "rules",   "matches", "periods"};
+
+/// The lists of gruende.json, by the values of the enumerations.
+std::vector<std::map<std::int32_t, json>> liesTafel() {
+    const json tafel = json::parse(kGruendetafel);
+    std::vector<std::map<std::int32_t, json>> listen;
+    for (const char* const name : kListen) {
+        auto& liste = listen.emplace_back();
+        for (const json& zeile : tafel.at(name))
+            liste.emplace(zeile["id"].is_null() ? INT32_MIN : zeile["id"].get<std::int32_t>(), zeile);
+    }
+    return listen;
+}
+
+/// The row for a value; the first of the list for a value that has none.
 template <class Wert>
-const json& zeile(const char* liste, Wert wert) {
-    static const json tafel = json::parse(kGruendetafel);
-    const json& zeilen = tafel[liste];
-    for (const json& eine : zeilen)
-        if (eine["id"] == static_cast<std::int32_t>(wert))
-            return eine;
-    return zeilen[0];
+const json& zeile(Liste liste, Wert wert) {
+    static const auto tafel = liesTafel();
+    const auto fund = tafel[liste].find(static_cast<std::int32_t>(wert));
+    return fund == tafel[liste].end() ? tafel[liste].begin()->second : fund->second;
 }
 
 const char* text(const json& zeile, const char* feld) {
@@ -28,25 +44,25 @@ const char* text(const json& zeile, const char* feld) {
 
 /// The cause's row; the reason's where no cause is known.
 const json& zeile(const DateiFakt& datei) {
-    return datei.ursache == Ursache::KEINE ? zeile("reasons", datei.grund) : zeile("causes", datei.ursache);
+    return datei.ursache == Ursache::KEINE ? zeile(GRUENDE, datei.grund) : zeile(URSACHEN, datei.ursache);
 }
 
 const json& zeile(const ErweiterungFakt& erweiterung) {
     const bool fehlt = erweiterung.factoryExport == Export::NEIN;
-    return zeile("services", fehlt ? ServiceFakt::Art::NICHT_EXPORTIERT : erweiterung.service.art);
+    return zeile(SERVICES, fehlt ? ServiceFakt::Art::NICHT_EXPORTIERT : erweiterung.service.art);
 }
 
 } // namespace
 
-const char* code(Zustand zustand) { return text(zeile("states", zustand), "code"); }
-const char* code(Grund grund) { return text(zeile("reasons", grund), "code"); }
-const char* code(Ursache ursache) { return text(zeile("causes", ursache), "code"); }
-const char* code(Schritt schritt) { return text(zeile("steps", schritt), "code"); }
-const char* code(Export export_) { return text(zeile("exports", export_), "code"); }
-const char* stufe(Grund grund) { return text(zeile("reasons", grund), "stage"); }
-const char* regelcode(std::int32_t regel) { return text(zeile("rules", regel), "code"); }
-const char* treffercode(std::int32_t treffer) { return text(zeile("matches", treffer), "code"); }
-const char* zeitraumcode(std::int32_t typ) { return text(zeile("periods", typ), "code"); }
+const char* code(Zustand zustand) { return text(zeile(ZUSTAENDE, zustand), "code"); }
+const char* code(Grund grund) { return text(zeile(GRUENDE, grund), "code"); }
+const char* code(Ursache ursache) { return text(zeile(URSACHEN, ursache), "code"); }
+const char* code(Schritt schritt) { return text(zeile(SCHRITTE, schritt), "code"); }
+const char* code(Export export_) { return text(zeile(EXPORTE, export_), "code"); }
+const char* stufe(Grund grund) { return text(zeile(GRUENDE, grund), "stage"); }
+const char* regelcode(std::int32_t regel) { return text(zeile(REGELN, regel), "code"); }
+const char* treffercode(std::int32_t treffer) { return text(zeile(TREFFER, treffer), "code"); }
+const char* zeitraumcode(std::int32_t typ) { return text(zeile(ZEITRAEUME, typ), "code"); }
 
 const char* servicecode(const ErweiterungFakt& erweiterung) {
     const bool istUngeprueft = erweiterung.factoryExport == Export::UNGEPRUEFT &&
@@ -56,8 +72,8 @@ const char* servicecode(const ErweiterungFakt& erweiterung) {
 
 std::string erklaerung(const DateiFakt& datei) { return uebersetzt(text(zeile(datei), "text")); }
 std::string rat(const DateiFakt& datei) { return uebersetzt(text(zeile(datei), "advice")); }
-std::string wobei(Schritt schritt) { return uebersetzt(text(zeile("steps", schritt), "text")); }
-std::string regelsatz(std::int32_t regel) { return uebersetzt(text(zeile("rules", regel), "text")); }
+std::string wobei(Schritt schritt) { return uebersetzt(text(zeile(SCHRITTE, schritt), "text")); }
+std::string regelsatz(std::int32_t regel) { return uebersetzt(text(zeile(REGELN, regel), "text")); }
 std::string servicesatz(const ErweiterungFakt& erweiterung) {
     return uebersetzt(text(zeile(erweiterung), "text"));
 }
