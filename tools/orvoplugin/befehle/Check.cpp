@@ -126,7 +126,7 @@ private:
             for (const std::string& datei : pluginDateien(optionen))
                 dateien.push_back(datei);
         else if (dateien.empty())
-            throw AufrufFehler("check: neither a FILE nor a directory is given");
+            throw AufrufFehler(satz("check: neither a FILE nor a directory is given"));
         std::set<std::string> gesehene;
         std::erase_if(dateien, [&](const std::string& datei) { return !gesehene.insert(datei).second; });
         return dateien;
@@ -137,33 +137,34 @@ private:
                                           const std::vector<const Pruefung*>& auswahl,
                                           const Optionen& optionen, bool alsText) {
         Fortschritt fortschritt(!optionen.quiet);
-        Pruefauftrag auftrag{dateien, auswahl, std::chrono::duration<double>(optionen.zeitlimit),
+        Pruefauftrag auftrag{dateien,    auswahl,      std::chrono::duration<double>(optionen.zeitlimit),
                              &vorgaben_, optionen.log, zugleich_};
         auftrag.takt = [&](std::size_t nummer, const Pruefung& pruefung) {
             fortschritt.zeige(satz("{1}/{2} checking {3}: {4}", nummer + 1, dateien.size(),
                                    einzeilig(dateien[nummer]), pruefung.name));
         };
+        const auto schreibe = [&](const std::string& text) {
+            if (!alsText || optionen.quiet || text.empty())
+                return;
+            fortschritt.zeige("");
+            gibAus(text);
+        };
         std::size_t fertige = 0;
         auftrag.fertig = [&](Dateiergebnis datei) {
             ++fertige;
             verschaerfe(datei);
-            if (!alsText || optionen.quiet || !datei.unlesbar.empty() ||
-                (nurAuffaellige_ && istUnauffaellig(datei)))
-                return; // what cannot be read is an error message
-            fortschritt.zeige("");
-            gibAus((bloecke_++ > 0 ? "\n" : "") + dateitext(datei, fertige, dateien.size(), Farben(stdout)));
+            if (!datei.istUnlesbar &&
+                !(nurAuffaellige_ && istUnauffaellig(datei))) // that is an error message
+                schreibe((bloecke_++ > 0 ? "\n" : "") +
+                         dateitext(datei, fertige, dateien.size(), Farben(stdout)));
         };
-        bool beginnt = true;
-        auftrag.ganzFertig = [&](Dateiergebnis datei) {
+        auftrag.ganzFertig = [&, beginnt = true](Dateiergebnis datei) mutable {
             verschaerfe(datei);
             const std::string text = gemeinsamtext(datei, dateien.size(), Farben(stdout));
-            if (!alsText || optionen.quiet || text.empty())
-                return;
-            fortschritt.zeige("");
-            if (std::exchange(beginnt, false))
-                gibAus((bloecke_++ > 0 ? "\n" : "") +
-                       Farben(stdout)(Farbe::FETT, uebersetzt("All files together")) + "\n");
-            gibAus(text);
+            if (!text.empty() && std::exchange(beginnt, false))
+                schreibe((bloecke_++ > 0 ? "\n" : "") +
+                         Farben(stdout)(Farbe::FETT, uebersetzt("All files together")) + "\n");
+            schreibe(text);
         };
         return pruefe(auftrag);
     }

@@ -34,20 +34,18 @@ struct Zaehlung final : LogSink {
     std::atomic<std::size_t> eintraege{0}, bytes{0}; // a plugin may log on threads of its own
 };
 
-Befund pruefeLogmenge(const Pruefling& p) {
+void pruefeLogmenge(const Pruefling& p, Fundliste& funde) {
     const auto zaehlung = std::make_shared<Zaehlung>();
     Logger::setLevel(LogLevel::Info);
     Logger::setSink(zaehlung);
     ladeUndBenutze(p.pfad);
     Logger::setSink(nullptr);
     const std::size_t eintraege = zaehlung->eintraege, bytes = zaehlung->bytes, erlaubt = p.vorgaben->maxLog;
-    Befund befund;
     if (bytes > erlaubt)
-        befund = warnung(satz("writes {1} bytes in {2} entries to the log; {3} bytes are allowed", bytes,
-                              eintraege, erlaubt),
-                         "log_volume");
-    befund.zahlen = {{"entries", eintraege}, {"bytes", bytes}};
-    return befund;
+        funde.warnung(satz("writes {1} bytes in {2} entries to the log; {3} bytes are allowed", bytes,
+                           eintraege, erlaubt),
+                      "log_volume");
+    funde.zahlen = {{"entries", eintraege}, {"bytes", bytes}};
 }
 
 /// How long each step took, by name: in milliseconds, one number for each round.
@@ -74,41 +72,32 @@ void missEinLeben(const std::string& pfad, Zeiten& zeiten) {
         zeiten["service"].push_back(laengste);
 }
 
-Befund pruefeZeit(const Pruefling& p) {
+void pruefeZeit(const Pruefling& p, Fundliste& funde) {
     constexpr int kRunden = 5;
     const auto schluss = std::chrono::steady_clock::now() + p.zeitlimit / 4;
     Zeiten zeiten;
     for (int i = 0; i == 0 || (i < kRunden && std::chrono::steady_clock::now() < schluss); ++i)
         missEinLeben(p.pfad, zeiten);
-    Fundliste funde;
-    Json zahlen{{"open_ms", nullptr}, {"describe_ms", nullptr}, {"service_ms", nullptr}};
+    funde.zahlen = {{"open_ms", nullptr}, {"describe_ms", nullptr}, {"service_ms", nullptr}};
     for (auto& [schritt, alle] : zeiten) {
         const auto mitte = alle.begin() + static_cast<std::ptrdiff_t>(alle.size() / 2);
         std::nth_element(alle.begin(), mitte, alle.end());
-        zahlen[schritt + "_ms"] = *mitte;
+        funde.zahlen[schritt + "_ms"] = *mitte;
         if (const double erlaubt = p.vorgaben->maxMs.at(schritt); *mitte > erlaubt)
             funde.fehler(satz("the step {1} takes {2} ms; {3} ms are allowed", schritt, Json(*mitte).dump(),
                               Json(erlaubt).dump()),
                          "too_slow");
     }
-    Befund befund = funde.befund();
-    befund.zahlen = std::move(zahlen);
-    return befund;
 }
 
 } // namespace
 
 std::vector<Pruefung> aufwandPruefungen() {
-    return {{"log-volume",
-             N_("The plugin writes little to the log of its host."),
-             {"use"},
-             Ort::KIND,
-             pruefeLogmenge},
-            {"time",
-             N_("Opening the plugin, its description and its services take no longer than allowed."),
-             {"use"},
-             Ort::KIND,
-             pruefeZeit}};
+    return aufbauendAuf(
+        "use",
+        {{"log-volume", N_("The plugin writes little to the log of its host."), pruefeLogmenge},
+         {"time", N_("Opening the plugin, its description and its services take no longer than allowed."),
+          pruefeZeit}});
 }
 
 } // namespace werkzeug::check

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "kern/Anzeige.h"
+#include "kern/Ausgang.h"
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,11 +20,20 @@ enum class Urteil {
     ZU_LANGSAM,    ///< plugin code exceeded the time limit
 };
 
-/// The result's name for people ("timed out") and for programs ("timed_out").
+/// What follows from a result.
+struct Urteilsart {
+    const char* kennung; ///< for programs: "timed_out"
+    const char* name;    ///< for the catalogue: "timed out"
+    Farbe farbe;
+    Ausgang ausgang;
+};
+const Urteilsart& artVon(Urteil urteil);
+/// For people, in their language.
 const char* urteilName(Urteil urteil);
-const char* urteilKennung(Urteil urteil);
 /// Whether checks that depend on this result must be skipped.
 bool istHindernis(Urteil urteil);
+/// Whether somebody has to do something about it.
+bool istAuffaellig(Urteil urteil);
 
 /// Result and reason. A check that passed has no code, and no text except where it reports something.
 struct Befund {
@@ -38,26 +49,21 @@ struct Befund {
 /// Code of a check that was skipped because of the result of another one.
 inline constexpr char kBautAuf[] = "builds_on";
 
-inline Befund bestanden() { return {}; }
-inline Befund durchgefallen(std::string text, std::string code = {}) {
-    return {Urteil::DURCHGEFALLEN, std::move(text), std::move(code)};
-}
-inline Befund warnung(std::string text, std::string code = {}) {
-    return {Urteil::WARNUNG, std::move(text), std::move(code)};
-}
-inline Befund uebersprungen(std::string text, std::string code = {}) {
-    return {Urteil::UEBERSPRUNGEN, std::move(text), std::move(code)};
-}
-
 /// Collects the findings of one check.
 class Fundliste {
 public:
-    void fehler(std::string text, const char* code = "") { nimm(fehler_, std::move(text), code); }
-    void warnung(std::string text, const char* code = "") { nimm(warnungen_, std::move(text), code); }
-    bool istLeer() const { return fehler_.gesamt + warnungen_.gesamt == 0; }
+    void fehler(std::string text, const char* code = "") { nimm(Urteil::DURCHGEFALLEN, text, code); }
+    void warnung(std::string text, const char* code = "") { nimm(Urteil::WARNUNG, text, code); }
+    /// The check cannot be made, or does not apply.
+    void uebersprungen(std::string text, const char* code) { nimm(Urteil::UEBERSPRUNGEN, text, code); }
+    /// What a check that passes has to say.
+    void bericht(std::string text) { nimm(Urteil::BESTANDEN, text, ""); }
+    bool istLeer() const { return listen_.empty(); }
     /// Failed when there is an error, a warning when there are only warnings; the first few are named, and the first
     /// gives the code.
     Befund befund() const;
+
+    Json zahlen = {}; ///< see `Befund::zahlen`
 
 private:
     struct Liste {
@@ -66,10 +72,9 @@ private:
         std::size_t gesamt = 0;
     };
 
-    static void nimm(Liste& liste, std::string text, const char* code);
-    static std::string text(const Liste& liste);
+    void nimm(Urteil urteil, std::string& text, const char* code);
 
-    Liste fehler_, warnungen_;
+    std::map<Urteil, Liste> listen_;
 };
 
 } // namespace werkzeug::check

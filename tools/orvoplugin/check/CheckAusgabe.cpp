@@ -16,41 +16,18 @@ namespace {
 constexpr Urteil kUrteile[] = {Urteil::BESTANDEN,     Urteil::DURCHGEFALLEN, Urteil::WARNUNG,
                                Urteil::UEBERSPRUNGEN, Urteil::ABGESTUERZT,   Urteil::ZU_LANGSAM};
 
-std::size_t anzahl(const Dateiergebnis& datei, Urteil urteil) {
-    return static_cast<std::size_t>(std::count_if(datei.ergebnisse.begin(), datei.ergebnisse.end(),
-                                                  [&](const auto& e) { return e.befund.urteil == urteil; }));
-}
-
-Ausgang ausgangVon(Urteil urteil) {
-    switch (urteil) {
-    case Urteil::DURCHGEFALLEN:
-        return Ausgang::BEFUNDE;
-    case Urteil::ABGESTUERZT:
-    case Urteil::ZU_LANGSAM:
-        return Ausgang::ABGESTUERZT;
-    default:
-        return Ausgang::GUT;
-    }
+std::map<Urteil, std::size_t> anzahlen(const Dateiergebnis& datei) {
+    std::map<Urteil, std::size_t> anzahlen;
+    for (const Pruefergebnis& e : datei.ergebnisse)
+        ++anzahlen[e.befund.urteil];
+    return anzahlen;
 }
 
 Ausgang ausgangVon(const Dateiergebnis& datei) {
-    Ausgang ausgang = datei.unlesbar.empty() && datei.abbruch.empty() ? Ausgang::GUT : Ausgang::NICHT_LESBAR;
+    Ausgang ausgang = datei.fehler.empty() ? Ausgang::GUT : Ausgang::NICHT_LESBAR;
     for (const Pruefergebnis& e : datei.ergebnisse)
-        ausgang = schwerster(ausgang, ausgangVon(e.befund.urteil));
+        ausgang = schwerster(ausgang, artVon(e.befund.urteil).ausgang);
     return ausgang;
-}
-
-Farbe farbe(Urteil urteil) {
-    switch (urteil) {
-    case Urteil::BESTANDEN:
-        return Farbe::GRUEN;
-    case Urteil::WARNUNG:
-        return Farbe::GELB;
-    case Urteil::UEBERSPRUNGEN:
-        return Farbe::BLASS;
-    default:
-        return Farbe::ROT;
-    }
 }
 
 struct Dateiurteilsname {
@@ -73,43 +50,36 @@ std::size_t anzahl(const std::vector<Dateiergebnis>& ergebnisse, Dateiurteil urt
 }
 
 std::string aufgefuellt(std::string text, std::size_t breite) {
-    text.resize(std::max(text.size(), breite), ' ');
-    return text;
+    return text.append(breite - std::min(breite, anzeigebreite(text)), ' ');
 }
 
-/// Width of the column of names.
-std::size_t namensbreite(const Json& pruefungen) {
-    std::size_t breite = 0;
-    for (const Json& pruefung : pruefungen)
-        breite = std::max(breite, pruefung.at("name").get_ref<const std::string&>().size());
-    return breite;
-}
-
-std::string summe(const std::map<Urteil, std::size_t>& anzahlen) {
+std::string summe(const Dateiergebnis& datei) {
     std::string text;
-    for (const auto& [urteil, n] : anzahlen)
-        text += (text.empty() ? "" : ", ") + std::to_string(n) + " " + urteilName(urteil) +
-                (urteil == Urteil::WARNUNG && n > 1 ? "s" : "");
-    return "  " + text + "\n";
+    for (const auto& [urteil, n] : anzahlen(datei))
+        text += (text.empty() ? "  " : ", ") + (urteil == Urteil::WARNUNG
+                                                    ? werkzeug::anzahl(n, "warning", "warnings")
+                                                    : std::to_string(n) + " " + urteilName(urteil));
+    return text + "\n";
 }
 
 std::string zeile(Urteil urteil, const std::string& rest, const Farben& farben) {
-    constexpr std::size_t kBreite = 9;
-    return "  " + farben(farbe(urteil), aufgefuellt(urteilName(urteil), kBreite)) + "  " + rest + "\n";
+    std::size_t breite = 0;
+    for (const Urteil eines : kUrteile)
+        breite = std::max(breite, anzeigebreite(urteilName(eines)));
+    return "  " + farben(artVon(urteil).farbe, aufgefuellt(urteilName(urteil), breite)) + "  " + rest + "\n";
 }
 
 Json alsJson(const Dateiergebnis& datei) {
     Json json{{"file", jsonText(datei.pfad)}};
-    const std::string& fehler = datei.unlesbar.empty() ? datei.abbruch : datei.unlesbar;
-    json["error"] = fehler.empty() ? Json() : Json(fehler);
+    json["error"] = datei.fehler.empty() ? Json() : Json(datei.fehler);
     json["conformant"] = ausgangVon(datei) == Ausgang::GUT;
-    json["totals"] = Json::object();
+    auto zahlen = anzahlen(datei);
     for (const Urteil urteil : kUrteile)
-        json["totals"][urteilKennung(urteil)] = anzahl(datei, urteil);
+        json["totals"][artVon(urteil).kennung] = zahlen[urteil];
     json["checks"] = Json::array();
     for (const Pruefergebnis& e : datei.ergebnisse)
         json["checks"].push_back({{"name", e.pruefung->name},
-                                  {"result", urteilKennung(e.befund.urteil)},
+                                  {"result", artVon(e.befund.urteil).kennung},
                                   {"code", e.befund.code.empty() ? Json() : Json(e.befund.code)},
                                   {"reason", e.befund.grund()},
                                   {"figures", e.befund.zahlen}});
@@ -128,7 +98,8 @@ Ausgang ausgangVon(const std::vector<Dateiergebnis>& ergebnisse) {
 Dateiurteil urteilUeber(const Dateiergebnis& datei) {
     switch (ausgangVon(datei)) {
     case Ausgang::GUT:
-        return anzahl(datei, Urteil::WARNUNG) > 0 ? Dateiurteil::MIT_WARNUNGEN : Dateiurteil::BESTANDEN;
+        return anzahlen(datei).contains(Urteil::WARNUNG) ? Dateiurteil::MIT_WARNUNGEN
+                                                         : Dateiurteil::BESTANDEN;
     case Ausgang::BEFUNDE:
         return Dateiurteil::DURCHGEFALLEN;
     case Ausgang::ABGESTUERZT:
@@ -158,9 +129,7 @@ std::string dateitext(const Dateiergebnis& datei, std::size_t nummer, std::size_
     for (const Pruefergebnis& e : datei.ergebnisse)
         breite = std::max(breite, std::string_view(e.pruefung->name).size());
     auto uebersprungene = uebersprungeneNach(datei);
-    std::map<Urteil, std::size_t> anzahlen;
     for (const Pruefergebnis& e : datei.ergebnisse) {
-        ++anzahlen[e.befund.urteil];
         const std::size_t gleiche =
             e.befund.code == kBautAuf ? std::exchange(uebersprungene[e.befund.text], 0) : 1;
         if (gleiche > 1)
@@ -174,14 +143,13 @@ std::string dateitext(const Dateiergebnis& datei, std::size_t nummer, std::size_
                               : aufgefuellt(e.pruefung->name, breite) + "  " + e.befund.grund(),
                           farben);
     }
-    return text + summe(anzahlen);
+    return text + summe(datei);
 }
 
 std::string gemeinsamtext(const Dateiergebnis& datei, std::size_t gesamt, const Farben& farben) {
     std::string text;
     for (const Pruefergebnis& e : datei.ergebnisse)
-        if (kommtZuletzt(*e.pruefung, gesamt) && e.befund.urteil != Urteil::BESTANDEN &&
-            e.befund.urteil != Urteil::UEBERSPRUNGEN)
+        if (kommtZuletzt(*e.pruefung, gesamt) && istAuffaellig(e.befund.urteil))
             text +=
                 zeile(e.befund.urteil,
                       std::string(e.pruefung->name) + "  " + einzeilig(datei.pfad) + ": " + e.befund.grund(),
@@ -215,14 +183,13 @@ Json ergebnisdokument(const std::vector<Dateiergebnis>& ergebnisse, bool nurAuff
 void schreibeMeldungen(std::ostream& out, const std::vector<Dateiergebnis>& ergebnisse, bool auchBefunde) {
     for (const Dateiergebnis& datei : ergebnisse) {
         const std::string anfang = "orvoplugin: " + einzeilig(datei.pfad) + ": ";
-        if (!datei.unlesbar.empty())
-            out << anfang << "cannot be read: " << datei.unlesbar << '\n';
-        if (!datei.abbruch.empty())
-            out << anfang << datei.abbruch << '\n';
+        if (!datei.fehler.empty())
+            out << anfang << (datei.istUnlesbar ? satz("cannot be read: {1}", datei.fehler) : datei.fehler)
+                << '\n';
         if (!auchBefunde)
             continue;
         for (const Pruefergebnis& e : datei.ergebnisse)
-            if (e.befund.urteil == Urteil::WARNUNG || ausgangVon(e.befund.urteil) != Ausgang::GUT)
+            if (istAuffaellig(e.befund.urteil))
                 out << anfang << urteilName(e.befund.urteil) << ": " << e.pruefung->name << ": "
                     << e.befund.grund() << '\n';
     }
@@ -239,7 +206,9 @@ Json listendokument(const std::vector<const Pruefung*>& auswahl) {
 
 std::string listentext(const Json& dokument, const Farben& farben) {
     const Json& pruefungen = dokument.at("checks");
-    const std::size_t breite = namensbreite(pruefungen);
+    std::size_t breite = 0;
+    for (const Json& pruefung : pruefungen)
+        breite = std::max(breite, pruefung.at("name").get_ref<const std::string&>().size());
     std::string text;
     for (const Json& pruefung : pruefungen)
         text += farben(Farbe::FETT, aufgefuellt(pruefung.at("name").get<std::string>(), breite)) + "  " +

@@ -16,79 +16,69 @@ namespace werkzeug::check {
 
 namespace {
 
-Befund pruefeDateiformat(const Pruefling& p) {
-    return p.bild.istLadbar() ? bestanden() : durchgefallen(einzeilig(p.bild.getGrund()), "not_loadable");
+void pruefeDateiformat(const Pruefling& p, Fundliste& funde) {
+    if (!p.bild.istLadbar())
+        funde.fehler(einzeilig(p.bild.getGrund()), "not_loadable");
 }
 
-Befund pruefeEinsprungpunkte(const Pruefling& p) {
-    Fundliste funde;
+void pruefeEinsprungpunkte(const Pruefling& p, Fundliste& funde) {
     for (const char* const name : {"orvo_plugin_get_types", "orvo_plugin_initialize"})
         if (!p.bild.exportiertFunktion(name))
             funde.fehler(warumNichtExportiert(p.bild.getInhalt(), name, true), "not_exported");
-    return funde.befund();
 }
 
-Befund pruefeExporte(const Pruefling& p) {
-    Fundliste funde;
+void pruefeExporte(const Pruefling& p, Fundliste& funde) {
     for (const Bibliothekssymbol& symbol : p.bild.getInhalt().exportierte)
         if (symbol.name.starts_with("_Z"))
-            funde.warnung("exports " + symbolname(symbol.name), "cxx_symbol");
-    return funde.befund();
+            funde.warnung(satz("exports {1}", symbolname(symbol.name)), "cxx_symbol");
 }
 
-Befund pruefeEinmaligeSymbole(const Pruefling& p) {
-    Fundliste funde;
+void pruefeEinmaligeSymbole(const Pruefling& p, Fundliste& funde) {
     for (const Bibliothekssymbol& symbol : p.bild.getInhalt().exportierte)
         if (symbol.bindung == Symbolbindung::Einmalig)
-            funde.fehler(symbolname(symbol.name) +
-                             " is unique and keeps the library in the process: compile with -fno-gnu-unique",
-                         "unique_symbol");
-    return funde.befund();
+            funde.fehler(
+                satz("{1} is unique and keeps the library in the process: compile with -fno-gnu-unique",
+                     symbolname(symbol.name)),
+                "unique_symbol");
 }
 
-Befund pruefeBleiben(const Pruefling& p) {
-    return p.bild.getInhalt().bleibtGeladen
-               ? durchgefallen("the library is linked with -z nodelete and is never unmapped", "nodelete")
-               : bestanden();
+void pruefeBleiben(const Pruefling& p, Fundliste& funde) {
+    if (p.bild.getInhalt().bleibtGeladen)
+        funde.fehler(satz("the library is linked with -z nodelete and is never unmapped"), "nodelete");
 }
 
-Befund pruefeThreadDestruktoren(const Pruefling& p) {
-    return p.bild.hatThreadDestruktoren()
-               ? warnung(
-                     "has a thread-local variable with a destructor: once a thread has used it, the library "
-                     "stays in the process until that thread ends",
-                     "thread_destructor")
-               : bestanden();
+void pruefeThreadDestruktoren(const Pruefling& p, Fundliste& funde) {
+    if (p.bild.hatThreadDestruktoren())
+        funde.warnung(
+            satz(
+                "has a thread-local variable with a destructor: once a thread has used it, the library stays in the process until that thread ends"),
+            "thread_destructor");
 }
 
-Befund pruefeCodeAenderung(const Pruefling& p) {
-    return p.bild.getInhalt().aendertCode
-               ? durchgefallen(
-                     "the code is written to when the library is opened: compile all of it with -fPIC",
-                     "text_relocation")
-               : bestanden();
+void pruefeCodeAenderung(const Pruefling& p, Fundliste& funde) {
+    if (p.bild.getInhalt().aendertCode)
+        funde.fehler(satz("the code is written to when the library is opened: compile all of it with -fPIC"),
+                     "text_relocation");
 }
 
-Befund pruefeSuchpfade(const Pruefling& p) {
-    Fundliste funde;
+void pruefeSuchpfade(const Pruefling& p, Fundliste& funde) {
     for (const std::string& pfad : p.bild.getInhalt().suchpfade)
         if (!pfad.starts_with('/') && !pfad.starts_with("$ORIGIN") && !pfad.starts_with("${ORIGIN}"))
-            funde.fehler("looks for libraries in " + zitiert(pfad) +
-                             ", which depends on the directory that the process runs in",
-                         "relative_path");
-    return funde.befund();
+            funde.fehler(
+                satz("looks for libraries in {1}, which depends on the directory that the process runs in",
+                     zitiert(pfad)),
+                "relative_path");
 }
 
-Befund pruefeStapel(const Pruefling& p) {
+void pruefeStapel(const Pruefling& p, Fundliste& funde) {
     if (p.bild.getInhalt().stapelMitCode)
-        return durchgefallen(
-            satz("makes the stack of the whole process executable: link with -z noexecstack"),
+        funde.fehler(satz("makes the stack of the whole process executable: link with -z noexecstack"),
+                     "executable_stack");
+    else if (!p.bild.getInhalt().nenntStapel)
+        funde.fehler(
+            satz(
+                "does not say whether code runs on the stack, which the system's loader takes for a yes: link with -z noexecstack"),
             "executable_stack");
-    return p.bild.getInhalt().nenntStapel
-               ? bestanden()
-               : durchgefallen(
-                     satz("does not say whether code runs on the stack, which the system's loader takes for "
-                          "a yes: link with -z noexecstack"));
 }
 
 /// The newest version of that prefix that the file needs; empty for none. Those without numbers, such as GLIBC_PRIVATE,
@@ -104,22 +94,17 @@ std::string neuesteVersion(const Bibliotheksinhalt& inhalt, const std::string& v
     return neueste;
 }
 
-Befund pruefeBaseline(const Pruefling& p) {
-    Fundliste funde;
-    Json zahlen;
+void pruefeBaseline(const Pruefling& p, Fundliste& funde) {
     for (const auto& [name, vorsatz] :
          {std::pair("glibc", "GLIBC_"), std::pair("libstdc++", "GLIBCXX_"), std::pair("cxxabi", "CXXABI_")}) {
         const std::string version = neuesteVersion(p.bild.getInhalt(), vorsatz);
-        zahlen[name] = version.empty() ? Json() : jsonText(version);
+        funde.zahlen[name] = version.empty() ? Json() : jsonText(version);
         const auto grenze = p.vorgaben->baseline.find(name);
         if (grenze != p.vorgaben->baseline.end() && OrvoVersion(version) > OrvoVersion(grenze->second))
             funde.fehler(
                 satz("needs {1} {2}, newer than {3}", name, einzeilig(version), einzeilig(grenze->second)),
                 "newer_than_baseline");
     }
-    Befund befund = funde.befund();
-    befund.zahlen = std::move(zahlen);
-    return befund;
 }
 
 } // namespace
@@ -128,55 +113,30 @@ std::vector<Pruefung> dateiPruefungen() {
     return {
         {"file-format",
          N_("The file is a whole shared library for this machine and for this release of the libraries."),
-         {},
-         Ort::DATEI,
-         pruefeDateiformat},
+         pruefeDateiformat, Ort::DATEI},
         {"entry-points",
          N_("The library exports the functions orvo_plugin_get_types and orvo_plugin_initialize."),
-         {},
-         Ort::DATEI,
-         pruefeEinsprungpunkte},
+         pruefeEinsprungpunkte, Ort::DATEI},
         {"exports",
          N_("The library exports C functions only, so that none of its C++ names meet those of others."),
-         {},
-         Ort::DATEI,
-         pruefeExporte},
+         pruefeExporte, Ort::DATEI},
         {"unique-symbols",
          N_("The library exports no unique symbol, which would keep it in the process for good."),
-         {},
-         Ort::DATEI,
-         pruefeEinmaligeSymbole},
-        {"nodelete",
-         N_("The library is not marked as one that stays in the process."),
-         {},
-         Ort::DATEI,
-         pruefeBleiben},
+         pruefeEinmaligeSymbole, Ort::DATEI},
+        {"nodelete", N_("The library is not marked as one that stays in the process."), pruefeBleiben,
+         Ort::DATEI},
         {"thread-destructors",
          N_("The library has no thread-local variable with a destructor, which would keep it in the process."),
-         {},
-         Ort::DATEI,
-         pruefeThreadDestruktoren},
-        {"text-relocations",
-         N_("The library's code need not be written to when it is opened."),
-         {},
-         Ort::DATEI,
-         pruefeCodeAenderung},
+         pruefeThreadDestruktoren, Ort::DATEI},
+        {"text-relocations", N_("The library's code need not be written to when it is opened."),
+         pruefeCodeAenderung, Ort::DATEI},
         {"search-paths",
          N_("The library looks for others in directories with full names only, or beside itself."),
-         {},
-         Ort::DATEI,
-         pruefeSuchpfade},
-        {"executable-stack",
-         N_("The library does not make the stack of its process executable."),
-         {},
-         Ort::DATEI,
-         pruefeStapel},
-        {"baseline",
-         N_("The library needs no newer glibc and libstdc++ than those of the baseline."),
-         {},
-         Ort::DATEI,
-         pruefeBaseline},
-    };
+         pruefeSuchpfade, Ort::DATEI},
+        {"executable-stack", N_("The library does not make the stack of its process executable."),
+         pruefeStapel, Ort::DATEI},
+        {"baseline", N_("The library needs no newer glibc and libstdc++ than those of the baseline."),
+         pruefeBaseline, Ort::DATEI}};
 }
 
 } // namespace werkzeug::check

@@ -63,25 +63,24 @@ std::string alsSatz(const Json& ruf, const std::string& wofuer) {
     return text;
 }
 
-Befund pruefeDaten(const Pruefling& p) {
+void pruefeDaten(const Pruefling& p, Fundliste& funde) {
     const Datensaetze daten(p.vorgaben->daten);
     if (daten.getAnzahl() == 0)
-        return uebersprungen(satz("no data given: name it with --data"), "no_data");
+        return funde.uebersprungen(satz("no data given: name it with --data"), "no_data");
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
-    Fundliste fehler, berichte;
     Json rufe_ = Json::array();
     const auto nimm = [&](OrvoValidierungsServiceErweiterung& erweiterung, const Unterfallart& ua,
                           const Veranlagungszeitraum& vz) {
         orvo::service::ValidierungsService* const service = erweiterung.holeService();
         if (!service)
-            return fehler.fehler(satz("{1} makes no service", zitiert(erweiterung.getServiceFactoryName())),
-                                 "no_service");
+            return funde.fehler(satz("{1} makes no service", zitiert(erweiterung.getServiceFactoryName())),
+                                "no_service");
         try {
             rufe_.push_back(rufe(*service, daten, ua, vz));
-            berichte.warnung(alsSatz(rufe_.back(), paar(ua, vz)));
+            funde.bericht(alsSatz(rufe_.back(), paar(ua, vz)));
         } catch (...) { // while the service, and so the plugin, is still there
-            fehler.fehler(satz("an exception leaves pruefe for {1}: {2}", paar(ua, vz), laufendeAusnahme()),
-                          "throws");
+            funde.fehler(satz("an exception leaves pruefe for {1}: {2}", paar(ua, vz), laufendeAusnahme()),
+                         "throws");
         }
         gibAllesZurueck(erweiterung);
     };
@@ -90,13 +89,9 @@ Befund pruefeDaten(const Pruefling& p) {
             for (const auto& [ua, vzs] : erweiterung->getVeranlagungszeitraumUnterfallartMap())
                 if (!vzs.empty())
                     nimm(*erweiterung, ua, vzs.front());
-    if (fehler.istLeer() && berichte.istLeer())
-        return uebersprungen(satz("the plugin offers no check service"), "no_check_service");
-    Befund befund = fehler.befund();
-    if (fehler.istLeer())
-        befund.text = berichte.befund().text;
-    befund.zahlen = {{"records", daten.getAnzahl()}, {"calls", rufe_}};
-    return befund;
+    if (funde.istLeer())
+        return funde.uebersprungen(satz("the plugin offers no check service"), "no_check_service");
+    funde.zahlen = {{"records", daten.getAnzahl()}, {"calls", rufe_}};
 }
 
 } // namespace
@@ -104,9 +99,9 @@ Befund pruefeDaten(const Pruefling& p) {
 std::vector<Pruefung> datenPruefungen() {
     return {{"data",
              N_("The check services come to an end with the given data, and throw nothing."),
-             {"services"},
-             Ort::KIND,
              pruefeDaten,
+             Ort::KIND,
+             {"services"},
              true}};
 }
 

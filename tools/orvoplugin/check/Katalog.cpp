@@ -2,6 +2,13 @@
 
 namespace werkzeug::check {
 
+std::vector<Pruefung> aufbauendAuf(std::string_view davor, std::vector<Pruefung> pruefungen) {
+    for (Pruefung& pruefung : pruefungen)
+        if (pruefung.bautAuf.empty())
+            pruefung.bautAuf = {davor};
+    return pruefungen;
+}
+
 const std::vector<Pruefung>& katalog() {
     static const std::vector<Pruefung> pruefungen = [] {
         std::vector<Pruefung> alle = dateiPruefungen();

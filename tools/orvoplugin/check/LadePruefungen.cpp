@@ -87,7 +87,7 @@ public:
     Arbeitsverzeichnis() {
         std::string muster = (std::filesystem::temp_directory_path() / "orvoplugin-XXXXXX").string();
         if (!mkdtemp(muster.data()))
-            throw std::runtime_error("cannot make a directory for temporary files");
+            throw std::runtime_error(satz("cannot make a directory for temporary files"));
         pfad_ = muster;
     }
     Arbeitsverzeichnis(const Arbeitsverzeichnis&) = delete;
@@ -130,93 +130,76 @@ Namensurteil urteilUeber(const std::string& name) {
     return urteil;
 }
 
-Befund pruefeDateiname(const Pruefling& p) {
+void pruefeDateiname(const Pruefling& p, Fundliste& funde) {
     const std::string name = getOnlyFilenameOfFullFilename(p.pfad);
     const Namensurteil urteil = urteilUeber(name);
     if (!urteil.istGefunden)
-        return durchgefallen(zitiert(name) + " is passed over: it is hidden, or has no suffix",
-                             "passed_over");
-    switch (urteil.art) {
-    case LadeBeobachter::GESPERRT:
-        return durchgefallen(zitiert(name) + " is on the block list: the plugin manager passes over it",
-                             "blocked");
-    case LadeBeobachter::UEBERGANGEN:
-        return durchgefallen(zitiert(name) + " is not taken for a plugin: its name has to end in .dylib",
-                             "wrong_suffix");
-    default:
-        break;
-    }
-    return urteil.geladenAls == name
-               ? bestanden()
-               : durchgefallen(zitiert(name) + " is looked for as " + zitiert(urteil.geladenAls) +
-                                   ", and so not found: write the suffix in lower case",
-                               "upper_case_suffix");
+        funde.fehler(satz("{1} is passed over: it is hidden, or has no suffix", zitiert(name)),
+                     "passed_over");
+    else if (urteil.art == LadeBeobachter::GESPERRT)
+        funde.fehler(satz("{1} is on the block list: the plugin manager passes over it", zitiert(name)),
+                     "blocked");
+    else if (urteil.art == LadeBeobachter::UEBERGANGEN)
+        funde.fehler(satz("{1} is not taken for a plugin: its name has to end in .dylib", zitiert(name)),
+                     "wrong_suffix");
+    else if (urteil.geladenAls != name)
+        funde.fehler(satz("{1} is looked for as {2}, and so not found: write the suffix in lower case",
+                          zitiert(name), zitiert(urteil.geladenAls)),
+                     "upper_case_suffix");
 }
 
-Befund pruefeBenoetigteBibliotheken(const Pruefling& p) {
+void pruefeBenoetigteBibliotheken(const Pruefling& p, Fundliste& funde) {
     const std::optional<Oeffnung> oeffnung = oeffneImKind(p);
-    return !oeffnung || oeffnung->gelungen || istGrundEinSymbol(oeffnung->grund)
-               ? bestanden()
-               : durchgefallen(einzeilig(oeffnung->grund), "library_missing");
+    if (oeffnung && !oeffnung->gelungen && !istGrundEinSymbol(oeffnung->grund))
+        funde.fehler(einzeilig(oeffnung->grund), "library_missing");
 }
 
-Befund pruefeUndefinierteSymbole(const Pruefling& p) {
-    const std::optional<Oeffnung> oeffnung = oeffneImKind(p);
+void pruefeUndefinierteSymbole(const Pruefling& p, Fundliste& funde) {
+    std::optional<Oeffnung> oeffnung = oeffneImKind(p);
     if (!oeffnung || oeffnung->gelungen || !istGrundEinSymbol(oeffnung->grund))
-        return bestanden();
-    Fundliste funde;
+        return;
+    if (oeffnung->fehlende.empty())
+        oeffnung->fehlende.push_back(symbolAus(oeffnung->grund));
     for (const std::string& name : oeffnung->fehlende)
-        funde.fehler(symbolname(name) + " is provided by nobody", "undefined_symbol");
-    if (funde.istLeer())
-        funde.fehler(symbolname(symbolAus(oeffnung->grund)) + " is provided by nobody", "undefined_symbol");
-    return funde.befund();
+        funde.fehler(satz("{1} is provided by nobody", symbolname(name)), "undefined_symbol");
 }
 
-Befund pruefeBindung(const Pruefling& p) {
-    return p.bild.getInhalt().bindetSofort
-               ? bestanden()
-               : warnung(
-                     "not linked with -z now: opened by others, a missing function would end the process at "
-                     "its first call",
-                     "lazy_binding");
+void pruefeBindung(const Pruefling& p, Fundliste& funde) {
+    if (!p.bild.getInhalt().bindetSofort)
+        funde.warnung(
+            satz(
+                "not linked with -z now: opened by others, a missing function would end the process at its first call"),
+            "lazy_binding");
 }
 
-Befund pruefeOeffnen(const Pruefling& p) {
+void pruefeOeffnen(const Pruefling& p, Fundliste& funde) {
     SharedLib bibliothek(p.pfad);
-    return bibliothek.load() ? bestanden()
-                             : durchgefallen(einzeilig(bibliothek.getLastError()), "not_opened");
+    if (!bibliothek.load())
+        funde.fehler(einzeilig(bibliothek.getLastError()), "not_opened");
 }
 
 } // namespace
 
 std::vector<Pruefung> ladePruefungen() {
     return {
-        {"file-name",
-         N_("The file has a name under which the plugin manager loads it."),
-         {},
-         Ort::KIND,
-         pruefeDateiname},
-        {"needed-libraries",
-         N_("Every library that the plugin needs is there, in a version that fits."),
-         {},
-         Ort::KIND,
+        {"file-name", N_("The file has a name under which the plugin manager loads it."), pruefeDateiname},
+        {"needed-libraries", N_("Every library that the plugin needs is there, in a version that fits."),
          pruefeBenoetigteBibliotheken},
         {"undefined-symbols",
          N_("Every symbol that the plugin needs is provided by somebody."),
-         {"needed-libraries"},
+         pruefeUndefinierteSymbole,
          Ort::KIND,
-         pruefeUndefinierteSymbole},
+         {"needed-libraries"}},
         {"immediate-binding",
          N_("The library asks for all its symbols when it is opened, and does not depend on getting some later."),
-         {"needed-libraries", "undefined-symbols"},
+         pruefeBindung,
          Ort::DATEI,
-         pruefeBindung},
+         {"needed-libraries", "undefined-symbols"}},
         {"loads",
          N_("The loader opens the library and closes it again, and its code that runs then comes back."),
-         {"needed-libraries", "undefined-symbols"},
+         pruefeOeffnen,
          Ort::KIND,
-         pruefeOeffnen},
-    };
+         {"needed-libraries", "undefined-symbols"}}};
 }
 
 } // namespace werkzeug::check

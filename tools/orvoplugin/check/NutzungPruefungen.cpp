@@ -39,78 +39,86 @@ std::string factoryVon(const OrvoServiceErweiterung& erweiterung) {
     return zitiert(erweiterung.getServiceFactoryName());
 }
 
-/// Why an extension gave no service; calls its factory directly.
+/// What an extension's factory does, which gave no service; calls it directly.
 std::string warumKeinService(const OrvoPluginV1& plugin, const OrvoServiceErweiterung& erweiterung) {
     SharedLib bibliothek(plugin.getSharedLib()->getName(), true);
     const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(erweiterung.getServiceFactoryName()));
     if (!factory)
-        return "is not found when it is needed";
+        return satz("it is not found when it is needed");
     try {
-        return factory() ? "made an object only when asked again" : "returns null";
+        return factory() ? satz("it made an object only when asked again") : satz("it returns null");
     } catch (...) {
-        return "throws: " + laufendeAusnahme();
+        return satz("it throws: {1}", laufendeAusnahme());
     }
 }
 
 /// Gets two services at the same time, and another one after these.
 void pruefeService(const OrvoPluginV1& plugin, OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
-    for (const char* const wann : {"", ", while another is out", ", while others are out"}) {
+    const std::string factory = factoryVon(erweiterung);
+    for (const bool erster : {true, false, false}) {
         if (holeVomRichtigenTyp(erweiterung))
             continue;
         if (erweiterung.getInstanzen().empty())
-            funde.fehler(factoryVon(erweiterung) + wann + " " + warumKeinService(plugin, erweiterung),
-                         "no_service");
-        else if (*wann == '\0')
-            funde.fehler(factoryVon(erweiterung) + " makes an object of another interface than " +
-                             art(erweiterung) + " declares",
-                         "other_interface");
+            funde.fehler(
+                erster ? satz("{1} makes no object: {2}", factory, warumKeinService(plugin, erweiterung))
+                       : satz("{1} makes no object while another is out: {2}", factory,
+                              warumKeinService(plugin, erweiterung)),
+                "no_service");
+        else if (erster)
+            funde.fehler(
+                satz("{1} makes an object of another interface than {2} declares", factory, art(erweiterung)),
+                "other_interface");
         else
-            funde.fehler(factoryVon(erweiterung) + " makes no object of its interface" + wann, "no_service");
+            funde.fehler(satz("{1} makes no object of its interface while another is out", factory),
+                         "no_service");
         break;
     }
     gibAllesZurueck(erweiterung);
     if (funde.istLeer() && !holeVomRichtigenTyp(erweiterung))
-        funde.fehler(factoryVon(erweiterung) + " makes no object after the first ones were given back",
-                     "no_service");
+        funde.fehler(satz("{1} makes no object after the first ones were given back", factory), "no_service");
     gibAllesZurueck(erweiterung);
 }
 
 void pruefeBesitz(OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
+    const std::string factory = factoryVon(erweiterung);
     const Service* const erster = holeVomRichtigenTyp(erweiterung);
     const Service* const zweiter = holeVomRichtigenTyp(erweiterung);
     const bool wirdGeloescht = erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN);
     if (wirdGeloescht && erster == zweiter)
         funde.fehler(
-            factoryVon(erweiterung) +
-                " gives the same object twice, and FLAG_SERVICE_LOESCHEN has it deleted at its first release",
+            satz(
+                "{1} gives the same object twice, and FLAG_SERVICE_LOESCHEN has it deleted at its first release",
+                factory),
             "same_object");
     else if (!wirdGeloescht && erster != zweiter)
-        funde.warnung(factoryVon(erweiterung) +
-                          " makes a new object each time, which nobody deletes without FLAG_SERVICE_LOESCHEN",
-                      "leaks_object");
+        funde.warnung(
+            satz("{1} makes a new object each time, which nobody deletes without FLAG_SERVICE_LOESCHEN",
+                 factory),
+            "leaks_object");
     gibAllesZurueck(erweiterung);
 }
 
 /// Calls a function of the plugin and reports an exception, which is gone on return.
-void haelt(const std::string& was, Fundliste& funde, const std::function<void()>& ruf) {
+void haelt(const char* text, const std::string& name, Fundliste& funde, const std::function<void()>& ruf) {
     try {
         ruf();
     } catch (...) {
-        funde.fehler("an exception leaves " + was + ": " + laufendeAusnahme(), "throws");
+        funde.fehler(satz(text, zitiert(name), laufendeAusnahme()), "throws");
     }
 }
 
-void rufeHook(const char* was, SharedLib& bibliothek, const std::string& name, Fundliste& funde) {
+void rufeHook(const char* text, SharedLib& bibliothek, const std::string& name, Fundliste& funde) {
     if (const auto hook = name.empty() ? nullptr : reinterpret_cast<Hook>(bibliothek.getSymbol(name)))
-        haelt(std::string(was) + " " + zitiert(name), funde, hook);
+        haelt(text, name, funde, hook);
 }
 
 void rufeFactory(SharedLib& bibliothek, OrvoServiceErweiterung& erweiterung, Fundliste& funde) {
-    const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(erweiterung.getServiceFactoryName()));
+    const std::string& name = erweiterung.getServiceFactoryName();
+    const auto factory = reinterpret_cast<Factory>(bibliothek.getSymbol(name));
     if (!factory)
         return;
     const Service* service = nullptr;
-    haelt("the factory " + factoryVon(erweiterung), funde, [&] { service = factory(); });
+    haelt(N_("an exception leaves the factory {1}: {2}"), name, funde, [&] { service = factory(); });
     verlangeLoeschbar(erweiterung, service);
     if (erweiterung.istFlagGesetzt(FLAG_SERVICE_LOESCHEN))
         delete service;
@@ -130,17 +138,15 @@ std::set<std::string> bibliotheken() {
     return namen;
 }
 
-/// Reports the plugin's library, and libraries that it loaded, that are still mapped.
-void pruefeWegsein(const Pruefling& p, const std::set<std::string>& vorher, const std::string& wann,
+/// Reports the plugin's library, and libraries that it loaded, that are still mapped. Parameters: `text` says when, of
+/// library {1}.
+void pruefeWegsein(const Pruefling& p, const std::set<std::string>& vorher, const char* text,
                    Fundliste& funde) {
-    if (istImProzess(p.pfad)) {
-        funde.fehler("the library is still in the process " + wann, "still_mapped");
-        return;
-    }
+    if (istImProzess(p.pfad))
+        return funde.fehler(satz(text, satz("the library")), "still_mapped");
     for (const std::string& name : bibliotheken())
         if (!vorher.contains(name))
-            funde.warnung(einzeilig(name) + ", which the plugin brought along, is still in the process " +
-                              wann,
+            funde.warnung(satz(text, satz("{1}, which the plugin brought along,", einzeilig(name))),
                           "library_left");
 }
 
@@ -166,170 +172,151 @@ std::size_t verlustJeNutzung(const OrvoPluginV1& plugin, std::chrono::duration<d
     return nachher > vorher ? (nachher - vorher) / runden : 0;
 }
 
-Befund pruefeNutzung(const Pruefling& p) {
-    ladeUndBenutze(p.pfad);
-    return bestanden();
-}
+void pruefeNutzung(const Pruefling& p, Fundliste&) { ladeUndBenutze(p.pfad); }
 
-Befund pruefeServices(const Pruefling& p) {
+void pruefeServices(const Pruefling& p, Fundliste& funde) {
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
-    Fundliste funde;
     for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin)) {
         Fundliste einzeln;
         pruefeService(*plugin, *erweiterung, einzeln);
         if (!einzeln.istLeer())
             funde.fehler(einzeln.befund().text, einzeln.befund().code.c_str());
     }
-    return funde.befund();
 }
 
-Befund pruefeServiceBesitz(const Pruefling& p) {
+void pruefeServiceBesitz(const Pruefling& p, Fundliste& funde) {
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
-    Fundliste funde;
     for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
         pruefeBesitz(*erweiterung, funde);
-    return funde.befund();
 }
 
-Befund pruefeAusnahmen(const Pruefling& p) {
+void pruefeAusnahmen(const Pruefling& p, Fundliste& funde) {
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
-    Fundliste funde;
     SharedLib bibliothek(p.pfad, true);
-    rufeHook("the OnLoad function", bibliothek, plugin->getOnLoadFuncName(), funde);
+    rufeHook(N_("an exception leaves the OnLoad function {1}: {2}"), bibliothek, plugin->getOnLoadFuncName(),
+             funde);
     for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin))
         rufeFactory(bibliothek, *erweiterung, funde);
-    rufeHook("the OnUnload function", bibliothek, plugin->getOnUnloadFuncName(), funde);
-    return funde.befund();
+    rufeHook(N_("an exception leaves the OnUnload function {1}: {2}"), bibliothek,
+             plugin->getOnUnloadFuncName(), funde);
 }
 
-Befund pruefeEntladen(const Pruefling& p) {
+void pruefeEntladen(const Pruefling& p, Fundliste& funde) {
     const std::set<std::string> vorher = bibliotheken();
-    Fundliste funde;
     std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
-    pruefeWegsein(p, vorher, "after it described itself", funde);
+    pruefeWegsein(p, vorher, N_("{1} is still in the process after it described itself"), funde);
     if (funde.istLeer()) {
         benutze(*plugin);
         if (!plugin->isResident())
-            pruefeWegsein(p, vorher, "after its last service was given back", funde);
+            pruefeWegsein(p, vorher, N_("{1} is still in the process after its last service was given back"),
+                          funde);
     }
     plugin.reset();
     if (funde.istLeer())
-        pruefeWegsein(p, vorher, "after it was unloaded", funde);
-    return funde.befund();
+        pruefeWegsein(p, vorher, N_("{1} is still in the process after it was unloaded"), funde);
 }
 
-Befund pruefeSpeicher(const Pruefling& p) {
+void pruefeSpeicher(const Pruefling& p, Fundliste& funde) {
     constexpr int kAnlauf = 5, kAbschnitte = 4;
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
     for (int i = 0; i < kAnlauf; ++i)
         benutze(*plugin);
     if (belegt() == 0)
-        return uebersprungen("the memory in use cannot be told here", "not_measurable");
+        return funde.uebersprungen(satz("the memory in use cannot be told here"), "not_measurable");
     // A one-time allocation, by the system's loader for instance, falls into one section; a leak shows in each.
     std::size_t verlust = std::numeric_limits<std::size_t>::max();
     for (int i = 0; i < kAbschnitte; ++i)
         verlust = std::min(verlust, verlustJeNutzung(*plugin, p.zeitlimit / 4 / kAbschnitte));
     constexpr std::size_t kKleinstesStueck = 16;
-    return verlust < kKleinstesStueck
-               ? bestanden()
-               : warnung("each use keeps about " + std::to_string(verlust) + " bytes that are never freed" +
-                             eigenesCxx(p.bild),
-                         "memory_leak");
+    if (verlust >= kKleinstesStueck)
+        funde.warnung(satz("each use keeps about {1} bytes that are never freed", verlust) +
+                          eigenesCxx(p.bild),
+                      "memory_leak");
 }
 
-Befund pruefeResident(const Pruefling& p) {
+void pruefeResident(const Pruefling& p, Fundliste& funde) {
     const std::unique_ptr<OrvoPluginV1> plugin = lade(p.pfad);
     plugin->setResident(true);
-    Fundliste funde;
-    for (const char* const wann : {"at its first use", "when it is used again while it stayed open"})
+    for (const char* const text :
+         {N_("a resident plugin's factory {1} makes no object at its first use"),
+          N_("a resident plugin's factory {1} makes no object when it is used again while it stayed open")})
         for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(*plugin)) {
             if (!holeVomRichtigenTyp(*erweiterung))
-                funde.fehler("a resident plugin's factory " + factoryVon(*erweiterung) + " makes no object " +
-                                 wann,
-                             "no_service");
+                funde.fehler(satz(text, factoryVon(*erweiterung)), "no_service");
             gibAllesZurueck(*erweiterung);
         }
-    return funde.befund();
 }
 
-Befund pruefeReload(const Pruefling& p) {
+void pruefeReload(const Pruefling& p, Fundliste& funde) {
     beginneOhnePlugins();
     OrvoPluginManager manager(nullptr);
     const std::set<std::string> vorher = bibliotheken();
     std::vector<std::string> erste;
-    Fundliste funde;
     for (const bool nochmal : {false, true}) {
         if (!manager.ladePlugin(p.pfad))
-            return durchgefallen(nochmal ? "the plugin manager does not load it again"
-                                         : "the plugin manager does not load it",
-                                 "not_loaded");
+            return funde.fehler(nochmal ? satz("the plugin manager does not load it again")
+                                        : satz("the plugin manager does not load it"),
+                                "not_loaded");
         const auto& plugin = dynamic_cast<const OrvoPluginV1&>(*manager.getRegistriertePlugins().back());
         if (nochmal)
-            vergleicheBeschreibungen(erste, beschreibung(plugin), "after a reload it differs", funde);
+            vergleicheBeschreibungen(erste, beschreibung(plugin), N_("after a reload it differs: {1}"),
+                                     funde);
         else
             erste = beschreibung(plugin);
         for (OrvoServiceErweiterung* const erweiterung : serviceErweiterungen(plugin)) {
             if (!holeVomRichtigenTyp(*erweiterung))
-                funde.fehler(factoryVon(*erweiterung) + " makes no object" +
-                                 (nochmal ? " after a reload" : ""),
+                funde.fehler(nochmal ? satz("{1} makes no object after a reload", factoryVon(*erweiterung))
+                                     : satz("{1} makes no object", factoryVon(*erweiterung)),
                              "no_service");
             if (nochmal)
                 gibAllesZurueck(*erweiterung);
         }
         manager.entladePlugins();
-        pruefeWegsein(p, vorher, nochmal ? "after the second unloading" : "after a reload with a service out",
+        pruefeWegsein(p, vorher,
+                      nochmal ? N_("{1} is still in the process after the second unloading")
+                              : N_("{1} is still in the process after a reload with a service out"),
                       funde);
         if (!funde.istLeer())
             break;
     }
-    return funde.befund();
 }
 
 } // namespace
 
 std::vector<Pruefung> nutzungsPruefungen() {
-    return {
-        {"use",
-         N_("Loading the plugin, getting and giving back each of its services and closing it come to an end."),
-         {"describes"},
-         Ort::KIND,
-         pruefeNutzung},
-        {"services",
-         N_("Each factory makes an object of the interface that its extension declares, each time."),
-         {"factories", "use"},
-         Ort::KIND,
-         pruefeServices},
-        {"service-ownership",
-         N_("A factory makes a new object each time where the library deletes it, and the same one otherwise."),
-         {"services"},
-         Ort::KIND,
-         pruefeServiceBesitz},
-        {"exceptions",
-         N_("No exception leaves an entry point, a hook or a factory."),
-         {"use"},
-         Ort::KIND,
-         pruefeAusnahmen},
-        {"unloads",
-         N_("After loading, use and release nothing of the library is left in the process."),
-         {"use", "nodelete"},
-         Ort::KIND,
-         pruefeEntladen},
-        {"memory",
-         N_("Using the plugin again and again takes no more memory."),
-         {"services"},
-         Ort::KIND,
-         pruefeSpeicher},
-        {"resident",
-         N_("The plugin also works as a resident one, which stays open between uses."),
-         {"services"},
-         Ort::KIND,
-         pruefeResident},
-        {"reload",
-         N_("The plugin can be unloaded while a service is out, and is the same after it is loaded again."),
-         {"services", "describes-twice", "unloads"},
-         Ort::KIND,
-         pruefeReload},
-    };
+    return aufbauendAuf(
+        "services",
+        {{"use",
+          N_("Loading the plugin, getting and giving back each of its services and closing it come to an end."),
+          pruefeNutzung,
+          Ort::KIND,
+          {"describes"}},
+         {"services",
+          N_("Each factory makes an object of the interface that its extension declares, each time."),
+          pruefeServices,
+          Ort::KIND,
+          {"factories", "use"}},
+         {"service-ownership",
+          N_("A factory makes a new object each time where the library deletes it, and the same one otherwise."),
+          pruefeServiceBesitz},
+         {"exceptions",
+          N_("No exception leaves an entry point, a hook or a factory."),
+          pruefeAusnahmen,
+          Ort::KIND,
+          {"use"}},
+         {"unloads",
+          N_("After loading, use and release nothing of the library is left in the process."),
+          pruefeEntladen,
+          Ort::KIND,
+          {"use", "nodelete"}},
+         {"memory", N_("Using the plugin again and again takes no more memory."), pruefeSpeicher},
+         {"resident", N_("The plugin also works as a resident one, which stays open between uses."),
+          pruefeResident},
+         {"reload",
+          N_("The plugin can be unloaded while a service is out, and is the same after it is loaded again."),
+          pruefeReload,
+          Ort::KIND,
+          {"services", "describes-twice", "unloads"}}});
 }
 
 } // namespace werkzeug::check

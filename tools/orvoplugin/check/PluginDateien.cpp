@@ -4,6 +4,7 @@
 #include "kern/Anzeige.h"
 #include "kern/Kindprozess.h"
 #include "kern/Sammler.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/plugin/LadeBeobachter.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
@@ -16,7 +17,6 @@
 #include <cerrno>
 #include <chrono>
 #include <filesystem>
-#include <system_error>
 
 namespace werkzeug::check {
 
@@ -51,7 +51,7 @@ private:
 
 void verlangeLesbar(const std::string& verzeichnis, const Optionen& optionen) {
     if (!istLesbar(verzeichnis))
-        throw Unlesbar(einzeilig(verzeichnis) + " cannot be read: " + std::generic_category().message(errno) +
+        throw Unlesbar(satz("{1} cannot be read: {2}", einzeilig(verzeichnis), systemtext(errno)) +
                        ortshinweis(optionen));
 }
 
@@ -78,10 +78,10 @@ std::vector<std::string> pluginDateien(const Optionen& optionen) {
 std::string warumUnlesbar(const std::string& pfad) {
     struct stat zustand {};
     if (stat(pfad.c_str(), &zustand) != 0 || access(pfad.c_str(), R_OK) != 0)
-        return std::generic_category().message(errno);
+        return systemtext(errno);
     if (S_ISDIR(zustand.st_mode))
-        return "it is a directory";
-    return S_ISREG(zustand.st_mode) ? std::string() : "it is no regular file";
+        return satz("it is a directory");
+    return S_ISREG(zustand.st_mode) ? std::string() : satz("it is no regular file");
 }
 
 std::string vollerPfad(const std::string& pfad) { return std::filesystem::absolute(pfad).string(); }

@@ -25,50 +25,46 @@ namespace werkzeug::check {
 
 namespace {
 
-std::string zeile(const char* was, const std::string& wert) { return std::string(was) + " " + zitiert(wert); }
+using Zeilen = std::vector<std::string>;
 
 std::string zeile(const OrvoPlugin::LabelEintrag& label) {
-    return "label " + std::to_string(label.zahl1) + " " + zitiert(label.text1) + " " +
-           zitiert(label.zeitraum.getText()) + " " + zitiert(label.text2) + " " +
-           std::to_string(label.zahl2) + " " + zitiert(label.text3) + " " + zitiert(label.text4);
+    return satz("label {1} {2} {3} {4} {5} {6} {7}", label.zahl1, zitiert(label.text1),
+                zitiert(label.zeitraum.getText()), zitiert(label.text2), label.zahl2, zitiert(label.text3),
+                zitiert(label.text4));
 }
 
-void fuegePaareAn(const OrvoErweiterung& erweiterung, const std::string& anfang,
-                  std::vector<std::string>& zeilen) {
+void fuegePaareAn(const OrvoErweiterung& erweiterung, const std::string& anfang, Zeilen& zeilen) {
     const auto* const uaVz = dynamic_cast<const OrvoUaVzServiceErweiterung*>(&erweiterung);
     if (!uaVz)
         return;
     for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
-        zeilen.push_back(anfang + " for " + einzeilig(ua.getName()) + " (" + std::to_string(ua.getNummer()) +
-                         ")");
+        zeilen.push_back(satz("{1} for {2} ({3})", anfang, einzeilig(ua.getName()), ua.getNummer()));
         for (const Veranlagungszeitraum& vz : vzs)
-            zeilen.push_back(anfang + " for " + paar(ua, vz));
+            zeilen.push_back(satz("{1} for {2}", anfang, paar(ua, vz)));
     }
 }
 
 template <class MitBedingungen>
-void fuegeBedingungenAn(const OrvoErweiterung& erweiterung, const std::string& anfang,
-                        std::vector<std::string>& zeilen) {
+void fuegeBedingungenAn(const OrvoErweiterung& erweiterung, const std::string& anfang, Zeilen& zeilen) {
     const auto* const mit = dynamic_cast<const MitBedingungen*>(&erweiterung);
     if (!mit)
         return;
     for (const Bedingung& bedingung : mit->getVorbedingungen())
-        zeilen.push_back(anfang + " with pre-condition " + std::to_string(bedingung.getTyp()));
+        zeilen.push_back(satz("{1} with pre-condition {2}", anfang, int{bedingung.getTyp()}));
     for (const Bedingung& bedingung : mit->getNachbedingungen())
-        zeilen.push_back(anfang + " with post-condition " + std::to_string(bedingung.getTyp()));
+        zeilen.push_back(satz("{1} with post-condition {2}", anfang, int{bedingung.getTyp()}));
 }
 
-void fuegeErweiterungAn(const OrvoErweiterung& erweiterung, std::size_t nummer,
-                        std::vector<std::string>& zeilen) {
-    const std::string anfang = "extension " + std::to_string(nummer) + ", " + art(erweiterung) + ",";
-    zeilen.push_back(anfang + " of type " + std::to_string(erweiterung.getTyp()));
+void fuegeErweiterungAn(const OrvoErweiterung& erweiterung, std::size_t nummer, Zeilen& zeilen) {
+    const std::string anfang = satz("extension {1}, {2},", nummer, art(erweiterung));
+    zeilen.push_back(satz("{1} of type {2}", anfang, int{erweiterung.getTyp()}));
     if (const auto* const service = dynamic_cast<const OrvoServiceErweiterung*>(&erweiterung))
-        zeilen.push_back(anfang + " made by " + zitiert(service->getServiceFactoryName()));
+        zeilen.push_back(satz("{1} made by {2}", anfang, zitiert(service->getServiceFactoryName())));
     for (int flag = FLAG_SERVICE_LOESCHEN; flag <= FLAG_RESERVIERT_4; ++flag)
         if (erweiterung.istFlagGesetzt(static_cast<orvo_erweiterung_flag_t>(flag)))
-            zeilen.push_back(anfang + " with flag " + std::to_string(flag));
+            zeilen.push_back(satz("{1} with flag {2}", anfang, flag));
     for (const Abhaengigkeit& abhaengigkeit : erweiterung.getAbhaengigkeiten())
-        zeilen.push_back(anfang + " with dependency " + std::to_string(abhaengigkeit.getTyp()));
+        zeilen.push_back(satz("{1} with dependency {2}", anfang, int{abhaengigkeit.getTyp()}));
     fuegeBedingungenAn<OrvoValidierungsServiceErweiterung>(erweiterung, anfang, zeilen);
     fuegeBedingungenAn<OrvoDatensatzReaderErweiterung>(erweiterung, anfang, zeilen);
     fuegePaareAn(erweiterung, anfang, zeilen);
@@ -81,9 +77,9 @@ std::string laufendeAusnahme() {
         throw;
     } catch (const std::exception& ausnahme) {
         const char* const text = ausnahme.what();
-        return text && *text ? ausnahmetext(text) : std::string("an exception without a text");
+        return text && *text ? ausnahmetext(text) : satz("an exception without a text");
     } catch (...) {
-        return "an exception that is no std::exception";
+        return satz("an exception that is no std::exception");
     }
 }
 
@@ -97,7 +93,7 @@ std::unique_ptr<OrvoPluginV1> lade(const std::string& pfad, bool nachBeschreibun
     }
     auto* const v1 = dynamic_cast<OrvoPluginV1*>(plugin.get());
     if (!v1)
-        throw Ladefehler("the plugin is of another interface than 1");
+        throw Ladefehler(satz("the plugin is of another interface than 1"));
     plugin.release();
     return std::unique_ptr<OrvoPluginV1>(v1);
 }
@@ -148,12 +144,12 @@ void benutze(const OrvoPluginV1& plugin) {
 void ladeUndBenutze(const std::string& pfad) { benutze(*lade(pfad)); }
 
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
-    std::vector<std::string> zeilen{zeile("product version", plugin.getProduktVersion()),
-                                    zeile("file version", plugin.getFileVersion()),
-                                    zeile("OnLoad function", plugin.getOnLoadFuncName()),
-                                    zeile("OnUnload function", plugin.getOnUnloadFuncName()),
-                                    std::string(plugin.isResident() ? "resident" : "not resident"),
-                                    "status " + std::to_string(plugin.getStatus())};
+    Zeilen zeilen{satz("product version {1}", zitiert(plugin.getProduktVersion())),
+                  satz("file version {1}", zitiert(plugin.getFileVersion())),
+                  satz("OnLoad function {1}", zitiert(plugin.getOnLoadFuncName())),
+                  satz("OnUnload function {1}", zitiert(plugin.getOnUnloadFuncName())),
+                  plugin.isResident() ? satz("resident") : satz("not resident"),
+                  satz("status {1}", int{plugin.getStatus()})};
     for (const OrvoPlugin::LabelEintrag& label : plugin.getLabels())
         zeilen.push_back(zeile(label));
     std::size_t nummer = 0;
@@ -162,19 +158,23 @@ std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
     return zeilen;
 }
 
+std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite) {
+    return unterschied(erste, zweite, N_("first {1}, then {2}"));
+}
+
 std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
-                        const std::string& hier, const std::string& dort) {
+                        const char* text) {
     const auto [links, rechts] = std::mismatch(erste.begin(), erste.end(), zweite.begin(), zweite.end());
     if (links == erste.end() && rechts == zweite.end())
-        return "in something that is never shown";
-    return hier + " " + (links == erste.end() ? "nothing more" : *links) + ", " + dort + " " +
-           (rechts == zweite.end() ? "nothing more" : *rechts);
+        return satz("in something that is never shown");
+    return satz(text, links == erste.end() ? satz("nothing more") : *links,
+                rechts == zweite.end() ? satz("nothing more") : *rechts);
 }
 
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
-                              const std::string& wann, Fundliste& funde) {
+                              const char* text, Fundliste& funde) {
     if (erste != zweite)
-        funde.fehler(wann + ": " + unterschied(erste, zweite), "differs");
+        funde.fehler(satz(text, unterschied(erste, zweite)), "differs");
 }
 
 bool istImProzess(const std::string& pfad) {
@@ -198,10 +198,10 @@ std::size_t laufendeThreads() {
 
 std::map<std::string, std::string> prozessgrenzen() {
     static constexpr std::pair<const char*, decltype(RLIMIT_NOFILE)> kGrenzen[] = {
-        {N_("limit of open files"), RLIMIT_NOFILE}, {N_("limit of address space"), RLIMIT_AS},
-        {N_("limit of data"), RLIMIT_DATA},         {N_("limit of the stack"), RLIMIT_STACK},
-        {N_("limit of core files"), RLIMIT_CORE},   {N_("limit of file size"), RLIMIT_FSIZE},
-        {N_("limit of processor time"), RLIMIT_CPU}};
+        {N_("the limit of open files"), RLIMIT_NOFILE}, {N_("the limit of address space"), RLIMIT_AS},
+        {N_("the limit of data"), RLIMIT_DATA},         {N_("the limit of the stack"), RLIMIT_STACK},
+        {N_("the limit of core files"), RLIMIT_CORE},   {N_("the limit of file size"), RLIMIT_FSIZE},
+        {N_("the limit of processor time"), RLIMIT_CPU}};
     const auto text = [](rlim_t wert) { return wert == RLIM_INFINITY ? satz("unlimited") : alsWert(wert); };
     std::map<std::string, std::string> grenzen;
     for (const auto& [name, nummer] : kGrenzen) {

@@ -55,12 +55,13 @@ void ladeUndBenutze(const std::string& pfad);
 /// The whole description of a plugin, as text lines.
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin);
 
-/// The first line in which two descriptions differ: "first this, then that", with these words for the two.
+/// The first line in which two descriptions differ: "first {1}, then {2}", or another text of the catalogue.
+std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite);
 std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
-                        const std::string& hier = "first", const std::string& dort = "then");
-/// Reports it.
+                        const char* text);
+/// Reports it as {1} of a text of the catalogue.
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
-                              const std::string& wann, Fundliste& funde);
+                              const char* text, Fundliste& funde);
 
 /// Whether the library of that file is mapped into the process.
 bool istImProzess(const std::string& pfad);
@@ -71,7 +72,7 @@ double millisekundenSeit(std::chrono::steady_clock::time_point beginn);
 /// The process's threads; 0 where they cannot be counted.
 std::size_t laufendeThreads();
 
-/// The process's limits (setrlimit), by name.
+/// The process's limits (setrlimit), by name: "the limit of open files".
 std::map<std::string, std::string> prozessgrenzen();
 
 /// Sets a home directory without plugins, so that the process's manager and registry start empty.

@@ -35,18 +35,20 @@ const Pruefung* verlange(const std::string& name) {
         std::min_element(alle.begin(), alle.end(), [&](const Pruefung& a, const Pruefung& b) {
             return abstand(a.name, name) < abstand(b.name, name);
         });
-    throw AufrufFehler("there is no check " + zitiert(name) + "; did you mean " + naechste->name +
-                       "? 'orvoplugin check --list' names all");
+    throw AufrufFehler(satz("there is no check {1}; did you mean {2}? 'orvoplugin check --list' names all",
+                            zitiert(name), naechste->name));
 }
 
 /// Runs a check in this process. An exception of the tool becomes a result.
 Befund mache(const Pruefung& pruefung, const Pruefling& pruefling) {
     try {
-        return pruefung.pruefe(pruefling);
+        Fundliste funde;
+        pruefung.pruefe(pruefling, funde);
+        return funde.befund();
     } catch (const Ladefehler& fehler) {
-        return durchgefallen(fehler.what(), "refused");
+        return {Urteil::DURCHGEFALLEN, fehler.what(), "refused"};
     } catch (...) {
-        return durchgefallen(laufendeAusnahme(), "throws");
+        return {Urteil::DURCHGEFALLEN, laufendeAusnahme(), "throws"};
     }
 }
 
@@ -85,20 +87,18 @@ Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const s
     if (ende.istGut())
         return befund;
     const std::string letztes = letzteZeile(ende.ausgabe);
-    const bool zuLangsam = ende.art == Kindende::Art::ZEIT;
-    return {zuLangsam ? Urteil::ZU_LANGSAM : Urteil::ABGESTUERZT,
-            ende.text() + (letztes.empty() ? "" : ": " + letztes) +
-                (zuLangsam ? "" : ursacheDesAbsturzes(pruefling)),
-            zuLangsam                            ? "timed_out"
-            : ende.art == Kindende::Art::BEENDET ? "exited"
-                                                 : "crashed"};
+    const std::string text = ende.text() + (letztes.empty() ? "" : ": " + letztes);
+    if (ende.art == Kindende::Art::ZEIT)
+        return {Urteil::ZU_LANGSAM, text, "timed_out"};
+    return {Urteil::ABGESTUERZT, text + ursacheDesAbsturzes(pruefling),
+            ende.art == Kindende::Art::BEENDET ? "exited" : "crashed"};
 }
 
 /// Whether, as far as is known, other files can be loaded together with this one.
 bool istVertraeglich(const Dateiergebnis& datei) {
-    return datei.unlesbar.empty() && datei.abbruch.empty() &&
+    return datei.fehler.empty() &&
            std::none_of(datei.ergebnisse.begin(), datei.ergebnisse.end(), [](const Pruefergebnis& e) {
-               return e.befund.urteil == Urteil::ABGESTUERZT || e.befund.urteil == Urteil::ZU_LANGSAM ||
+               return artVon(e.befund.urteil).ausgang == Ausgang::ABGESTUERZT ||
                       (e.pruefung->name == std::string_view("describes") && istHindernis(e.befund.urteil));
            });
 }
@@ -120,9 +120,9 @@ public:
 private:
     Befund befundVon(const Pruefung& pruefung) {
         if (const Pruefergebnis* const hindernis = hindernisFuer(pruefung))
-            return uebersprungen(hindernis->pruefung->name, kBautAuf);
+            return {Urteil::UEBERSPRUNGEN, hindernis->pruefung->name, kBautAuf};
         if (&pruefung != &katalog().front() && !pruefling_.bild.istLadbar())
-            return durchgefallen(einzeilig(pruefling_.bild.getGrund()), "not_loadable");
+            return {Urteil::DURCHGEFALLEN, einzeilig(pruefling_.bild.getGrund()), "not_loadable"};
         return pruefung.ort == Ort::DATEI ? mache(pruefung, pruefling_)
                                           : macheImKind(pruefung, pruefling_, auftrag_.log);
     }
@@ -159,15 +159,14 @@ private:
 class Gesamtlauf {
 public:
     explicit Gesamtlauf(const Pruefauftrag& auftrag) : auftrag_(auftrag) {
-        for (const std::string& pfad : auftrag.dateien)
-            ergebnisse_.push_back({pfad, warumUnlesbar(pfad), {}, {}});
+        for (const std::string& pfad : auftrag.dateien) {
+            const std::string grund = warumUnlesbar(pfad);
+            ergebnisse_.push_back({pfad, grund, !grund.empty(), {}});
+        }
     }
 
     std::vector<Dateiergebnis> laufe() && {
         fuelle(false);
-        for (std::size_t i = 0; i < ergebnisse_.size(); ++i)
-            if (istVertraeglich(ergebnisse_[i]))
-                vertraegliche_.push_back(i);
         fuelle(true);
         return std::move(ergebnisse_);
     }
@@ -181,11 +180,8 @@ private:
                 auswahl.push_back(pruefung);
         Arbeitsplan plan;
         plan.zugleich = auftrag_.zugleich;
-        for (std::size_t i = 0; i < ergebnisse_.size() && !auswahl.empty(); ++i)
-            if (ergebnisse_[i].unlesbar.empty() && ergebnisse_[i].abbruch.empty())
-                plan.stuecke.push_back(i);
         plan.arbeit = [&](std::size_t i, const auto& sende) {
-            Dateilauf lauf(auftrag_, ergebnisse_[i], andereAls(i));
+            Dateilauf lauf(auftrag_, ergebnisse_[i], zuletzt ? andereAls(i) : std::vector<std::string>());
             for (const Pruefung* const pruefung : auswahl)
                 sende(alsSatz(lauf.laufe(*pruefung)).dump() + "\n"); // JSON text holds no line feed
         };
@@ -200,7 +196,9 @@ private:
         };
         gemeldete_ = 0;
         for (std::size_t i = 0; i < ergebnisse_.size(); ++i)
-            if (std::find(plan.stuecke.begin(), plan.stuecke.end(), i) == plan.stuecke.end())
+            if (ergebnisse_[i].fehler.empty() && !auswahl.empty())
+                plan.stuecke.push_back(i);
+            else
                 melde(i, zuletzt);
         verteile(plan);
     }
@@ -212,7 +210,7 @@ private:
         for (std::string zeile; std::getline(zeilen, zeile) && !zeilen.eof(); ++n)
             datei.ergebnisse.push_back({auswahl[n], befundAus(Json::parse(zeile))});
         if (!ende.istGut() || n < auswahl.size())
-            datei.abbruch = satz("the tool's process for this file {1}", ende.text());
+            datei.fehler = satz("the tool's process for this file {1}", ende.text());
     }
 
     /// Reports the file, and those after it that have waited for it.
@@ -227,15 +225,14 @@ private:
     /// The other files that can be loaded together with this one.
     std::vector<std::string> andereAls(std::size_t nummer) const {
         std::vector<std::string> andere;
-        for (const std::size_t i : vertraegliche_)
-            if (i != nummer)
+        for (std::size_t i = 0; i < ergebnisse_.size(); ++i)
+            if (i != nummer && istVertraeglich(ergebnisse_[i]))
                 andere.push_back(vollerPfad(ergebnisse_[i].pfad));
         return andere;
     }
 
     const Pruefauftrag& auftrag_;
     std::vector<Dateiergebnis> ergebnisse_;
-    std::vector<std::size_t> vertraegliche_;
     std::set<std::size_t> wartende_;
     std::size_t gemeldete_ = 0;
 };
@@ -254,7 +251,7 @@ std::vector<const Pruefung*> waehle(const std::vector<std::string>& nur,
         if ((nur.empty() || gewollt.contains(&pruefung)) && !ungewollt.contains(&pruefung))
             auswahl.push_back(&pruefung);
     if (auswahl.empty())
-        throw AufrufFehler("--only and --skip leave no check");
+        throw AufrufFehler(satz("--only and --skip leave no check"));
     return auswahl;
 }
 

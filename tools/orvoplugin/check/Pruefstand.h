@@ -18,8 +18,9 @@ struct Pruefergebnis {
 /// The results of all checks of a file.
 struct Dateiergebnis {
     std::string pfad;
-    std::string unlesbar; ///< why the file cannot be read, UTF-8; then no check was run
-    std::string abbruch;  ///< why checks are missing: the tool's own process for this file ended, UTF-8
+    std::string fehler; ///< why checks are missing, UTF-8
+    bool istUnlesbar =
+        false; ///< the file cannot be read, and so no check was run; else the tool's process has ended
     std::vector<Pruefergebnis> ergebnisse;
 };
 

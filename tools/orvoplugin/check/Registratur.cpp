@@ -2,6 +2,7 @@
 
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
@@ -31,7 +32,7 @@ void Registratur::besuche(const OrvoPluginV1& plugin,
                     besucher({erweiterung, registry_->schlageNach(erweiterung->getTyp(), ua, vz).erweiterung,
                               paar(ua, vz)});
         } else if (erweiterung->getTyp() == ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG) {
-            besucher({erweiterung, registry_->findeFADatenServiceErweiterung(), "tax offices"});
+            besucher({erweiterung, registry_->findeFADatenServiceErweiterung(), satz("tax offices")});
         }
     }
 }

@@ -23,23 +23,27 @@ namespace {
 struct Verlust {
     std::size_t anzahl = 0;
     std::string beispiel;
-    bool nachVersion =
-        false; ///< whether the version decides for any of them; for tax-office data the first file wins
+    bool nachVersion = false; ///< for any of them; for tax-office data the first file wins
 };
 
-std::string text(const OrvoPlugin& anderes, const Verlust& verlust) {
-    const std::string mehr =
-        verlust.anzahl > 1 ? " and " + std::to_string(verlust.anzahl - 1) + " more are" : " is";
-    const std::string version = anderes.getProduktVersion().empty()
-                                    ? "without a version"
-                                    : "version " + einzeilig(anderes.getProduktVersion());
-    return verlust.beispiel + mehr + " served by " + einzeilig(anderes.getSharedLib()->getName()) + " (" +
-           version + ")";
+/// Who answers for it: file and version.
+std::string werAntwortet(const OrvoPlugin& anderes) {
+    const std::string name = einzeilig(anderes.getSharedLib()->getName());
+    if (anderes.getProduktVersion().empty())
+        return satz("{1} (without a version)", name);
+    return satz("{1} (version {2})", name, einzeilig(anderes.getProduktVersion()));
 }
 
-Befund pruefeUeberschneidungen(const Pruefling& p) {
+std::string text(const OrvoPlugin& anderes, const Verlust& verlust) {
+    if (verlust.anzahl == 1)
+        return satz("{1} is served by {2}", verlust.beispiel, werAntwortet(anderes));
+    return satz("{1} and {2} more are served by {3}", verlust.beispiel, verlust.anzahl - 1,
+                werAntwortet(anderes));
+}
+
+void pruefeUeberschneidungen(const Pruefling& p, Fundliste& funde) {
     if (p.andere.empty())
-        return uebersprungen("no other plugin that can be loaded was given", "no_other_plugin");
+        return funde.uebersprungen(satz("no other plugin that can be loaded was given"), "no_other_plugin");
     std::vector<std::string> pfade = p.andere;
     pfade.push_back(p.pfad);
     std::sort(pfade.begin(), pfade.end()); // the manager's order within a directory
@@ -49,7 +53,7 @@ Befund pruefeUeberschneidungen(const Pruefling& p) {
         if (const OrvoPluginV1* const plugin = registratur.lade(pfad); pfad == p.pfad)
             unseres = plugin;
     if (!unseres)
-        return durchgefallen("the plugin manager does not load it", "not_loaded");
+        return funde.fehler(satz("the plugin manager does not load it"), "not_loaded");
 
     std::map<const OrvoPlugin*, Verlust> verluste;
     registratur.besuche(*unseres, [&](const Zuordnung& z) {
@@ -58,33 +62,30 @@ Befund pruefeUeberschneidungen(const Pruefling& p) {
             return;
         Verlust& verlust = verluste[anderes];
         if (verlust.anzahl++ == 0)
-            verlust.beispiel = art(*z.erweiterung) + " for " + z.text;
+            verlust.beispiel = satz("{1} for {2}", art(*z.erweiterung), z.text);
         verlust.nachVersion |= z.erweiterung->getTyp() != ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG;
     });
-    Fundliste funde;
     for (const auto& [anderes, verlust] : verluste) {
         if (!verlust.nachVersion)
-            funde.warnung(text(*anderes, verlust) + ", the first by its file name", "file_name_decides");
+            funde.warnung(satz("{1}, the first by its file name", text(*anderes, verlust)),
+                          "file_name_decides");
         else if (OrvoVersion(anderes->getProduktVersion()) == OrvoVersion(unseres->getProduktVersion()))
-            funde.fehler(text(*anderes, verlust) +
-                             ", of the same version: the order of the file names decides",
+            funde.fehler(satz("{1}, of the same version: the order of the file names decides",
+                              text(*anderes, verlust)),
                          "same_version");
         else
             funde.warnung(text(*anderes, verlust), "newer_version");
     }
-    return funde.befund();
 }
 
 } // namespace
 
 std::vector<Pruefung> reihenPruefungen() {
-    return {
-        {"overlaps",
-         N_("No other of the given plugins answers in place of this one."),
-         {"describes"},
-         Ort::KIND_REIHE,
-         pruefeUeberschneidungen},
-    };
+    return {{"overlaps",
+             N_("No other of the given plugins answers in place of this one."),
+             pruefeUeberschneidungen,
+             Ort::KIND_REIHE,
+             {"describes"}}};
 }
 
 } // namespace werkzeug::check

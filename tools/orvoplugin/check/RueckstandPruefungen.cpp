@@ -45,26 +45,20 @@ using Stand = std::map<std::string, std::string>;
 
 std::string wertVon(const Stand& stand, const std::string& name) {
     const auto stelle = stand.find(name);
-    return stelle == stand.end() ? "nothing" : einzeilig(stelle->second);
+    return stelle == stand.end() ? satz("nothing") : einzeilig(stelle->second);
 }
 
-/// Parameters: `was` begins the sentence about each change.
-Befund vergleiche(const Stand& vorher, const Stand& nachher, const std::string& was) {
-    Fundliste funde;
+/// A check that compares what a look at the process gives before and after the plugin's life.
+template <Stand (*blick)()>
+void bleibtGleich(const Pruefling& p, Fundliste& funde) {
+    const Stand vorher = blick();
+    ladeUndBenutze(p.pfad);
+    const Stand nachher = blick();
     Stand namen = vorher;
     namen.insert(nachher.begin(), nachher.end());
     for (const auto& [name, wert] : namen)
-        if (wertVon(vorher, name) != wertVon(nachher, name))
-            funde.fehler(was + einzeilig(name) + " was " + wertVon(vorher, name) + " and is now " +
-                             wertVon(nachher, name),
-                         "changed");
-    return funde.befund();
-}
-
-Befund vergleicheLeben(const Pruefling& p, const std::string& was, const std::function<Stand()>& blick) {
-    const Stand vorher = blick();
-    ladeUndBenutze(p.pfad);
-    return vergleiche(vorher, blick(), was);
+        if (const std::string alt = wertVon(vorher, name), neu = wertVon(nachher, name); alt != neu)
+            funde.fehler(satz("{1} was {2} and is now {3}", einzeilig(name), alt, neu), "changed");
 }
 
 /// A value as text; equal for equal values.
@@ -86,7 +80,7 @@ public:
     explicit Mitschrift(int deskriptor)
         : deskriptor_(deskriptor), datei_(std::tmpfile()), original_(dup(deskriptor)) {
         if (!datei_ || original_ < 0)
-            throw std::runtime_error("no temporary file can be made");
+            throw std::runtime_error(satz("no temporary file can be made"));
         dup2(fileno(datei_), deskriptor_);
     }
     Mitschrift(const Mitschrift&) = delete;
@@ -111,23 +105,23 @@ private:
 };
 
 Stand locale() {
-    return {{"C locale", std::setlocale(LC_ALL, nullptr)},
-            {"C++ locale", std::locale().name()},
-            {"thread's locale", alsText(uselocale(nullptr))}};
+    return {{satz("the C locale"), std::setlocale(LC_ALL, nullptr)},
+            {satz("the C++ locale"), std::locale().name()},
+            {satz("the thread's locale"), alsText(uselocale(nullptr))}};
 }
 
 Stand arbeitsverzeichnis() {
     std::error_code fehler;
-    return {{"working directory", std::filesystem::current_path(fehler).string()}};
+    return {{satz("the working directory"), std::filesystem::current_path(fehler).string()}};
 }
 
 std::string handlung(const struct sigaction& h) {
     if (!(h.sa_flags & SA_SIGINFO) && h.sa_handler == SIG_DFL)
-        return "default";
+        return satz("default");
     if (!(h.sa_flags & SA_SIGINFO) && h.sa_handler == SIG_IGN)
-        return "ignored";
-    return "handled by " + ((h.sa_flags & SA_SIGINFO) ? adresse(h.sa_sigaction) : adresse(h.sa_handler)) +
-           " with flags " + alsText(h.sa_flags);
+        return satz("ignored");
+    return satz("handled by {1} with flags {2}",
+                (h.sa_flags & SA_SIGINFO) ? adresse(h.sa_sigaction) : adresse(h.sa_handler), h.sa_flags);
 }
 
 Stand signale() {
@@ -138,15 +132,15 @@ Stand signale() {
     for (int signal = 1; signal < NSIG; ++signal) {
         struct sigaction h {};
         if (sigaction(signal, nullptr, &h) == 0)
-            stand["signal " + std::to_string(signal)] =
-                handlung(h) + (sigismember(&gesperrt, signal) == 1 ? ", blocked" : "");
+            stand[satz("signal {1}", signal)] =
+                sigismember(&gesperrt, signal) == 1 ? satz("{1}, blocked", handlung(h)) : handlung(h);
     }
     return stand;
 }
 
 Stand handler() {
-    return {{"terminate handler", adresse(std::get_terminate())},
-            {"new handler", adresse(std::get_new_handler())}};
+    return {{satz("the terminate handler"), adresse(std::get_terminate())},
+            {satz("the new handler"), adresse(std::get_new_handler())}};
 }
 
 Stand deskriptoren() {
@@ -155,7 +149,7 @@ Stand deskriptoren() {
     for (const auto& eintrag : std::filesystem::directory_iterator("/proc/self/fd", fehler)) {
         const std::string ziel = std::filesystem::read_symlink(eintrag.path(), fehler).string();
         if (!ziel.starts_with("/proc/")) // the listing's own descriptor
-            stand["descriptor " + eintrag.path().filename().string()] = ziel;
+            stand[satz("descriptor {1}", eintrag.path().filename().string())] = ziel;
     }
     return stand;
 }
@@ -165,7 +159,7 @@ Stand umgebung() {
     for (char** eintrag = environ; eintrag && *eintrag; ++eintrag) {
         const std::string zeile = *eintrag;
         const std::size_t gleich = zeile.find('=');
-        stand["environment variable " + zeile.substr(0, gleich)] =
+        stand[satz("environment variable {1}", zeile.substr(0, gleich))] =
             gleich == std::string::npos ? "" : '"' + zeile.substr(gleich + 1) + '"';
     }
     return stand;
@@ -176,19 +170,19 @@ Stand maske() {
     umask(jetzt);
     std::ostringstream text;
     text << std::oct << jetzt;
-    return {{"mask for new files", text.str()}};
+    return {{satz("the mask for new files"), text.str()}};
 }
 
 std::string rundung() {
     switch (std::fegetround()) {
     case FE_TONEAREST:
-        return "to nearest";
+        return satz("to nearest");
     case FE_UPWARD:
-        return "upward";
+        return satz("upward");
     case FE_DOWNWARD:
-        return "downward";
+        return satz("downward");
     default:
-        return "toward zero";
+        return satz("toward zero");
     }
 }
 
@@ -196,25 +190,26 @@ std::string rundung() {
 std::string kleinsteZahlen() {
     const volatile double kleinste = DBL_MIN;
     const volatile double haelfte = kleinste / 2;
-    return haelfte > 0 ? "kept" : "taken as zero";
+    return haelfte > 0 ? satz("kept") : satz("taken as zero");
 }
 
 Stand gleitkomma() {
-    Stand stand{{"rounding", rundung()}, {"treatment of the smallest numbers", kleinsteZahlen()}};
+    Stand stand{{satz("the rounding"), rundung()},
+                {satz("the treatment of the smallest numbers"), kleinsteZahlen()}};
 #ifdef __GLIBC__
-    stand["set of trapped exceptions"] = std::to_string(fegetexcept());
+    stand[satz("the set of trapped exceptions")] = std::to_string(fegetexcept());
 #endif
     return stand;
 }
 
 template <class Strom>
 void nimmStrom(const char* name, const Strom& strom, Stand& stand) {
-    stand[std::string("format of ") + name] = alsText(strom.flags()) + "/" + alsText(strom.precision()) +
-                                              "/" + alsText(strom.width()) + "/" + alsText(strom.fill());
-    stand[std::string("buffer of ") + name] = alsText(static_cast<const void*>(strom.rdbuf()));
-    stand[std::string("state of ") + name] =
-        alsText(strom.rdstate()) + ", exceptions " + alsText(strom.exceptions()) + ", tied to " +
-        alsText(static_cast<const void*>(strom.tie())) + ", locale " + strom.getloc().name();
+    stand[satz("the format of {1}", name)] = alsText(strom.flags()) + "/" + alsText(strom.precision()) + "/" +
+                                             alsText(strom.width()) + "/" + alsText(strom.fill());
+    stand[satz("the buffer of {1}", name)] = alsText(static_cast<const void*>(strom.rdbuf()));
+    stand[satz("the state of {1}", name)] = satz(
+        "{1}, exceptions {2}, tied to {3}, locale {4}", alsText(strom.rdstate()), alsText(strom.exceptions()),
+        alsText(static_cast<const void*>(strom.tie())), strom.getloc().name());
 }
 
 Stand stroeme() {
@@ -228,13 +223,13 @@ Stand stroeme() {
 
 Stand zeitgeber() {
     Stand stand;
-    for (const auto& [name, art] :
-         {std::pair("real time", ITIMER_REAL), std::pair("processor time", ITIMER_VIRTUAL),
-          std::pair("profiling", ITIMER_PROF)}) {
+    for (const auto& [name, art] : {std::pair(N_("the timer for real time"), ITIMER_REAL),
+                                    std::pair(N_("the timer for processor time"), ITIMER_VIRTUAL),
+                                    std::pair(N_("the timer for profiling"), ITIMER_PROF)}) {
         itimerval zeit{};
         getitimer(art, &zeit);
         const bool laeuft = zeit.it_value.tv_sec != 0 || zeit.it_value.tv_usec != 0;
-        stand[std::string("timer for ") + name] = laeuft ? "running" : "off";
+        stand[uebersetzt(name)] = laeuft ? satz("running") : satz("off");
     }
     return stand;
 }
@@ -243,11 +238,11 @@ Stand einstellungen() {
     const orvo::orvoutil::Einstellungen einstellungen;
     Stand stand;
     for (const char* const schluessel : {"basis.home_dir", "basis.resident_plugins"})
-        stand[schluessel] = '"' + einstellungen.wert(schluessel) + '"';
+        stand[satz("the setting {1}", schluessel)] = '"' + einstellungen.wert(schluessel) + '"';
     return stand;
 }
 
-Befund pruefeAusgabe(const Pruefling& p) {
+void pruefeAusgabe(const Pruefling& p, Fundliste& funde) {
     std::string aus, fehler;
     {
         const Mitschrift standardausgabe(STDOUT_FILENO), standardfehler(STDERR_FILENO);
@@ -259,134 +254,71 @@ Befund pruefeAusgabe(const Pruefling& p) {
         fehler = standardfehler.anfang();
     }
     if (!aus.empty())
-        return durchgefallen("writes to standard output: " + zitiert(aus), "writes_to_output");
-    return fehler.empty() ? bestanden()
-                          : warnung("writes to standard error: " + zitiert(fehler), "writes_to_error_output");
+        funde.fehler(satz("writes to standard output: {1}", zitiert(aus)), "writes_to_output");
+    else if (!fehler.empty())
+        funde.warnung(satz("writes to standard error: {1}", zitiert(fehler)), "writes_to_error_output");
 }
 
-Befund pruefeLocale(const Pruefling& p) { return vergleicheLeben(p, "the ", locale); }
-
-Befund pruefeVerzeichnis(const Pruefling& p) { return vergleicheLeben(p, "the ", arbeitsverzeichnis); }
-
-Befund pruefeSignale(const Pruefling& p) { return vergleicheLeben(p, "", signale); }
-
-Befund pruefeHandler(const Pruefling& p) { return vergleicheLeben(p, "the ", handler); }
-
-Befund pruefeDeskriptoren(const Pruefling& p) { return vergleicheLeben(p, "", deskriptoren); }
-
-Befund pruefeUmgebung(const Pruefling& p) { return vergleicheLeben(p, "", umgebung); }
-
-Befund pruefeUmask(const Pruefling& p) { return vergleicheLeben(p, "the ", maske); }
-
-Befund pruefeGleitkomma(const Pruefling& p) { return vergleicheLeben(p, "the ", gleitkomma); }
-
-Befund pruefeStroeme(const Pruefling& p) { return vergleicheLeben(p, "the ", stroeme); }
-
-Befund pruefeZeitgeber(const Pruefling& p) { return vergleicheLeben(p, "the ", zeitgeber); }
-
-Befund pruefeGrenzen(const Pruefling& p) { return vergleicheLeben(p, "the ", prozessgrenzen); }
-
-Befund pruefeEinstellungen(const Pruefling& p) { return vergleicheLeben(p, "the setting ", einstellungen); }
-
-Befund pruefeThreads(const Pruefling& p) {
+void pruefeThreads(const Pruefling& p, Fundliste& funde) {
     const std::size_t vorher = laufendeThreads();
     if (vorher == 0)
-        return uebersprungen("the threads of a process cannot be counted here", "not_measurable");
+        return funde.uebersprungen(satz("the threads of a process cannot be counted here"), "not_measurable");
     ladeUndBenutze(p.pfad);
     // A process that has ended may still be listed for a moment.
     for (int i = 0; laufendeThreads() > vorher && i < 50; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    const std::size_t mehr = laufendeThreads() - std::min(vorher, laufendeThreads());
-    return mehr == 0 ? bestanden()
-                     : durchgefallen(
-                           std::to_string(mehr) +
-                               " of its threads still run after the plugin was unloaded: their code may go "
-                               "at any time",
-                           "threads_left");
+    if (const std::size_t nachher = laufendeThreads(); nachher > vorher)
+        funde.fehler(
+            satz("{1} of its threads still run after the plugin was unloaded: their code may go at any time",
+                 nachher - vorher),
+            "threads_left");
 }
 
-Befund pruefeKindprozesse(const Pruefling& p) {
+void pruefeKindprozesse(const Pruefling& p, Fundliste& funde) {
 #ifdef __linux__
     prctl(PR_SET_CHILD_SUBREAPER, 1); // adopts orphaned grandchildren as well
 #endif
     ladeUndBenutze(p.pfad);
     int zustand = 0;
     const pid_t kind = waitpid(-1, &zustand, WNOHANG);
-    if (kind < 0 && errno == ECHILD)
-        return bestanden();
-    return kind > 0 ? durchgefallen("a child process of the plugin has ended, and nobody has waited for it",
-                                    "child_not_awaited")
-                    : durchgefallen("a child process of the plugin still runs", "child_left");
+    if (kind > 0)
+        funde.fehler(satz("a child process of the plugin has ended, and nobody has waited for it"),
+                     "child_not_awaited");
+    else if (kind == 0 || errno != ECHILD)
+        funde.fehler(satz("a child process of the plugin still runs"), "child_left");
 }
 
 } // namespace
 
 std::vector<Pruefung> rueckstandsPruefungen() {
-    return {
-        {"no-output", N_("The plugin writes nothing to standard output."), {"use"}, Ort::KIND, pruefeAusgabe},
-        {"locale", N_("The plugin leaves the locale as it found it."), {"use"}, Ort::KIND, pruefeLocale},
-        {"working-directory",
-         N_("The plugin leaves the working directory as it found it."),
-         {"use"},
-         Ort::KIND,
-         pruefeVerzeichnis},
-        {"signal-handlers",
-         N_("The plugin leaves the handling of signals as it found it."),
-         {"use"},
-         Ort::KIND,
-         pruefeSignale},
-        {"cxx-handlers",
-         N_("The plugin leaves the handlers for terminate and for want of memory as it found them."),
-         {"use"},
-         Ort::KIND,
-         pruefeHandler},
-        {"descriptors",
-         N_("The plugin closes the file descriptors that it opens, and no others."),
-         {"use"},
-         Ort::KIND,
-         pruefeDeskriptoren},
-        {"environment",
-         N_("The plugin leaves the environment variables as it found them."),
-         {"use"},
-         Ort::KIND,
-         pruefeUmgebung},
-        {"umask",
-         N_("The plugin leaves the mask for new files as it found it."),
-         {"use"},
-         Ort::KIND,
-         pruefeUmask},
-        {"threads", N_("The plugin ends the threads that it starts."), {"use"}, Ort::KIND, pruefeThreads},
-        {"child-processes",
-         N_("The plugin leaves no child process behind."),
-         {"use"},
-         Ort::KIND,
-         pruefeKindprozesse},
-        {"floating-point",
-         N_("The plugin leaves the rules of floating-point arithmetic as it found them."),
-         {"use"},
-         Ort::KIND,
-         pruefeGleitkomma},
-        {"streams",
-         N_("The plugin leaves the standard streams' formats and buffers as it found them."),
-         {"use"},
-         Ort::KIND,
-         pruefeStroeme},
-        {"timers",
-         N_("The plugin leaves no timer running that would end the process."),
-         {"use"},
-         Ort::KIND,
-         pruefeZeitgeber},
-        {"limits",
-         N_("The plugin leaves the limits of the process as it found them."),
-         {"use"},
-         Ort::KIND,
-         pruefeGrenzen},
-        {"settings",
-         N_("The plugin leaves the library's settings as it found them."),
-         {"use"},
-         Ort::KIND,
-         pruefeEinstellungen},
-    };
+    return aufbauendAuf(
+        "use",
+        {{"no-output", N_("The plugin writes nothing to standard output."), pruefeAusgabe},
+         {"locale", N_("The plugin leaves the locale as it found it."), bleibtGleich<locale>},
+         {"working-directory", N_("The plugin leaves the working directory as it found it."),
+          bleibtGleich<arbeitsverzeichnis>},
+         {"signal-handlers", N_("The plugin leaves the handling of signals as it found it."),
+          bleibtGleich<signale>},
+         {"cxx-handlers",
+          N_("The plugin leaves the handlers for terminate and for want of memory as it found them."),
+          bleibtGleich<handler>},
+         {"descriptors", N_("The plugin closes the file descriptors that it opens, and no others."),
+          bleibtGleich<deskriptoren>},
+         {"environment", N_("The plugin leaves the environment variables as it found them."),
+          bleibtGleich<umgebung>},
+         {"umask", N_("The plugin leaves the mask for new files as it found it."), bleibtGleich<maske>},
+         {"threads", N_("The plugin ends the threads that it starts."), pruefeThreads},
+         {"child-processes", N_("The plugin leaves no child process behind."), pruefeKindprozesse},
+         {"floating-point", N_("The plugin leaves the rules of floating-point arithmetic as it found them."),
+          bleibtGleich<gleitkomma>},
+         {"streams", N_("The plugin leaves the standard streams' formats and buffers as it found them."),
+          bleibtGleich<stroeme>},
+         {"timers", N_("The plugin leaves no timer running that would end the process."),
+          bleibtGleich<zeitgeber>},
+         {"limits", N_("The plugin leaves the limits of the process as it found them."),
+          bleibtGleich<prozessgrenzen>},
+         {"settings", N_("The plugin leaves the library's settings as it found them."),
+          bleibtGleich<einstellungen>}});
 }
 
 } // namespace werkzeug::check

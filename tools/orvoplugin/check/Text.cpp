@@ -1,6 +1,7 @@
 #include "check/Text.h"
 
 #include "kern/Anzeige.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/domain/Unterfallart.h>
 #include <orvoplugin/domain/Veranlagungszeitraum.h>
@@ -40,8 +41,9 @@ std::string ausnahmetext(std::string_view text) {
 }
 
 std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz) {
-    return einzeilig(gekuerzt(ua.getName())) + " " +
-           (vz.getText().empty() ? "for any period" : einzeilig(gekuerzt(vz.getText())));
+    const std::string name = einzeilig(gekuerzt(ua.getName()));
+    return vz.getText().empty() ? satz("{1} for any period", name)
+                                : name + " " + einzeilig(gekuerzt(vz.getText()));
 }
 
 std::string art(const OrvoErweiterung& erweiterung) { return erweiterungTypName(erweiterung.getTyp()); }

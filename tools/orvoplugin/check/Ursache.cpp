@@ -25,7 +25,7 @@ std::string eigenesCxx(const Bibliotheksbild& bild) {
 std::string geaenderteGrenze(const std::map<std::string, std::string>& vorher) {
     for (const auto& [name, wert] : prozessgrenzen())
         if (const auto alt = vorher.find(name); alt != vorher.end() && alt->second != wert)
-            return satz("the {1} was {2} and is now {3}", name, alt->second, wert);
+            return satz("{1} was {2} and is now {3}", name, alt->second, wert);
     return {};
 }
 

@@ -74,11 +74,11 @@ void fuegeVorgabenHinzu(CLI::App& befehl, Vorgaben& vorgaben) {
             ->type_name(art)
             ->allow_extra_args(false);
     };
-    fuegeHinzu("--baseline", "NAME=VERSION,...", nimmBaseline,
-               "The newest glibc, libstdc++ and cxxabi to need")
+    fuegeHinzu("--baseline", N_("NAME=VERSION,..."), nimmBaseline,
+               N_("The newest glibc, libstdc++ and cxxabi to need"))
         ->delimiter(',');
-    fuegeHinzu("--data", "FILE", nimmDaten,
-               "Records for the check services: a file's lines, a directory's files");
+    fuegeHinzu("--data", N_("FILE"), nimmDaten,
+               N_("Records for the check services: a file's lines, a directory's files"));
     befehl.add_option("--max-log", vorgaben.maxLog, "Bytes that a plugin may write to the log")
         ->type_name("BYTES")
         ->capture_default_str();

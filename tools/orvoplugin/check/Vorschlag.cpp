@@ -3,6 +3,7 @@
 #include "check/Text.h"
 #include "kern/Anzeige.h"
 #include "kern/Naehe.h"
+#include "kern/Sprache.h"
 
 namespace werkzeug::check {
 
@@ -39,19 +40,19 @@ std::string warumNichtExportiert(const Bibliotheksinhalt& inhalt, std::string_vi
     const std::string was = zitiert(name);
     for (const Bibliothekssymbol& symbol : inhalt.exportierte) {
         if (symbol.name == name)
-            return was + " is exported, but is no function";
+            return satz("{1} is exported, but is no function", was);
         if (symbolname(symbol.name).starts_with(std::string(name) + "("))
-            return was + " is exported as a C++ function: declare it extern \"C\"";
+            return satz("{1} is exported as a C++ function: declare it extern \"C\"", was);
     }
     if (const Bibliothekssymbol* const nahe = naechste(inhalt, name))
-        return zitiert(nahe->name) + " is exported, " + was + " is not: did you mean " +
-               (fest ? std::string(name) : einzeilig(nahe->name)) + "?";
+        return satz("{1} is exported, {2} is not: did you mean {3}?", zitiert(nahe->name), was,
+                    fest ? std::string(name) : einzeilig(nahe->name));
     // Misspelt or in a namespace, it does not match its extern "C" declaration, and so is not exported.
     if (name.starts_with("orvo_plugin_"))
-        return was +
-               " is not exported: include orvoplugin/plugin/PluginEntryPoints.h and define it as it stands "
-               "there, with this very name, these parameters and in no namespace";
-    return was + " is not exported: define it extern \"C\" and mark it ORVO_PLUGIN_EXPORT";
+        return satz(
+            "{1} is not exported: include orvoplugin/plugin/PluginEntryPoints.h and define it as it stands there, with this very name, these parameters and in no namespace",
+            was);
+    return satz("{1} is not exported: define it extern \"C\" and mark it ORVO_PLUGIN_EXPORT", was);
 }
 
 } // namespace werkzeug::check

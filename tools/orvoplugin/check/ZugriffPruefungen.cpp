@@ -58,21 +58,16 @@ void beurteile(const fs::path& ort, Fundliste& funde) {
         funde.warnung(satz("{1} is writable by its group ({2})", name, zustand.st_gid), "writable_by_group");
 }
 
-Befund pruefeSchreibrechte(const Pruefling& p) {
-    Fundliste funde;
+void pruefeSchreibrechte(const Pruefling& p, Fundliste& funde) {
     for (const fs::path& ort : wegZu(p.pfad))
         beurteile(ort, funde);
-    return funde.befund();
 }
 
 } // namespace
 
 std::vector<Pruefung> zugriffPruefungen() {
-    return {{"writable",
-             N_("Nobody else may write the file, or a folder that leads to it."),
-             {},
-             Ort::DATEI,
-             pruefeSchreibrechte}};
+    return {{"writable", N_("Nobody else may write the file, or a folder that leads to it."),
+             pruefeSchreibrechte, Ort::DATEI}};
 }
 
 } // namespace werkzeug::check
