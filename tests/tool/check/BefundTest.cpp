@@ -34,12 +34,26 @@ TEST(Fundliste, ManyFindsAreCounted) {
     EXPECT_EQ(funde.befund().text, "1; 2; 3; 4; 5; and 95 more");
 }
 
+TEST(Fundliste, ACheckThatCannotBeMadeIsSkippedAndOneThatPassesMayReport) {
+    Fundliste funde;
+    funde.zahlen = {{"calls", 1}};
+    funde.bericht("eins");
+    EXPECT_EQ(funde.befund().urteil, Urteil::BESTANDEN);
+    EXPECT_EQ(funde.befund().text, "eins");
+    EXPECT_EQ(funde.befund().zahlen.at("calls"), 1);
+    funde.uebersprungen("zwei", "none");
+    EXPECT_EQ(funde.befund().urteil, Urteil::UEBERSPRUNGEN);
+    EXPECT_EQ(funde.befund().text, "zwei");
+    funde.fehler("drei", "three");
+    EXPECT_EQ(funde.befund().text, "drei") << "an error says it all";
+}
+
 TEST(Urteil, EachHasANameForPeopleAndOneForPrograms) {
     EXPECT_STREQ(urteilName(Urteil::ZU_LANGSAM), "timed out");
-    EXPECT_STREQ(urteilKennung(Urteil::ZU_LANGSAM), "timed_out");
+    EXPECT_STREQ(artVon(Urteil::ZU_LANGSAM).kennung, "timed_out");
     for (const Urteil urteil : {Urteil::BESTANDEN, Urteil::DURCHGEFALLEN, Urteil::WARNUNG,
                                 Urteil::UEBERSPRUNGEN, Urteil::ABGESTUERZT})
-        EXPECT_STREQ(urteilName(urteil), urteilKennung(urteil));
+        EXPECT_STREQ(urteilName(urteil), artVon(urteil).kennung);
 }
 
 TEST(Urteil, OnlyWhatPassedOrWarnsLetsOthersBuildOnIt) {
