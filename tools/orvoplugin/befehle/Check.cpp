@@ -16,7 +16,6 @@
 
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -60,9 +59,7 @@ public:
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         const std::string format = formatVon(optionen);
-        std::optional<Englisch> englisch;
-        if (format != "text")
-            englisch.emplace();
+        const Englisch englisch(format != "text");
         std::vector<const Pruefung*> auswahl = waehle(nur_, ohne_);
         if (liste_)
             return zeigeListe(auswahl, optionen, format);
@@ -153,8 +150,8 @@ private:
         auftrag.fertig = [&](Dateiergebnis datei) {
             ++fertige;
             verschaerfe(datei);
-            if (!datei.istUnlesbar &&
-                !(nurAuffaellige_ && istUnauffaellig(datei))) // that is an error message
+            // A file that cannot be read is an error message.
+            if (!datei.istUnlesbar && !(nurAuffaellige_ && istUnauffaellig(datei)))
                 schreibe((bloecke_++ > 0 ? "\n" : "") +
                          dateitext(datei, fertige, dateien.size(), Farben(stdout)));
         };
