@@ -13,7 +13,8 @@ import sys
 import markdown
 from markdown import ROOT, Mistake
 
-LINK = re.compile(r"(?<!!)\[[^\]]*\]\(([^)\s]+)\)")
+LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")  # images too
+WITHOUT_ALTERNATIVE = re.compile(r"!\[\s*\]\(")
 TREE_PATH = re.compile(r"^(?:\./)?((?:src|tests|scripts|docs|examples|cmake|tools|bench|fuzz|\.ci)/[\w./-]*)$")
 HEADER = re.compile(r"^orvo(?:plugin|util)/[\w/]+\.h$")
 
@@ -26,6 +27,8 @@ def check(document):
     """Returns how many links and paths there are; raises on the first that leads nowhere."""
     count = 0
     for number, line in document.prose:
+        if WITHOUT_ALTERNATIVE.search(markdown.without_spans(line)):
+            raise Mistake(f"{document.where(number)}: a picture without a text alternative")
         for target in LINK.findall(markdown.without_spans(line)):
             check_link(document, number, target)
             count += 1

@@ -11,6 +11,7 @@ import links
 import logtexts
 import markdown
 import mermaid
+import predefined
 from markdown import Mistake
 
 
@@ -117,6 +118,10 @@ class Links(Documents):
     def test_a_link_to_a_heading_is_none(self):
         self.assertEqual(2, links.check(self.document("# What `it` is, and how\n[x](#what-it-is-and-how) [y](page.md)\n")))
 
+    def test_a_picture_that_is_not_there_or_says_nothing_in_words_is_a_mistake(self):
+        self.assertMistake("leads nowhere", links.check, self.document("![The way](nothing.svg)\n"))
+        self.assertMistake("without a text alternative", links.check, self.document("![](page.md)\n"))
+
     def test_a_header_that_is_not_there_is_a_mistake(self):
         self.assertMistake("no orvoutil/Nothing.h", links.check, self.document("Include `orvoutil/Nothing.h`.\n"))
 
@@ -188,6 +193,16 @@ class Glossary(Documents):
     def test_terms_out_of_order_are_a_mistake(self):
         self.assertMistake("not in order", glossary.check,
                            self.document(self.HEAD + "| B | b | | |\n| A | a | | |\n"), {"A", "B"})
+
+
+class PredefinedValues(Documents):
+    def test_a_value_that_the_page_has_otherwise_or_not_at_all_is_a_mistake(self):
+        page = predefined.PAGE.read_text(encoding="utf-8")
+        for there, instead in (("`UFA_12` | `12`", "`UFA_12` | `13`"), ("| `T` |", "| `D` |"),
+                               ("41 to 44 | quarter", "41 to 45 | quarter"), ("| 3 | `QUARTAL`", "| 7 | `QUARTAL`"),
+                               ("| 11 | `TalvorKMV` |\n", "")):
+            self.assertIn(there, page)
+            self.assertMistake("the sources say", predefined.check, self.document(page.replace(there, instead)))
 
 
 if __name__ == "__main__":
