@@ -103,8 +103,8 @@ foreach(name orvoutil orvoplugin orvoplugin-plugin)
 endforeach()
 
 # The guides, the plugin and client templates, and the manual page that names them. Their relative places are those of
-# this tree, so that links between them work. The operator's guides come with the tool and link to no other page. If no
-# tool is built, they come with the developer's guides, which link to them.
+# this tree, so that links between them work. The operator's guides, and what they link to, come with the tool. If no tool
+# is built, they come with the developer's guides, which link to them.
 set(operators_component dev)
 if(TARGET orvoplugin_tool)
     set(operators_component tool)
@@ -112,10 +112,14 @@ endif()
 install(
     FILES "${PROJECT_SOURCE_DIR}/docs/operator.md" "${PROJECT_SOURCE_DIR}/docs/check.md"
           "${PROJECT_SOURCE_DIR}/docs/json.md" "${PROJECT_SOURCE_DIR}/docs/glossary.md"
+          "${PROJECT_SOURCE_DIR}/docs/compatibility.md" "${PROJECT_SOURCE_DIR}/docs/security.md"
+          "${PROJECT_SOURCE_DIR}/docs/predefined.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT ${operators_component})
 install(
-    FILES "${PROJECT_SOURCE_DIR}/docs/client.md" "${PROJECT_SOURCE_DIR}/docs/plugin-author.md"
+    FILES "${PROJECT_SOURCE_DIR}/docs/client.md" "${PROJECT_SOURCE_DIR}/docs/client-reference.md"
+          "${PROJECT_SOURCE_DIR}/docs/plugin-author.md" "${PROJECT_SOURCE_DIR}/docs/plugin-reference.md"
+          "${PROJECT_SOURCE_DIR}/docs/flow.svg"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT dev)
 install(

@@ -13,7 +13,8 @@ declare -A files=(
         $LIBDIR/cmake/orvoplugin/plugin.description.cpp
         $LIBDIR/pkgconfig/orvoplugin.pc $LIBDIR/pkgconfig/orvoplugin-plugin.pc
         share/man/man3/liborvoplugin.3
-        $documents/docs/client.md $documents/docs/plugin-author.md
+        $documents/docs/client.md $documents/docs/client-reference.md $documents/docs/flow.svg
+        $documents/docs/plugin-author.md $documents/docs/plugin-reference.md
         $documents/examples/plugin-template/README.md $documents/examples/client-template/README.md"
     [tool]="bin/orvoplugin
         share/man/man1/orvoplugin.1 share/man/de/man1/orvoplugin.1
@@ -21,7 +22,10 @@ declare -A files=(
         share/bash-completion/completions/orvoplugin share/zsh/vendor-completions/_orvoplugin
         share/orvoplugin/orvoplugin.schema.json"
 )
-guides="$documents/docs/operator.md $documents/docs/check.md $documents/docs/json.md $documents/docs/glossary.md"
+guides=
+for page in operator check json glossary compatibility security predefined; do
+    guides+=" $documents/docs/$page.md"
+done
 components=(runtime dev)
 if ((TOOL)); then
     components+=(tool)
