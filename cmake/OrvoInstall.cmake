@@ -117,6 +117,10 @@ install(
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT ${operators_component})
 install(
+    FILES "${PROJECT_SOURCE_DIR}/docs/de/operator.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs/de"
+    COMPONENT ${operators_component})
+install(
     FILES "${PROJECT_SOURCE_DIR}/docs/client.md" "${PROJECT_SOURCE_DIR}/docs/client-reference.md"
           "${PROJECT_SOURCE_DIR}/docs/plugin-author.md" "${PROJECT_SOURCE_DIR}/docs/plugin-reference.md"
           "${PROJECT_SOURCE_DIR}/docs/flow.svg"

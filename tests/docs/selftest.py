@@ -12,6 +12,7 @@ import logtexts
 import markdown
 import mermaid
 import predefined
+import translations
 from markdown import Mistake
 
 
@@ -203,6 +204,23 @@ class PredefinedValues(Documents):
                                ("| 11 | `TalvorKMV` |\n", "")):
             self.assertIn(there, page)
             self.assertMistake("the sources say", predefined.check, self.document(page.replace(there, instead)))
+
+
+class Translations(Documents):
+    ORIGINAL = "# One\n```sh\nls  # here\n```\n| `a <x>` | b |\n|---|---|\n| `c` | d |\n"
+
+    def compare(self, there, instead):
+        self.assertIn(there, self.ORIGINAL)
+        translations.check(self.document(self.ORIGINAL.replace(there, instead)), self.document(self.ORIGINAL))
+
+    def test_what_is_missing_or_other_is_a_mistake(self):
+        for there, instead, what in (("# One", "## Eins", "heading"), ("ls", "ls -l", "code block"),
+                                     ("`c`", "`d`", "row"), ("| `c` | d |\n", "", "row")):
+            self.assertMistake(what, self.compare, there, instead)
+
+    def test_words_comments_and_the_names_of_what_varies_may_differ(self):
+        for there, instead in (("One", "Eins"), ("# here", "# hier"), ("| d |", "| e |"), ("<x>", "<y>")):
+            self.compare(there, instead)
 
 
 if __name__ == "__main__":
