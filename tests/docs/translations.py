@@ -1,6 +1,9 @@
 #!/usr/bin/env python3
 """Each page below docs/de is the German version of a page: the same headings, code blocks and tables, in the same order.
 
+    translations.py            compares each translation with its original
+    translations.py update     first takes the code blocks that differ over from the originals
+
 The blocks of a translation are those of its original, which another test runs; only comments differ. In tables, the code
 spans of the first column are the same, so every line of the log stands in the translated guide too. What varies may have
 another name in angle brackets."""
@@ -55,17 +58,30 @@ def check(translation, source):
     compare(translation.name, "row", first_cells(source), first_cells(translation))
 
 
-def check_all():
+def update(translation, source):
+    """Writes the original's text into each block that differs, comments too."""
+    lines = translation.path.read_text(encoding="utf-8").splitlines()
+    if len(source.blocks) != len(translation.blocks):
+        return
+    for ours, theirs in reversed(list(zip(translation.blocks, source.blocks))):
+        if code(ours) != code(theirs):
+            lines[ours.line : ours.line + len(ours.text.splitlines())] = theirs.text.splitlines()
+    translation.path.write_text("\n".join(lines) + "\n", encoding="utf-8")
+
+
+def check_all(updating):
     pages = sorted(FOLDER.glob("*.md"))
     if not pages:
         raise Mistake(f"{FOLDER} has no pages")
     for page in pages:
+        if updating:
+            update(markdown.read(page), markdown.read(original(page)))
         check(markdown.read(page), markdown.read(original(page)))
     return f"{len(pages)} translated pages have what their originals have"
 
 
 if __name__ == "__main__":
     try:
-        print(check_all())
+        print(check_all(sys.argv[1:] == ["update"]))
     except Mistake as mistake:
         sys.exit(str(mistake))
