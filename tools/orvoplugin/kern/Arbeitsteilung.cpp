@@ -1,9 +1,7 @@
 #include "kern/Arbeitsteilung.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sched.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <sys/prctl.h>
@@ -16,6 +14,7 @@
 #include <cstdlib>
 #include <exception>
 #include <list>
+#include <memory>
 #include <system_error>
 #include <thread>
 
@@ -27,23 +26,10 @@ constexpr int kTakt = 100; // ms
 
 struct Werker {
     pid_t prozess = -1;
-    int rohr = -1;
+    std::unique_ptr<Rohr> rohr;
     std::size_t stueck = 0;
     std::string gesendet;
 };
-
-int warteAuf(pid_t prozess) {
-    int zustand = 0;
-    while (waitpid(prozess, &zustand, 0) < 0 && errno == EINTR) {
-    }
-    return zustand;
-}
-
-Kindende endeVon(int zustand) {
-    if (WIFSIGNALED(zustand))
-        return {Kindende::Art::SIGNAL, WTERMSIG(zustand), {}};
-    return {zustand == 0 ? Kindende::Art::GUT : Kindende::Art::BEENDET, WEXITSTATUS(zustand), {}};
-}
 
 /// The processes under way. The destructor ends them.
 class Werkstatt {
@@ -59,7 +45,7 @@ public:
         for (const Werker& werker : werker_)
             kill(werker.prozess, SIGTERM); // it removes its children first
         for (const Werker& werker : werker_) {
-            close(werker.rohr);
+            werker.rohr->schliesse(0);
             warteAuf(werker.prozess);
         }
         raeumeAuf(eigene_);
@@ -79,21 +65,15 @@ public:
 
 private:
     void beginne(std::size_t stueck) {
-        int enden[2];
-        if (pipe(enden) != 0)
-            throw std::system_error(errno, std::generic_category(), "pipe");
-        for (const int ende : enden)
-            fcntl(ende, F_SETFD, FD_CLOEXEC);
+        auto rohr = std::make_unique<Rohr>();
         std::fflush(nullptr); // so that buffered output is not written twice
         const pid_t wir = getpid(), prozess = fork();
         if (prozess == 0)
-            sei(wir, enden[1], stueck);
-        close(enden[1]);
-        if (prozess < 0) {
-            close(enden[0]);
+            sei(wir, rohr->schreibende(), stueck);
+        if (prozess < 0)
             throw std::system_error(errno, std::generic_category(), "fork");
-        }
-        werker_.push_back({prozess, enden[0], stueck, {}});
+        rohr->schliesse(1);
+        werker_.push_back({prozess, std::move(rohr), stueck, {}});
     }
 
     [[noreturn]] void sei(pid_t wir, int rohr, std::size_t stueck) noexcept {
@@ -119,7 +99,7 @@ private:
     void warte() {
         std::vector<pollfd> quellen;
         for (const Werker& werker : werker_)
-            quellen.push_back({werker.rohr, POLLIN, 0});
+            quellen.push_back({werker.rohr->lesende(), POLLIN, 0});
         if (poll(quellen.data(), quellen.size(), kTakt) > 0)
             for (auto [i, werker] = std::pair(quellen.begin(), werker_.begin()); i != quellen.end(); ++i) {
                 const auto dieser = werker++;
@@ -133,7 +113,7 @@ private:
     /// Returns: whether there may be more.
     static bool lies(Werker& werker) {
         char bytes[0x4000];
-        const ssize_t anzahl = read(werker.rohr, bytes, sizeof(bytes));
+        const ssize_t anzahl = read(werker.rohr->lesende(), bytes, sizeof(bytes));
         werker.gesendet.append(bytes, static_cast<std::size_t>(std::max<ssize_t>(anzahl, 0)));
         return anzahl > 0 || (anzahl < 0 && errno == EINTR);
     }
@@ -141,8 +121,7 @@ private:
     void beende(std::list<Werker>::iterator stelle) {
         const Werker werker = std::move(*stelle);
         werker_.erase(stelle);
-        close(werker.rohr);
-        plan_.fertig(werker.stueck, werker.gesendet, endeVon(warteAuf(werker.prozess)));
+        plan_.fertig(werker.stueck, werker.gesendet, kindende(warteAuf(werker.prozess)));
     }
 
     const Arbeitsplan& plan_;

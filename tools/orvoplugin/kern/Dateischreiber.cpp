@@ -1,6 +1,7 @@
 #include "kern/Dateischreiber.h"
 
 #include "kern/Anzeige.h"
+#include "kern/Kindprozess.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -40,18 +41,6 @@ struct Offen {
     }
 };
 
-bool schreibeGanz(int deskriptor, const std::string& inhalt) {
-    for (std::size_t fertig = 0; fertig < inhalt.size();) {
-        const ssize_t n = write(deskriptor, inhalt.data() + fertig, inhalt.size() - fertig);
-        if (n < 0 && errno == EINTR)
-            continue;
-        if (n <= 0)
-            return false;
-        fertig += static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
 /// The permissions of a new file, by the user's mask.
 mode_t ueblicheRechte() {
     const mode_t maske = umask(0);
@@ -61,7 +50,8 @@ mode_t ueblicheRechte() {
 
 void schreibeDorthin(const std::string& datei, const std::string& inhalt) {
     Offen ziel(open(datei.c_str(), O_WRONLY | O_CLOEXEC), {});
-    if (ziel.deskriptor < 0 || !schreibeGanz(ziel.deskriptor, inhalt) || !ziel.schliesse())
+    if (ziel.deskriptor < 0 || !schreibeGanz(ziel.deskriptor, inhalt.data(), inhalt.size()) ||
+        !ziel.schliesse())
         scheitere(datei, errno);
 }
 
@@ -85,7 +75,7 @@ void schreibeDatei(const std::string& datei, const std::string& inhalt) {
     if (deskriptor < 0)
         scheitere(datei, errno);
     Offen neue(deskriptor, muster);
-    if (!schreibeGanz(neue.deskriptor, inhalt) ||
+    if (!schreibeGanz(neue.deskriptor, inhalt.data(), inhalt.size()) ||
         fchmod(neue.deskriptor, gibtEs ? bisherige.st_mode & 07777 : ueblicheRechte()) != 0 ||
         fsync(neue.deskriptor) != 0 || !neue.schliesse() || std::rename(muster.c_str(), ziel.c_str()) != 0)
         scheitere(datei, errno);

@@ -60,34 +60,6 @@ int verstecke(int deskriptor) {
     return neu;
 }
 
-class Rohr {
-public:
-    Rohr() {
-        if (pipe(enden_) != 0)
-            throw std::system_error(errno, std::generic_category(), "pipe");
-        for (const int ende : enden_)
-            fcntl(ende, F_SETFD, FD_CLOEXEC);
-    }
-    Rohr(const Rohr&) = delete;
-    Rohr& operator=(const Rohr&) = delete;
-    ~Rohr() {
-        schliesse(0);
-        schliesse(1);
-    }
-
-    int lesende() const { return enden_[0]; }
-    int schreibende() const { return enden_[1]; }
-    void versteckeSchreibende() { enden_[1] = verstecke(enden_[1]); }
-    void schliesse(int ende) {
-        if (enden_[ende] >= 0)
-            close(enden_[ende]);
-        enden_[ende] = -1;
-    }
-
-private:
-    int enden_[2] = {-1, -1};
-};
-
 /// Closes all inherited descriptors except the standard streams and the two given.
 void schliesseGeerbtes([[maybe_unused]] int einer, [[maybe_unused]] int anderer) {
 #ifdef __linux__
@@ -169,10 +141,7 @@ void lasseStellvertreter(int rohr) {
         return;
     }
     close(rohr); // so that the reader sees the end when the child has gone
-    int zustand = 0;
-    while (waitpid(kind, &zustand, 0) < 0 && errno == EINTR) {
-    }
-    endeWie(zustand);
+    endeWie(warteAuf(kind));
 }
 
 [[noreturn]] void seiKind(const Kindarbeit& arbeit, int rohr, std::uint64_t geheimnis) noexcept {
@@ -224,8 +193,7 @@ public:
         kill(-kind_, SIGKILL);
         if (!istAbgeholt_) {
             kill(kind_, SIGKILL);
-            while (waitpid(kind_, nullptr, 0) < 0 && errno == EINTR) {
-            }
+            warteAuf(kind_);
         }
         raeumeAuf(eigene_);
     }
@@ -333,8 +301,10 @@ private:
             return {};
         if (verdorben_ || (WIFEXITED(zustand_) && WEXITSTATUS(zustand_) == kKanalVerloren))
             return {Kindende::Art::KANAL, 0, {}};
-        return WIFSIGNALED(zustand_) ? Kindende{Kindende::Art::SIGNAL, WTERMSIG(zustand_), {}}
-                                     : Kindende{Kindende::Art::BEENDET, WEXITSTATUS(zustand_), {}};
+        Kindende ende = kindende(zustand_);
+        if (ende.istGut()) // not with its work done
+            ende.art = Kindende::Art::BEENDET;
+        return ende;
     }
 
     Signalwache wache_;
@@ -371,6 +341,39 @@ bool schreibeGanz(int deskriptor, const void* daten, std::size_t anzahl) {
     return true;
 }
 
+Rohr::Rohr() {
+    if (pipe(enden_) != 0)
+        throw std::system_error(errno, std::generic_category(), "pipe");
+    for (const int ende : enden_)
+        fcntl(ende, F_SETFD, FD_CLOEXEC);
+}
+
+Rohr::~Rohr() {
+    schliesse(0);
+    schliesse(1);
+}
+
+void Rohr::versteckeSchreibende() { enden_[1] = verstecke(enden_[1]); }
+
+void Rohr::schliesse(int ende) {
+    if (enden_[ende] >= 0)
+        close(enden_[ende]);
+    enden_[ende] = -1;
+}
+
+int warteAuf(pid_t kind) {
+    int zustand = 0;
+    while (waitpid(kind, &zustand, 0) < 0 && errno == EINTR) {
+    }
+    return zustand;
+}
+
+Kindende kindende(int zustand) {
+    if (WIFSIGNALED(zustand))
+        return {Kindende::Art::SIGNAL, WTERMSIG(zustand), {}};
+    return {zustand == 0 ? Kindende::Art::GUT : Kindende::Art::BEENDET, WEXITSTATUS(zustand), {}};
+}
+
 std::set<pid_t> kinder() {
     std::set<pid_t> liste;
     std::ifstream datei("/proc/thread-self/children");
@@ -385,8 +388,7 @@ void raeumeAuf(const std::set<pid_t>& eigene) {
         fertig = true;
         for (const pid_t kind : kinder())
             if (fremde.insert(kind).second && kill(kind, SIGKILL) == 0) {
-                while (waitpid(kind, nullptr, 0) < 0 && errno == EINTR) {
-                }
+                warteAuf(kind);
                 fremde.erase(kind); // the number may be reused
                 fertig = false;     // it may have had children itself
             }

@@ -62,6 +62,30 @@ private:
     struct sigaction vorher_[3];
 };
 
+/// A pipe whose ends no other program inherits.
+/// Errors: `std::system_error`.
+class Rohr {
+public:
+    Rohr();
+    Rohr(const Rohr&) = delete;
+    Rohr& operator=(const Rohr&) = delete;
+    ~Rohr();
+
+    int lesende() const { return enden_[0]; }
+    int schreibende() const { return enden_[1]; }
+    /// Moves the writing end to a random number.
+    void versteckeSchreibende();
+    void schliesse(int ende);
+
+private:
+    int enden_[2] = {-1, -1};
+};
+
+/// Waits until the child has ended. Returns: its wait status.
+int warteAuf(pid_t kind);
+/// How a child ended, by its wait status; well if its exit code is 0.
+Kindende kindende(int zustand);
+
 /// The children of this process; none where the system does not tell.
 std::set<pid_t> kinder();
 /// Ends all children of this process but these, and orphans that become its children by that.
