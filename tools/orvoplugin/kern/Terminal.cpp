@@ -20,21 +20,7 @@ bool willFarben() {
     return !(keine && *keine) && terminal && std::string_view(terminal) != "dumb";
 }
 
-const char* anfang(Farbe farbe) {
-    switch (farbe) {
-    case Farbe::ROT:
-        return "\x1b[31m";
-    case Farbe::GRUEN:
-        return "\x1b[32m";
-    case Farbe::GELB:
-        return "\x1b[33m";
-    case Farbe::BLASS:
-        return "\x1b[2m";
-    case Farbe::FETT:
-        break;
-    }
-    return "\x1b[1m";
-}
+constexpr const char* kAnfang[] = {"\x1b[31m", "\x1b[32m", "\x1b[33m", "\x1b[2m", "\x1b[1m"}; // by Farbe
 
 /// At most so many characters of a UTF-8 text.
 std::string gekuerzt(const std::string& text, std::size_t zeichen) {
@@ -65,7 +51,7 @@ std::size_t tabellenbreite() {
 Farben::Farben(std::FILE* strom) : an_(isatty(fileno(strom)) && willFarben()) {}
 
 std::string Farben::operator()(Farbe farbe, const std::string& text) const {
-    return an_ && !text.empty() ? anfang(farbe) + text + "\x1b[0m" : text;
+    return an_ && !text.empty() ? kAnfang[static_cast<int>(farbe)] + text + "\x1b[0m" : text;
 }
 
 Fortschritt::Fortschritt(bool an)

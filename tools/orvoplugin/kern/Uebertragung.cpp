@@ -45,6 +45,14 @@ void felder(auto& a, Fuer<Bestand> auto& b) {
     a(b.suchpfad, b.verzeichnisse, b.dateien, b.schluessel, b.antwort, b.antworten, b.zeilen);
 }
 
+void felder(auto& a, auto& paar) requires requires { paar.second; }
+{ a(paar.first, paar.second); }
+
+void verlange(bool bedingung) {
+    if (!bedingung)
+        throw UebertragungsFehler("the facts contradict themselves");
+}
+
 class Schreiber {
 public:
     explicit Schreiber(const std::function<void()>& lebenszeichen) : lebenszeichen_(lebenszeichen) {}
@@ -82,11 +90,6 @@ private:
         if (wert)
             schreibe(*wert);
     }
-    template <class A, class B>
-    void schreibe(const std::pair<A, B>& paar) {
-        schreibe(paar.first);
-        schreibe(paar.second);
-    }
 
     static constexpr std::size_t kJeLebenszeichen = 4096; // structures
     const std::function<void()>& lebenszeichen_;
@@ -106,8 +109,7 @@ public:
 
 private:
     std::string_view nimm(std::size_t anzahl) {
-        if (anzahl > rest_.size())
-            throw UebertragungsFehler("the facts end too early");
+        verlange(anzahl <= rest_.size());
         const std::string_view anfang = rest_.substr(0, anzahl);
         rest_.remove_prefix(anzahl);
         return anfang;
@@ -115,8 +117,7 @@ private:
     std::size_t liesAnzahl() {
         std::size_t anzahl = 0;
         lies(anzahl);
-        if (anzahl > rest_.size()) // every element takes at least one byte
-            throw UebertragungsFehler("the facts name too large a number");
+        verlange(anzahl <= rest_.size()); // every element takes at least one byte
         return anzahl;
     }
 
@@ -142,19 +143,9 @@ private:
         if (da)
             lies(wert.emplace());
     }
-    template <class A, class B>
-    void lies(std::pair<A, B>& paar) {
-        lies(paar.first);
-        lies(paar.second);
-    }
 
     std::string_view rest_;
 };
-
-void verlange(bool bedingung) {
-    if (!bedingung)
-        throw UebertragungsFehler("the facts contradict themselves");
-}
 
 template <class T>
 void verlangeBereich(T wert, T kleinster, T groesster) {
