@@ -2,6 +2,7 @@
 
 #include "befehle/Befehl.h"
 #include "befehle/Befehle.h"
+#include "kern/Antwort.h"
 #include "kern/Berichtsteile.h"
 #include "kern/Gruende.h"
 #include "kern/Sammler.h"
@@ -18,16 +19,13 @@ struct Schluesselzahl {
     std::size_t verloren = 0;
 };
 
-std::map<std::uint32_t, Schluesselzahl> zaehleSchluessel(const Bestand& bestand) {
-    std::map<std::uint32_t, Schluesselzahl> zahlen; // by the file's index
+std::vector<Schluesselzahl> zaehleSchluessel(const Bestand& bestand) {
+    std::vector<Schluesselzahl> zahlen(bestand.dateien.size());
     for (const SchluesselFakt& schluessel : bestand.schluessel) {
         ++zahlen[schluessel.inhaber.datei].gehalten;
-        for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
-            if (ereignis.art == SchluesselEreignis::Art::VERDRAENGT)
-                ++zahlen[ereignis.gegen.datei].verloren;
-            else if (ereignis.art == SchluesselEreignis::Art::ABGEWIESEN)
-                ++zahlen[ereignis.wer.datei].verloren;
-        }
+        for (const SchluesselEreignis& ereignis : schluessel.ereignisse)
+            if (const ErweiterungsOrt* const wer = verlierer(ereignis))
+                ++zahlen[wer->datei].verloren;
     }
     return zahlen;
 }
@@ -52,18 +50,14 @@ Json pluginAlsJson(const PluginFakt& plugin, const Schluesselzahl& zahlen) {
 
 Json bericht(const Bestand& bestand) {
     Json dokument = jsonKopf("list", bestand.suchpfad);
-    const std::map<std::uint32_t, Schluesselzahl> schluessel = zaehleSchluessel(bestand);
+    std::vector<Schluesselzahl> schluessel = zaehleSchluessel(bestand);
     Json dateien = Json::array();
     std::map<Zustand, std::size_t> summen;
     std::size_t erweiterungen = 0;
-    for (std::uint32_t i = 0; i < bestand.dateien.size(); ++i) {
+    for (std::size_t i = 0; i < bestand.dateien.size(); ++i) {
         const DateiFakt& datei = bestand.dateien[i];
         Json zeile = zeileAlsJson(bestand, datei);
-        const auto zahlen = schluessel.find(i);
-        zeile["plugin"] =
-            datei.plugin
-                ? pluginAlsJson(*datei.plugin, zahlen == schluessel.end() ? Schluesselzahl{} : zahlen->second)
-                : Json(nullptr);
+        zeile["plugin"] = datei.plugin ? pluginAlsJson(*datei.plugin, schluessel[i]) : Json(nullptr);
         dateien.push_back(std::move(zeile));
         ++summen[datei.zustand];
         erweiterungen += datei.plugin ? datei.plugin->erweiterungen.size() : 0;
@@ -93,31 +87,27 @@ std::string erweiterungenAlsText(const Json& plugin) {
 }
 
 std::string schluesselAlsText(const Json& plugin) {
-    std::string text = plugin["keys_held"].dump();
-    if (plugin["keys_lost"] != 0)
-        text += " (" + plugin["keys_lost"].dump() + " lost)";
-    return text;
+    const std::string gehalten = plugin["keys_held"].dump(), verloren = plugin["keys_lost"].dump();
+    return plugin["keys_lost"] == 0 ? gehalten : satz("{1} ({2} lost)", gehalten, verloren);
 }
 
 std::string alsText(const Json& dokument, const Farben& farben) {
-    Tabelle tabelle({"STATE", "FILE", "VERSION", "FILE VERSION", "RESIDENT", "KEYS", "EXTENSIONS"});
+    Tabelle tabelle({satz("STATE"), satz("FILE"), satz("VERSION"), satz("FILE VERSION"), satz("RESIDENT"),
+                     satz("KEYS"), satz("EXTENSIONS")});
     for (const Json& zeile : dokument["files"]) {
-        const std::string zustand = zeile["state"];
         const Json& plugin = zeile["plugin"];
-        if (plugin.is_null())
-            tabelle.zeile({{zustand, farbe(zustand)}, zeige(zeile["file"])});
-        else
-            tabelle.zeile({{zustand, farbe(zustand)},
-                           zeige(zeile["file"]),
-                           zeige(plugin["product_version"]),
-                           zeige(plugin["file_version"]),
-                           plugin["resident"] ? "yes" : "no",
-                           schluesselAlsText(plugin),
-                           erweiterungenAlsText(plugin)});
+        std::vector<Tabelle::Zelle> zellen{{zustandsname(zeile["state"]), farbe(zeile["state"])},
+                                           zeige(zeile["file"])};
+        if (!plugin.is_null())
+            for (const std::string& text : {zeige(plugin["product_version"]), zeige(plugin["file_version"]),
+                                            plugin["resident"] ? satz("yes") : satz("no"),
+                                            schluesselAlsText(plugin), erweiterungenAlsText(plugin)})
+                zellen.emplace_back(text);
+        tabelle.zeile(std::move(zellen));
         if (const std::string grund = begruendung(zeile); !grund.empty())
             tabelle.bemerkung(grund);
     }
-    std::string text = "Plugin directory: " + zeige(dokument["plugin_directory"]) + "\n\n";
+    std::string text = satz("Plugin directory: {1}", zeige(dokument["plugin_directory"])) + "\n\n";
     if (!dokument["files"].empty())
         text += tabelle.alsText(farben) + "\n";
     text += unlesbareAlsText(dokument["unreadable_directories"], farben);
@@ -127,7 +117,7 @@ std::string alsText(const Json& dokument, const Farben& farben) {
     for (int zustand = 0; zustand <= static_cast<int>(Zustand::ZEIT); ++zustand) {
         const char* const name = code(static_cast<Zustand>(zustand));
         if (totals[name] != 0) {
-            text += trenner + totals[name].dump() + " " + name;
+            text += trenner + totals[name].dump() + " " + zustandsname(name);
             trenner = ", ";
         }
     }

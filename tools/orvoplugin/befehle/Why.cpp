@@ -28,14 +28,12 @@ namespace {
 /// The chain: the steps that succeeded, and the one that failed, if any.
 class Kette {
 public:
-    void ja(const char* schritt, const std::string& text) { nimmAuf(schritt, true, text); }
-    void nein(const char* schritt, const std::string& text) { nimmAuf(schritt, false, text); }
+    void schritt(const char* name, bool gut, const std::string& text) {
+        schritte_.push_back({{"step", name}, {"ok", gut}, {"text", text}});
+    }
     Json json() && { return std::move(schritte_); }
 
 private:
-    void nimmAuf(const char* schritt, bool gut, const std::string& text) {
-        schritte_.push_back({{"step", schritt}, {"ok", gut}, {"text", text}});
-    }
     Json schritte_ = Json::array();
 };
 
@@ -80,25 +78,22 @@ std::string text(const DateiFakt& datei) {
 
 /// Returns: whether the file was loaded.
 bool verfolge(Kette& kette, const DateiFakt& datei, bool einzeln) {
-    const bool imWeg = std::string_view(stufe(datei.grund)) == "walk";
-    const bool imProzess = std::string_view(stufe(datei.grund)) == "process";
+    const std::string_view ende = stufe(datei.grund);
     for (const Ladestufe& s : kLadestufen) {
-        if (einzeln && (std::string_view(s.name) == "walk" || std::string_view(s.name) == "filter"))
+        const std::string_view name = s.name;
+        if (einzeln && (name == "walk" || name == "filter"))
             continue; // its place and name do not matter
-        const bool hier =
-            datei.grund != Grund::KEINER &&
-            (std::find(std::begin(s.gruende), std::end(s.gruende), datei.grund) != std::end(s.gruende) ||
-             (imWeg && std::string_view(s.name) == "walk"));
-        if (hier) {
-            kette.nein(s.name, text(datei));
+        if (datei.grund != Grund::KEINER &&
+            (std::ranges::count(s.gruende, datei.grund) > 0 || (ende == "walk" && name == "walk"))) {
+            kette.schritt(s.name, false, text(datei));
             return false;
         }
-        if (imProzess && std::string_view(s.name) == "open") { // from here on its code may run
+        if (ende == "process" && name == "open") { // from here on its code may run
             const std::string wo = wobei(datei.schritt);
-            kette.nein("process", wo.empty() ? text(datei) : satz("{1}: {2}", wo, text(datei)));
+            kette.schritt("process", false, wo.empty() ? text(datei) : satz("{1}: {2}", wo, text(datei)));
             return false;
         }
-        kette.ja(s.name, uebersetzt(s.gelungen));
+        kette.schritt(s.name, true, uebersetzt(s.gelungen));
     }
     return true;
 }
@@ -114,28 +109,15 @@ Schluessellage schluesselVon(const Bestand& bestand, std::uint32_t datei) {
         if (schluessel.inhaber.datei == datei)
             lage.gehalten.push_back(schluesselAlsJson(schluessel));
         for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
-            const bool abgewiesen = ereignis.art == SchluesselEreignis::Art::ABGEWIESEN;
-            const bool verdraengt = ereignis.art == SchluesselEreignis::Art::VERDRAENGT;
-            const ErweiterungsOrt& verlierer = verdraengt ? ereignis.gegen : ereignis.wer;
-            if ((!abgewiesen && !verdraengt) || verlierer.datei != datei)
+            const ErweiterungsOrt* const wer = verlierer(ereignis);
+            if (!wer || wer->datei != datei)
                 continue;
             Json verloren = schluesselAlsJson(schluessel);
-            verloren["lost_to"] = anbieterAlsJson(bestand, verdraengt ? ereignis.wer : ereignis.gegen);
-            verloren["rule"] = regelcode(ereignis.regel);
-            verloren["explanation"] = regelsatz(ereignis.regel);
+            verloren.update(verlustAlsJson(bestand, ereignis));
             lage.verloren.push_back(std::move(verloren));
         }
     }
     return lage;
-}
-
-/// The extensions that hold keys of the registry and whose service cannot be had.
-std::vector<const ErweiterungFakt*> kaputte(const Bestand& bestand, std::uint32_t datei) {
-    std::vector<const ErweiterungFakt*> liste;
-    for (const ErweiterungsOrt& ort : bestand.inhaber())
-        if (ort.datei == datei && !bestand.erweiterung(ort).istZuHaben())
-            liste.push_back(&bestand.erweiterung(ort));
-    return liste;
 }
 
 /// The conclusion about an extension whose service cannot be had.
@@ -149,16 +131,14 @@ Json schlussOhneService(const std::string& wer, const ErweiterungFakt& erweiteru
 void verfolgeService(Kette& kette, const ErweiterungFakt& erweiterung) {
     std::string text = satz("{1} ({2})", servicesatz(erweiterung), einzeilig(erweiterung.factory));
     if (erweiterung.factoryExport == Export::NEIN)
-        return kette.nein("factory", text);
-    kette.ja("factory", satz("its library exports the factory {1}", einzeilig(erweiterung.factory)));
+        return kette.schritt("factory", false, text);
+    kette.schritt("factory", true,
+                  satz("its library exports the factory {1}", einzeilig(erweiterung.factory)));
     if (const std::string wo = wobei(erweiterung.service.schritt); !wo.empty())
         text += " " + wo;
     if (!erweiterung.service.meldung.empty())
         text += " [" + einzeilig(erweiterung.service.meldung) + "]";
-    if (erweiterung.istZuHaben())
-        kette.ja("service", text);
-    else
-        kette.nein("service", text);
+    kette.schritt("service", erweiterung.istZuHaben(), text);
 }
 
 Json schlussFuerGeladene(const DateiFakt& datei, const Schluessellage& lage) {
@@ -166,9 +146,7 @@ Json schlussFuerGeladene(const DateiFakt& datei, const Schluessellage& lage) {
         return schluss(
             "no_extensions", satz("The plugin is loaded, but offers nothing."),
             satz("Ask its author whether that is meant; orvo_plugin_initialize adds no extension."));
-    const bool uebergangen =
-        std::any_of(datei.plugin->erweiterungen.begin(), datei.plugin->erweiterungen.end(),
-                    [](const ErweiterungFakt& e) { return e.uebergangen; });
+    const bool uebergangen = std::ranges::any_of(datei.plugin->erweiterungen, &ErweiterungFakt::uebergangen);
     if (lage.gehalten.empty() && lage.verloren.empty())
         return uebergangen
                    ? schluss("passed_over",
@@ -196,25 +174,24 @@ Json schlussFuerGeladene(const DateiFakt& datei, const Schluessellage& lage) {
 
 // --- Why a look-up ---
 
-/// The other years and kinds that are served for the sub-case type.
+/// What is served: the other years and kinds of the sub-case type, and all kinds.
 struct Nachbarschaft {
-    std::set<std::string> zeitraeume;
-    std::set<std::string> arten;
-};
+    std::set<std::string> zeitraeume, arten, alleArten;
 
-Nachbarschaft nachbarn(const Bestand& bestand, std::int32_t typ, const std::string& unterfallart) {
-    Nachbarschaft nachbarn;
-    const Unterfallart gesucht(unterfallart.c_str());
-    for (const SchluesselFakt& schluessel : bestand.schluessel) {
-        if (Unterfallart(schluessel.unterfallart.name.c_str()) != gesucht)
-            continue;
-        if (schluessel.typ == typ)
-            nachbarn.zeitraeume.insert(anzeige(schluessel.zeitraum));
-        else
-            nachbarn.arten.insert(kurzerTypName(schluessel.typName));
+    Nachbarschaft(const Bestand& bestand, std::int32_t typ, const std::string& unterfallart) {
+        const Unterfallart gesucht(unterfallart.c_str());
+        for (const SchluesselFakt& schluessel : bestand.schluessel) {
+            const std::string art = kurzerTypName(schluessel.typName);
+            alleArten.insert(art);
+            if (Unterfallart(schluessel.unterfallart.name.c_str()) != gesucht)
+                continue;
+            if (schluessel.typ == typ)
+                zeitraeume.insert(anzeige(schluessel.zeitraum));
+            else
+                arten.insert(art);
+        }
     }
-    return nachbarn;
-}
+};
 
 std::string aufgezaehlt(const std::set<std::string>& texte) {
     std::string liste;
@@ -232,16 +209,9 @@ Json nichtGeladene(const Bestand& bestand) {
     return liste;
 }
 
-/// All kinds that have an entry.
-std::set<std::string> bedienteArten(const Bestand& bestand) {
-    std::set<std::string> arten;
-    for (const SchluesselFakt& schluessel : bestand.schluessel)
-        arten.insert(kurzerTypName(schluessel.typName));
-    return arten;
-}
-
 Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const std::string& unterfallart,
-                        const Nachbarschaft& nachbarschaft, std::size_t nichtGeladen) {
+                        std::size_t nichtGeladen) {
+    const Nachbarschaft nachbarschaft(bestand, typ, unterfallart);
     const std::string rat = nichtGeladen == 0
                                 ? satz("Install a plugin that serves it.")
                                 : satz("See to the files that were not loaded first; one of them may serve "
@@ -249,7 +219,7 @@ Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const std::str
     if (hatKeinePaare(typ) && !bestand.schluessel.empty())
         return schluss("other_types",
                        satz("No loaded plugin serves this kind of extension; served are {1}.",
-                            aufgezaehlt(bedienteArten(bestand))),
+                            aufgezaehlt(nachbarschaft.alleArten)),
                        rat);
     if (!nachbarschaft.zeitraeume.empty())
         return schluss("other_periods",
@@ -305,10 +275,9 @@ std::set<std::string> ohne(const Json& schluessel, const Json& andere) {
 /// The step about a file with a description. Returns: the conclusion if it says otherwise than the plugin, else null.
 Json vergleicheDatei(Kette& kette, const Bestand& gefragt, const Bestand& beschrieben, std::uint32_t platz) {
     const DateiFakt& datei = gefragt.dateien[platz];
-    const auto andere = std::find_if(beschrieben.dateien.begin(), beschrieben.dateien.end(),
-                                     [&](const DateiFakt& d) { return d.pfad == datei.pfad; });
+    const auto andere = std::ranges::find(beschrieben.dateien, datei.pfad, &DateiFakt::pfad);
     if (andere == beschrieben.dateien.end() || datei.plugin == andere->plugin) {
-        kette.ja("description", satz("the description in it is what the plugin says"));
+        kette.schritt("description", true, satz("the description in it is what the plugin says"));
         return nullptr;
     }
     const Json hier = schluesselVon(gefragt, platz).gehalten;
@@ -320,7 +289,7 @@ Json vergleicheDatei(Kette& kette, const Bestand& gefragt, const Bestand& beschr
         text += "; " + satz("by it, the plugin also answers for {1}", aufgezaehlt(mehr));
     if (!weniger.empty())
         text += "; " + satz("by it, the plugin does not answer for {1}", aufgezaehlt(weniger));
-    kette.nein("description", text);
+    kette.schritt("description", false, text);
     return schluss(
         kFalscheBeschreibung,
         satz("Clients that take descriptions go by that in the file, which is not what the plugin says."),
@@ -344,8 +313,8 @@ Json vergleicheAntwort(Kette& kette, const Bestand& gefragt, const Bestand& besc
     if (antwortVon(gefragt) == dort)
         return nullptr;
     const std::string wer = dort.is_null() ? satz("nobody") : anbieterAlsText(dort["plugin"]);
-    kette.nein(
-        "description",
+    kette.schritt(
+        "description", false,
         satz("by the descriptions in the files, {1} answers; the plugins themselves say otherwise", wer));
     return schluss(kFalscheBeschreibung,
                    dort.is_null()
@@ -363,11 +332,13 @@ constexpr std::size_t kHoechstens = 40; ///< keys that the text shows; all are i
 std::string alsText(const Json& dokument, const Farben& farben) {
     std::string text;
     std::size_t nummer = 0;
+    const std::string ja = satz("yes"), nein = satz("no");
+    const std::size_t breite = std::max(anzeigebreite(ja), anzeigebreite(nein));
     for (const Json& schritt : dokument["steps"]) {
         const bool gut = schritt["ok"];
-        text += std::to_string(++nummer) + ". " +
-                farben(gut ? Farbe::GRUEN : Farbe::ROT, gut ? satz("yes") : satz("no ")) + "  " +
-                zeige(schritt["text"]) + "\n";
+        std::string wort = farben(gut ? Farbe::GRUEN : Farbe::ROT, gut ? ja : nein);
+        wort.append(breite - anzeigebreite(gut ? ja : nein), ' ');
+        text += std::to_string(++nummer) + ". " + wort + "  " + zeige(schritt["text"]) + "\n";
     }
     const auto liste = [&](const Json& schluessel, const std::string& titel, auto&& zeile) {
         if (schluessel.is_null() || schluessel.empty())
@@ -422,81 +393,111 @@ public:
     }
 
 private:
+    /// What is found out, on its way to the document.
+    struct Untersuchung {
+        Untersuchung(const Optionen& o, Auftrag a) : optionen(o), auftrag(std::move(a)) {
+            auftrag.exporteVon = "*";
+            bestand = sammle(optionen, auftrag);
+        }
+
+        void beginne(Json frage) {
+            dokument = jsonKopf("why", bestand.suchpfad);
+            dokument["question"] = std::move(frage);
+            for (const char* const name :
+                 {"steps", "conclusion", "file", "keys_held", "keys_lost", "answer", "not_loaded"})
+                dokument[name] = nullptr;
+            dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
+        }
+        /// Makes the services of the extensions, and adds the steps. One that cannot be had becomes the conclusion.
+        bool probiere(const std::set<ErweiterungsOrt>& orte, const std::string& wer) {
+            const bool istGestorben = probiereServices(bestand, orte, optionen);
+            bool alle = true;
+            for (const ErweiterungsOrt& ort : orte) {
+                const ErweiterungFakt& erweiterung = bestand.erweiterung(ort);
+                verfolgeService(kette, erweiterung);
+                if (alle && !erweiterung.istZuHaben()) {
+                    schliesse(schlussOhneService(wer, erweiterung),
+                              istGestorben ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE);
+                    alle = false;
+                }
+            }
+            return alle;
+        }
+        /// A conclusion that outweighs the one before; null changes nothing.
+        void schliesse(Json anderes, Ausgang mindestens = Ausgang::BEFUNDE) {
+            if (anderes.is_null())
+                return;
+            ende = std::move(anderes);
+            ausgang = schwerster(ausgang, mindestens);
+        }
+        Ausgang gibAus() {
+            dokument["steps"] = std::move(kette).json();
+            dokument["conclusion"] = std::move(ende);
+            werkzeug::gibAus(optionen, dokument, alsText);
+            return ausgang;
+        }
+
+        const Optionen& optionen;
+        Auftrag auftrag;
+        Bestand bestand;
+        Json dokument;
+        Kette kette;
+        Json ende;
+        Ausgang ausgang = Ausgang::GUT;
+    };
+
     Ausgang warumDatei(const Optionen& optionen) const {
         Auftrag auftrag;
-        auftrag.exporteVon = "*";
         auftrag.einzeln = einzelneDatei(optionen, erstes_);
         const bool einzeln = !auftrag.einzeln.empty();
-        Bestand bestand = sammle(optionen, auftrag);
-        const std::optional<std::uint32_t> platz =
-            einzeln ? std::optional<std::uint32_t>(0) : findeDatei(bestand, erstes_);
-        Json dokument = jsonKopf("why", bestand.suchpfad);
-        dokument["question"] = {{"file", jsonText(erstes_)}};
-        Kette kette;
-        Ausgang ausgang = Ausgang::BEFUNDE;
-        Schluessellage lage;
-        Json ende;
-        if (!platz) {
-            kette.nein("found", keineDatei(bestand, erstes_));
-            ende = schluss(
+        Untersuchung u(optionen, std::move(auftrag));
+        u.beginne({{"file", jsonText(erstes_)}});
+        u.dokument["keys_held"] = u.dokument["keys_lost"] = Json::array();
+        const auto platz = einzeln ? std::optional<std::uint32_t>(0) : findeDatei(u.bestand, erstes_);
+        if (platz) {
+            verfolgeDatei(u, *platz, einzeln);
+        } else {
+            u.kette.schritt("found", false, keineDatei(u.bestand, erstes_));
+            u.schliesse(schluss(
                 "not_found",
                 satz("The library never sees the file: it looks below {1} only.",
-                     einzeilig(bestand.suchpfad)),
-                satz("Copy the file there, or name the directory that it lies in with --home or --dir."));
-        } else {
-            const DateiFakt& datei = bestand.dateien[*platz];
-            const std::string voll = einzeilig(bestand.fundort(datei));
-            kette.ja("found", einzeln ? satz("there is a file {1}, looked at without other plugins", voll)
-                                      : satz("there is a file {1}", voll));
-            const bool istGeladen = verfolge(kette, datei, einzeln);
-            if (!istGeladen) {
-                ende = schluss(code(datei.grund), erklaerung(datei), rat(datei));
-                ausgang = datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
-            } else {
-                lage = schluesselVon(bestand, *platz);
-                ende = schlussFuerGeladene(datei, lage);
-                ausgang = lage.gehalten.empty() || !lage.verloren.empty() ? Ausgang::BEFUNDE : Ausgang::GUT;
-                if (lage.gehalten.empty())
-                    kette.nein("keys", satz("it holds no key, and so answers for nothing"));
-                else
-                    kette.ja("keys", satz("it holds {1} and lost {2}",
-                                          anzahl(lage.gehalten.size(), "key", "keys"), lage.verloren.size()));
-            }
-            if (istBeschrieben(bestand, datei))
-                if (Json anders =
-                        vergleicheDatei(kette, bestand, sammleMitBeschreibungen(optionen, auftrag), *platz);
-                    !anders.is_null()) {
-                    ende = std::move(anders);
-                    ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
-                }
-            if (istGeladen)
-                ausgang = schwerster(ausgang, probiereDatei(bestand, *platz, kette, ende, optionen));
+                     einzeilig(u.bestand.suchpfad)),
+                satz("Copy the file there, or name the directory that it lies in with --home or --dir.")));
         }
-        dokument["steps"] = std::move(kette).json();
-        dokument["conclusion"] = std::move(ende);
-        dokument["file"] = platz ? zeileAlsJson(bestand, bestand.dateien[*platz]) : Json(nullptr);
-        dokument["keys_held"] = std::move(lage.gehalten);
-        dokument["keys_lost"] = std::move(lage.verloren);
-        dokument["answer"] = nullptr;
-        dokument["not_loaded"] = nullptr;
-        dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
-        gibAus(optionen, dokument, alsText);
-        return ausgang;
+        return u.gibAus();
     }
 
-    /// Makes the services of the extensions that hold keys. A service that cannot be had becomes the conclusion.
-    static Ausgang probiereDatei(Bestand& bestand, std::uint32_t platz, Kette& kette, Json& ende,
-                                 const Optionen& optionen) {
-        std::set<ErweiterungsOrt> seine = bestand.inhaber();
+    static void verfolgeDatei(Untersuchung& u, std::uint32_t platz, bool einzeln) {
+        const DateiFakt& datei = u.bestand.dateien[platz];
+        const std::string voll = einzeilig(u.bestand.fundort(datei));
+        u.dokument["file"] = zeileAlsJson(u.bestand, datei);
+        u.kette.schritt("found", true,
+                        einzeln ? satz("there is a file {1}, looked at without other plugins", voll)
+                                : satz("there is a file {1}", voll));
+        const bool istGeladen = verfolge(u.kette, datei, einzeln);
+        if (istGeladen) {
+            Schluessellage lage = schluesselVon(u.bestand, platz);
+            const bool haelt = !lage.gehalten.empty();
+            u.schliesse(schlussFuerGeladene(datei, lage),
+                        haelt && lage.verloren.empty() ? Ausgang::GUT : Ausgang::BEFUNDE);
+            u.kette.schritt("keys", haelt,
+                            haelt ? satz("it holds {1} and lost {2}",
+                                         anzahl(lage.gehalten.size(), "key", "keys"), lage.verloren.size())
+                                  : satz("it holds no key, and so answers for nothing"));
+            u.dokument["keys_held"] = std::move(lage.gehalten);
+            u.dokument["keys_lost"] = std::move(lage.verloren);
+        } else {
+            u.schliesse(schluss(code(datei.grund), erklaerung(datei), rat(datei)),
+                        datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE);
+        }
+        if (istBeschrieben(u.bestand, datei))
+            u.schliesse(
+                vergleicheDatei(u.kette, u.bestand, sammleMitBeschreibungen(u.optionen, u.auftrag), platz));
+        if (!istGeladen)
+            return;
+        std::set<ErweiterungsOrt> seine = u.bestand.inhaber();
         std::erase_if(seine, [&](const ErweiterungsOrt& ort) { return ort.datei != platz; });
-        const bool istGestorben = probiereServices(bestand, seine, optionen);
-        for (const ErweiterungsOrt& ort : seine)
-            verfolgeService(kette, bestand.erweiterung(ort));
-        const auto kaputt = kaputte(bestand, platz);
-        if (kaputt.empty())
-            return Ausgang::GUT;
-        ende = schlussOhneService(einzeilig(kurzerPfad(bestand, bestand.dateien[platz])), *kaputt.front());
-        return istGestorben ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
+        u.probiere(seine, einzeilig(kurzerPfad(u.bestand, datei)));
     }
 
     Ausgang warumSchluessel(const Optionen& optionen) const {
@@ -506,83 +507,65 @@ private:
         const Zeitraumtext zeitraum = liesZeitraum(zeitraum_);
         Auftrag auftrag;
         auftrag.frage = Frage{typ, unterfallart, zeitraum.text, zeitraum.format};
-        auftrag.exporteVon = "*";
-        Bestand bestand = sammle(optionen, auftrag);
-        const AntwortFakt antwort = bestand.antwort.value();
-        const bool gefunden = antwort.treffer != RegisterAuskunft::KEINER;
-
-        Json dokument = jsonKopf("why", bestand.suchpfad);
-        dokument["question"] = {{"type", typAlsJson(typ, typName)},
-                                {"sub_case_type", jsonText(unterfallart)},
-                                {"period", alsJson(antwort.gefragt)}};
-        Kette kette;
-        Json geladene = nichtGeladene(bestand);
-        Json ende;
+        Untersuchung u(optionen, std::move(auftrag));
+        const AntwortFakt antwort = u.bestand.antwort.value();
+        u.beginne({{"type", typAlsJson(typ, typName)},
+                   {"sub_case_type", jsonText(unterfallart)},
+                   {"period", alsJson(antwort.gefragt)}});
         const bool fuerAlles = hatKeinePaare(typ);
-        const std::string wonach = kurzerTypName(typName) + (fuerAlles ? "" : " " + einzeilig(unterfallart));
-        const bool ohneZeitraum = antwort.gefragt.jahr == 0;
-        if (!ohneZeitraum && !fuerAlles) {
-            const std::string jahr = wonach + " " + std::to_string(antwort.gefragt.jahr);
-            if (antwort.treffer == RegisterAuskunft::GENAU ||
-                antwort.treffer == RegisterAuskunft::GLEICHES_JAHR)
-                kette.ja("key_of_the_year", satz("there is a key for {1}", jahr));
-            else
-                kette.nein("key_of_the_year", satz("there is no key for {1}", jahr));
-        }
-        if (ohneZeitraum || antwort.treffer == RegisterAuskunft::UNABHAENGIG || !gefunden) {
-            const std::string wofuer = fuerAlles ? satz("{1}, for every sub-case type and period", wonach)
-                                                 : satz("{1} for any period", wonach);
-            if (gefunden)
-                kette.ja("period_independent_key", satz("there is a key for {1}", wofuer));
-            else
-                kette.nein("period_independent_key",
-                           satz("there is no key for {1}", fuerAlles ? wonach : wofuer));
-        }
-        Ausgang ausgang = Ausgang::BEFUNDE;
-        dokument["answer"] = nullptr;
-        if (gefunden) {
-            const SchluesselFakt& schluessel = bestand.schluessel[antwort.schluessel];
-            const bool istGestorben = probiereServices(bestand, {schluessel.inhaber}, optionen);
-            const ErweiterungFakt& erweiterung = bestand.erweiterung(schluessel.inhaber);
-            dokument["answer"] = antwortAlsJson(bestand, schluessel, antwort.treffer);
-            const std::string wer = anbieterAlsText(dokument["answer"]["plugin"]);
-            kette.ja("holder", satz("it is held by {1}", wer));
-            verfolgeService(kette, erweiterung);
-            if (!erweiterung.istZuHaben()) {
-                ende = schlussOhneService(wer, erweiterung);
-                ausgang = istGestorben ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE;
-            } else {
-                const bool ersatz = antwort.treffer == RegisterAuskunft::UNABHAENGIG && !ohneZeitraum;
-                ende = schluss(
-                    "answered",
-                    fuerAlles ? satz("{1} answers, for every sub-case type and period.", wer)
-                    : ersatz  ? satz("{1} answers, for any period: no plugin serves that year by name.", wer)
-                              : satz("{1} answers.", wer),
-                    satz("Nothing needs to be done."));
-                ausgang = Ausgang::GUT;
-            }
+        verfolgeSuche(u.kette, antwort, fuerAlles,
+                      kurzerTypName(typName) + (fuerAlles ? "" : " " + einzeilig(unterfallart)));
+        if (antwort.treffer != RegisterAuskunft::KEINER) {
+            // Only crashed files count: a client does not have the refused ones either.
+            u.dokument["not_loaded"] = ungewisseAlsJson(u.bestand);
+            verfolgeInhaber(u, antwort, fuerAlles);
         } else {
-            ende = schlussOhneAntwort(bestand, typ, unterfallart, nachbarn(bestand, typ, unterfallart),
-                                      geladene.size());
+            Json& andere = u.dokument["not_loaded"] = nichtGeladene(u.bestand);
+            u.schliesse(schlussOhneAntwort(u.bestand, typ, unterfallart, andere.size()));
         }
-        if (std::any_of(bestand.dateien.begin(), bestand.dateien.end(),
-                        [&](const DateiFakt& datei) { return istBeschrieben(bestand, datei); }))
-            if (Json anders = vergleicheAntwort(kette, bestand, sammleMitBeschreibungen(optionen, auftrag));
-                !anders.is_null()) {
-                ende = std::move(anders);
-                ausgang = schwerster(ausgang, Ausgang::BEFUNDE);
-            }
-        dokument["steps"] = std::move(kette).json();
-        dokument["conclusion"] = std::move(ende);
-        dokument["file"] = nullptr;
-        dokument["keys_held"] = nullptr;
-        dokument["keys_lost"] = nullptr;
-        // For an answer only crashed files count: a client does not have the refused ones either.
-        dokument["not_loaded"] = gefunden ? ungewisseAlsJson(bestand) : std::move(geladene);
-        dokument["unreadable_directories"] = unlesbareAlsJson(bestand);
-        gibAus(optionen, dokument, alsText);
-        const Ausgang umstaende = ausgangVon(bestand);
-        return umstaende == Ausgang::BEFUNDE ? ausgang : schwerster(ausgang, umstaende);
+        if (std::ranges::any_of(u.bestand.dateien,
+                                [&](const DateiFakt& datei) { return istBeschrieben(u.bestand, datei); }))
+            u.schliesse(vergleicheAntwort(u.kette, u.bestand, sammleMitBeschreibungen(optionen, u.auftrag)));
+        const Ausgang umstaende = ausgangVon(u.bestand);
+        return schwerster(u.gibAus(), umstaende == Ausgang::BEFUNDE ? Ausgang::GUT : umstaende);
+    }
+
+    /// The steps about the keys that the library looks for.
+    static void verfolgeSuche(Kette& kette, const AntwortFakt& antwort, bool fuerAlles,
+                              const std::string& wonach) {
+        const bool gefunden = antwort.treffer != RegisterAuskunft::KEINER;
+        const bool unabhaengig = antwort.treffer == RegisterAuskunft::UNABHAENGIG;
+        const bool ohneZeitraum = antwort.gefragt.jahr == 0;
+        const auto schritt = [&](const char* name, bool gut, const std::string& wofuer) {
+            kette.schritt(name, gut,
+                          gut ? satz("there is a key for {1}", wofuer)
+                              : satz("there is no key for {1}", wofuer));
+        };
+        if (!ohneZeitraum && !fuerAlles)
+            schritt("key_of_the_year", gefunden && !unabhaengig,
+                    wonach + " " + std::to_string(antwort.gefragt.jahr));
+        if (ohneZeitraum || unabhaengig || !gefunden)
+            schritt("period_independent_key", gefunden,
+                    !fuerAlles ? satz("{1} for any period", wonach)
+                    : gefunden ? satz("{1}, for every sub-case type and period", wonach)
+                               : wonach);
+    }
+
+    static void verfolgeInhaber(Untersuchung& u, const AntwortFakt& antwort, bool fuerAlles) {
+        const SchluesselFakt& schluessel = u.bestand.schluessel[antwort.schluessel];
+        const std::string wer = anbieterAlsText(anbieterAlsJson(u.bestand, schluessel.inhaber));
+        u.kette.schritt("holder", true, satz("it is held by {1}", wer));
+        const bool ersatz = antwort.treffer == RegisterAuskunft::UNABHAENGIG && antwort.gefragt.jahr != 0;
+        if (u.probiere({schluessel.inhaber}, wer))
+            u.schliesse(
+                schluss("answered",
+                        fuerAlles ? satz("{1} answers, for every sub-case type and period.", wer)
+                        : ersatz
+                            ? satz("{1} answers, for any period: no plugin serves that year by name.", wer)
+                            : satz("{1} answers.", wer),
+                        satz("Nothing needs to be done.")),
+                Ausgang::GUT);
+        u.dokument["answer"] = antwortAlsJson(u.bestand, schluessel, antwort.treffer);
     }
 
     std::string erstes_;

@@ -11,7 +11,7 @@ Json schluesselAlsJson(const SchluesselFakt& schluessel) {
     if (hatKeinePaare(schluessel.typ)) {
         const Veranlagungszeitraum jeder;
         return {{"type", typAlsJson(schluessel.typ, schluessel.typName)},
-                {"sub_case_type", {{"number", nullptr}, {"name", "any"}}},
+                {"sub_case_type", {{"number", nullptr}, {"name", uebersetzt("any")}}},
                 {"period", alsJson({jeder.getTyp(), jeder.getJahr(), jeder.getZeitraum(), jeder.getTag(),
                                     jeder.getQuartal(), jeder.getText()})}};
     }
@@ -27,19 +27,26 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
     antwort["factory"] = jsonText(bestand.erweiterung(schluessel.inhaber).factory);
     antwort["service"] = serviceAlsJson(bestand.erweiterung(schluessel.inhaber));
     Json verdraengte = Json::array();
-    for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
-        if (ereignis.art == SchluesselEreignis::Art::EINGETRAGEN)
-            continue;
-        const bool neuerGewann = ereignis.art == SchluesselEreignis::Art::VERDRAENGT;
-        const ErweiterungsOrt& verlierer = neuerGewann ? ereignis.gegen : ereignis.wer;
-        verdraengte.push_back(
-            {{"plugin", anbieterAlsJson(bestand, verlierer)},
-             {"lost_to", anbieterAlsJson(bestand, neuerGewann ? ereignis.wer : ereignis.gegen)},
-             {"rule", regelcode(ereignis.regel)},
-             {"explanation", regelsatz(ereignis.regel)}});
-    }
+    for (const SchluesselEreignis& ereignis : schluessel.ereignisse)
+        if (const ErweiterungsOrt* const wer = verlierer(ereignis)) {
+            verdraengte.push_back({{"plugin", anbieterAlsJson(bestand, *wer)}});
+            verdraengte.back().update(verlustAlsJson(bestand, ereignis));
+        }
     antwort["displaced"] = std::move(verdraengte);
     return antwort;
+}
+
+const ErweiterungsOrt* verlierer(const SchluesselEreignis& ereignis) {
+    if (ereignis.art == SchluesselEreignis::Art::EINGETRAGEN)
+        return nullptr;
+    return ereignis.art == SchluesselEreignis::Art::VERDRAENGT ? &ereignis.gegen : &ereignis.wer;
+}
+
+Json verlustAlsJson(const Bestand& bestand, const SchluesselEreignis& ereignis) {
+    const bool neuerGewann = ereignis.art == SchluesselEreignis::Art::VERDRAENGT;
+    return {{"lost_to", anbieterAlsJson(bestand, neuerGewann ? ereignis.wer : ereignis.gegen)},
+            {"rule", regelcode(ereignis.regel)},
+            {"explanation", regelsatz(ereignis.regel)}};
 }
 
 std::string schluesselAlsText(const Json& schluessel) {

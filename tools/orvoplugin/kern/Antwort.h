@@ -18,6 +18,10 @@ Json antwortAlsJson(const Bestand& bestand, const SchluesselFakt& schluessel, st
 Json schluesselAlsJson(const SchluesselFakt& schluessel);
 /// "CHECK 10 2009", of such a part of a document.
 std::string schluesselAlsText(const Json& schluessel);
+/// The extension that lost the key in an event; null for one in which nobody lost it.
+const ErweiterungsOrt* verlierer(const SchluesselEreignis& ereignis);
+/// To whom it was lost, and why: "lost_to", "rule", "explanation".
+Json verlustAlsJson(const Bestand& bestand, const SchluesselEreignis& ereignis);
 /// The names of the sub-case types that somebody answers for.
 std::vector<std::string> bediente(const Bestand& bestand);
 /// Why the service of such a part cannot be had; empty when nothing is known against it.
