@@ -53,7 +53,10 @@ protected:
     }
     Ergebnis rufe(std::vector<std::string> argumente) {
         argumente.insert(argumente.begin(), "diff");
-        Ergebnis ergebnis = rufeTool(argumente, {"TMPDIR=" + ort_.pfad("tmp")});
+        std::vector<std::string> umgebung{"TMPDIR=" + ort_.pfad("tmp")};
+        if (argumente.back() == "--json") // it is English in every locale
+            umgebung.insert(umgebung.end(), kDeutsch.begin(), kDeutsch.end());
+        Ergebnis ergebnis = rufeTool(argumente, umgebung);
         ergebnis.ausgabe = ersetze(ergebnis.ausgabe, ort_.pfad(), "@DIR@");
         // the content of a test plugin is not the same everywhere
         static const std::regex kInhalt("\"size\": \\d+,(\\s*)\"sha256\": \"[0-9a-f]{64}\"");
@@ -114,6 +117,11 @@ TEST_F(Diff, EqualDirectoriesHaveNoDifference) {
     EXPECT_EQ(ergebnis.ausgang, 0) << "what is refused on both sides is no difference";
     EXPECT_THAT(ergebnis.ausgabe, EndsWith("No difference.\n"));
 }
+TEST_F(Diff, SpeaksGermanWithoutAWordOfEnglish) {
+    legeJahreswechsel();
+    const std::string text = rufeTool({"diff", ort_.pfad("a"), ort_.pfad("b")}, kDeutsch).ausgabe;
+    EXPECT_EQ(vergleicheMitMuster("diff-de.txt", ersetze(text, ort_.pfad(), "@DIR@")), "");
+}
 TEST_F(Diff, GainsAreNoFindings) {
     lege("a/liba.dylib", "produktversion 1.0\ncheck 10 2009\n");
     lege("b/liba.dylib", "produktversion 1.1\ncheck 10 2009,2010\n");
@@ -135,6 +143,20 @@ TEST_F(Diff, ALostKeySaysWhoAnswersInstead) {
             return;
         }
     FAIL() << "not lost";
+}
+TEST_F(Diff, AKeyWhoseFactoryIsNotExportedIsServedByNobody) {
+    lege("a/liba.dylib", "produktversion 1\ncheck 10 2009\ncheck 11 2009\n");
+    lege("b/liba.dylib", "produktversion 1\ncheck 10 2009\nfactory keine\ncheck 11 2009\n");
+    EXPECT_EQ(vergleiche().ausgang, 1);
+    const Json verloren = json()["keys"];
+    EXPECT_THAT(kurz(verloren), ElementsAre("lost CHECK 11 2009"));
+    EXPECT_EQ(verloren[0]["after"], nullptr) << "that the plugin holds the key helps no client";
+    const Json zurueck = Json::parse(rufe({ort_.pfad("b"), ort_.pfad("a"), "--json"}).ausgabe)["keys"];
+    EXPECT_THAT(kurz(zurueck), ElementsAre("gained CHECK 11 2009"));
+    EXPECT_EQ(zurueck[0]["before"], nullptr);
+    EXPECT_EQ(rufe({ort_.pfad("b"), ort_.pfad("b")}).ausgang, 0) << "what nobody served is no difference";
+    const std::string liste = ort_.schreibe("b.json", rufeTool({"lock", ort_.pfad("b")}).ausgabe);
+    EXPECT_EQ(rufe({liste, ort_.pfad("b")}).ausgang, 0) << "nor does a lock file name it";
 }
 TEST_F(Diff, WhatWasDisplacedBeforeIsNotNew) {
     lege("a/liba.dylib", "produktversion 1\ncheck 10 2009\n");

@@ -66,7 +66,8 @@ protected:
         std::ofstream(ort_.pfad(name), std::ios::binary | std::ios::app) << "another build";
     }
     Ergebnis rufe(const std::vector<std::string>& argumente) {
-        Ergebnis ergebnis = rufeTool(argumente);
+        const bool json = argumente.back() == "--json"; // it is English in every locale
+        Ergebnis ergebnis = rufeTool(argumente, json ? kDeutsch : std::vector<std::string>{});
         ergebnis.ausgabe = ersetze(ergebnis.ausgabe, ort_.pfad(), "@DIR@");
         ergebnis.fehler = ersetze(ergebnis.fehler, ort_.pfad(), "@DIR@");
         return ergebnis;
@@ -97,6 +98,8 @@ TEST_F(Lock, ListsEveryFileWithItsContentAndItsKeys) {
     const Ergebnis ergebnis = rufe({"lock", ort_.pfad("p")});
     EXPECT_EQ(ergebnis.ausgang, 1) << "a plugin is refused";
     EXPECT_EQ(vergleicheMitMuster("lock.json", ohneWechselndes(ergebnis.ausgabe)), "");
+    EXPECT_EQ(rufe({"lock", ort_.pfad("p"), "--json"}).ausgabe, ergebnis.ausgabe)
+        << "in German, too: a lock file is English in every locale";
     EXPECT_EQ(rufe({"lock", "--dir", ort_.pfad("p")}).ausgabe, ergebnis.ausgabe)
         << "the same bytes each time";
 }

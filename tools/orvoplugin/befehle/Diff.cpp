@@ -29,6 +29,7 @@ Bestand sammleIn(const std::string& pfad, Optionen optionen) {
     optionen.dir = pfad;
     Auftrag auftrag;
     auftrag.deckung = true;
+    auftrag.exporteVon = "*";
     Bestand bestand = sammle(optionen, auftrag);
     liesInhalte(bestand, !optionen.quiet);
     return bestand;
@@ -41,14 +42,9 @@ void stelleHerkunftHer(Json& dokument, const Zusammenlegung& zusammenlegung) {
         if (nachher.is_null())
             continue;
         const std::string unterpfad = eintrag["file"];
-        const auto stelleHer = [&](Json& text) {
-            if (text.is_string())
-                text = jsonText(zusammenlegung.mitHerkunft(text, unterpfad));
-        };
-        stelleHer(nachher["path"]);
-        stelleHer(nachher["output"]);
-        if (!nachher["reason"].is_null())
-            stelleHer(nachher["reason"]["message"]);
+        for (const char* const wo : {"/path", "/output", "/reason/message"})
+            if (const Json::json_pointer text(wo); nachher.contains(text) && nachher[text].is_string())
+                nachher[text] = jsonText(zusammenlegung.mitHerkunft(nachher[text], unterpfad));
     }
 }
 
@@ -70,7 +66,8 @@ public:
 
     Ausgang fuehreAus(const Optionen& optionen) override {
         if (!optionen.home.empty() || !optionen.dir.empty())
-            throw AufrufFehler("diff takes its two directories as arguments, and neither --home nor --dir");
+            throw AufrufFehler(
+                satz("diff takes its two directories as arguments, and neither --home nor --dir"));
         const std::string a = orvo::orvoutil::getAbsolutePath(a_);
         const std::string b = orvo::orvoutil::getAbsolutePath(b_);
         const bool listeA = istBestandsliste(a);

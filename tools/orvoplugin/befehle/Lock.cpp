@@ -23,7 +23,9 @@ public:
     Ausgang fuehreAus(const Optionen& gegeben) override {
         Optionen optionen = mitVerzeichnis(gegeben, verzeichnis_);
         optionen.json = true;
-        const Bestand bestand = sammle(optionen);
+        Auftrag auftrag;
+        auftrag.exporteVon = "*";
+        const Bestand bestand = sammle(optionen, auftrag);
         gibAus(optionen,
                bestandsliste(bestand, optionen.beschreibungen == Beschreibungen::NUR, "/dev/stdout"),
                nullptr);

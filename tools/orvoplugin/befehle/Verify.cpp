@@ -18,41 +18,23 @@ namespace werkzeug {
 
 namespace {
 
-/// The directory or the lock file, with the keys of its files.
-class Seite {
-public:
-    explicit Seite(const Bestand& bestand) : bestand_(bestand), schluessel_(schluesselJeDatei(bestand)) {
-        for (const DateiFakt& datei : bestand.dateien)
-            istBekannt_ = istBekannt_ && datei.zustand != Zustand::UNBESCHRIEBEN;
-        for (Json& liste : schluessel_) { // the key of a year is the same, whatever part of it is named
-            for (Json& einer : liste)
-                einer.erase("period");
-            std::sort(liste.begin(), liste.end());
-        }
+/// The keys of each file, by its place; null where a plugin that was not run may hold or take keys.
+std::vector<Json> bekannteSchluessel(const Bestand& bestand) {
+    std::vector<Json> je = schluesselJeDatei(bestand);
+    const bool alle = std::ranges::count(bestand.dateien, Zustand::UNBESCHRIEBEN, &DateiFakt::zustand) == 0;
+    for (std::size_t i = 0; i < je.size(); ++i) {
+        for (Json& einer : je[i]) // the key of a year is the same, whatever part of it is named
+            einer.erase("period");
+        std::sort(je[i].begin(), je[i].end());
+        const Zustand zustand = bestand.dateien[i].zustand;
+        if (!alle && zustand != Zustand::UEBERGANGEN && zustand != Zustand::GESPERRT)
+            je[i] = nullptr;
     }
-
-    /// The keys of a file of it; empty without a file, null where a plugin that was not run may hold or take keys.
-    Json schluessel(const DateiFakt* datei) const {
-        if (!datei)
-            return Json::array();
-        return istBekannt_ || datei->zustand == Zustand::UEBERGANGEN || datei->zustand == Zustand::GESPERRT
-                   ? schluessel_.at(static_cast<std::size_t>(datei - bestand_.dateien.data()))
-                   : Json(nullptr);
-    }
-
-private:
-    const Bestand& bestand_;
-    std::vector<Json> schluessel_;
-    bool istBekannt_ = true;
-};
+    return je;
+}
 
 Json dateiAlsJson(const DateiFakt* datei) {
-    if (!datei)
-        return nullptr;
-    Json json = inhaltAlsJson(*datei);
-    json["product_version"] = datei->plugin ? jsonText(datei->plugin->produktVersion) : Json(nullptr);
-    json["file_version"] = datei->plugin ? jsonText(datei->plugin->fileVersion) : Json(nullptr);
-    return json;
+    return datei ? inhaltAlsJson(datei->inhalt, datei->plugin) : Json(nullptr);
 }
 
 /// What is in `a` and not in `b`; null where either is not known.
@@ -67,8 +49,10 @@ Json ohne(const Json& a, const Json& b) {
 Json bericht(const Bestand& soll, const Bestand& ist, const std::string& liste) {
     Json dokument = jsonKopf("verify", ist.suchpfad);
     dokument["lock_file"] = jsonText(liste);
-    const Seite sollSeite(soll);
-    const Seite istSeite(ist);
+    const std::vector<Json> davor = bekannteSchluessel(soll), danach = bekannteSchluessel(ist);
+    const auto schluessel = [](const std::vector<Json>& je, const Bestand& bestand, const DateiFakt* datei) {
+        return datei ? je.at(static_cast<std::size_t>(datei - bestand.dateien.data())) : Json::array();
+    };
     Json summen{{"unchanged", 0}, {"changed", 0}, {"added", 0}, {"lost", 0}};
     Json dateien = Json::array();
     for (const auto& [name, paar] : dateipaare(soll, ist)) {
@@ -76,21 +60,20 @@ Json bericht(const Bestand& soll, const Bestand& ist, const std::string& liste) 
         if (std::error_code keins;
             !vorher && !nachher->plugin && std::filesystem::equivalent(ist.fundort(*nachher), liste, keins))
             continue; // the lock file itself
-        const char* const aenderung = !vorher                             ? "added"
-                                      : !nachher                          ? "lost"
-                                      : vorher->inhalt != nachher->inhalt ? "changed"
+        const char* const aenderung = !vorher                             ? N_("added")
+                                      : !nachher                          ? N_("lost")
+                                      : vorher->inhalt != nachher->inhalt ? N_("changed")
                                                                           : "unchanged";
         summen[aenderung] = summen[aenderung].get<int>() + 1;
         if (vorher && nachher && vorher->inhalt == nachher->inhalt)
             continue;
-        const Json davor = sollSeite.schluessel(vorher);
-        const Json danach = istSeite.schluessel(nachher);
+        const Json alte = schluessel(davor, soll, vorher), neue = schluessel(danach, ist, nachher);
         dateien.push_back({{"change", aenderung},
                            {"file", jsonText(name)},
                            {"before", dateiAlsJson(vorher)},
                            {"after", dateiAlsJson(nachher)},
-                           {"keys_lost", ohne(davor, danach)},
-                           {"keys_gained", ohne(danach, davor)}});
+                           {"keys_lost", ohne(alte, neue)},
+                           {"keys_gained", ohne(neue, alte)}});
     }
     dokument["files"] = std::move(dateien);
     dokument["unreadable_directories"] = unlesbareAlsJson(ist);
@@ -125,7 +108,7 @@ std::string alsText(const Json& dokument, const Farben& farben) {
     Tabelle tabelle({uebersetzt("CHANGE"), uebersetzt("FILE"), uebersetzt("BEFORE"), uebersetzt("AFTER")});
     bool ungewiss = false;
     for (const Json& datei : dokument["files"]) {
-        tabelle.zeile({{datei["change"].get<std::string>(), Farbe::ROT},
+        tabelle.zeile({{uebersetzt(datei["change"].get<std::string>()), Farbe::ROT},
                        zeige(datei["file"]),
                        version(datei["before"]),
                        version(datei["after"])});
@@ -161,7 +144,9 @@ public:
         Optionen optionen = mitVerzeichnis(gegeben, verzeichnis_);
         optionen.beschreibungen = Beschreibungen::NUR; // runs no plugin code
         const Bestand soll = liesBestandsliste(liste_);
-        Bestand ist = sammle(optionen);
+        Auftrag auftrag;
+        auftrag.exporteVon = "*";
+        Bestand ist = sammle(optionen, auftrag);
         liesInhalte(ist, !optionen.quiet);
         const Json dokument = bericht(soll, ist, liste_);
         gibAus(optionen, dokument, alsText);

@@ -42,18 +42,12 @@ Json dateiAlsJson(const Bestand& bestand, const DateiFakt& datei, Json schluesse
     const std::string pfad = kurzerPfad(bestand, datei);
     if (jsonText(pfad) != pfad) // two such names may come out the same
         throw Unlesbar(satz("{1}: its name is not UTF-8, which a lock file cannot hold", einzeilig(pfad)));
-    const std::optional<Inhalt> inhalt = inhaltVon(bestand.fundort(datei));
-    const auto version = [&](std::string PluginFakt::*welche) {
-        return datei.plugin ? Json(jsonText((*datei.plugin).*welche)) : Json(nullptr);
-    };
-    return {{"path", pfad},
-            {"size", inhalt ? Json(inhalt->groesse) : Json(nullptr)},
-            {"sha256", inhalt ? Json(inhalt->sha256) : Json(nullptr)},
-            {"state", code(datei.zustand)},
-            {"product_version", version(&PluginFakt::produktVersion)},
-            {"file_version", version(&PluginFakt::fileVersion)},
-            {"resident", datei.plugin && datei.plugin->resident},
-            {"keys", std::move(schluessel)}};
+    Json json{{"path", pfad}};
+    json.update(inhaltAlsJson(inhaltVon(bestand.fundort(datei)), datei.plugin));
+    json["state"] = code(datei.zustand);
+    json["resident"] = datei.plugin && datei.plugin->resident;
+    json["keys"] = std::move(schluessel);
+    return json;
 }
 
 /// Checks everything before it is used. Errors: `Unlesbar` and `Json::exception` with a reason, to which
@@ -167,6 +161,8 @@ Json zerlege(const std::string& datei) {
 std::vector<Json> schluesselJeDatei(const Bestand& bestand) {
     std::vector<Json> je(bestand.dateien.size(), Json::array());
     for (const SchluesselFakt& schluessel : bestand.schluessel) {
+        if (!bestand.erweiterung(schluessel.inhaber).istZuHaben())
+            continue;
         const bool paare = !hatKeinePaare(schluessel.typ);
         const std::int32_t jahr = paare ? schluessel.zeitraum.jahr : 0;
         je[schluessel.inhaber.datei].push_back(

@@ -21,7 +21,7 @@ Bestand liesBestandsliste(const std::string& datei);
 /// Whether a path that is given for a directory or a lock file is that of a lock file.
 bool istBestandsliste(const std::string& pfad);
 
-/// The keys that each file holds, as in a lock file, by the place in `Bestand::dateien`.
+/// The keys that each file serves, as in a lock file, by the place in `Bestand::dateien`.
 std::vector<Json> schluesselJeDatei(const Bestand& bestand);
 
 } // namespace werkzeug

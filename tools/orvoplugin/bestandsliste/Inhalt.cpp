@@ -1,6 +1,5 @@
 #include "bestandsliste/Inhalt.h"
 
-#include "kern/Anzeige.h"
 #include "kern/Sammler.h"
 #include "kern/Sprache.h"
 
@@ -50,6 +49,13 @@ std::optional<Inhalt> inhaltVon(const std::string& pfad) {
     inhalt.sha256.resize(BASE16_ENCODE_LENGTH(sizeof bytes));
     base16_encode_update(inhalt.sha256.data(), sizeof bytes, bytes);
     return inhalt;
+}
+
+Json inhaltAlsJson(const std::optional<Inhalt>& inhalt, const std::optional<PluginFakt>& plugin) {
+    return {{"size", inhalt ? Json(inhalt->groesse) : Json(nullptr)},
+            {"sha256", inhalt ? Json(inhalt->sha256) : Json(nullptr)},
+            {"product_version", plugin ? jsonText(plugin->produktVersion) : Json(nullptr)},
+            {"file_version", plugin ? jsonText(plugin->fileVersion) : Json(nullptr)}};
 }
 
 void liesInhalte(Bestand& bestand, bool fortschritt) {

@@ -1,5 +1,7 @@
 #include "vergleich/Vergleichsbericht.h"
 
+#include "bestandsliste/Inhalt.h"
+#include "kern/Antwort.h"
 #include "kern/Berichtsteile.h"
 #include "kern/Gruende.h"
 #include "kern/Ordnung.h"
@@ -19,6 +21,23 @@ using orvo::orvoutil::OrvoVersion;
 
 // --- Keys ---
 
+/// The extension that holds the key, and by which match; null when its service cannot be had.
+Json antwort(const Bestand& bestand, const SchluesselFakt& schluessel,
+             std::int32_t treffer = RegisterAuskunft::GENAU) {
+    if (!bestand.erweiterung(schluessel.inhaber).istZuHaben())
+        return nullptr;
+    return {{"match", treffercode(treffer)}, {"plugin", anbieterAlsJson(bestand, schluessel.inhaber)}};
+}
+
+/// The keys whose service can be had, as far as is known.
+std::vector<const SchluesselFakt*> zuHabende(const Bestand& bestand) {
+    std::vector<const SchluesselFakt*> liste;
+    for (const SchluesselFakt& schluessel : bestand.schluessel)
+        if (bestand.erweiterung(schluessel.inhaber).istZuHaben())
+            liste.push_back(&schluessel);
+    return liste;
+}
+
 /// Which plugin answers in a directory, by kind, sub-case type and year.
 class Auskunft {
 public:
@@ -32,24 +51,17 @@ public:
         const auto zeile = zeilen_.find(zeilenrang(schluessel));
         if (zeile == zeilen_.end())
             return nullptr;
+        const auto& ohneZeitraum = zeile->second->ohneZeitraum;
         if (schluessel.zeitraum.jahr == 0)
-            return zeile->second->ohneZeitraum
-                       ? antwort(*zeile->second->ohneZeitraum, RegisterAuskunft::GENAU)
-                       : Json(nullptr);
+            return ohneZeitraum ? antwort(bestand_, bestand_.schluessel.at(*ohneZeitraum)) : Json(nullptr);
         for (const SpanneFakt& spanne : zeile->second->spannen)
-            if (spanne.von <= schluessel.zeitraum.jahr && schluessel.zeitraum.jahr <= spanne.bis)
-                return spanne.treffer == RegisterAuskunft::KEINER
-                           ? Json(nullptr)
-                           : antwort(spanne.schluessel, spanne.treffer);
+            if (spanne.von <= schluessel.zeitraum.jahr && schluessel.zeitraum.jahr <= spanne.bis &&
+                spanne.treffer != RegisterAuskunft::KEINER)
+                return antwort(bestand_, bestand_.schluessel.at(spanne.schluessel), spanne.treffer);
         return nullptr;
     }
 
 private:
-    Json antwort(std::uint32_t schluessel, std::int32_t treffer) const {
-        return {{"match", treffercode(treffer)},
-                {"plugin", anbieterAlsJson(bestand_, bestand_.schluessel.at(schluessel).inhaber)}};
-    }
-
     const Bestand& bestand_;
     std::map<Zeilenrang, const ZeileFakt*> zeilen_;
 };
@@ -77,46 +89,33 @@ public:
 
     /// Both lists have the same order, so one pass over both finds the equal keys.
     Json alsJson() {
-        auto a = vorher_.schluessel.begin();
-        auto b = nachher_.schluessel.begin();
-        while (a != vorher_.schluessel.end() || b != nachher_.schluessel.end()) {
-            const int richtung = a == vorher_.schluessel.end()    ? 1
-                                 : b == nachher_.schluessel.end() ? -1
-                                                                  : vergleiche(*a, *b);
-            if (richtung < 0)
-                verloren(*a++);
-            else if (richtung > 0)
-                gewonnen(*b++);
+        const auto listeA = zuHabende(vorher_), listeB = zuHabende(nachher_);
+        auto a = listeA.begin();
+        auto b = listeB.begin();
+        while (a != listeA.end() || b != listeB.end()) {
+            const bool nurA =
+                b == listeB.end() || (a != listeA.end() && schluesselrang(**a) < schluesselrang(**b));
+            const bool nurB = !nurA && (a == listeA.end() || schluesselrang(**b) < schluesselrang(**a));
+            if (nurA)
+                nimmAuf("lost", true, vorher_, **a, antwort(vorher_, **a), auskunftNachher_.fuer(**a));
+            else if (nurB)
+                nimmAuf("gained", false, nachher_, **b, auskunftVorher_.fuer(**b), antwort(nachher_, **b));
             else
-                beide(*a++, *b++);
+                beide(**a, **b);
+            a += nurB ? 0 : 1;
+            b += nurA ? 0 : 1;
         }
         return std::move(liste_);
     }
 
 private:
-    static int vergleiche(const SchluesselFakt& a, const SchluesselFakt& b) {
-        const Schluesselrang rangVonA = schluesselrang(a);
-        const Schluesselrang rangVonB = schluesselrang(b);
-        return rangVonA < rangVonB ? -1 : rangVonB < rangVonA ? 1 : 0;
-    }
-    static Json eigene(const Bestand& bestand, const SchluesselFakt& schluessel) {
-        return {{"match", treffercode(RegisterAuskunft::GENAU)},
-                {"plugin", anbieterAlsJson(bestand, schluessel.inhaber)}};
-    }
-
-    void verloren(const SchluesselFakt& a) {
-        Json rest = schluesselteil(vorher_, a);
-        rest["lower_version"] = false;
-        rest["before"] = eigene(vorher_, a);
-        rest["after"] = auskunftNachher_.fuer(a);
-        liste_.push_back(eintrag("lost", true, rest));
-    }
-    void gewonnen(const SchluesselFakt& b) {
-        Json rest = schluesselteil(nachher_, b);
-        rest["lower_version"] = false;
-        rest["before"] = auskunftVorher_.fuer(b);
-        rest["after"] = eigene(nachher_, b);
-        liste_.push_back(eintrag("gained", false, rest));
+    void nimmAuf(const char* aenderung, bool befund, const Bestand& bestand, const SchluesselFakt& schluessel,
+                 Json vorher, Json nachher, bool niedriger = false) {
+        Json rest = schluesselteil(bestand, schluessel);
+        rest["lower_version"] = niedriger;
+        rest["before"] = std::move(vorher);
+        rest["after"] = std::move(nachher);
+        liste_.push_back(eintrag(aenderung, befund, rest));
     }
     void beide(const SchluesselFakt& a, const SchluesselFakt& b) {
         const std::string& versionVorher = vorher_.plugin(a.inhaber).produktVersion;
@@ -126,17 +125,14 @@ private:
         if (!andererAnbieter && versionVorher == versionNachher)
             return;
         const bool niedriger = OrvoVersion(versionVorher) > OrvoVersion(versionNachher);
-        Json rest = schluesselteil(nachher_, b);
-        rest["lower_version"] = niedriger;
-        rest["before"] = eigene(vorher_, a);
-        rest["after"] = eigene(nachher_, b);
-        liste_.push_back(eintrag(andererAnbieter ? "provider_changed" : "version_changed", niedriger, rest));
+        nimmAuf(andererAnbieter ? "provider_changed" : "version_changed", niedriger, nachher_, b,
+                antwort(vorher_, a), antwort(nachher_, b), niedriger);
     }
 
     const Bestand& vorher_;
     const Bestand& nachher_;
-    Auskunft auskunftVorher_;
-    Auskunft auskunftNachher_;
+    const Auskunft auskunftVorher_;
+    const Auskunft auskunftNachher_;
     Json liste_ = Json::array();
 };
 
@@ -154,14 +150,11 @@ Verluste verlusteIn(const Bestand& bestand) {
     Verluste verluste;
     for (const SchluesselFakt& schluessel : bestand.schluessel)
         for (const SchluesselEreignis& ereignis : schluessel.ereignisse) {
-            if (ereignis.art == SchluesselEreignis::Art::EINGETRAGEN)
-                continue;
-            const ErweiterungsOrt& wer =
-                ereignis.art == SchluesselEreignis::Art::VERDRAENGT ? ereignis.gegen : ereignis.wer;
-            if (wer.datei != schluessel.inhaber.datei) // else the plugin has the key anyway
+            const ErweiterungsOrt* const wer = verlierer(ereignis);
+            if (wer && wer->datei != schluessel.inhaber.datei) // else the plugin has the key anyway
                 verluste.insert_or_assign(
-                    {schluesselrang(schluessel), kurzerPfad(bestand, bestand.datei(wer))},
-                    Verlust{&schluessel, wer, ereignis.regel});
+                    {schluesselrang(schluessel), kurzerPfad(bestand, bestand.datei(*wer))},
+                    Verlust{&schluessel, *wer, ereignis.regel});
         }
     return verluste;
 }
@@ -175,7 +168,7 @@ void nimmVerlusteAuf(Json& liste, const Bestand& bestand, const Verluste& hier, 
         rest["plugin"] = anbieterAlsJson(bestand, verlust.wer);
         rest["by"] = anbieterAlsJson(bestand, verlust.schluessel->inhaber);
         rest["rule"] = regelcode(verlust.regel);
-        rest["explanation"] = regelsatz(verlust.regel);
+        rest["explanation"] = uebersetzt(regelsatz(verlust.regel));
         liste.push_back(eintrag(aenderung, befund, rest));
     }
 }
@@ -192,9 +185,7 @@ Json dateiAlsJson(const Bestand& bestand, const DateiFakt* datei) {
     json.erase("file");
     if (datei->pfad.empty()) // of a lock file
         json["path"] = nullptr;
-    json["product_version"] = datei->plugin ? jsonText(datei->plugin->produktVersion) : Json(nullptr);
-    json["file_version"] = datei->plugin ? jsonText(datei->plugin->fileVersion) : Json(nullptr);
-    json.update(inhaltAlsJson(*datei));
+    json.update(inhaltAlsJson(datei->inhalt, datei->plugin));
     return json;
 }
 
@@ -285,11 +276,6 @@ std::map<std::string, std::pair<const DateiFakt*, const DateiFakt*>> dateipaare(
     for (const DateiFakt& datei : b.dateien)
         paare[kurzerPfad(b, datei)].second = &datei;
     return paare;
-}
-
-Json inhaltAlsJson(const DateiFakt& datei) {
-    return {{"size", datei.inhalt ? Json(datei.inhalt->groesse) : Json(nullptr)},
-            {"sha256", datei.inhalt ? Json(datei.inhalt->sha256) : Json(nullptr)}};
 }
 
 Json vergleichsbericht(const Vergleichsseite& vorher, const Vergleichsseite& nachher, bool zusammengelegt) {

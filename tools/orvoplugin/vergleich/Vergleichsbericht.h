@@ -20,8 +20,6 @@ struct Vergleichsseite {
 /// The files of two directories, by their paths below them; null for one that is on the other side only.
 std::map<std::string, std::pair<const DateiFakt*, const DateiFakt*>> dateipaare(const Bestand& a,
                                                                                 const Bestand& b);
-/// {"size": 4711, "sha256": "..."}; null where the file has no content that can be read.
-Json inhaltAlsJson(const DateiFakt& datei);
 
 /// The differences between two plugin directories, as the document of the diff command. What a lock file does not say
 /// (who is displaced, why a file was refused) is left out.

@@ -16,30 +16,33 @@ struct Abschnitt {
 };
 
 constexpr Abschnitt kAbschnitte[] = {
-    {"files", "newly_refused", "Newly refused"},
-    {"files", "no_longer_loaded", "No longer loaded"},
-    {"keys", "lost", "Keys lost"},
-    {"displaced", "newly_displaced", "Newly displaced"},
-    {"keys", "provider_changed", "Keys with another provider"},
-    {"keys", "version_changed", "Keys with another version of their provider"},
-    {"keys", "gained", "Keys gained"},
-    {"displaced", "no_longer_displaced", "No longer displaced"},
-    {"files", "no_longer_refused", "No longer refused"},
-    {"files", "reason_changed", "Refused as before, for another reason"},
-    {"files", "version_changed", "Files with another version"},
-    {"files", "content_changed", "Files with other content under the same version"},
-    {"files", "added", "Files added"},
-    {"files", "removed", "Files removed"},
+    {"files", "newly_refused", N_("Newly refused")},
+    {"files", "no_longer_loaded", N_("No longer loaded")},
+    {"keys", "lost", N_("Keys lost")},
+    {"displaced", "newly_displaced", N_("Newly displaced")},
+    {"keys", "provider_changed", N_("Keys with another provider")},
+    {"keys", "version_changed", N_("Keys with another version of their provider")},
+    {"keys", "gained", N_("Keys gained")},
+    {"displaced", "no_longer_displaced", N_("No longer displaced")},
+    {"files", "no_longer_refused", N_("No longer refused")},
+    {"files", "reason_changed", N_("Refused as before, for another reason")},
+    {"files", "version_changed", N_("Files with another version")},
+    {"files", "content_changed", N_("Files with other content under the same version")},
+    {"files", "added", N_("Files added")},
+    {"files", "removed", N_("Files removed")},
 };
 
-std::string jahr(const Json& eintrag) { return eintrag["year"].is_null() ? "any" : eintrag["year"].dump(); }
-std::string unterfallart(const Json& eintrag) {
-    return eintrag["sub_case_type"].is_null() ? "any" : zeige(eintrag["sub_case_type"]["name"]);
+/// Kind, sub-case type and year: the first cells of a row.
+std::vector<Tabelle::Zelle> schluessel(const Json& eintrag) {
+    const Json& unterfallart = eintrag["sub_case_type"];
+    return {zeige(eintrag["type"]["label"]),
+            unterfallart.is_null() ? satz("any") : zeige(unterfallart["name"]),
+            eintrag["year"].is_null() ? satz("any") : eintrag["year"].dump()};
 }
 
 std::string antwort(const Json& seite) {
     if (seite.is_null())
-        return "nobody";
+        return satz("nobody");
     const std::string text = anbieterAlsText(seite["plugin"]);
     return seite["match"] == "period_independent" ? "~ " + text : text;
 }
@@ -47,8 +50,10 @@ std::string antwort(const Json& seite) {
 std::string versionen(const Json& seite) {
     if (seite.is_null() || seite["product_version"].is_null())
         return "-";
-    return zeige(seite["product_version"]) +
-           (seite["file_version"] == "" ? "" : " (file version " + zeige(seite["file_version"]) + ")");
+    const std::string version = zeige(seite["product_version"]);
+    return seite["file_version"] == ""
+               ? version
+               : satz("{1} (file version {2})", version, zeige(seite["file_version"]));
 }
 
 /// The beginning is enough to see that it is another, and to find it.
@@ -56,37 +61,41 @@ std::string pruefsumme(const Json& seite) {
     return " sha256 " + seite["sha256"].get<std::string>().substr(0, 12) + "…";
 }
 
-std::string zustand(const Json& seite) { return seite.is_null() ? "not there" : zeige(seite["state"]); }
+std::string zustand(const Json& seite) {
+    return seite.is_null() ? satz("not there") : zustandsname(seite["state"]);
+}
 
 Tabelle schluesseltabelle(const Json& liste, const char* aenderung) {
-    Tabelle tabelle({"TYPE", "SUB-CASE TYPE", "YEAR", "BEFORE", "AFTER"});
+    Tabelle tabelle({satz("TYPE"), satz("SUB-CASE TYPE"), satz("YEAR"), satz("BEFORE"), satz("AFTER")});
     for (const Json& eintrag : liste)
         if (eintrag["change"] == aenderung) {
-            const bool niedriger = eintrag["lower_version"];
-            tabelle.zeile({zeige(eintrag["type"]["label"]),
-                           unterfallart(eintrag),
-                           jahr(eintrag),
-                           antwort(eintrag["before"]),
-                           {antwort(eintrag["after"]) + (niedriger ? "  lower version!" : ""),
-                            niedriger ? std::optional(Farbe::ROT) : std::nullopt}});
+            auto zeile = schluessel(eintrag);
+            zeile.emplace_back(antwort(eintrag["before"]));
+            zeile.emplace_back(antwort(eintrag["after"]));
+            if (eintrag["lower_version"])
+                zeile.back() = {satz("{1}  lower version!", zeile.back().text), Farbe::ROT};
+            tabelle.zeile(std::move(zeile));
         }
     return tabelle;
 }
 
 Tabelle verdraengtentabelle(const Json& liste, const char* aenderung) {
-    Tabelle tabelle({"TYPE", "SUB-CASE TYPE", "YEAR", "DISPLACED", "BY", "RULE"});
+    Tabelle tabelle(
+        {satz("TYPE"), satz("SUB-CASE TYPE"), satz("YEAR"), satz("DISPLACED"), satz("BY"), satz("RULE")});
     for (const Json& eintrag : liste)
-        if (eintrag["change"] == aenderung)
-            tabelle.zeile({zeige(eintrag["type"]["label"]), unterfallart(eintrag), jahr(eintrag),
-                           anbieterAlsText(eintrag["plugin"]), anbieterAlsText(eintrag["by"]),
-                           zeige(eintrag["rule"])});
+        if (eintrag["change"] == aenderung) {
+            auto zeile = schluessel(eintrag);
+            zeile.insert(zeile.end(), {anbieterAlsText(eintrag["plugin"]), anbieterAlsText(eintrag["by"]),
+                                       zeige(eintrag["rule"])});
+            tabelle.zeile(std::move(zeile));
+        }
     return tabelle;
 }
 
 Tabelle dateitabelle(const Json& liste, const std::string& aenderung) {
     const bool zustaende = aenderung == "newly_refused" || aenderung == "no_longer_loaded" ||
                            aenderung == "no_longer_refused" || aenderung == "reason_changed";
-    Tabelle tabelle({"FILE", "BEFORE", "AFTER"});
+    Tabelle tabelle({satz("FILE"), satz("BEFORE"), satz("AFTER")});
     for (const Json& eintrag : liste) {
         if (eintrag["change"] != aenderung)
             continue;
@@ -116,18 +125,19 @@ std::string abschnittAlsText(const Json& dokument, const Abschnitt& abschnitt, c
     const Tabelle tabelle = was == "keys"        ? schluesseltabelle(liste, abschnitt.aenderung)
                             : was == "displaced" ? verdraengtentabelle(liste, abschnitt.aenderung)
                                                  : dateitabelle(liste, abschnitt.aenderung);
-    return farben(Farbe::FETT,
-                  std::string(abschnitt.ueberschrift) + ": " + anzahlen[abschnitt.aenderung].dump()) +
+    return farben(Farbe::FETT, satz("{1}: {2}", uebersetzt(abschnitt.ueberschrift),
+                                    anzahlen[abschnitt.aenderung].dump())) +
            "\n" + tabelle.alsText(farben) + "\n";
 }
 
 } // namespace
 
 std::string vergleichAlsText(const Json& dokument, const Farben& farben) {
-    std::string text = "Before: " + zeige(dokument["plugin_directory"]) + "\n";
-    text += dokument["merge"]
-                ? "After:  the same, with " + zeige(dokument["other_directory"]) + " copied over it\n\n"
-                : "After:  " + zeige(dokument["other_directory"]) + "\n\n";
+    const std::string danach = zeige(dokument["other_directory"]);
+    std::string text = satz("Before: {1}", zeige(dokument["plugin_directory"])) + "\n" +
+                       (dokument["merge"] ? satz("After:  the same, with {1} copied over it", danach)
+                                          : satz("After:  {1}", danach)) +
+                       "\n\n";
     if (!dokument["lock_files"].empty())
         text +=
             satz(
@@ -141,12 +151,12 @@ std::string vergleichAlsText(const Json& dokument, const Farben& farben) {
     for (const Abschnitt& abschnitt : kAbschnitte)
         text += abschnittAlsText(dokument, abschnitt, farben);
     if (ersatz)
-        text += "~  a period-independent entry answers, for want of one of the year\n\n";
+        text += satz("~  a period-independent entry answers, for want of one of the year") + "\n\n";
     const Json& summen = dokument["totals"];
     if (summen["changes"] == 0)
-        return text + "No difference.\n";
+        return text + satz("No difference.") + "\n";
     return text + anzahl(summen["changes"], "difference", "differences") + ", " +
-           (summen["findings"] == 0 ? farben(Farbe::GRUEN, "none of them a finding")
+           (summen["findings"] == 0 ? farben(Farbe::GRUEN, satz("none of them a finding"))
                                     : farben(Farbe::ROT, anzahl(summen["findings"], "finding", "findings"))) +
            "\n";
 }

@@ -1,11 +1,10 @@
 #include "vergleich/Zusammenlegung.h"
 
 #include "kern/Anzeige.h"
+#include "kern/Kindprozess.h"
 #include "kern/Sammler.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 #ifdef __linux__
 #include <sys/prctl.h>
@@ -48,51 +47,46 @@ class Leger {
 public:
     explicit Leger(const fs::path& ziel) : ziel_(ziel) {}
 
-    /// Links to all of A's files; unreadable directories are skipped, as on loading.
-    void legeGrund(const fs::path& a, const fs::path& unterpfad = {}) {
+    /// Links to all files of the directory. Those of B, put over those of A, have to be readable, and a library that
+    /// is there by another name is copied.
+    void lege(const fs::path& von, bool darueber, const fs::path& unterpfad = {}) {
         std::error_code fehler;
-        for (const fs::directory_entry& eintrag : fs::directory_iterator(a / unterpfad, fehler)) {
+        const fs::directory_iterator eintraege(von / unterpfad, fehler);
+        if (fehler && darueber)
+            throw Unlesbar(
+                satz("{1}: {2}", einzeilig((von / unterpfad).string()), systemtext(fehler.value())));
+        for (const fs::directory_entry& eintrag : eintraege) {
             const fs::path dort = unterpfad / eintrag.path().filename();
+            macheFrei(eintrag, dort);
             if (istVerzeichnis(eintrag)) {
                 fs::create_directory(ziel_ / dort);
-                legeGrund(a, dort);
+                lege(von, darueber, dort);
+            } else if (darueber && namen_.contains(inodeVon(eintrag.path()))) {
+                fs::copy_file(eintrag.path(), ziel_ / dort);
             } else {
                 verknuepfe(eintrag.path(), dort);
             }
         }
     }
 
-    void legeDarueber(const fs::path& b, const fs::path& unterpfad = {}) {
-        std::error_code fehler;
-        const fs::directory_iterator eintraege(b / unterpfad, fehler);
-        if (fehler)
-            throw Unlesbar(einzeilig((b / unterpfad).string()) + ": " + fehler.message());
-        for (const fs::directory_entry& eintrag : eintraege) {
-            const fs::path dort = unterpfad / eintrag.path().filename();
-            const bool istDa = fs::symlink_status(ziel_ / dort).type() != fs::file_type::not_found;
-            const bool warVerzeichnis = istDa && fs::is_directory(fs::symlink_status(ziel_ / dort));
-            if (istDa && warVerzeichnis != istVerzeichnis(eintrag))
-                throw Unlesbar(einzeilig(eintrag.path().string()) + ": cannot be copied over a " +
-                               (warVerzeichnis ? "directory" : "file"));
-            if (istVerzeichnis(eintrag)) {
-                fs::create_directory(ziel_ / dort);
-                legeDarueber(b, dort);
-                continue;
-            }
-            if (istDa) {
-                fs::remove(ziel_ / dort);
-                vergiss(dort);
-            }
-            if (namen_.contains(inodeVon(eintrag.path())))
-                fs::copy_file(eintrag.path(), ziel_ / dort);
-            else
-                verknuepfe(eintrag.path(), dort);
-        }
-    }
-
 private:
     static bool istVerzeichnis(const fs::directory_entry& eintrag) {
         return fs::is_directory(eintrag.symlink_status()); // the walk follows no links to directories
+    }
+    /// Removes the file that the entry replaces.
+    void macheFrei(const fs::directory_entry& eintrag, const fs::path& dort) {
+        const fs::file_type vorher = fs::symlink_status(ziel_ / dort).type();
+        if (vorher == fs::file_type::not_found)
+            return;
+        const bool warVerzeichnis = vorher == fs::file_type::directory;
+        if (warVerzeichnis != istVerzeichnis(eintrag))
+            throw Unlesbar(satz(warVerzeichnis ? N_("{1}: cannot be copied over a directory")
+                                               : N_("{1}: cannot be copied over a file"),
+                                einzeilig(eintrag.path().string())));
+        if (warVerzeichnis)
+            return;
+        fs::remove(ziel_ / dort);
+        vergiss(dort);
     }
     void verknuepfe(const fs::path& datei, const fs::path& dort) {
         fs::create_symlink(fs::absolute(datei), ziel_ / dort);
@@ -119,26 +113,20 @@ class Zusammenlegung::Waechter {
 public:
     Waechter() {
 #ifdef __linux__
-        int rohr[2];
-        if (pipe2(rohr, O_CLOEXEC) != 0)
-            return;
+        Rohr rohr;
         const pid_t wir = getpid();
         prozess_ = fork();
         if (prozess_ == 0)
-            wache(wir, rohr[1]);
-        close(rohr[1]);
-        verzeichnis_ = liesAlles(rohr[0]);
-        close(rohr[0]);
+            wache(wir, rohr.schreibende());
+        rohr.schliesse(1);
+        verzeichnis_ = liesAlles(rohr.lesende());
 #endif
     }
     Waechter(const Waechter&) = delete;
     Waechter& operator=(const Waechter&) = delete;
     ~Waechter() {
-        if (prozess_ <= 0)
-            return;
-        kill(prozess_, SIGKILL);
-        while (waitpid(prozess_, nullptr, 0) < 0 && errno == EINTR) {
-        }
+        if (prozess_ > 0 && kill(prozess_, SIGKILL) == 0)
+            warteAuf(prozess_);
     }
 
     /// Empty when the directory could not be made, or this system has no such process.
@@ -170,7 +158,7 @@ private:
         } catch (const std::exception&) { // the tool then tries itself, and reports the error
             _exit(EXIT_FAILURE);
         }
-        const bool gesagt = write(rohr, verzeichnis.data(), verzeichnis.size()) > 0;
+        const bool gesagt = schreibeGanz(rohr, verzeichnis.data(), verzeichnis.size());
         closefrom(0); // no reader must wait for this process
         sigset_t tod;
         sigemptyset(&tod);
@@ -196,8 +184,8 @@ Zusammenlegung::Zusammenlegung(const std::string& a, const std::string& b)
       pfad_(waechter_->verzeichnis().empty() ? neuesVerzeichnis() : waechter_->verzeichnis()) {
     try {
         Leger leger(pfad_);
-        leger.legeGrund(a);
-        leger.legeDarueber(b);
+        leger.lege(a, false);
+        leger.lege(b, true);
     } catch (...) {
         std::error_code gleich;
         fs::remove_all(pfad_, gleich);
