@@ -121,6 +121,17 @@ TEST_F(Bunt, WhyFollowsALookUpOfAnUnknownSubCaseType) {
     pruefe("why-unknown", 1, {"why", "check", "Nie", "2009"});
 }
 
+TEST_F(Bunt, SpeaksGermanWithoutAWordOfEnglish) {
+    const std::vector<std::pair<std::string, std::vector<std::string>>> faelle{
+        {"list-de.txt", {"list"}},
+        {"show-de.txt", {"show", "a"}},
+        {"why-file-de.txt", {"why", "b"}},
+        {"why-refused-de.txt", {"why", "g"}},
+        {"why-look-up-de.txt", {"why", "check", "10", "2009"}}};
+    for (const auto& [muster, argumente] : faelle)
+        EXPECT_EQ(vergleicheMitMuster(muster, heim_.rufe(argumente, kDeutsch).ausgabe), "");
+}
+
 TEST(Befehle, TaxOfficeDataThatNobodyServesAreServedForNoSubCaseTypeAndPeriod) {
     const Heim heim;
     heim.lege(test_plugins::DescribedByFile, "liba.dylib", "check 10 2009\ncheck 0 2000\nxpath 77 2009\n");

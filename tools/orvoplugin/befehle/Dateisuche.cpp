@@ -10,7 +10,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -38,7 +37,7 @@ std::string einzelneDatei(const Optionen& optionen, const std::string& gemeint) 
     if (!optionen.dir.empty() || !optionen.home.empty() || gemeint.find('/') == std::string::npos)
         return {};
     if (access(gemeint.c_str(), R_OK) != 0)
-        throw Unlesbar(einzeilig(gemeint) + ": " + std::strerror(errno));
+        throw Unlesbar(satz("{1}: {2}", einzeilig(gemeint), systemtext(errno)));
     return orvo::orvoutil::getAbsolutePath(gemeint);
 }
 
@@ -75,7 +74,7 @@ std::optional<std::uint32_t> findeDatei(const Bestand& bestand, const std::strin
         std::string namen;
         for (const std::uint32_t i : passende)
             namen += "\n  " + einzeilig(kurzerPfad(bestand, bestand.dateien[i]));
-        throw AufrufFehler("several files are called " + einzeilig(gemeint) + ":" + namen);
+        throw AufrufFehler(satz("several files are called {1}:{2}", einzeilig(gemeint), namen));
     }
     return passende.empty() ? std::nullopt : std::optional(passende.front());
 }

@@ -32,7 +32,8 @@ std::string alsText(const Json& dokument, const Farben& farben) {
         return satz("nobody answers") +
                rueckfrage(dokument["did_you_mean"].is_null() ? "" : zeige(dokument["did_you_mean"])) + "\n" +
                umstaende;
-    Tabelle tabelle({"TYPE", "SUB-CASE TYPE", "PERIOD", "KEY", "VERSION", "FILE", "FACTORY"});
+    Tabelle tabelle({satz("TYPE"), satz("SUB-CASE TYPE"), satz("PERIOD"), satz("KEY"), satz("VERSION"),
+                     satz("FILE"), satz("FACTORY")});
     for (const Json& antwort : dokument["answers"]) {
         tabelle.zeile({zeige(antwort["type"]["label"]), zeige(antwort["sub_case_type"]["name"]),
                        zeige(antwort["period"]["label"]), zeige(antwort["match"]),
@@ -41,8 +42,8 @@ std::string alsText(const Json& dokument, const Farben& farben) {
         if (const std::string mangel = servicemangelAlsText(antwort["service"]); !mangel.empty())
             tabelle.bemerkung(farben(Farbe::ROT, mangel));
         for (const Json& verdraengter : antwort["displaced"])
-            tabelle.bemerkung("instead of " + anbieterAlsText(verdraengter["plugin"]) + ": " +
-                              zeige(verdraengter["explanation"]));
+            tabelle.bemerkung(satz("instead of {1}: {2}", anbieterAlsText(verdraengter["plugin"]),
+                                   zeige(verdraengter["explanation"])));
     }
     return tabelle.alsText(farben) + umstaende;
 }

@@ -7,10 +7,6 @@
 #include "kern/Gruende.h"
 #include "kern/Sammler.h"
 
-#include <orvoplugin/domain/Abhaengigkeit.h>
-#include <orvoplugin/domain/Bedingung.h>
-#include <orvoplugin/plugin/OrvoPlugin.h>
-
 #include <CLI/CLI.hpp>
 
 namespace werkzeug {
@@ -19,36 +15,18 @@ namespace {
 
 // --- The document ---
 
-Json art(std::int32_t typ, const char* name) { return {{"number", typ}, {"code", name}}; }
-
-Json flagAlsJson(std::int32_t flag) {
-    constexpr const char* kNamen[] = {"delete_service", "reserved_1", "reserved_2", "reserved_3",
-                                      "reserved_4"};
-    return art(flag, flag >= 0 && flag < 5 ? kNamen[flag] : "other");
+/// A number of the library's and its name; "other" for one beyond the table, and for a null in it.
+template <std::size_t N>
+Json art(std::int32_t nummer, const char* const (&namen)[N]) {
+    const char* const name = nummer >= 0 && nummer < static_cast<std::int32_t>(N) ? namen[nummer] : nullptr;
+    return {{"number", nummer}, {"code", name ? name : "other"}};
 }
 
-Json abhaengigkeitAlsJson(std::int32_t typ) {
-    return art(typ, typ == Abhaengigkeit::UFA_VZ ? "sub_case_type_and_period" : "other");
-}
-
-Json bedingungAlsJson(std::int32_t typ) {
-    constexpr const char* kNamen[] = {"sub_case_type_check", "formal_check", "sums", "leading_record_check"};
-    return art(typ,
-               typ >= Bedingung::UFA_PRUEFUNG && typ <= Bedingung::VORSATZ_PRUEFUNG ? kNamen[typ] : "other");
-}
-
-Json statusAlsJson(std::int32_t status) {
-    switch (status) {
-    case ORVO_PLUGIN_ERZEUGT:
-        return art(status, "made");
-    case ORVO_PLUGIN_GELADEN:
-        return art(status, "in_use");
-    case ORVO_PLUGIN_ENTLADEN:
-        return art(status, "given_back");
-    default:
-        return art(status, "other");
-    }
-}
+constexpr const char* kFlags[] = {"delete_service", "reserved_1", "reserved_2", "reserved_3", "reserved_4"};
+constexpr const char* kAbhaengigkeiten[] = {"sub_case_type_and_period"};
+constexpr const char* kBedingungen[] = {"sub_case_type_check", "formal_check", "sums",
+                                        "leading_record_check"};
+constexpr const char* kStatus[] = {"made", nullptr, "in_use", "given_back"};
 
 Json funktionAlsJson(const std::string& name, Export exportiert) {
     return {{"name", jsonText(name)}, {"exported", code(exportiert)}};
@@ -62,6 +40,11 @@ Json listeAlsJson(const Liste& liste, Wie&& wie) {
     return json;
 }
 
+template <std::size_t N>
+Json artenAlsJson(const std::vector<std::int32_t>& nummern, const char* const (&namen)[N]) {
+    return listeAlsJson(nummern, [&](std::int32_t nummer) { return art(nummer, namen); });
+}
+
 Json erweiterungAlsJson(const ErweiterungFakt& erweiterung) {
     const auto zeitraum = [](const ZeitraumFakt& z) { return alsJson(z); };
     const auto angebot = [&](const auto& paar) {
@@ -72,10 +55,10 @@ Json erweiterungAlsJson(const ErweiterungFakt& erweiterung) {
             {"serves_sub_case_types", erweiterung.bedientUnterfallarten},
             {"passed_over", erweiterung.uebergangen},
             {"offers", listeAlsJson(erweiterung.angebot, angebot)},
-            {"flags", listeAlsJson(erweiterung.flags, flagAlsJson)},
-            {"preconditions", listeAlsJson(erweiterung.vorbedingungen, bedingungAlsJson)},
-            {"postconditions", listeAlsJson(erweiterung.nachbedingungen, bedingungAlsJson)},
-            {"dependencies", listeAlsJson(erweiterung.abhaengigkeiten, abhaengigkeitAlsJson)}};
+            {"flags", artenAlsJson(erweiterung.flags, kFlags)},
+            {"preconditions", artenAlsJson(erweiterung.vorbedingungen, kBedingungen)},
+            {"postconditions", artenAlsJson(erweiterung.nachbedingungen, kBedingungen)},
+            {"dependencies", artenAlsJson(erweiterung.abhaengigkeiten, kAbhaengigkeiten)}};
 }
 
 Json labelAlsJson(const LabelFakt& label) {
@@ -96,23 +79,26 @@ Json pluginAlsJson(const PluginFakt& plugin) {
             {"product_version", jsonText(plugin.produktVersion)},
             {"file_version", jsonText(plugin.fileVersion)},
             {"resident", plugin.resident},
-            {"status", statusAlsJson(plugin.status)},
+            {"status", art(plugin.status, kStatus)},
             {"on_load", hook(plugin.onLoad, plugin.onLoadExport)},
             {"on_unload", hook(plugin.onUnload, plugin.onUnloadExport)},
             {"labels", listeAlsJson(plugin.labels, labelAlsJson)},
             {"extensions", listeAlsJson(plugin.erweiterungen, erweiterungAlsJson)}};
 }
 
-/// Functions that the plugin names and its library lacks.
-std::vector<std::string> fehlendeFunktionen(const PluginFakt& plugin) {
-    std::vector<std::string> fehlende;
-    if (plugin.onLoadExport == Export::NEIN)
-        fehlende.push_back(plugin.onLoad);
-    if (plugin.onUnloadExport == Export::NEIN)
-        fehlende.push_back(plugin.onUnload);
-    for (const ErweiterungFakt& erweiterung : plugin.erweiterungen)
-        if (erweiterung.factoryExport == Export::NEIN)
-            fehlende.push_back(erweiterung.factory);
+/// Functions that the plugin names and its library lacks; none for a file that is no plugin.
+Json fehlendeFunktionen(const std::optional<PluginFakt>& plugin) {
+    Json fehlende = Json::array();
+    const auto sieh = [&](const std::string& name, Export exportiert) {
+        if (exportiert == Export::NEIN)
+            fehlende.push_back(jsonText(name));
+    };
+    if (!plugin)
+        return fehlende;
+    sieh(plugin->onLoad, plugin->onLoadExport);
+    sieh(plugin->onUnload, plugin->onUnloadExport);
+    for (const ErweiterungFakt& erweiterung : plugin->erweiterungen)
+        sieh(erweiterung.factory, erweiterung.factoryExport);
     return fehlende;
 }
 
@@ -120,10 +106,7 @@ Json bericht(const Bestand& bestand, const DateiFakt& datei) {
     Json dokument = jsonKopf("show", bestand.suchpfad);
     dokument["file"] = zeileAlsJson(bestand, datei);
     dokument["plugin"] = datei.plugin ? pluginAlsJson(*datei.plugin) : Json(nullptr);
-    dokument["missing_functions"] =
-        datei.plugin
-            ? listeAlsJson(fehlendeFunktionen(*datei.plugin), [](const auto& name) { return jsonText(name); })
-            : Json::array();
+    dokument["missing_functions"] = fehlendeFunktionen(datei.plugin);
     return dokument;
 }
 
@@ -141,11 +124,13 @@ std::string feld(const std::string& name, const std::string& wert, const char* e
 std::string funktion(const Json& json, const Farben& farben) {
     if (json.is_null())
         return "-";
-    const std::string exportiert = json["exported"];
-    return zeige(json["name"]) + (exportiert == "no"    ? " " + farben(Farbe::ROT, "(not exported)")
-                                  : exportiert == "yes" ? " (exported)"
-                                                        : "");
+    const std::string name = zeige(json["name"]);
+    return json["exported"] == "no"    ? name + " " + farben(Farbe::ROT, satz("(not exported)"))
+           : json["exported"] == "yes" ? satz("{1} (exported)", name)
+                                       : name;
 }
+
+std::string janein(bool ja) { return ja ? satz("yes") : satz("no"); }
 
 std::string codes(const Json& liste) {
     std::string text;
@@ -158,24 +143,23 @@ std::string codes(const Json& liste) {
 
 std::string erweiterungAlsText(const Json& erweiterung, std::size_t nummer, const Farben& farben) {
     constexpr char kEin[] = "  ";
-    std::string text = "\n" +
-                       farben(Farbe::FETT, "Extension " + std::to_string(nummer) + ": " +
-                                               zeige(erweiterung["type"]["name"])) +
-                       " (" + erweiterung["type"]["number"].dump() + ")\n";
-    text += feld("factory", funktion(erweiterung["factory"], farben), kEin);
+    std::string text =
+        "\n" + farben(Farbe::FETT, satz("Extension {1}: {2}", nummer, zeige(erweiterung["type"]["name"]))) +
+        " (" + erweiterung["type"]["number"].dump() + ")\n";
+    text += feld(satz("factory"), funktion(erweiterung["factory"], farben), kEin);
     if (erweiterung["passed_over"])
-        text += feld("registry", farben(Farbe::ROT, "passed over: its class serves no sub-case types"), kEin);
-    for (const auto& [name, titel] :
-         {std::pair("flags", "flags"), std::pair("preconditions", "preconditions"),
-          std::pair("postconditions", "postconditions"), std::pair("dependencies", "dependencies")})
+        text += feld(satz("registry"),
+                     farben(Farbe::ROT, satz("passed over: its class serves no sub-case types")), kEin);
+    for (const char* const name :
+         {N_("flags"), N_("preconditions"), N_("postconditions"), N_("dependencies")})
         if (const std::string liste = codes(erweiterung[name]); !liste.empty())
-            text += feld(titel, liste, kEin);
+            text += feld(uebersetzt(name), liste, kEin);
     for (const Json& angebot : erweiterung["offers"]) {
         std::string zeitraeume;
         for (const Json& zeitraum : angebot["periods"])
             zeitraeume += (zeitraeume.empty() ? "" : ", ") + zeitraum["label"].get<std::string>();
-        text += feld("serves " + zeige(angebot["sub_case_type"]["name"]),
-                     zeitraeume.empty() ? "no period" : zeitraeume, kEin);
+        text += feld(satz("serves {1}", zeige(angebot["sub_case_type"]["name"])),
+                     zeitraeume.empty() ? satz("no period") : zeitraeume, kEin);
     }
     return text;
 }
@@ -189,28 +173,30 @@ std::string labelAlsText(const Json& label) {
 std::string alsText(const Json& dokument, const Farben& farben) {
     const Json& datei = dokument["file"];
     const std::string zustand = datei["state"];
-    std::string text = feld("file", zeige(datei["path"])) + feld("state", farben(farbe(zustand), zustand));
+    std::string text = feld(satz("file"), zeige(datei["path"])) +
+                       feld(satz("state"), farben(farbe(zustand), zustandsname(zustand)));
     if (const Json& grund = datei["reason"]; !grund.is_null()) {
-        text += feld("reason", begruendung(datei));
+        text += feld(satz("reason"), begruendung(datei));
         if (!grund["message"].is_null())
-            text += feld("that means", zeige(grund["explanation"]));
-        text += feld("what to do", zeige(grund["advice"]));
+            text += feld(satz("that means"), zeige(grund["explanation"]));
+        text += feld(satz("what to do"), zeige(grund["advice"]));
     }
     if (!datei["output"].is_null())
-        text += feld("last output", zeige(datei["output"]));
+        text += feld(satz("last output"), zeige(datei["output"]));
     const Json& plugin = dokument["plugin"];
     if (plugin.is_null())
         return text;
-    text += feld("interface", plugin["interface"].dump()) +
-            feld("product version", zeige(plugin["product_version"])) +
-            feld("file version", zeige(plugin["file_version"])) +
-            feld("resident", plugin["resident"] ? "yes" : "no") + feld("status", plugin["status"]["code"]) +
-            feld("OnLoad", funktion(plugin["on_load"], farben)) +
-            feld("OnUnload", funktion(plugin["on_unload"], farben));
+    text += feld(satz("interface"), plugin["interface"].dump()) +
+            feld(satz("product version"), zeige(plugin["product_version"])) +
+            feld(satz("file version"), zeige(plugin["file_version"])) +
+            feld(satz("resident"), janein(plugin["resident"])) +
+            feld(satz("status"), plugin["status"]["code"]) +
+            feld(satz("OnLoad"), funktion(plugin["on_load"], farben)) +
+            feld(satz("OnUnload"), funktion(plugin["on_unload"], farben));
     for (const Json& label : plugin["labels"])
-        text += feld("label", labelAlsText(label));
+        text += feld(satz("label"), labelAlsText(label));
     if (plugin["extensions"].empty())
-        text += feld("extensions", "none");
+        text += feld(satz("extensions"), satz("none"));
     std::size_t nummer = 0;
     for (const Json& erweiterung : plugin["extensions"])
         text += erweiterungAlsText(erweiterung, ++nummer, farben);
@@ -247,7 +233,7 @@ private:
         gibAus(optionen, bericht(bestand, datei), alsText);
         if (datei.zustand >= Zustand::ABGESTUERZT)
             return Ausgang::ABGESTUERZT;
-        const bool gut = datei.zustand == Zustand::GELADEN && fehlendeFunktionen(*datei.plugin).empty();
+        const bool gut = datei.zustand == Zustand::GELADEN && fehlendeFunktionen(datei.plugin).empty();
         return gut ? Ausgang::GUT : Ausgang::BEFUNDE;
     }
 

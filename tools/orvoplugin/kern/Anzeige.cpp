@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <stdexcept>
 
 using orvo::orvoutil::toUtf8;
@@ -132,7 +131,7 @@ std::string anzeige(const ZeitraumFakt& z) {
     case Veranlagungszeitraum::UNABHAENGIG:
     case Veranlagungszeitraum::IMMER:
     case Veranlagungszeitraum::UNGELESEN:
-        return "any";
+        return uebersetzt("any");
     case Veranlagungszeitraum::TAG:
         std::snprintf(puffer, sizeof puffer, "%04d-%02d-%02d", z.jahr, z.zeitraum, z.tag);
         return puffer;
@@ -208,7 +207,7 @@ void gibAus(const Optionen& optionen, const Json& dokument, std::string (*text)(
 
 void gibAus(const std::string& alles) {
     if (std::fwrite(alles.data(), 1, alles.size(), stdout) != alles.size() || std::fflush(stdout) != 0)
-        throw std::runtime_error(std::string("cannot write the results: ") + std::strerror(errno));
+        throw std::runtime_error(satz("cannot write the results: {1}", systemtext(errno)));
 }
 
 } // namespace werkzeug
