@@ -169,16 +169,17 @@ Zeitraumtext liesZeitraum(const std::string& text) {
     } else if (gleichtDemMuster(text, "9999")) {
         gelesen.format = "YYYY";
     } else {
-        throw AufrufFehler("\"" + einzeilig(text) +
-                           "\" is no period; write 2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG");
+        throw AufrufFehler(
+            satz("\"{1}\" is no period; write 2009, 2009-05, 2009Q2, 2009-05-31 or VZ_UNABHAENGIG",
+                 einzeilig(text)));
     }
     try {
         const Veranlagungszeitraum vz = Veranlagungszeitraum::parse(gelesen.text, gelesen.format.c_str());
         if (const bool mitTag = gelesen.format.ends_with("TT"); !gibtEs(vz, mitTag))
-            throw AufrufFehler("\"" + text + "\" is no period: there is no such " +
-                               (mitTag ? "day" : "month"));
+            throw AufrufFehler(mitTag ? satz("\"{1}\" is no period: there is no such day", text)
+                                      : satz("\"{1}\" is no period: there is no such month", text));
     } catch (const orvo::exception::InvalidFormatException& fehler) {
-        throw AufrufFehler("\"" + einzeilig(text) + "\" is no period: " + toUtf8(fehler.what()));
+        throw AufrufFehler(satz("\"{1}\" is no period: {2}", einzeilig(text), toUtf8(fehler.what())));
     }
     return gelesen;
 }
