@@ -48,6 +48,14 @@ TEST_F(Hilfe, HelpIsAlsoACommandAndVAnOption) {
     EXPECT_EQ(rufeTool({"-V"}).ausgabe, rufeTool({"--version"}).ausgabe);
 }
 
+TEST_F(Hilfe, EachCommandHasItsOwnExamplesAndOneListOfExitCodes) {
+    for (const std::string befehl : {"list", "find", "check", "verify"}) {
+        const std::string hilfe = rufeTool({befehl, "--help"}).ausgabe;
+        EXPECT_EQ(hilfe.find("Exit codes:"), hilfe.rfind("Exit codes:")) << befehl;
+        EXPECT_THAT(hilfe, HasSubstr("Examples:\n  orvoplugin " + befehl + " "));
+    }
+}
+
 TEST_F(Hilfe, ADirectoryGetsItsOption) {
     const std::string home = heim_.verzeichnis.pfad(), dir = heim_.plugins();
     EXPECT_THAT(fehler({home}), HasSubstr("did you mean: orvoplugin list --home @HOME@\n"));

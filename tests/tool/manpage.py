@@ -13,9 +13,11 @@ import sys
 
 WORDS = {
     "en": {"positionals": "Positionals", "subcommands": "Subcommands", "usage": "Usage", "codes": "Exit codes",
-           "commands": "COMMANDS", "options": "OPTIONS", "exit status": "EXIT STATUS"},
+           "commands": "COMMANDS", "options": "OPTIONS", "exit status": "EXIT STATUS",
+           "examples": "Examples", "examples on the page": "EXAMPLES"},
     "de": {"positionals": "Argumente", "subcommands": "Befehle", "usage": "Aufruf", "codes": "Exit-Codes",
-           "commands": "BEFEHLE", "options": "OPTIONEN", "exit status": "EXIT-STATUS"},
+           "commands": "BEFEHLE", "options": "OPTIONEN", "exit status": "EXIT-STATUS",
+           "examples": "Beispiele", "examples on the page": "BEISPIELE"},
 }
 
 
@@ -89,12 +91,12 @@ def main():
         if summary not in plain(part):
             wrong.append(f"{command}: the page does not say '{summary}'")
     for text in [overview, *(help_of(tool, command) for command in summaries)]:
-        examples = re.search(r"^Examples:\n((?:  orvoplugin .*\n)+)", text, re.M)
+        examples = re.search(rf"^{words['examples']}:\n((?:  orvoplugin .*\n)+)", text, re.M)
         if not examples:
             wrong.append(f"no examples in the help: {text.splitlines()[0]}")
             continue
         for line in examples.group(1).splitlines():
-            if line.strip() not in sections["EXAMPLES"].replace("\\-", "-").splitlines():
+            if line.strip() not in sections[words["examples on the page"]].replace("\\-", "-").splitlines():
                 wrong.append(f"the page lacks the example '{line.strip()}'")
     print("\n".join(wrong))
     return 1 if wrong else 0

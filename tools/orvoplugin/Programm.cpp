@@ -132,7 +132,6 @@ void weiseAufFehlendesKommaHin(const Optionen& optionen) {
 int programm(int argc, char** argv) try {
     sprichDieSpracheDesBenutzers();
     CLI::App app(kBeschreibung, "orvoplugin");
-    app.footer(fusszeile(kBeispiele));
     app.set_version_flag("-V,--version", versionen());
     app.require_subcommand(1);
     app.fallthrough(false);
@@ -157,6 +156,7 @@ int programm(int argc, char** argv) try {
         verlangeWerte(*unterbefehl);
         befehle.emplace_back(unterbefehl, std::move(befehl));
     }
+    app.footer(fusszeile(kBeispiele)); // not earlier: the commands would inherit it
     uebersetzeHilfe(app);
 
     try {
