@@ -14,7 +14,6 @@
 #include <orvoplugin/beschreibung/Beschreibung.h>
 #include <orvoplugin/domain/Unterfallart.h>
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
-#include <orvoutil/PathUtil.h>
 
 #include <CLI/CLI.hpp>
 
@@ -25,49 +24,25 @@ namespace werkzeug {
 
 namespace {
 
-/// The chain: the steps that succeeded, and the one that failed, if any.
-class Kette {
-public:
-    void schritt(const char* name, bool gut, const std::string& text) {
-        schritte_.push_back({{"step", name}, {"ok", gut}, {"text", text}});
-    }
-    Json json() && { return std::move(schritte_); }
-
-private:
-    Json schritte_ = Json::array();
-};
-
-Json schluss(const char* code, const std::string& text, const std::string& rat) {
-    return {{"code", code}, {"text", text}, {"advice", rat}};
+/// Adds to the chain: the steps that succeeded, and the one that failed, if any.
+void fuegeAn(Json& kette, const char* name, bool gut, const std::string& text) {
+    kette.push_back({{"step", name}, {"ok", gut}, {"text", text}});
 }
 
 // --- Why a file ---
 
 /// The steps of loading, in their order, with the meaning of success.
-struct Ladestufe {
-    const char* name;
-    const char* gelungen;
-    Grund gruende[2]; ///< for ending there
-};
-constexpr Ladestufe kLadestufen[] = {
-    {"walk", N_("the walk through the plugin directory comes by it"), {Grund::KEINER, Grund::KEINER}},
-    {"filter",
-     N_("its name is that of a plugin, and not on the block list"),
-     {Grund::SPERRLISTE, Grund::KEINE_ENDUNG}},
-    {"file_check",
-     N_("the file is a whole library for this system and release"),
-     {Grund::DATEIPRUEFUNG, Grund::KEINER}},
-    {"open", N_("the system's loader opens it"), {Grund::OEFFNEN, Grund::KEINER}},
-    {"types_entry", N_("it exports orvo_plugin_get_types"), {Grund::OHNE_TYPEN, Grund::KEINER}},
-    {"types", N_("which names its interfaces"), {Grund::AUSNAHME_TYPEN, Grund::LEERE_TYPEN}},
-    {"interface", N_("and these are known here"), {Grund::PLUGINVERSION, Grund::KEINER}},
-    {"initialize_entry",
-     N_("it exports orvo_plugin_initialize"),
-     {Grund::OHNE_INITIALISIERUNG, Grund::KEINER}},
-    {"initialize",
-     N_("with which it describes itself"),
-     {Grund::AUSNAHME_INITIALISIERUNG, Grund::INITIALISIERUNG}},
-    {"register", N_("its extensions are filed in the registry"), {Grund::BEOBACHTER, Grund::KEINER}},
+constexpr std::pair<const char*, const char*> kLadestufen[] = {
+    {"walk", N_("the walk through the plugin directory comes by it")},
+    {"filter", N_("its name is that of a plugin, and not on the block list")},
+    {"file_check", N_("the file is a whole library for this system and release")},
+    {"open", N_("the system's loader opens it")},
+    {"types_entry", N_("it exports orvo_plugin_get_types")},
+    {"types", N_("which names its interfaces")},
+    {"interface", N_("and these are known here")},
+    {"initialize_entry", N_("it exports orvo_plugin_initialize")},
+    {"initialize", N_("with which it describes itself")},
+    {"register", N_("its extensions are filed in the registry")},
 };
 
 /// The text of a reason: what it means, and the words of the library or the system.
@@ -77,23 +52,18 @@ std::string text(const DateiFakt& datei) {
 }
 
 /// Returns: whether the file was loaded.
-bool verfolge(Kette& kette, const DateiFakt& datei, bool einzeln) {
-    const std::string_view ende = stufe(datei.grund);
-    for (const Ladestufe& s : kLadestufen) {
-        const std::string_view name = s.name;
-        if (einzeln && (name == "walk" || name == "filter"))
+bool verfolge(Json& kette, const DateiFakt& datei, bool einzeln) {
+    for (const auto& [name, gelungen] : kLadestufen) {
+        const std::string_view stufe = name;
+        if (einzeln && (stufe == "walk" || stufe == "filter"))
             continue; // its place and name do not matter
-        if (datei.grund != Grund::KEINER &&
-            (std::ranges::count(s.gruende, datei.grund) > 0 || (ende == "walk" && name == "walk"))) {
-            kette.schritt(s.name, false, text(datei));
-            return false;
-        }
-        if (ende == "process" && name == "open") { // from here on its code may run
+        if (stufe == ladestufe(datei.grund)) {
             const std::string wo = wobei(datei.schritt);
-            kette.schritt("process", false, wo.empty() ? text(datei) : satz("{1}: {2}", wo, text(datei)));
+            fuegeAn(kette, datei.zustand >= Zustand::ABGESTUERZT ? "process" : name, false,
+                    wo.empty() ? text(datei) : satz("{1}: {2}", wo, text(datei)));
             return false;
         }
-        kette.schritt(s.name, true, uebersetzt(s.gelungen));
+        fuegeAn(kette, name, true, uebersetzt(gelungen));
     }
     return true;
 }
@@ -122,54 +92,36 @@ Schluessellage schluesselVon(const Bestand& bestand, std::uint32_t datei) {
 
 /// The conclusion about an extension whose service cannot be had.
 Json schlussOhneService(const std::string& wer, const ErweiterungFakt& erweiterung) {
-    return schluss(erweiterung.factoryExport == Export::NEIN ? "no_factory" : "no_service",
-                   satz("{1} holds the key, but no service can be had: {2}.", wer, servicesatz(erweiterung)),
-                   servicerat(erweiterung));
+    Json json = schluss(erweiterung.factoryExport == Export::NEIN ? "no_factory" : "no_service",
+                        {wer, servicesatz(erweiterung)});
+    json["advice"] = servicerat(erweiterung);
+    return json;
 }
 
 /// The steps about an extension's service.
-void verfolgeService(Kette& kette, const ErweiterungFakt& erweiterung) {
+void verfolgeService(Json& kette, const ErweiterungFakt& erweiterung) {
     std::string text = satz("{1} ({2})", servicesatz(erweiterung), einzeilig(erweiterung.factory));
     if (erweiterung.factoryExport == Export::NEIN)
-        return kette.schritt("factory", false, text);
-    kette.schritt("factory", true,
-                  satz("its library exports the factory {1}", einzeilig(erweiterung.factory)));
+        return fuegeAn(kette, "factory", false, text);
+    fuegeAn(kette, "factory", true,
+            satz("its library exports the factory {1}", einzeilig(erweiterung.factory)));
     if (const std::string wo = wobei(erweiterung.service.schritt); !wo.empty())
         text += " " + wo;
     if (!erweiterung.service.meldung.empty())
         text += " [" + einzeilig(erweiterung.service.meldung) + "]";
-    kette.schritt("service", erweiterung.istZuHaben(), text);
+    fuegeAn(kette, "service", erweiterung.istZuHaben(), text);
 }
 
 Json schlussFuerGeladene(const DateiFakt& datei, const Schluessellage& lage) {
     if (datei.plugin->erweiterungen.empty())
-        return schluss(
-            "no_extensions", satz("The plugin is loaded, but offers nothing."),
-            satz("Ask its author whether that is meant; orvo_plugin_initialize adds no extension."));
-    const bool uebergangen = std::ranges::any_of(datei.plugin->erweiterungen, &ErweiterungFakt::uebergangen);
+        return schluss("no_extensions");
     if (lage.gehalten.empty() && lage.verloren.empty())
-        return uebergangen
-                   ? schluss("passed_over",
-                             satz("The plugin is loaded, but the registry passed its extensions over: their "
-                                  "class serves no sub-case types."),
-                             satz("Report this to the plugin's author."))
-                   : schluss(
-                         "no_keys",
-                         satz("The plugin is loaded, but its extensions name no period, and so get no key."),
-                         satz("Report this to the plugin's author: each sub-case type needs its periods."));
+        return schluss(std::ranges::any_of(datei.plugin->erweiterungen, &ErweiterungFakt::uebergangen)
+                           ? "passed_over"
+                           : "no_keys");
     if (lage.gehalten.empty())
-        return schluss(
-            "all_keys_lost",
-            satz("The plugin is loaded, but never answers: it lost all its keys to other plugins."),
-            satz(
-                "If it should answer, give it a higher product version than theirs, or take the others away."));
-    if (!lage.verloren.empty())
-        return schluss(
-            "some_keys_lost", satz("The plugin is loaded and answers, but not for all that it offers."),
-            satz("If it should answer for the keys it lost, give it a higher product version than the "
-                 "plugins that hold them, or take those away."));
-    return schluss("answers", satz("The plugin is loaded and answers for all that it offers."),
-                   satz("Nothing needs to be done."));
+        return schluss("all_keys_lost");
+    return schluss(lage.verloren.empty() ? "answers" : "some_keys_lost");
 }
 
 // --- Why a look-up ---
@@ -212,35 +164,17 @@ Json nichtGeladene(const Bestand& bestand) {
 Json schlussOhneAntwort(const Bestand& bestand, std::int32_t typ, const std::string& unterfallart,
                         std::size_t nichtGeladen) {
     const Nachbarschaft nachbarschaft(bestand, typ, unterfallart);
-    const std::string rat = nichtGeladen == 0
-                                ? satz("Install a plugin that serves it.")
-                                : satz("See to the files that were not loaded first; one of them may serve "
-                                       "it. Else install a plugin that does.");
+    const std::size_t rat = nichtGeladen == 0 ? 0 : 1;
     if (hatKeinePaare(typ) && !bestand.schluessel.empty())
-        return schluss("other_types",
-                       satz("No loaded plugin serves this kind of extension; served are {1}.",
-                            aufgezaehlt(nachbarschaft.alleArten)),
-                       rat);
+        return schluss("other_types", {aufgezaehlt(nachbarschaft.alleArten)}, 0, rat);
     if (!nachbarschaft.zeitraeume.empty())
-        return schluss("other_periods",
-                       satz("No loaded plugin serves that period; served are {1}.",
-                            aufgezaehlt(nachbarschaft.zeitraeume)),
-                       rat);
+        return schluss("other_periods", {aufgezaehlt(nachbarschaft.zeitraeume)}, 0, rat);
     if (!nachbarschaft.arten.empty())
-        return schluss("other_types",
-                       satz("No loaded plugin serves that sub-case type with this kind of extension; it is "
-                            "served by {1}.",
-                            aufgezaehlt(nachbarschaft.arten)),
-                       rat);
+        return schluss("other_types", {aufgezaehlt(nachbarschaft.arten)}, 1, rat);
     if (bestand.schluessel.empty())
-        return schluss("nothing_registered", satz("No plugin is loaded that serves anything."),
-                       nichtGeladen == 0
-                           ? satz("Put plugins into {1}, or name another directory with --home or --dir.",
-                                  einzeilig(bestand.suchpfad))
-                           : rat);
+        return schluss("nothing_registered", {einzeilig(bestand.suchpfad)}, 0, rat);
     const std::string frage = rueckfrage(gemeinteUnterfallart(unterfallart, bediente(bestand)));
-    return schluss("unknown_sub_case_type",
-                   satz("No loaded plugin serves that sub-case type") + (frage.empty() ? "." : frage), rat);
+    return schluss("unknown_sub_case_type", {frage.empty() ? "." : frage}, 0, rat);
 }
 
 // --- What the descriptions in the files change ---
@@ -256,13 +190,6 @@ Bestand sammleMitBeschreibungen(Optionen optionen, const Auftrag& auftrag = {}) 
     return sammle(optionen, auftrag);
 }
 
-constexpr char kFalscheBeschreibung[] = "described_otherwise";
-std::string beschreibungsrat() {
-    return satz(
-        "Have \"orvoplugin describe\" write what the plugin says into its file, or have clients ask: unset "
-        "basis.plugin_beschreibungen. \"orvoplugin check --only description\" names what differs.");
-}
-
 /// Those of the keys that are not among the others.
 std::set<std::string> ohne(const Json& schluessel, const Json& andere) {
     std::set<std::string> uebrige;
@@ -273,11 +200,11 @@ std::set<std::string> ohne(const Json& schluessel, const Json& andere) {
 }
 
 /// The step about a file with a description. Returns: the conclusion if it says otherwise than the plugin, else null.
-Json vergleicheDatei(Kette& kette, const Bestand& gefragt, const Bestand& beschrieben, std::uint32_t platz) {
+Json vergleicheDatei(Json& kette, const Bestand& gefragt, const Bestand& beschrieben, std::uint32_t platz) {
     const DateiFakt& datei = gefragt.dateien[platz];
     const auto andere = std::ranges::find(beschrieben.dateien, datei.pfad, &DateiFakt::pfad);
     if (andere == beschrieben.dateien.end() || datei.plugin == andere->plugin) {
-        kette.schritt("description", true, satz("the description in it is what the plugin says"));
+        fuegeAn(kette, "description", true, satz("the description in it is what the plugin says"));
         return nullptr;
     }
     const Json hier = schluesselVon(gefragt, platz).gehalten;
@@ -289,11 +216,8 @@ Json vergleicheDatei(Kette& kette, const Bestand& gefragt, const Bestand& beschr
         text += "; " + satz("by it, the plugin also answers for {1}", aufgezaehlt(mehr));
     if (!weniger.empty())
         text += "; " + satz("by it, the plugin does not answer for {1}", aufgezaehlt(weniger));
-    kette.schritt("description", false, text);
-    return schluss(
-        kFalscheBeschreibung,
-        satz("Clients that take descriptions go by that in the file, which is not what the plugin says."),
-        beschreibungsrat());
+    fuegeAn(kette, "description", false, text);
+    return schluss("described_otherwise");
 }
 
 /// The answer with all that a client notices of it; null if there is none.
@@ -308,21 +232,14 @@ Json antwortVon(const Bestand& bestand) {
 }
 
 /// The step about a look-up that the descriptions answer otherwise. Returns: the conclusion then, else null.
-Json vergleicheAntwort(Kette& kette, const Bestand& gefragt, const Bestand& beschrieben) {
+Json vergleicheAntwort(Json& kette, const Bestand& gefragt, const Bestand& beschrieben) {
     const Json dort = antwortVon(beschrieben);
     if (antwortVon(gefragt) == dort)
         return nullptr;
     const std::string wer = dort.is_null() ? satz("nobody") : anbieterAlsText(dort["plugin"]);
-    kette.schritt(
-        "description", false,
-        satz("by the descriptions in the files, {1} answers; the plugins themselves say otherwise", wer));
-    return schluss(kFalscheBeschreibung,
-                   dort.is_null()
-                       ? satz("Clients that take descriptions get another answer: nobody answers.")
-                       : satz("Clients that take descriptions get another answer: {1} answers, by a key that "
-                              "comes from a description.",
-                              wer),
-                   beschreibungsrat());
+    fuegeAn(kette, "description", false,
+            satz("by the descriptions in the files, {1} answers; the plugins themselves say otherwise", wer));
+    return schluss("described_otherwise", {wer}, dort.is_null() ? 1 : 2);
 }
 
 // --- The text ---
@@ -431,7 +348,7 @@ private:
             ausgang = schwerster(ausgang, mindestens);
         }
         Ausgang gibAus() {
-            dokument["steps"] = std::move(kette).json();
+            dokument["steps"] = std::move(kette);
             dokument["conclusion"] = std::move(ende);
             werkzeug::gibAus(optionen, dokument, alsText);
             return ausgang;
@@ -441,7 +358,7 @@ private:
         Auftrag auftrag;
         Bestand bestand;
         Json dokument;
-        Kette kette;
+        Json kette = Json::array();
         Json ende;
         Ausgang ausgang = Ausgang::GUT;
     };
@@ -457,12 +374,8 @@ private:
         if (platz) {
             verfolgeDatei(u, *platz, einzeln);
         } else {
-            u.kette.schritt("found", false, keineDatei(u.bestand, erstes_));
-            u.schliesse(schluss(
-                "not_found",
-                satz("The library never sees the file: it looks below {1} only.",
-                     einzeilig(u.bestand.suchpfad)),
-                satz("Copy the file there, or name the directory that it lies in with --home or --dir.")));
+            fuegeAn(u.kette, "found", false, keineDatei(u.bestand, erstes_));
+            u.schliesse(schluss("not_found", {einzeilig(u.bestand.suchpfad)}));
         }
         return u.gibAus();
     }
@@ -471,23 +384,23 @@ private:
         const DateiFakt& datei = u.bestand.dateien[platz];
         const std::string voll = einzeilig(u.bestand.fundort(datei));
         u.dokument["file"] = zeileAlsJson(u.bestand, datei);
-        u.kette.schritt("found", true,
-                        einzeln ? satz("there is a file {1}, looked at without other plugins", voll)
-                                : satz("there is a file {1}", voll));
+        fuegeAn(u.kette, "found", true,
+                einzeln ? satz("there is a file {1}, looked at without other plugins", voll)
+                        : satz("there is a file {1}", voll));
         const bool istGeladen = verfolge(u.kette, datei, einzeln);
         if (istGeladen) {
             Schluessellage lage = schluesselVon(u.bestand, platz);
             const bool haelt = !lage.gehalten.empty();
             u.schliesse(schlussFuerGeladene(datei, lage),
                         haelt && lage.verloren.empty() ? Ausgang::GUT : Ausgang::BEFUNDE);
-            u.kette.schritt("keys", haelt,
-                            haelt ? satz("it holds {1} and lost {2}",
-                                         anzahl(lage.gehalten.size(), "key", "keys"), lage.verloren.size())
-                                  : satz("it holds no key, and so answers for nothing"));
+            fuegeAn(u.kette, "keys", haelt,
+                    haelt ? satz("it holds {1} and lost {2}", anzahl(lage.gehalten.size(), "key", "keys"),
+                                 lage.verloren.size())
+                          : satz("it holds no key, and so answers for nothing"));
             u.dokument["keys_held"] = std::move(lage.gehalten);
             u.dokument["keys_lost"] = std::move(lage.verloren);
         } else {
-            u.schliesse(schluss(code(datei.grund), erklaerung(datei), rat(datei)),
+            u.schliesse({{"code", code(datei.grund)}, {"text", erklaerung(datei)}, {"advice", rat(datei)}},
                         datei.zustand >= Zustand::ABGESTUERZT ? Ausgang::ABGESTUERZT : Ausgang::BEFUNDE);
         }
         if (istBeschrieben(u.bestand, datei))
@@ -531,15 +444,14 @@ private:
     }
 
     /// The steps about the keys that the library looks for.
-    static void verfolgeSuche(Kette& kette, const AntwortFakt& antwort, bool fuerAlles,
+    static void verfolgeSuche(Json& kette, const AntwortFakt& antwort, bool fuerAlles,
                               const std::string& wonach) {
         const bool gefunden = antwort.treffer != RegisterAuskunft::KEINER;
         const bool unabhaengig = antwort.treffer == RegisterAuskunft::UNABHAENGIG;
         const bool ohneZeitraum = antwort.gefragt.jahr == 0;
         const auto schritt = [&](const char* name, bool gut, const std::string& wofuer) {
-            kette.schritt(name, gut,
-                          gut ? satz("there is a key for {1}", wofuer)
-                              : satz("there is no key for {1}", wofuer));
+            fuegeAn(kette, name, gut,
+                    gut ? satz("there is a key for {1}", wofuer) : satz("there is no key for {1}", wofuer));
         };
         if (!ohneZeitraum && !fuerAlles)
             schritt("key_of_the_year", gefunden && !unabhaengig,
@@ -554,17 +466,10 @@ private:
     static void verfolgeInhaber(Untersuchung& u, const AntwortFakt& antwort, bool fuerAlles) {
         const SchluesselFakt& schluessel = u.bestand.schluessel[antwort.schluessel];
         const std::string wer = anbieterAlsText(anbieterAlsJson(u.bestand, schluessel.inhaber));
-        u.kette.schritt("holder", true, satz("it is held by {1}", wer));
+        fuegeAn(u.kette, "holder", true, satz("it is held by {1}", wer));
         const bool ersatz = antwort.treffer == RegisterAuskunft::UNABHAENGIG && antwort.gefragt.jahr != 0;
         if (u.probiere({schluessel.inhaber}, wer))
-            u.schliesse(
-                schluss("answered",
-                        fuerAlles ? satz("{1} answers, for every sub-case type and period.", wer)
-                        : ersatz
-                            ? satz("{1} answers, for any period: no plugin serves that year by name.", wer)
-                            : satz("{1} answers.", wer),
-                        satz("Nothing needs to be done.")),
-                Ausgang::GUT);
+            u.schliesse(schluss("answered", {wer}, fuerAlles ? 2 : ersatz ? 1 : 0), Ausgang::GUT);
         u.dokument["answer"] = antwortAlsJson(u.bestand, schluessel, antwort.treffer);
     }
 

@@ -92,12 +92,6 @@ void pruefeZeit(const Pruefling& p, Fundliste& funde) {
 
 } // namespace
 
-std::vector<Pruefung> aufwandPruefungen() {
-    return aufbauendAuf(
-        "use",
-        {{"log-volume", N_("The plugin writes little to the log of its host."), pruefeLogmenge},
-         {"time", N_("Opening the plugin, its description and its services take no longer than allowed."),
-          pruefeZeit}});
-}
+std::vector<Pruefung> aufwandPruefungen() { return {{"log-volume", pruefeLogmenge}, {"time", pruefeZeit}}; }
 
 } // namespace werkzeug::check

@@ -110,33 +110,16 @@ void pruefeBaseline(const Pruefling& p, Fundliste& funde) {
 } // namespace
 
 std::vector<Pruefung> dateiPruefungen() {
-    return {
-        {"file-format",
-         N_("The file is a whole shared library for this machine and for this release of the libraries."),
-         pruefeDateiformat, Ort::DATEI},
-        {"entry-points",
-         N_("The library exports the functions orvo_plugin_get_types and orvo_plugin_initialize."),
-         pruefeEinsprungpunkte, Ort::DATEI},
-        {"exports",
-         N_("The library exports C functions only, so that none of its C++ names meet those of others."),
-         pruefeExporte, Ort::DATEI},
-        {"unique-symbols",
-         N_("The library exports no unique symbol, which would keep it in the process for good."),
-         pruefeEinmaligeSymbole, Ort::DATEI},
-        {"nodelete", N_("The library is not marked as one that stays in the process."), pruefeBleiben,
-         Ort::DATEI},
-        {"thread-destructors",
-         N_("The library has no thread-local variable with a destructor, which would keep it in the process."),
-         pruefeThreadDestruktoren, Ort::DATEI},
-        {"text-relocations", N_("The library's code need not be written to when it is opened."),
-         pruefeCodeAenderung, Ort::DATEI},
-        {"search-paths",
-         N_("The library looks for others in directories with full names only, or beside itself."),
-         pruefeSuchpfade, Ort::DATEI},
-        {"executable-stack", N_("The library does not make the stack of its process executable."),
-         pruefeStapel, Ort::DATEI},
-        {"baseline", N_("The library needs no newer glibc and libstdc++ than those of the baseline."),
-         pruefeBaseline, Ort::DATEI}};
+    return {{"file-format", pruefeDateiformat},
+            {"entry-points", pruefeEinsprungpunkte},
+            {"exports", pruefeExporte},
+            {"unique-symbols", pruefeEinmaligeSymbole},
+            {"nodelete", pruefeBleiben},
+            {"thread-destructors", pruefeThreadDestruktoren},
+            {"text-relocations", pruefeCodeAenderung},
+            {"search-paths", pruefeSuchpfade},
+            {"executable-stack", pruefeStapel},
+            {"baseline", pruefeBaseline}};
 }
 
 } // namespace werkzeug::check

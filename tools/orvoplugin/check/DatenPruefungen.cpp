@@ -96,13 +96,6 @@ void pruefeDaten(const Pruefling& p, Fundliste& funde) {
 
 } // namespace
 
-std::vector<Pruefung> datenPruefungen() {
-    return {{"data",
-             N_("The check services come to an end with the given data, and throw nothing."),
-             pruefeDaten,
-             Ort::KIND,
-             {"services"},
-             true}};
-}
+std::vector<Pruefung> datenPruefungen() { return {{"data", pruefeDaten}}; }
 
 } // namespace werkzeug::check

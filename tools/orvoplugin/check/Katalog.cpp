@@ -1,13 +1,26 @@
 #include "check/Katalog.h"
 
+#include "check/Pruefungstafel.h"
+
+#include <nlohmann/json.hpp>
+
 namespace werkzeug::check {
 
-std::vector<Pruefung> aufbauendAuf(std::string_view davor, std::vector<Pruefung> pruefungen) {
-    for (Pruefung& pruefung : pruefungen)
-        if (pruefung.bautAuf.empty())
-            pruefung.bautAuf = {davor};
-    return pruefungen;
+namespace {
+
+void ergaenze(Pruefung& pruefung) {
+    static const auto tafel = nlohmann::json::parse(kPruefungstafel);
+    const auto& zeile = tafel.at(pruefung.name);
+    pruefung.satz = zeile.at("text").get_ref<const std::string&>().c_str();
+    if (const std::string wo = zeile.value("where", ""); !wo.empty())
+        pruefung.ort = wo == "file" ? Ort::DATEI : Ort::KIND_REIHE;
+    if (zeile.contains("builds_on"))
+        for (const auto& davor : zeile["builds_on"])
+            pruefung.bautAuf.emplace_back(davor.get_ref<const std::string&>());
+    pruefung.brauchtDaten = zeile.value("needs_data", false);
 }
+
+} // namespace
 
 const std::vector<Pruefung>& katalog() {
     static const std::vector<Pruefung> pruefungen = [] {
@@ -17,6 +30,8 @@ const std::vector<Pruefung>& katalog() {
               aufwandPruefungen, datenPruefungen, rueckstandsPruefungen, reihenPruefungen})
             for (Pruefung& pruefung : tabelle())
                 alle.push_back(std::move(pruefung));
+        for (Pruefung& pruefung : alle)
+            ergaenze(pruefung);
         return alle;
     }();
     return pruefungen;

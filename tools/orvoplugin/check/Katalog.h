@@ -27,19 +27,17 @@ enum class Ort {
     KIND_REIHE, ///< the same, after all other checks of all files: it looks at them together
 };
 
-/// One check of the catalogue.
+/// One check of the catalogue: its parts give the first two, and `katalog` adds the rest from pruefungen.json.
 struct Pruefung {
     const char* name; ///< stable: scripts name it
-    const char* satz; ///< what holds for a plugin that passes; a text of the catalogue of `kern/Sprache.h`
     void (*pruefe)(const Pruefling&, Fundliste&);
+    const char* satz =
+        ""; ///< what holds for a plugin that passes; a text of the catalogue of `kern/Sprache.h`
     Ort ort = Ort::KIND;
     /// Earlier checks in the catalogue that it depends on. They count only when they are run too.
     std::vector<std::string_view> bautAuf = {};
     bool brauchtDaten = false; ///< run without being named only if there are data
 };
-
-/// Checks that depend on that one, except where they name others.
-std::vector<Pruefung> aufbauendAuf(std::string_view davor, std::vector<Pruefung> pruefungen);
 
 /// All checks, in the order in which they run. The first is that of the file's format, on which all others depend.
 const std::vector<Pruefung>& katalog();

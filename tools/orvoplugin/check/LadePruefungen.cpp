@@ -4,6 +4,7 @@
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
 #include "kern/Anzeige.h"
+#include "kern/Arbeitsverzeichnis.h"
 #include "kern/Kindprozess.h"
 #include "kern/Sprache.h"
 
@@ -13,9 +14,7 @@
 #include <orvoutil/SharedLib.h>
 
 #include <dlfcn.h>
-#include <unistd.h>
 
-#include <filesystem>
 #include <fstream>
 #include <optional>
 
@@ -80,27 +79,6 @@ std::string symbolAus(const std::string& grund) {
     const std::string rest = grund.substr(stelle + kVor.size());
     return rest.substr(0, rest.find_first_of(", \t\n"));
 }
-
-/// A temporary directory, removed at the end.
-class Arbeitsverzeichnis {
-public:
-    Arbeitsverzeichnis() {
-        std::string muster = (std::filesystem::temp_directory_path() / "orvoplugin-XXXXXX").string();
-        if (!mkdtemp(muster.data()))
-            throw std::runtime_error(satz("cannot make a directory for temporary files"));
-        pfad_ = muster;
-    }
-    Arbeitsverzeichnis(const Arbeitsverzeichnis&) = delete;
-    Arbeitsverzeichnis& operator=(const Arbeitsverzeichnis&) = delete;
-    ~Arbeitsverzeichnis() {
-        std::error_code egal;
-        std::filesystem::remove_all(pfad_, egal);
-    }
-    const std::string& pfad() const { return pfad_; }
-
-private:
-    std::string pfad_;
-};
 
 /// How the plugin manager treats a file name.
 struct Namensurteil : LadeBeobachter {
@@ -181,25 +159,11 @@ void pruefeOeffnen(const Pruefling& p, Fundliste& funde) {
 } // namespace
 
 std::vector<Pruefung> ladePruefungen() {
-    return {
-        {"file-name", N_("The file has a name under which the plugin manager loads it."), pruefeDateiname},
-        {"needed-libraries", N_("Every library that the plugin needs is there, in a version that fits."),
-         pruefeBenoetigteBibliotheken},
-        {"undefined-symbols",
-         N_("Every symbol that the plugin needs is provided by somebody."),
-         pruefeUndefinierteSymbole,
-         Ort::KIND,
-         {"needed-libraries"}},
-        {"immediate-binding",
-         N_("The library asks for all its symbols when it is opened, and does not depend on getting some later."),
-         pruefeBindung,
-         Ort::DATEI,
-         {"needed-libraries", "undefined-symbols"}},
-        {"loads",
-         N_("The loader opens the library and closes it again, and its code that runs then comes back."),
-         pruefeOeffnen,
-         Ort::KIND,
-         {"needed-libraries", "undefined-symbols"}}};
+    return {{"file-name", pruefeDateiname},
+            {"needed-libraries", pruefeBenoetigteBibliotheken},
+            {"undefined-symbols", pruefeUndefinierteSymbole},
+            {"immediate-binding", pruefeBindung},
+            {"loads", pruefeOeffnen}};
 }
 
 } // namespace werkzeug::check

@@ -3,7 +3,6 @@
 #include "check/Katalog.h"
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
-#include "check/Ursache.h"
 #include "kern/Anzeige.h"
 #include "kern/Sprache.h"
 
@@ -284,39 +283,14 @@ void pruefeReload(const Pruefling& p, Fundliste& funde) {
 } // namespace
 
 std::vector<Pruefung> nutzungsPruefungen() {
-    return aufbauendAuf(
-        "services",
-        {{"use",
-          N_("Loading the plugin, getting and giving back each of its services and closing it come to an end."),
-          pruefeNutzung,
-          Ort::KIND,
-          {"describes"}},
-         {"services",
-          N_("Each factory makes an object of the interface that its extension declares, each time."),
-          pruefeServices,
-          Ort::KIND,
-          {"factories", "use"}},
-         {"service-ownership",
-          N_("A factory makes a new object each time where the library deletes it, and the same one otherwise."),
-          pruefeServiceBesitz},
-         {"exceptions",
-          N_("No exception leaves an entry point, a hook or a factory."),
-          pruefeAusnahmen,
-          Ort::KIND,
-          {"use"}},
-         {"unloads",
-          N_("After loading, use and release nothing of the library is left in the process."),
-          pruefeEntladen,
-          Ort::KIND,
-          {"use", "nodelete"}},
-         {"memory", N_("Using the plugin again and again takes no more memory."), pruefeSpeicher},
-         {"resident", N_("The plugin also works as a resident one, which stays open between uses."),
-          pruefeResident},
-         {"reload",
-          N_("The plugin can be unloaded while a service is out, and is the same after it is loaded again."),
-          pruefeReload,
-          Ort::KIND,
-          {"services", "describes-twice", "unloads"}}});
+    return {{"use", pruefeNutzung},
+            {"services", pruefeServices},
+            {"service-ownership", pruefeServiceBesitz},
+            {"exceptions", pruefeAusnahmen},
+            {"unloads", pruefeEntladen},
+            {"memory", pruefeSpeicher},
+            {"resident", pruefeResident},
+            {"reload", pruefeReload}};
 }
 
 } // namespace werkzeug::check

@@ -158,10 +158,6 @@ std::vector<std::string> beschreibung(const OrvoPluginV1& plugin) {
     return zeilen;
 }
 
-std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite) {
-    return unterschied(erste, zweite, N_("first {1}, then {2}"));
-}
-
 std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                         const char* text) {
     const auto [links, rechts] = std::mismatch(erste.begin(), erste.end(), zweite.begin(), zweite.end());
@@ -210,6 +206,13 @@ std::map<std::string, std::string> prozessgrenzen() {
             grenzen[uebersetzt(name)] = text(grenze.rlim_cur) + " (" + text(grenze.rlim_max) + ")";
     }
     return grenzen;
+}
+
+std::string geaenderteGrenze(const std::map<std::string, std::string>& vorher) {
+    for (const auto& [name, wert] : prozessgrenzen())
+        if (const auto alt = vorher.find(name); alt != vorher.end() && alt->second != wert)
+            return satz("{1} was {2} and is now {3}", name, alt->second, wert);
+    return {};
 }
 
 void beginneOhnePlugins() { Einstellungen().setze("basis.home_dir", "/dev/null/nowhere"); }

@@ -3,6 +3,7 @@
 // How the checks in child processes load, use and describe a plugin. Everything here runs plugin code.
 
 #include "check/Befund.h"
+#include "kern/Sprache.h"
 
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 
@@ -55,10 +56,9 @@ void ladeUndBenutze(const std::string& pfad);
 /// The whole description of a plugin, as text lines.
 std::vector<std::string> beschreibung(const OrvoPluginV1& plugin);
 
-/// The first line in which two descriptions differ: "first {1}, then {2}", or another text of the catalogue.
-std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite);
+/// The first line in which two descriptions differ, as {1} and {2} of a text of the catalogue.
 std::string unterschied(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
-                        const char* text);
+                        const char* text = N_("first {1}, then {2}"));
 /// Reports it as {1} of a text of the catalogue.
 void vergleicheBeschreibungen(const std::vector<std::string>& erste, const std::vector<std::string>& zweite,
                               const char* text, Fundliste& funde);
@@ -74,6 +74,8 @@ std::size_t laufendeThreads();
 
 /// The process's limits (setrlimit), by name: "the limit of open files".
 std::map<std::string, std::string> prozessgrenzen();
+/// "the limit of open files was 1024 and is now 0", of the first limit that has changed since; empty if none has.
+std::string geaenderteGrenze(const std::map<std::string, std::string>& vorher);
 
 /// Sets a home directory without plugins, so that the process's manager and registry start empty.
 void beginneOhnePlugins();

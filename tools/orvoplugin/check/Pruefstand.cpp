@@ -3,10 +3,10 @@
 #include "check/PluginDateien.h"
 #include "check/Pluginnutzung.h"
 #include "check/Text.h"
-#include "check/Ursache.h"
 #include "kern/Anzeige.h"
 #include "kern/Arbeitsteilung.h"
 #include "kern/Kindprozess.h"
+#include "kern/Lebenslauf.h"
 #include "kern/Naehe.h"
 #include "kern/Optionen.h"
 #include "kern/Protokoll.h"
@@ -22,19 +22,15 @@ namespace {
 
 const Pruefung* finde(std::string_view name) {
     const auto& alle = katalog();
-    const auto stelle =
-        std::find_if(alle.begin(), alle.end(), [&](const Pruefung& p) { return p.name == name; });
+    const auto stelle = std::ranges::find(alle, name, &Pruefung::name);
     return stelle == alle.end() ? nullptr : &*stelle;
 }
 
 const Pruefung* verlange(const std::string& name) {
     if (const Pruefung* const pruefung = finde(name))
         return pruefung;
-    const auto& alle = katalog();
-    const auto naechste =
-        std::min_element(alle.begin(), alle.end(), [&](const Pruefung& a, const Pruefung& b) {
-            return abstand(a.name, name) < abstand(b.name, name);
-        });
+    const auto naechste = std::ranges::min_element(
+        katalog(), {}, [&](const Pruefung& pruefung) { return abstand(pruefung.name, name); });
     throw AufrufFehler(satz("there is no check {1}; did you mean {2}? 'orvoplugin check --list' names all",
                             zitiert(name), naechste->name));
 }
@@ -69,6 +65,15 @@ Json alsSatz(const Befund& befund) {
 Befund befundAus(const Json& satz) {
     return {static_cast<Urteil>(satz.at(0).get<int>()), satz.at(1).get<std::string>(),
             satz.at(2).get<std::string>(), satz.at(3)};
+}
+
+/// What follows the reason, from its "; " on, where a further life of the plugin shows the cause.
+std::string ursacheDesAbsturzes(const Pruefling& p) {
+    const Lebenslauf leben = verfolgeLeben(p.pfad, p.zeitlimit.count() / 2, true);
+    const std::string faden =
+        satz("; a thread that the plugin started still runs when its code is unmapped: join it in OnUnload");
+    return (leben.faeden ? faden : "") + (leben.grenze.empty() ? "" : "; " + leben.grenze) +
+           eigenesCxx(p.bild);
 }
 
 Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const std::string& log) {

@@ -80,12 +80,6 @@ void pruefeUeberschneidungen(const Pruefling& p, Fundliste& funde) {
 
 } // namespace
 
-std::vector<Pruefung> reihenPruefungen() {
-    return {{"overlaps",
-             N_("No other of the given plugins answers in place of this one."),
-             pruefeUeberschneidungen,
-             Ort::KIND_REIHE,
-             {"describes"}}};
-}
+std::vector<Pruefung> reihenPruefungen() { return {{"overlaps", pruefeUeberschneidungen}}; }
 
 } // namespace werkzeug::check

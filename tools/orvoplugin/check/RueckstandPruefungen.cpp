@@ -291,34 +291,21 @@ void pruefeKindprozesse(const Pruefling& p, Fundliste& funde) {
 } // namespace
 
 std::vector<Pruefung> rueckstandsPruefungen() {
-    return aufbauendAuf(
-        "use",
-        {{"no-output", N_("The plugin writes nothing to standard output."), pruefeAusgabe},
-         {"locale", N_("The plugin leaves the locale as it found it."), bleibtGleich<locale>},
-         {"working-directory", N_("The plugin leaves the working directory as it found it."),
-          bleibtGleich<arbeitsverzeichnis>},
-         {"signal-handlers", N_("The plugin leaves the handling of signals as it found it."),
-          bleibtGleich<signale>},
-         {"cxx-handlers",
-          N_("The plugin leaves the handlers for terminate and for want of memory as it found them."),
-          bleibtGleich<handler>},
-         {"descriptors", N_("The plugin closes the file descriptors that it opens, and no others."),
-          bleibtGleich<deskriptoren>},
-         {"environment", N_("The plugin leaves the environment variables as it found them."),
-          bleibtGleich<umgebung>},
-         {"umask", N_("The plugin leaves the mask for new files as it found it."), bleibtGleich<maske>},
-         {"threads", N_("The plugin ends the threads that it starts."), pruefeThreads},
-         {"child-processes", N_("The plugin leaves no child process behind."), pruefeKindprozesse},
-         {"floating-point", N_("The plugin leaves the rules of floating-point arithmetic as it found them."),
-          bleibtGleich<gleitkomma>},
-         {"streams", N_("The plugin leaves the standard streams' formats and buffers as it found them."),
-          bleibtGleich<stroeme>},
-         {"timers", N_("The plugin leaves no timer running that would end the process."),
-          bleibtGleich<zeitgeber>},
-         {"limits", N_("The plugin leaves the limits of the process as it found them."),
-          bleibtGleich<prozessgrenzen>},
-         {"settings", N_("The plugin leaves the library's settings as it found them."),
-          bleibtGleich<einstellungen>}});
+    return {{"no-output", pruefeAusgabe},
+            {"locale", bleibtGleich<locale>},
+            {"working-directory", bleibtGleich<arbeitsverzeichnis>},
+            {"signal-handlers", bleibtGleich<signale>},
+            {"cxx-handlers", bleibtGleich<handler>},
+            {"descriptors", bleibtGleich<deskriptoren>},
+            {"environment", bleibtGleich<umgebung>},
+            {"umask", bleibtGleich<maske>},
+            {"threads", pruefeThreads},
+            {"child-processes", pruefeKindprozesse},
+            {"floating-point", bleibtGleich<gleitkomma>},
+            {"streams", bleibtGleich<stroeme>},
+            {"timers", bleibtGleich<zeitgeber>},
+            {"limits", bleibtGleich<prozessgrenzen>},
+            {"settings", bleibtGleich<einstellungen>}};
 }
 
 } // namespace werkzeug::check

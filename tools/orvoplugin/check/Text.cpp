@@ -9,6 +9,7 @@
 
 #include <cxxabi.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -47,5 +48,17 @@ std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz) {
 }
 
 std::string art(const OrvoErweiterung& erweiterung) { return erweiterungTypName(erweiterung.getTyp()); }
+
+std::string eigenesCxx(const Bibliotheksbild& bild) {
+    const auto& benoetigte = bild.getInhalt().benoetigte;
+    const bool gemeinsam = std::any_of(benoetigte.begin(), benoetigte.end(), [](const std::string& name) {
+        return name.starts_with("libstdc++.") || name.starts_with("libc++.");
+    });
+    if (gemeinsam && !bild.exportiertFunktion("_Znwm"))
+        return {};
+    return satz(
+        "; the library brings a C++ library or an operator new of its own along: link the C++ library "
+        "dynamically");
+}
 
 } // namespace werkzeug::check

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datei/Bibliotheksbild.h"
+
 #include <string>
 #include <string_view>
 
@@ -21,5 +23,8 @@ std::string ausnahmetext(std::string_view text);
 std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz);
 /// Kind of an extension.
 std::string art(const OrvoErweiterung& erweiterung);
+
+/// Said of a library that brings its own C++ library along, or its own operator new, from its "; " on; else empty.
+std::string eigenesCxx(const Bibliotheksbild& bild);
 
 } // namespace werkzeug::check

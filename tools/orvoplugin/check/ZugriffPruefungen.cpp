@@ -65,9 +65,6 @@ void pruefeSchreibrechte(const Pruefling& p, Fundliste& funde) {
 
 } // namespace
 
-std::vector<Pruefung> zugriffPruefungen() {
-    return {{"writable", N_("Nobody else may write the file, or a folder that leads to it."),
-             pruefeSchreibrechte, Ort::DATEI}};
-}
+std::vector<Pruefung> zugriffPruefungen() { return {{"writable", pruefeSchreibrechte}}; }
 
 } // namespace werkzeug::check

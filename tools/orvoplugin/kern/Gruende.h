@@ -1,8 +1,10 @@
 #pragma once
 
+#include "kern/Anzeige.h"
 #include "kern/Fakten.h"
 
 #include <string>
+#include <vector>
 
 namespace werkzeug {
 
@@ -19,6 +21,8 @@ const char* zeitraumcode(std::int32_t typ);    ///< of a `Veranlagungszeitraum::
 /// The step at which the loading of a file ended: "walk", "filter", "file_check", "open", "entry_points", "types",
 /// "initialize", "register", "process"; empty for `KEINER`.
 const char* stufe(Grund grund);
+/// The step of why at which it ended, which are finer.
+const char* ladestufe(Grund grund);
 
 /// The cause behind a reason, the second half of its code: "cut" and so on; empty for `KEINE`.
 const char* code(Ursache ursache);
@@ -39,5 +43,9 @@ std::string servicesatz(const ErweiterungFakt& erweiterung);
 std::string servicerat(const ErweiterungFakt& erweiterung);
 /// The rule by which an extension got a key or did not, as the end of a sentence.
 std::string regelsatz(std::int32_t regel);
+/// A conclusion of why, by its code: {"code", "text", "advice"}, both filled with the values.
+/// Parameters: `fall` and `rat` choose where the table has several texts or pieces of advice.
+Json schluss(const char* code, const std::vector<std::string>& werte = {}, std::size_t fall = 0,
+             std::size_t rat = 0);
 
 } // namespace werkzeug

@@ -14,8 +14,6 @@
 #include <chrono>
 #include <csignal>
 #include <ctime>
-#include <filesystem>
-#include <iterator>
 #include <list>
 #include <map>
 #include <memory>
@@ -30,15 +28,10 @@ namespace {
 /// First byte of a record: its type.
 constexpr char kVorSchritt = 'S';
 constexpr char kService = 'D'; ///< what came of the next service
-constexpr char kFaeden = 'F';  ///< threads of the plugin still run just before its library is closed
+constexpr char kFaeden = 'F';  ///< see `Lebenslauf::faeden`
+constexpr char kGrenze = 'G';  ///< see `Lebenslauf::grenze`
 
 using Dienst = ServiceFakt::Art;
-
-bool laufenFaeden() {
-    std::error_code fehler;
-    const std::filesystem::directory_iterator faeden("/proc/self/task", fehler);
-    return std::distance(begin(faeden), end(faeden)) > 1;
-}
 
 /// What the factory itself does, which the extension did not get a service from.
 ServiceFakt rufeFactory(const OrvoServiceErweiterung& erweiterung, SharedLib& bibliothek) {
@@ -70,7 +63,8 @@ class Leben {
 public:
     Leben(const std::string& pfad, const Sender& sende) : pfad_(pfad), bibliothek_(pfad), sende_(sende) {}
 
-    void lebe(const std::vector<std::uint32_t>& erweiterungen) {
+    void lebe(const std::vector<std::uint32_t>& erweiterungen, bool mitServices) {
+        const auto grenzen = check::prozessgrenzen();
         beginne(Schritt::OEFFNEN);
         const bool istOffen = bibliothek_.load();
         if (istOffen) {
@@ -81,13 +75,17 @@ public:
         std::unique_ptr<OrvoPluginV1> plugin = beschreibe();
         if (!erweiterungen.empty())
             diene(plugin.get(), erweiterungen);
+        else if (mitServices && plugin)
+            benutze(*plugin);
         if (istStatisch_) { // closing would delete the object
             plugin.release();
             return;
         }
         beginne(Schritt::SCHLIESSEN);
-        if (laufenFaeden())
+        if (check::laufendeThreads() > 1)
             sende_(std::string(1, kFaeden));
+        if (const std::string grenze = check::geaenderteGrenze(grenzen); !grenze.empty())
+            sende_(kGrenze + grenze);
         if (plugin && plugin->getUseCount() > 0)
             plugin->release();
         bibliothek_.unload();
@@ -118,6 +116,13 @@ private:
         }
     }
 
+    static void benutze(const OrvoPluginV1& plugin) {
+        try {
+            check::benutze(plugin);
+        } catch (...) { // the checks report it
+        }
+    }
+
     void diene(OrvoPluginV1* plugin, const std::vector<std::uint32_t>& erweiterungen) {
         beginne(Schritt::LADEHOOK);
         if (plugin)
@@ -145,20 +150,14 @@ private:
     bool istStatisch_ = false;
 };
 
-/// A life with services.
-struct Dienstleben : Lebenslauf {
-    std::vector<ServiceFakt> services;
-};
-
-Dienstleben laufe(const std::string& pfad, const std::vector<std::uint32_t>& erweiterungen,
-                  double zeitlimit) {
-    Dienstleben leben;
-    bool faeden = false;
+Lebenslauf laufe(const std::string& pfad, const std::vector<std::uint32_t>& erweiterungen, double zeitlimit,
+                 bool mitServices = false) {
+    Lebenslauf leben;
     leben.ende = laufeImKind(
         [&](const Sender& sende) {
             Protokoll::beginne({});
             check::beginneOhnePlugins();
-            Leben(pfad, sende).lebe(erweiterungen);
+            Leben(pfad, sende).lebe(erweiterungen, mitServices);
         },
         [&](std::string_view satz) {
             if (satz.size() == 2 && satz[0] == kVorSchritt)
@@ -166,10 +165,12 @@ Dienstleben laufe(const std::string& pfad, const std::vector<std::uint32_t>& erw
             else if (satz.size() >= 2 && satz[0] == kService && satz[1] <= static_cast<char>(Dienst::ZEIT))
                 leben.services.push_back({static_cast<Dienst>(satz[1]), {}, std::string(satz.substr(2))});
             else if (satz[0] == kFaeden)
-                faeden = true;
+                leben.faeden = true;
+            else if (satz[0] == kGrenze)
+                leben.grenze = satz.substr(1);
         },
         std::chrono::duration<double>(zeitlimit));
-    if (leben.ende.art == Kindende::Art::SIGNAL && leben.schritt >= Schritt::SCHLIESSEN && faeden)
+    if (leben.ende.art == Kindende::Art::SIGNAL && leben.schritt >= Schritt::SCHLIESSEN && leben.faeden)
         leben.ursache = Ursache::FADEN;
     else if (leben.ende.art == Kindende::Art::SIGNAL && leben.ende.zahl == SIGKILL)
         leben.ursache = Ursache::GETOETET;
@@ -187,7 +188,7 @@ ServiceFakt alsFakt(const Lebenslauf& leben) {
 bool probiere(DateiFakt& datei, std::vector<std::uint32_t> offene, double zeitlimit) {
     bool istGestorben = false;
     while (!offene.empty()) {
-        const Dienstleben leben = laufe(datei.pfad, offene, zeitlimit);
+        const Lebenslauf leben = laufe(datei.pfad, offene, zeitlimit);
         const auto trageEin = [&](std::size_t von, std::size_t bis, const ServiceFakt& fakt) {
             for (std::size_t i = von; i < bis; ++i)
                 datei.plugin->erweiterungen.at(offene[i]).service = fakt;
@@ -232,7 +233,9 @@ void wartAufUeberbleibsel() {
     std::this_thread::sleep_for(kNachlauf);
 }
 
-Lebenslauf verfolgeLeben(const std::string& pfad, double zeitlimit) { return laufe(pfad, {}, zeitlimit); }
+Lebenslauf verfolgeLeben(const std::string& pfad, double zeitlimit, bool mitServices) {
+    return laufe(pfad, {}, zeitlimit, mitServices);
+}
 
 bool probiereServices(Bestand& bestand, const std::set<ErweiterungsOrt>& erweiterungen,
                       const Optionen& optionen) {

@@ -16,11 +16,14 @@ struct Lebenslauf {
     Kindende ende;
     Schritt schritt = Schritt::KEINER; ///< the last that was begun
     Ursache ursache = Ursache::KEINE;  ///< of a bad end, if it is known
+    bool faeden = false;               ///< whether its threads still ran just before its library was closed
+    std::vector<ServiceFakt> services; ///< what came of those that were asked for
+    std::string grenze;                ///< a limit of the process that was changed until then, as a sentence
 };
 
 /// Opens a plugin, has it describe itself, closes it, and waits a while for what it left running.
-/// Parameters: `zeitlimit` in seconds, for each step.
-Lebenslauf verfolgeLeben(const std::string& pfad, double zeitlimit);
+/// Parameters: `zeitlimit` in seconds, for each step; with `mitServices`, each of its services is made and given back.
+Lebenslauf verfolgeLeben(const std::string& pfad, double zeitlimit, bool mitServices = false);
 
 /// In a child: waits for what plugins may have left running, so that it does its damage, if any, before the child ends
 /// well. Timers are made to expire.

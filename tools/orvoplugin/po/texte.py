@@ -14,7 +14,8 @@ import tempfile
 KEYWORDS = ["satz:1", "uebersetzt:1", "N_:1", "anzahl:2,3", "add_option:3", "add_flag:3",
             "add_flag_callback:3", "type_name:1"]
 ARGUMENT = re.compile(r'\badd_option\(\s*"([^-"][^"]*)"')
-SAME_EVERYWHERE = {"class", "example", "code", "stage"}
+TABLES = ("texte.json", "gruende.json", "pruefungen.json")
+SAME_EVERYWHERE = {"class", "example", "code", "stage", "step", "where", "builds_on"}
 
 
 def texts_of_page(value):
@@ -37,9 +38,9 @@ def is_text(block):
 
 
 def template(sources):
-    code = sorted(sources.rglob("*.cpp"))
+    code = sorted([*sources.rglob("*.cpp"), *sources.rglob("*.h")])
     with tempfile.NamedTemporaryFile("w", suffix=".cpp", encoding="utf-8") as page:
-        for file in sorted([*sources.rglob("texte.json"), *sources.rglob("gruende.json")]):
+        for file in sorted(file for name in TABLES for file in sources.rglob(name)):
             for text in texts_of_page(json.loads(file.read_text(encoding="utf-8"))):
                 page.write(f"N_({json.dumps(text, ensure_ascii=False)});\n")
         for file in code:

@@ -12,7 +12,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <map>
@@ -25,13 +24,6 @@ namespace fs = std::filesystem;
 namespace werkzeug {
 
 namespace {
-
-std::string neuesVerzeichnis() {
-    std::string muster = (fs::temp_directory_path() / "orvoplugin-XXXXXX").string();
-    if (!mkdtemp(muster.data()))
-        throw std::system_error(errno, std::generic_category(), muster);
-    return muster;
-}
 
 /// Identifies a file independently of its name.
 using Inode = std::pair<dev_t, ino_t>;
@@ -152,23 +144,19 @@ private:
         sigfillset(&alle);
         sigprocmask(SIG_BLOCK, &alle, nullptr);
         prctl(PR_SET_PDEATHSIG, SIGTERM);
-        std::string verzeichnis;
         try {
-            verzeichnis = neuesVerzeichnis();
+            const Arbeitsverzeichnis verzeichnis;
+            const bool gesagt = schreibeGanz(rohr, verzeichnis.pfad().data(), verzeichnis.pfad().size());
+            closefrom(0); // no reader must wait for this process
+            sigset_t tod;
+            sigemptyset(&tod);
+            sigaddset(&tod, SIGTERM);
+            while (gesagt && getppid() == eltern) {
+                int signal = 0;
+                sigwait(&tod, &signal);
+            }
         } catch (const std::exception&) { // the tool then tries itself, and reports the error
-            _exit(EXIT_FAILURE);
         }
-        const bool gesagt = schreibeGanz(rohr, verzeichnis.data(), verzeichnis.size());
-        closefrom(0); // no reader must wait for this process
-        sigset_t tod;
-        sigemptyset(&tod);
-        sigaddset(&tod, SIGTERM);
-        while (gesagt && getppid() == eltern) {
-            int signal = 0;
-            sigwait(&tod, &signal);
-        }
-        std::error_code gleich;
-        fs::remove_all(verzeichnis, gleich);
         _exit(0);
     }
 #endif
@@ -181,22 +169,14 @@ Zusammenlegung::Zusammenlegung(const std::string& a, const std::string& b)
     : a_(a),
       b_(b),
       waechter_(std::make_unique<Waechter>()),
-      pfad_(waechter_->verzeichnis().empty() ? neuesVerzeichnis() : waechter_->verzeichnis()) {
-    try {
-        Leger leger(pfad_);
-        leger.lege(a, false);
-        leger.lege(b, true);
-    } catch (...) {
-        std::error_code gleich;
-        fs::remove_all(pfad_, gleich);
-        throw;
-    }
+      verzeichnis_(waechter_->verzeichnis().empty() ? Arbeitsverzeichnis()
+                                                    : Arbeitsverzeichnis(waechter_->verzeichnis())) {
+    Leger leger(pfad());
+    leger.lege(a, false);
+    leger.lege(b, true);
 }
 
-Zusammenlegung::~Zusammenlegung() {
-    std::error_code gleich;
-    fs::remove_all(pfad_, gleich);
-}
+Zusammenlegung::~Zusammenlegung() = default;
 
 std::string Zusammenlegung::herkunft(const std::string& unterpfad) const {
     const bool ausB = fs::symlink_status(fs::path(b_) / unterpfad).type() != fs::file_type::not_found;
@@ -204,7 +184,7 @@ std::string Zusammenlegung::herkunft(const std::string& unterpfad) const {
 }
 
 std::string Zusammenlegung::mitHerkunft(std::string text, const std::string& unterpfad) const {
-    const std::string hier = pfad_ + "/" + unterpfad;
+    const std::string hier = pfad() + "/" + unterpfad;
     const std::string dort = herkunft(unterpfad);
     for (std::size_t i = text.find(hier); i != std::string::npos; i = text.find(hier, i + dort.size()))
         text.replace(i, hier.size(), dort);

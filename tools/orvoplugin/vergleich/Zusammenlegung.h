@@ -1,5 +1,7 @@
 #pragma once
 
+#include "kern/Arbeitsverzeichnis.h"
+
 #include <memory>
 #include <string>
 
@@ -19,7 +21,7 @@ public:
     Zusammenlegung& operator=(const Zusammenlegung&) = delete;
     ~Zusammenlegung();
 
-    const std::string& pfad() const { return pfad_; }
+    const std::string& pfad() const { return verzeichnis_.pfad(); }
     /// The original of a file, by its path below the directory: its full path below A or B.
     std::string herkunft(const std::string& unterpfad) const;
     /// Replaces paths in the directory by the paths of the originals.
@@ -31,7 +33,7 @@ private:
     std::string a_;
     std::string b_;
     std::unique_ptr<Waechter> waechter_; ///< makes the directory
-    std::string pfad_;
+    Arbeitsverzeichnis verzeichnis_;
 };
 
 } // namespace werkzeug
