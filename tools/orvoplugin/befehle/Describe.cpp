@@ -59,6 +59,14 @@ void trageEin(const std::string& pfad, const Beschreibungsfund& fund, std::strin
     schreibeDatei(pfad, inhalt);
 }
 
+Json alsJson(const std::string& pfad, const char* ergebnis) {
+    return {{"file", jsonText(pfad)},
+            {"result", ergebnis},
+            {"size", nullptr},
+            {"room", nullptr},
+            {"reason", nullptr}};
+}
+
 /// Returns: what became of the file, as a part of the document. Errors: `NichtBeschreibbar`; `std::runtime_error` when
 /// the file cannot be written.
 Json beschreibe(const std::string& pfad, const Optionen& optionen) {
@@ -68,19 +76,10 @@ Json beschreibe(const std::string& pfad, const Optionen& optionen) {
     const bool steht = fund.stand == Beschreibungsfund::GEFUNDEN && fund.bytes == beschreibung;
     if (!steht)
         trageEin(pfad, fund, beschreibung);
-    return {{"file", jsonText(pfad)},
-            {"result", steht ? "unchanged" : "described"},
-            {"size", beschreibung.size()},
-            {"room", fund.platz},
-            {"reason", nullptr}};
-}
-
-Json alsJson(const std::string& pfad, const std::string& grund) {
-    return {{"file", jsonText(pfad)},
-            {"result", "failed"},
-            {"size", nullptr},
-            {"room", nullptr},
-            {"reason", grund}};
+    Json json = alsJson(pfad, steht ? "unchanged" : "described");
+    json["size"] = beschreibung.size();
+    json["room"] = fund.platz;
+    return json;
 }
 
 std::string alsText(const Json& dokument, const Farben&) {
@@ -112,7 +111,8 @@ public:
         Ausgang ausgang = Ausgang::GUT;
         const auto scheitere = [&](const std::string& datei, const std::string& grund, Ausgang wie) {
             std::cerr << "orvoplugin: " << satz("{1}: not described: {2}", einzeilig(datei), grund) << '\n';
-            dokument["files"].push_back(alsJson(datei, grund));
+            dokument["files"].push_back(alsJson(datei, "failed"));
+            dokument["files"].back()["reason"] = grund;
             ausgang = schwerster(ausgang, wie);
         };
         Fortschritt fortschritt(!optionen.quiet);

@@ -127,15 +127,14 @@ private:
 
     /// The period-independent entries answer for years without a key.
     void nenneErsatz() {
-        const std::vector<SchluesselFakt>& alle = bestand_.schluessel;
-        for (std::uint32_t i = 0; i < alle.size(); ++i)
-            if (alle[i].zeitraum.jahr == 0)
-                bestand_.zeilen.push_back(
-                    {alle[i].typ,
-                     alle[i].typName,
-                     alle[i].unterfallart,
-                     {{SpanneFakt::kErstesJahr, SpanneFakt::kOffen, RegisterAuskunft::UNABHAENGIG, i}},
-                     i});
+        std::uint32_t platz = 0;
+        for (const SchluesselFakt& s : bestand_.schluessel) {
+            const SpanneFakt immer{SpanneFakt::kErstesJahr, SpanneFakt::kOffen, RegisterAuskunft::UNABHAENGIG,
+                                   platz};
+            if (s.zeitraum.jahr == 0)
+                bestand_.zeilen.push_back({s.typ, s.typName, s.unterfallart, {immer}, platz});
+            ++platz;
+        }
     }
 
     Bestand bestand_;

@@ -57,15 +57,20 @@ std::vector<Meldung> meldungen(const std::vector<Dateiergebnis>& ergebnisse) {
     return alle;
 }
 
+/// A character as "%25".
+std::string prozent(char c) {
+    char puffer[4];
+    std::snprintf(puffer, sizeof puffer, "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
+    return puffer;
+}
+
 /// The path as a URI: of a full path with the scheme "file", else relative.
 std::string uri(const std::string& pfad) {
     std::string text = pfad.starts_with('/') ? "file://" : "";
     for (const char c : pfad) {
-        char puffer[4];
-        std::snprintf(puffer, sizeof puffer, "%%%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
         const bool bleibt = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
                             std::string_view("-._~/").find(c) != std::string_view::npos;
-        text += bleibt ? std::string(1, c) : puffer;
+        text += bleibt ? std::string(1, c) : prozent(c);
     }
     return text;
 }
@@ -73,16 +78,8 @@ std::string uri(const std::string& pfad) {
 /// A text in a workflow command. Parameters: in a property, the characters that end it are escaped too.
 std::string kommandotext(std::string_view text, bool eigenschaft) {
     std::string sicher;
-    for (const char c : einzeilig(text)) { // so that it has no line breaks
-        if (c == '%')
-            sicher += "%25";
-        else if (eigenschaft && c == ':')
-            sicher += "%3A";
-        else if (eigenschaft && c == ',')
-            sicher += "%2C";
-        else
-            sicher += c;
-    }
+    for (const char c : einzeilig(text)) // so that it has no line breaks
+        sicher += c == '%' || (eigenschaft && (c == ':' || c == ',')) ? prozent(c) : std::string(1, c);
     return sicher;
 }
 

@@ -17,8 +17,7 @@ namespace werkzeug {
 namespace {
 
 /// What is wrong with an ELF file.
-class ElfMangel : public std::runtime_error {
-public:
+struct ElfMangel : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 

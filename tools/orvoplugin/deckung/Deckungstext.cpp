@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace werkzeug {
 
@@ -19,14 +20,8 @@ constexpr std::size_t kBreitesterName = 28;   // of a sub-case type
 constexpr std::size_t kSchmalster = 12;       // of a shortened plugin name
 constexpr std::size_t kMeisteZellen = 500000; // larger tables are unreadable
 
-/// The marks that occur: only these are explained.
-struct Zeichenkunde {
-    bool ersatz = false;
-    bool zweiter = false;
-    bool teiljahr = false;
-    bool kaputt = false;
-    bool luecke = false;
-};
+/// The marks that occur, by a character of each: only these are explained.
+using Zeichenkunde = std::set<char>;
 
 class Zellentext {
 public:
@@ -38,11 +33,11 @@ public:
     /// "A", "A 1.2.0", "~A>B", "A(05)" or "-".
     Tabelle::Zelle operator()(const Json& zelle, bool mitVersion) {
         if (zelle["answer"] == "gap") {
-            kunde.luecke = true;
+            kunde.insert('-');
             return {"-", Farbe::ROT};
         }
         if (zelle["answer"] == "broken") {
-            kunde.kaputt = true;
+            kunde.insert('!');
             return {"!" + zeichen(zelle["plugin"]), Farbe::ROT};
         }
         const bool ersatz = zelle["answer"] == "fallback";
@@ -51,12 +46,14 @@ public:
             text += " " + gekuerzt(zeige(zelle["plugin"]["product_version"]), 16);
         if (!zelle["runner_up"].is_null()) {
             text += ">" + zeichen(zelle["runner_up"]);
-            kunde.zweiter = true;
+            kunde.insert('>');
         }
         if (!ersatz && !zelle["periods"].empty())
             text += teile(zelle["periods"]);
-        kunde.ersatz = kunde.ersatz || ersatz;
-        return ersatz ? Tabelle::Zelle(text, Farbe::GELB) : Tabelle::Zelle(text);
+        if (!ersatz)
+            return text;
+        kunde.insert('~');
+        return {text, Farbe::GELB};
     }
 
     Zeichenkunde kunde;
@@ -76,7 +73,7 @@ private:
             text += jahrende == std::string::npos ? zeitraum
                                                   : zeitraum.substr(jahrende + (zeitraum[jahrende] == '-'));
         }
-        kunde.teiljahr = true;
+        kunde.insert('(');
         return text + (zeitraeume.size() > kMeiste ? ",...)" : ")");
     }
 
@@ -88,16 +85,13 @@ struct Raster {
     std::vector<std::string> kopf;
     std::vector<std::vector<Tabelle::Zelle>> zeilen; ///< the sub-case type, then a cell for each head
 
-    std::size_t spaltenbreite(std::size_t spalte) const {
-        std::size_t breite = anzeigebreite(kopf[spalte]);
-        for (const auto& zeile : zeilen)
-            breite = std::max(breite, anzeigebreite(zeile[spalte].text));
-        return breite;
-    }
     std::vector<std::size_t> breiten() const {
-        std::vector<std::size_t> liste(kopf.size());
-        for (std::size_t i = 0; i < kopf.size(); ++i)
-            liste[i] = spaltenbreite(i);
+        std::vector<std::size_t> liste;
+        for (const std::string& name : kopf)
+            liste.push_back(anzeigebreite(name));
+        for (const auto& zeile : zeilen)
+            for (std::size_t i = 0; i < liste.size(); ++i)
+                liste[i] = std::max(liste[i], anzeigebreite(zeile[i].text));
         return liste;
     }
 };
@@ -236,16 +230,15 @@ std::string pluginsAlsText(const Json& plugins, std::size_t platz, const Farben&
 
 std::string zeichenAlsText(const Zeichenkunde& kunde) {
     std::string text;
-    const auto zeile = [&](bool kommtVor, const char* zeichen, const char* worte) {
-        text += kommtVor ? zeichen + std::string(uebersetzt(worte)) + "\n" : "";
+    const auto zeile = [&](char kennzeichen, const char* zeichen, const char* worte) {
+        text += kunde.contains(kennzeichen) ? zeichen + std::string(uebersetzt(worte)) + "\n" : "";
     };
-    zeile(kunde.zweiter, "  A>B    ", N_("plugin B would answer if A were not there"));
-    zeile(kunde.ersatz, "  ~A     ",
-          N_("a period-independent entry of A answers, for want of one of the year"));
-    zeile(kunde.teiljahr, "  A(05)  ", N_("filed for that part of the year (month, quarter Q2, day 05-31);"));
-    zeile(kunde.teiljahr, "         ", N_("look-ups for any period of the year find it"));
-    zeile(kunde.kaputt, "  !A     ", N_("A holds the entry, but no service of it can be had"));
-    zeile(kunde.luecke, "  -      ", N_("nobody answers"));
+    zeile('>', "  A>B    ", N_("plugin B would answer if A were not there"));
+    zeile('~', "  ~A     ", N_("a period-independent entry of A answers, for want of one of the year"));
+    zeile('(', "  A(05)  ", N_("filed for that part of the year (month, quarter Q2, day 05-31);"));
+    zeile('(', "         ", N_("look-ups for any period of the year find it"));
+    zeile('!', "  !A     ", N_("A holds the entry, but no service of it can be had"));
+    zeile('-', "  -      ", N_("nobody answers"));
     return text.empty() ? text : uebersetzt("Marks:") + ("\n" + text) + "\n";
 }
 
