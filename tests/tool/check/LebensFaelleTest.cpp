@@ -294,6 +294,8 @@ TEST_P(Faelle, IsFoundByItsCheckAndByNoOther) {
     const Fall& fall = GetParam();
     if (kMitSanitizer && std::string(fall.name) == "ThrowsWhenOpened")
         GTEST_SKIP() << "what an exception does in the system's loader depends on the runtime";
+    if (kMitSanitizer && std::string(fall.name) == "LowersALimit")
+        GTEST_SKIP() << "the sanitizer opens a pipe whenever it looks at an object's type";
     auto erwartet = fall.auffaellige;
     if (kMitSanitizer)
         erwartet.erase("memory"); // not measured there
@@ -351,7 +353,6 @@ TEST(Konformitaet, ACxxLibraryOfItsOwnIsNamedAsTheCauseOfLostMemory) {
     EXPECT_THAT(lauf.auffaellige, ElementsAre(Pair("memory", "warning")));
     EXPECT_THAT(lauf.gruende.at("memory"), HasSubstr("brings a C++ library or an operator new of its own"));
 }
-#endif
 
 TEST(Konformitaet, ALimitThatWasLoweredIsNamedAsTheCauseOfWhatFails) {
     const Pruefplugin plugin(test_plugins::Conforms, "laden knapp");
@@ -360,6 +361,7 @@ TEST(Konformitaet, ALimitThatWasLoweredIsNamedAsTheCauseOfWhatFails) {
     EXPECT_THAT(lauf.gruende.at("services"),
                 AllOf(HasSubstr("; the limit of open files was "), EndsWith(" and is now 0 (0)")));
 }
+#endif
 
 TEST(Konformitaet, AStaticObjectThatIsDeletedIsRefusedByEachCheckThatWouldDeleteIt) {
     const Pruefplugin plugin(test_plugins::Conforms, "factory statische");
