@@ -27,8 +27,8 @@ const std::vector<BefehlEintrag>& alleBefehle() {
         {"diff", N_("What another plugin directory, or one copied over this one, would change"), macheDiff,
          "  orvoplugin diff /opt/client/plugins ./plugins\n"
          "  orvoplugin diff --merge /opt/client/plugins ./delivery\n"},
-        {"lock", N_("Writes an inventory of a plugin directory: sizes, SHA-256, versions and keys"), macheLock,
-         "  orvoplugin lock /opt/client/plugins > plugins.lock.json\n"},
+        {"lock", N_("Writes an inventory of a plugin directory: sizes, SHA-256, versions and keys"),
+         macheLock, "  orvoplugin lock /opt/client/plugins > plugins.lock.json\n"},
         {"verify", N_("Says what is not as a lock file has it, and runs no plugin code"), macheVerify,
          "  orvoplugin verify plugins.lock.json /opt/client/plugins\n"},
         {"check", N_("Checks plugins for conformance, for their authors and for CI"), macheCheck,
