@@ -95,12 +95,13 @@ TEST(Arbeitsteilung, ASignalEndsAllProcessesBeforeTheCaller) {
                 },
                 empfange, std::chrono::hours(1));
         };
+        int signal = 0;
         try {
             verteile(p);
         } catch (const Unterbrochen& unterbrochen) {
-            _exit(unterbrochen.signal);
+            signal = unterbrochen.signal;
         }
-        _exit(EXIT_FAILURE);
+        _exit(signal);
     }
     pid_t prozesse[4]; // two, and the child of each
     std::size_t gelesen = 0;

@@ -82,18 +82,18 @@ private:
 #endif
         if (!wache_.legeNieder() || getppid() != wir)
             _exit(EXIT_FAILURE);
+        int ende = EXIT_FAILURE; // left with no exception alive
         try {
             plan_.arbeit(stueck, [&](std::string_view text) {
                 if (!schreibeGanz(rohr, text.data(), text.size()))
                     _exit(EXIT_FAILURE);
             });
+            ende = EXIT_SUCCESS;
         } catch (const Unterbrochen&) {
-            _exit(EXIT_FAILURE);
         } catch (const std::exception& fehler) {
             std::fprintf(stderr, "orvoplugin: %s\n", fehler.what());
-            _exit(EXIT_FAILURE);
         }
-        _exit(EXIT_SUCCESS);
+        _exit(ende);
     }
 
     void warte() {
