@@ -173,7 +173,10 @@ void* SharedLib::getSymbol(const std::string& name) {
 
 std::string SharedLib::getLastError() const { return fehler_; }
 
-bool SharedLib::enthaelt(const void* adresse) const { return griff_ && liegtInOderDanach(griff_, adresse); }
+bool SharedLib::enthaelt(const void* adresse) const {
+    Dl_info irgendeine; // of which nothing is needed: the question is quick for what lies in no library
+    return griff_ && dladdr(adresse, &irgendeine) && liegtInOderDanach(griff_, adresse);
+}
 
 /// Names the file once, also when the system's reason begins with its name.
 bool SharedLib::schlageFehl(const std::string& grund) {

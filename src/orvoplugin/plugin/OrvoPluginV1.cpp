@@ -15,6 +15,7 @@ using namespace orvo::orvoutil;
 namespace {
 
 constexpr Latin1Text kFuegeAn{u8"Füge Erweiterung an Erweiterungsliste an"};
+constexpr Latin1Text kNichtZurueck{u8"Services beim Entladen nicht zurückgegeben: "};
 
 [[noreturn]] void lehneErweiterungAb(const std::string& grund) {
     throw PluginInitException(PluginInitException::INITIALISIERUNGS_FEHLER, grund);
@@ -42,6 +43,21 @@ std::unique_ptr<OrvoErweiterung> bestaendigerKlon(const OrvoErweiterung& erweite
     return klon;
 }
 
+/// Names the services of an extension that nobody gave back: they are lost with their plugin.
+void meldeAusstehende(const OrvoErweiterung& erweiterung, Log log) {
+    const auto* const ausgebende = dynamic_cast<const OrvoServiceErweiterung*>(&erweiterung);
+    int anzahl = 0; // not that of the extension, which includes what it was copied with
+    if (ausgebende)
+        for (const auto& [service, mal] : ausgebende->getInstanzen())
+            anzahl += mal;
+    if (anzahl > 0)
+        log.warn([&] {
+            return kNichtZurueck.c_str() + int2String(anzahl) +
+                   ". Erweiterung: " + erweiterungTypName(erweiterung.getTyp()) +
+                   ", Factory: " + ausgebende->getServiceFactoryName();
+        });
+}
+
 } // namespace
 
 OrvoPluginV1::OrvoPluginV1(SharedLib* sharedLib) : OrvoPluginV1(Pluginbibliothek::fuer(sharedLib)) {}
@@ -60,8 +76,11 @@ OrvoPluginV1::OrvoPluginV1(std::unique_ptr<OrvoPluginV1> frueheres)
 
 OrvoPluginV1::~OrvoPluginV1() {
     const DestruktorSpur spur(log_, "OrvoPluginV1");
-    for (OrvoErweiterung* const erweiterung : erweiterungen_)
+    for (OrvoErweiterung* const erweiterung : erweiterungen_) {
+        if (erweiterung && erweiterung->getAusgegeben() > 0)
+            meldeAusstehende(*erweiterung, log_);
         delete erweiterung;
+    }
     spur.ende();
 }
 

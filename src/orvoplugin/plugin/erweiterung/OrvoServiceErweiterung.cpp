@@ -17,6 +17,7 @@ constexpr Latin1Text kOhnePlugin{u8"Erweiterung gehört zu keinem Plugin. Kein S
 constexpr Latin1Text kOhneSpeicher{u8"Nicht genug Speicher. Kein Service."};
 constexpr Latin1Text kUeberlebt{
     u8"Ein ServiceGriff hält einen Service über das Ende seines Plugins hinaus. Factory: "};
+constexpr Latin1Text kNichtGeloescht{u8" und wird nicht gelöscht. Factory: "};
 constexpr Latin1Text kVergeben{
     u8"Ein ServiceGriff hält einen Service, der schon zurückgegeben ist. Factory: "};
 
@@ -146,7 +147,7 @@ void OrvoServiceErweiterung::release(Service* service) {
         return;
     }
     const bool geloescht = std::find(geloeschte_.begin(), geloeschte_.end(), service) != geloeschte_.end();
-    const bool loeschen = !geloescht && istFlagGesetzt(FLAG_SERVICE_LOESCHEN);
+    const bool loeschen = !geloescht && istFlagGesetzt(FLAG_SERVICE_LOESCHEN) && istLoeschbar(service);
     const int uebrige = --eintrag->second;
     const int verwaiste = verwaiseUeberzaehlige(service, loeschen ? 0 : uebrige);
     if (uebrige == 0) {
@@ -165,6 +166,18 @@ void OrvoServiceErweiterung::release(Service* service) {
     spur.ende();
     for (int i = 0; i < std::min(verwaiste, uebrige); ++i) // what these handles held
         release(service);
+}
+
+/// Not so if the object lies in the plugin's library, as a variable of the plugin: deleting it would end the process.
+bool OrvoServiceErweiterung::istLoeschbar(const Service* service) const {
+    const OrvoPlugin* const plugin = getPlugin();
+    if (!plugin || !plugin->bibliothek().enthaelt(service))
+        return true;
+    log_.error([&] {
+        return "Service ist eine Variable des Plugins " + plugin->getBibliotheksname() +
+               kNichtGeloescht.c_str() + serviceFactoryName_;
+    });
+    return false;
 }
 
 /// Takes the object from the handles that hold it, the latest first, until so many are left.

@@ -31,7 +31,8 @@ public:
     Service* holeService();
 
     /// Takes a service object back. With `FLAG_SERVICE_LOESCHEN` set it is deleted at its first release, even if it was
-    /// handed out several times; further releases of that object are only counted.
+    /// handed out several times; further releases of that object are only counted. An object that is a variable in the
+    /// plugin's library is not deleted; the log says so at level error.
     /// An object that is not out, or null, is logged and ignored. A handle whose object is given back here becomes
     /// orphaned (`ServiceGriff::istVerwaist`), and the log says so.
     void release(Service* service);
@@ -59,6 +60,7 @@ private:
     Service* (*sucheFactory(OrvoPlugin& plugin))();
     bool haltePlatzBereit() noexcept;
     bool verbucheAusgabe(Service* service) noexcept;
+    bool istLoeschbar(const Service* service) const;
     int verwaiseUeberzaehlige(const Service* service, int erlaubte) noexcept;
     void verwaiseAlle() noexcept;
 

@@ -1,7 +1,10 @@
 // Services from a real plugin library: when it is open, which services live, and what remains.
 
+#include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
+#include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
+#include <orvoutil/Latin1.h>
 
 #include "orvoplugin/plugin/erweiterung/Plugindatei.h"
 #include "support/Mitschnitt.h"
@@ -13,6 +16,8 @@
 
 namespace {
 
+using orvo::orvoutil::Latin1Text;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
@@ -22,7 +27,7 @@ constexpr char kKategorie[] = "orvo.plugin.erweiterung.OrvoServiceErweiterung";
 class ServiceAusPlugin : public testing::Test {
 protected:
     const Mitschnitt mitschnitt{orvo::orvoutil::LogLevel::Info};
-    const Plugindatei datei;
+    Plugindatei datei;
     OrvoPluginV1& plugin = *datei.plugin;
     OrvoValidierungsServiceErweiterung& erweiterung = datei.erweiterung<OrvoValidierungsServiceErweiterung>();
 };
@@ -126,6 +131,45 @@ TEST_F(ServiceAusPlugin, HandedOutTwiceUnderTheFlagIsGoneAtItsFirstReturn) {
     // With the flag the second release would delete it again; without it only the use is given back.
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, false);
     erweiterung.release(service);
+    EXPECT_FALSE(datei.istOffen());
+}
+
+TEST_F(ServiceAusPlugin, ThatIsAVariableOfThePluginIsNotDeleted) {
+    erweiterung.setServiceFactoryName("gibtStaendigenService");
+    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    ServiceGriff eines(&erweiterung);
+    ServiceGriff dasselbe(&erweiterung);
+    ASSERT_EQ(dasselbe.get(), eines.get());
+
+    eines.gibZurueck();
+    const auto meldung = Latin1Text(u8"E Service ist eine Variable des Plugins ").c_str() + datei.pfad +
+                         Latin1Text(u8" und wird nicht gelöscht. Factory: gibtStaendigenService").c_str();
+    EXPECT_THAT(mitschnitt.zeilen(kKategorie), ElementsAre(meldung));
+    EXPECT_TRUE(dasselbe) << "the object is as it was";
+    EXPECT_TRUE(datei.istOffen());
+
+    dasselbe.gibZurueck();
+    EXPECT_FALSE(datei.istOffen());
+    EXPECT_EQ(erweiterung.getAusgegeben(), 0);
+}
+
+TEST_F(ServiceAusPlugin, ThatIsNeverGivenBackIsNamedWhenThePluginEnds) {
+    auto& leser = datei.erweiterung<OrvoDatensatzReaderErweiterung>();
+    leser.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    leser.release(leser.holeService());
+    erweiterung.setServiceFactoryName("gibtDenselbenService");
+    erweiterung.holeService();
+    auto* const verlorener = erweiterung.holeService();
+    erweiterung.setServiceFactoryName("gibtStaendigenService");
+    erweiterung.holeService();
+    delete verlorener; // only for the sake of tidiness: the client's code would have lost it
+
+    datei.plugin.reset();
+    EXPECT_THAT(mitschnitt.zeilen("orvo.plugin.OrvoPluginV1(libangebot.dylib)"),
+                Contains(Latin1Text(u8"W Services beim Entladen nicht zurückgegeben: 3. Erweiterung: "
+                                    u8"ORVO_CHECK_SERVICE_ERWEITERUNG, Factory: gibtStaendigenService")
+                             .c_str()));
+    EXPECT_EQ(mitschnitt.anzahlMit("beim Entladen"), 1) << "none for the kinds that have everything back";
     EXPECT_FALSE(datei.istOffen());
 }
 
