@@ -218,6 +218,8 @@ void Stoerfall::imKindprozess(const std::function<void()>& was, Benutzer benutze
         // Permissions already apply to a user who is not root.
         if (benutzer == Benutzer::NIEMAND && geteuid() == 0 && (setgid(kNiemand) || setuid(kNiemand)))
             ADD_FAILURE() << "root cannot become nobody here, so nothing is proved about permissions";
+        else if (access(home.pfad().c_str(), R_OK | X_OK) != 0)
+            ADD_FAILURE() << "the temporary directory (TMPDIR) is for root only, so nothing is proved";
         else
             try {
                 was();

@@ -5,8 +5,11 @@
 
 #include <gmock/gmock.h>
 
+#include <dlfcn.h>
+
 #include <array>
 #include <atomic>
+#include <climits>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -92,7 +95,13 @@ TEST_F(EinstellungenTest, AnswersItsTwoKeysByName) {
 }
 
 TEST_F(EinstellungenTest, TakesTheLibrarysOwnDirectoryForAnUnsetHome) {
-    const std::string verzeichnis = std::filesystem::path(LIBORVOUTIL).parent_path().string();
+    // wherever the loader found it: LD_LIBRARY_PATH counts for more than where it was built
+    void* const bibliothek =
+        dlopen(std::filesystem::path(LIBORVOUTIL).filename().c_str(), RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(bibliothek, nullptr) << dlerror();
+    char verzeichnis[PATH_MAX];
+    ASSERT_EQ(dlinfo(bibliothek, RTLD_DI_ORIGIN, verzeichnis), 0) << dlerror();
+    dlclose(bibliothek);
     EXPECT_EQ(einstellungen.basisHomeDir(), verzeichnis);
     einstellungen.setze(kHomeDir, "/home/orvo");
     einstellungen.setze(kHomeDir, "");
