@@ -21,6 +21,23 @@ target_compile_options(
               $<$<AND:$<CXX_COMPILER_ID:Clang>,$<CONFIG:Debug,RelWithDebInfo>>:-gdwarf-4>
               $<$<BOOL:${ORVO_WERROR}>:-Werror>)
 
+# Hardening of what is delivered. Checked functions of the C library need an optimised build; a level in the flags of the
+# one who builds stays, and a sanitizer checks more.
+check_cxx_compiler_flag(-fcf-protection ORVO_HAS_CF_PROTECTION) # x86
+check_cxx_compiler_flag(-mbranch-protection=standard ORVO_HAS_BRANCH_PROTECTION) # 64-bit ARM
+add_library(orvo_hardening INTERFACE)
+target_compile_options(
+    orvo_hardening
+    INTERFACE -fstack-protector-strong
+              $<$<BOOL:${ORVO_HAS_CF_PROTECTION}>:-fcf-protection>
+              $<$<BOOL:${ORVO_HAS_BRANCH_PROTECTION}>:-mbranch-protection=standard>)
+if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE|-fsanitize=")
+    target_compile_definitions(orvo_hardening INTERFACE $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:_FORTIFY_SOURCE=2>)
+endif()
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux") # all symbols are bound at start-up, and their table is read-only from then on
+    target_link_options(orvo_hardening INTERFACE LINKER:-z,relro LINKER:-z,now)
+endif()
+
 # orvo_library(<target> UNITS <names>... HEADERS <further public headers>... [SOURCES <further sources>...])
 #
 # A shared library of this tree. A unit is a public header and the source of the same name. The public headers listed
@@ -41,7 +58,8 @@ function(orvo_library target)
                ${headers}
                ${arg_HEADERS})
     target_compile_features(${target} PUBLIC cxx_std_20)
-    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:orvo_compile_options>)
+    target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:orvo_compile_options>
+                                            $<BUILD_INTERFACE:orvo_hardening>)
     set_target_properties(
         ${target}
         PROPERTIES CXX_VISIBILITY_PRESET hidden
@@ -49,7 +67,6 @@ function(orvo_library target)
                    VERIFY_INTERFACE_HEADER_SETS ON
                    VERSION ${PROJECT_VERSION}
                    SOVERSION ${PROJECT_VERSION_MAJOR})
-    # Instantiations of the standard library's templates stay in each library.
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         # so that a 32-bit process can read directories with 64-bit inode numbers
         if(CMAKE_SIZEOF_VOID_P EQUAL 4)
