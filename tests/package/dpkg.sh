@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the packages with dpkg below a private root, with the machine's packages listed as installed, and removes
-# them again. Nothing may remain.
+# Installs the packages with dpkg below a private root, with the machine's packages listed as installed, uses them, and
+# purges them. Nothing may remain.
 . "$(dirname -- "$0")/support.sh"
 need dpkg
 ((EUID == 0)) || skip "dpkg installs for root only"
@@ -29,6 +29,6 @@ if ((TOOL)); then
 fi
 
 demand_part "$(refused on_root --remove "$runtime")" "dependency problems"
-on_root --remove "${packages[@]}" >/dev/null
-left=$(files)
+on_root --purge "${packages[@]}" >/dev/null
+left=$(files)$(find "$root/var/lib/dpkg/info" -name '*orvo*')$(grep '^Package:.*orvo' "$root/var/lib/dpkg/status" || true)
 [[ -z $left ]] || fail "this stayed behind:"$'\n'"$left"
