@@ -124,7 +124,12 @@ function(orvo_why_tool_cannot_open target variable)
     if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
         set(reason "it is built for another system, and CMAKE_CROSSCOMPILING_EMULATOR is not set")
     elseif(NOT TARGET orvo::tool)
-        set(reason "the package orvoplugin came without its tool")
+        get_target_property(installed orvo::orvoplugin IMPORTED)
+        if(installed)
+            set(reason "the package orvoplugin came without its tool")
+        else() # a subproject
+            set(reason "the tool that does it is built only with ORVO_BUILD_TOOL=ON")
+        endif()
     elseif(sanitizer) # such a plugin opens only in a program that has the sanitizer too
         get_target_property(installed orvo::tool IMPORTED)
         if(installed)
