@@ -2,6 +2,8 @@
 # The packages' metadata, and the places of their files.
 . "$(dirname -- "$0")/support.sh"
 
+need dpkg-gensymbols
+
 major=${VERSION%%.*}
 field() { dpkg-deb -f "$WORK/debs/$1_${VERSION}_"*.deb "$2"; }
 demand_field() {
@@ -26,6 +28,17 @@ fi
 control() { dpkg-deb --info "$WORK/debs/$1_${VERSION}_"*.deb "$2"; }
 demand "$(control "$runtime" triggers)" "activate-noawait ldconfig"
 demand "$(control "$runtime" shlibs)" "liborvoplugin $major $runtime (>= $VERSION)" "liborvoutil $major $runtime (>= $VERSION)"
+
+# Every exported symbol is in the recorded list, and every recorded one is exported (as GCC compiles the libraries).
+if [[ $("$CXX" --version) == *"Free Software Foundation"* ]]; then
+    fresh "$WORK/gensymbols/debian"
+    : >"$WORK/gensymbols/debian/control"
+    libraries=("$WORK/root/usr/$LIBDIR"/lib*.so."$VERSION")
+    (cd -- "$WORK/gensymbols" &&
+        dpkg-gensymbols "-p$runtime" "-v$VERSION" -c4 "-I$SOURCE/cmake/debian/symbols" -Osymbols "${libraries[@]/#/-e}") ||
+        fail "scripts/abi --record records the symbols"
+    [[ $(control "$runtime" symbols) == "$(<"$WORK/gensymbols/symbols")" ]] || fail "$runtime has another list of symbols"
+fi
 
 for deb in "$WORK/debs"/*.deb; do
     name=$(dpkg-deb -f "$deb" Package)
