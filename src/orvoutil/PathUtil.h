@@ -1,7 +1,8 @@
 #pragma once
 
-// Helpers for paths, all of them lexical: none looks at the file system, so links are not followed.
-// Encoding: paths are bytes; the separator is '/'. Errors: `std::bad_alloc`.
+/// \file
+/// Helpers for paths, all of them lexical: none looks at the file system, so links are not followed.
+/// Encoding: paths are bytes; the separator is '/'. Errors: `std::bad_alloc`.
 
 #include <orvoutil/Export.h>
 

@@ -1,7 +1,8 @@
 #pragma once
 
-// Small helpers for texts. Letter case is that of ASCII, whatever the locale; all other bytes stay as they are.
-// Errors: `std::bad_alloc`.
+/// \file
+/// Small helpers for texts. Letter case is that of ASCII, whatever the locale; all other bytes stay as they are.
+/// Errors: `std::bad_alloc`.
 
 #include <orvoutil/Export.h>
 

@@ -97,20 +97,20 @@ def without_spans(text):
     return re.sub(r"(`+)(.+?)\1(?!`)", "", text)
 
 
+def slug(heading, found):
+    """The anchor that a heading gives, the way forges make it; `found` counts those of its page."""
+    text = re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", heading)
+    name = re.sub(r"[^\w\- ]", "", text.lower()).replace(" ", "-")
+    count = found.get(name, 0)
+    found[name] = count + 1
+    return name if count == 0 else f"{name}-{count}"
+
+
 def anchors(document):
-    """The anchors that a page's headings give, the way forges make them."""
+    """The anchors that a page's headings give."""
     found = {}
-    names = set()
-    for _, line in document.prose:
-        heading = re.match(r"^#{1,6}\s+(.*?)\s*#*$", line)
-        if not heading:
-            continue
-        text = re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", heading.group(1))
-        slug = re.sub(r"[^\w\- ]", "", text.lower()).replace(" ", "-")
-        count = found.get(slug, 0)
-        found[slug] = count + 1
-        names.add(slug if count == 0 else f"{slug}-{count}")
-    return names
+    headings = (re.match(r"^#{1,6}\s+(.*?)\s*#*$", line) for _, line in document.prose)
+    return {slug(heading.group(1), found) for heading in headings if heading}
 
 
 def tables(document, below=None):
