@@ -123,7 +123,7 @@ install(
 install(
     FILES "${PROJECT_SOURCE_DIR}/docs/client.md" "${PROJECT_SOURCE_DIR}/docs/client-reference.md"
           "${PROJECT_SOURCE_DIR}/docs/plugin-author.md" "${PROJECT_SOURCE_DIR}/docs/plugin-reference.md"
-          "${PROJECT_SOURCE_DIR}/docs/flow.svg"
+          "${PROJECT_SOURCE_DIR}/docs/building.md" "${PROJECT_SOURCE_DIR}/docs/flow.svg"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT dev)
 install(

@@ -27,7 +27,9 @@ from markdown import ROOT, Mistake
 ALLOWED = {  # what a block of each kind may be
     "cpp": {"file", "fragment"},
     "cmake": {"file"},
-    "sh": {"", "in the tree", "run by"},
+    "makefile": {"file"},
+    "meson": {"file"},
+    "sh": {"", "in the tree", "needs", "run by"},
     "text": {"file", "output", "paths"},
     "json": {"output"},
     "mermaid": {""},
@@ -149,7 +151,7 @@ class Reader:
         target.parent.mkdir(parents=True, exist_ok=True)
         target.write_text(block.text, encoding="utf-8")
 
-    cpp_file = cmake_file = text_file = write_file
+    cpp_file = cmake_file = makefile_file = meson_file = text_file = write_file
 
     def cpp_fragment(self, block):
         source = self.home / "fragments" / f"line{block.line}.cpp"
@@ -176,6 +178,15 @@ class Reader:
         self.folder = self.environment["DOKUMENT_TREE"]
         self.run_commands(block)
         self.folder = before
+
+    def sh_needs(self, block):
+        """Left out, with its output, where a program is not installed."""
+        missing = [program for program in block.value.split() if not shutil.which(program)]
+        if not missing:
+            self.run_commands(block)
+            return
+        self.printed = None
+        print(f"{self.document.where(block.line)}: not run, for want of {', '.join(missing)}")
 
     def sh_run_by(self, block):
         """`check` reads it; what a test cannot run is run elsewhere."""
@@ -211,6 +222,8 @@ class Reader:
     # What is read
 
     def text_output(self, block):
+        if self.printed is None:
+            return
         expected, found = block.text.splitlines(), self.printed.splitlines()
         if not output_matches(expected, found):
             self.fail(block, "the commands above print something else:\n" + self.printed)

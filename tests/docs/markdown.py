@@ -5,6 +5,7 @@ A marker is an HTML comment on the line directly above a code block; it says wha
     <!-- file: NAME -->          it is that file, which the blocks after it find in their folder
     <!-- fragment: NAME -->      it is compiled inside tests/docs/fragments/NAME.in
     <!-- in the tree -->         its commands are run in a copy of the tree
+    <!-- needs: PROGRAM... -->   its commands are run if these programs are installed
     <!-- run by: FILE -->        its commands are run by FILE, which holds each of them (for what a test cannot run)
     <!-- output -->              it is what the commands above it print; a line "..." stands for any number of lines,
                                  and "..." within a line for any text
@@ -17,7 +18,7 @@ import pathlib
 import re
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-MARKERS = ("file", "fragment", "in the tree", "run by", "output", "paths")
+MARKERS = ("file", "fragment", "in the tree", "needs", "run by", "output", "paths")
 
 
 class Mistake(Exception):

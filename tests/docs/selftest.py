@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Shows that the checks of the documents find what they look for."""
 
+import contextlib
+import io
 import pathlib
 import tempfile
 import unittest
@@ -86,6 +88,13 @@ class CodeBlocks(Documents):
         document = self.document("```sh\necho one\n```\n<!-- output -->\n```text\ntwo\n```\n")
         with tempfile.TemporaryDirectory() as work:
             self.assertMistake("print something else", blocks.Reader(document, work, "c++").follow)
+
+    def test_what_needs_a_missing_program_is_left_out_with_its_output(self):
+        text = "<!-- needs: {} -->\n```sh\necho one\n```\n<!-- output -->\n```text\ntwo\n```\n"
+        with tempfile.TemporaryDirectory() as work, contextlib.redirect_stdout(io.StringIO()) as said:
+            self.assertEqual(2, blocks.Reader(self.document(text.format("sh no-such-program")), work, "c++").follow())
+            self.assertIn("not run, for want of no-such-program", said.getvalue())
+            self.assertMistake("print something else", blocks.Reader(self.document(text.format("sh")), work, "c++").follow)
 
     def test_a_line_of_the_log_that_the_guide_does_not_know_is_a_mistake(self):
         line = "2009-05-31 23:59:59.123 INFO  orvo.plugin.X: [Plugin] nowhere"

@@ -13,7 +13,7 @@ declare -A files=(
         $LIBDIR/cmake/orvoplugin/plugin.description.cpp
         $LIBDIR/pkgconfig/orvoplugin.pc $LIBDIR/pkgconfig/orvoplugin-plugin.pc
         share/man/man3/liborvoplugin.3
-        $documents/docs/client.md $documents/docs/client-reference.md $documents/docs/flow.svg
+        $documents/docs/client.md $documents/docs/client-reference.md $documents/docs/building.md $documents/docs/flow.svg
         $documents/docs/plugin-author.md $documents/docs/plugin-reference.md
         $documents/examples/plugin-template/README.md $documents/examples/client-template/README.md"
     [tool]="bin/orvoplugin
