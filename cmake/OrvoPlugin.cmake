@@ -16,8 +16,9 @@
 #              build fails if that depends on environment, working directory or locale. DESCRIPTION_SIZE is the room for
 #              it, 4096 bytes by default
 #
-# After linking, the package's tool describes the plugin, if asked to, and checks it (ORVO_PLUGIN_CHECKS below). A finding
-# fails the build with a message. Both load the plugin in a child process and have it describe itself. They are left out,
+# After linking, the package's tool checks the plugin (ORVO_PLUGIN_CHECKS below) and describes it, if asked to. A finding
+# fails the build with a message; what is missing on this machine only, such as a needed library, is a warning. Both load
+# the plugin in child processes and have it describe itself, and the check makes each service once. They are left out,
 # with a message, when cross-compiling without CMAKE_CROSSCOMPILING_EMULATOR, if the package has no tool, and if the
 # compiler options of the project, the configuration or the directory name a sanitizer.
 #
@@ -35,12 +36,18 @@ set(ORVO_PLUGIN_CHECKS
     exports
     unique-symbols
     nodelete
+    thread-destructors
+    cxx-library
+    needed-libraries
     undefined-symbols
     immediate-binding
     declares-type
     describes
     factories
     hooks
+    use
+    threads
+    floating-point
     CACHE INTERNAL "Checks after linking")
 set(ORVO_PLUGIN_EXPORTS_FILE "${CMAKE_CURRENT_LIST_DIR}/plugin.exports" CACHE INTERNAL "Version script of a plugin")
 set(ORVO_PLUGIN_DESCRIPTION_FILE "${CMAKE_CURRENT_LIST_DIR}/plugin.description.cpp"
@@ -168,7 +175,7 @@ function(orvo_describe_plugin target)
                         "\"orvoplugin describe\" describes it on its system.")
         return()
     endif()
-    orvo_run_tool(${target} describe --quiet)
+    orvo_run_tool(${target} describe --quiet --elsewhere)
 endfunction()
 
 function(orvo_check_plugin target)
@@ -178,7 +185,7 @@ function(orvo_check_plugin target)
         return()
     endif()
     list(JOIN ORVO_PLUGIN_CHECKS "," checks)
-    orvo_run_tool(${target} check --quiet --strict --only "${checks}")
+    orvo_run_tool(${target} check --quiet --strict --elsewhere --only "${checks}")
 endfunction()
 
 function(orvo_add_plugin target)
@@ -196,12 +203,12 @@ function(orvo_add_plugin target)
     endif()
     add_library(${target} MODULE ${sources})
     orvo_plugin_options(${target} EXPORTS ${arg_EXPORTS})
+    if(NOT arg_NO_CHECK) # before it is described, because the check says more of what is wrong
+        orvo_check_plugin(${target})
+    endif()
     if(arg_DESCRIBED)
         orvo_describe_plugin(${target} ${arg_DESCRIPTION_SIZE})
     elseif(DEFINED arg_DESCRIPTION_SIZE)
         message(FATAL_ERROR "orvo_add_plugin(${target}): DESCRIPTION_SIZE goes with DESCRIBED")
-    endif()
-    if(NOT arg_NO_CHECK)
-        orvo_check_plugin(${target})
     endif()
 endfunction()

@@ -10,5 +10,5 @@ configure "$SOURCE/tests/kit/ausserhalb/beschrieben" "$work/build" "$PREFIX" \
     -DCMAKE_SYSTEM_NAME=Linux -DCMAKE_CROSSCOMPILING_EMULATOR="$work/emulator" >/dev/null
 "$CMAKE" --build "$work/build" >/dev/null
 plugin=$work/build/libbeschrieben.dylib
-demand "$(<"$work/calls")" "$PREFIX/bin/orvoplugin describe --quiet $plugin"
+demand "$(<"$work/calls")" "$PREFIX/bin/orvoplugin describe --quiet --elsewhere $plugin"
 demand_part "$("$PREFIX/bin/orvoplugin" describe "$plugin")" "$plugin: unchanged, "

@@ -14,6 +14,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <vector>
 
 using namespace testing;
 namespace fs = std::filesystem;
@@ -153,8 +154,26 @@ TEST(Dateifaelle, ALibraryThatBindsLateIsFound) {
 }
 
 TEST(Dateifaelle, ALibraryThatIsNotThereIsNamed) {
-    erwarteNur(Pruefplugin(test_plugins::NeedsAMissingLibrary).pfad(), "needed-libraries", "failed",
-               "libgibtEsNicht.so");
+    const Pruefplugin plugin(test_plugins::NeedsAMissingLibrary);
+    erwarteNur(
+        plugin.pfad(), "needed-libraries", "failed",
+        "libgibtEsNicht.so: cannot open shared object file: No such file or directory. A library that the "
+        "plugin needs is not found. Install the library that the reason names; ");
+    const std::vector<std::string> anderswo{"--strict", "--elsewhere"};
+    EXPECT_EQ(pruefe(plugin.pfad(), anderswo).auffaellige, (Auffaellige{{"needed-libraries", "warning"}}));
+    EXPECT_EQ(pruefe(test_plugins::BindsLate, anderswo).ergebnisse.at("immediate-binding"), "failed");
+}
+
+TEST(Dateifaelle, RelocationsThatTheLoaderRefusesForTheirMissingMarkAreFound) {
+    ElfDatei gepackt(test_plugins::Conforms);
+    const auto tabelle = gepackt.eintrag(DT_RELA).d_un.d_ptr;
+    constexpr ElfW(Sxword) kRelrSz = 35, kRelr = 36, kRelrEnt = 37;
+    gepackt.eintrag(DT_RELACOUNT) = {kRelr, {tabelle}};
+    gepackt.eintrag(DT_FLAGS) = {kRelrSz, {sizeof(ElfW(Addr))}};
+    gepackt.eintrag(DT_FLAGS_1) = {kRelrEnt, {sizeof(ElfW(Addr))}};
+    const Verzeichnis verzeichnis;
+    erwarteNur(verzeichnis.schreibe("libpruefling.dylib", gepackt.bytes), "needed-libraries", "failed",
+               "its linker left out the version GLIBC_ABI_DT_RELR");
 }
 
 TEST(Dateifaelle, ASymbolThatNobodyHasIsNamed) {
@@ -173,7 +192,7 @@ TEST(Dateifaelle, EachDeclarationOfTypesThatTheLoaderRefusesFailsOneCheck) {
     erwarteNur(Pruefplugin(test_plugins::DeclaresTypeTwo).pfad(), "declares-type", "failed",
                "declares interface 2 instead of 1");
     erwarteNur(Pruefplugin(test_plugins::DeclaresNoType).pfad(), "declares-type", "failed",
-               "declares nothing");
+               "declares nothing: append {1} to the list");
     erwarteNur(Pruefplugin(test_plugins::DeclaresTypeOneTwice).pfad(), "declares-type", "failed",
                "2 records (types 1, 1)");
 }

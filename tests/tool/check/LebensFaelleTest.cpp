@@ -348,10 +348,11 @@ TEST(Konformitaet, AThreadInUnmappedCodeIsNamedAsTheCauseOfTheCrash) {
         }
 }
 
-TEST(Konformitaet, ACxxLibraryOfItsOwnIsNamedAsTheCauseOfLostMemory) {
+TEST(Konformitaet, ACxxLibraryOfItsOwnIsFoundAndNamedAsTheCauseOfLostMemory) {
     const Dateilauf lauf = pruefe(Pruefplugin(test_plugins::BringsItsCxxLibrary).pfad());
-    EXPECT_THAT(lauf.auffaellige, ElementsAre(Pair("memory", "warning")));
-    EXPECT_THAT(lauf.gruende.at("memory"), HasSubstr("brings a C++ library or an operator new of its own"));
+    EXPECT_THAT(lauf.auffaellige, ElementsAre(Pair("cxx-library", "warning"), Pair("memory", "warning")));
+    for (const char* const name : {"cxx-library", "memory"})
+        EXPECT_THAT(lauf.gruende.at(name), HasSubstr("brings a C++ library or an operator new of its own"));
 }
 
 TEST(Konformitaet, ALimitThatWasLoweredIsNamedAsTheCauseOfWhatFails) {

@@ -45,6 +45,9 @@ public:
             ->allow_extra_args(false);
         fuegeVorgabenHinzu(unterbefehl, vorgaben_);
         unterbefehl.add_flag("--strict", streng_, "Count a warning as a failure");
+        unterbefehl.add_flag(
+            "--elsewhere", anderswo_,
+            "Count what may be missing on this machine only as a warning, also with --strict");
         unterbefehl
             .add_option("--format", format_, "Results as text, json (as --json), or for a build server")
             ->type_name("FORMAT")
@@ -103,7 +106,9 @@ private:
 
     void verschaerfe(Dateiergebnis& datei) const {
         for (Pruefergebnis& ergebnis : datei.ergebnisse)
-            if (streng_ && ergebnis.befund.urteil == Urteil::WARNUNG)
+            if (anderswo_ && ergebnis.befund.code == kFehltHier)
+                ergebnis.befund.urteil = Urteil::WARNUNG;
+            else if (streng_ && ergebnis.befund.urteil == Urteil::WARNUNG)
                 ergebnis.befund.urteil = Urteil::DURCHGEFALLEN;
     }
 
@@ -171,7 +176,7 @@ private:
     std::string format_;
     std::size_t zugleich_ = verfuegbareProzessoren();
     std::size_t bloecke_ = 0; ///< written so far
-    bool liste_ = false, streng_ = false, nurAuffaellige_ = false;
+    bool liste_ = false, streng_ = false, anderswo_ = false, nurAuffaellige_ = false;
 };
 
 } // namespace

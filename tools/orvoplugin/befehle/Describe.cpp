@@ -99,6 +99,8 @@ class Describe : public Befehl {
 public:
     void beschreibe(CLI::App& unterbefehl) override {
         unterbefehl.add_option("FILE", dateien_, "Plugin files to write to")->type_name("")->required();
+        unterbefehl.add_flag("--elsewhere", anderswo_,
+                             "Exit with 0 where only something of this machine is in the way");
     }
 
     bool nimmtVerzeichnisOptionen() const override { return false; }
@@ -121,7 +123,7 @@ public:
             try {
                 dokument["files"].push_back(werkzeug::beschreibe(datei, optionen));
             } catch (const NichtBeschreibbar& fehler) {
-                scheitere(datei, fehler.what(), fehler.ausgang);
+                scheitere(datei, fehler.what(), anderswo_ && fehler.nurHier ? Ausgang::GUT : fehler.ausgang);
             } catch (const std::runtime_error& fehler) {
                 scheitere(datei, fehler.what(), Ausgang::NICHT_LESBAR);
             }
@@ -132,6 +134,7 @@ public:
 
 private:
     std::vector<std::string> dateien_;
+    bool anderswo_ = false;
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "kern/Kindprozess.h"
 #include "kern/Protokoll.h"
 #include "kern/Sprache.h"
+#include "kern/Ursachen.h"
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
 
@@ -93,6 +94,7 @@ Auskunft frageImKind(const std::string& pfad, const Optionen& optionen,
                      const std::vector<Umstand>& umstaende) {
     Auskunft auskunft;
     std::string fehler;
+    bool nurHier = false;
     const Kindende ende = laufeImKind(
         [&](const Sender& sende) {
             const auto protokoll = Protokoll::beginne(optionen.log);
@@ -106,13 +108,15 @@ Auskunft frageImKind(const std::string& pfad, const Optionen& optionen,
                 auskunft.bytes = text;
             else if (nachricht.front() == kZeile)
                 auskunft.zeilen.push_back(text);
-            else // a child under other circumstances may have lost its language
+            else { // a child under other circumstances may have lost its language
                 fehler = nachricht.front() == kFehler ? satz("asked to describe itself, it fails: {1}", text)
                                                       : text;
+                nurHier = liegtAmRechner(sucheUrsache(ABLEHNUNG_OEFFNEN, pfad, {}, text));
+            }
         },
         std::chrono::duration<double>(optionen.zeitlimit));
     if (!fehler.empty())
-        throw NichtBeschreibbar(fehler);
+        throw NichtBeschreibbar(fehler, Ausgang::BEFUNDE, nurHier);
     if (!ende.istGut())
         throw NichtBeschreibbar(satz("asked to describe itself, it {1}", ende.text()), Ausgang::ABGESTUERZT);
     return auskunft;

@@ -8,12 +8,13 @@
 
 namespace werkzeug {
 
-/// A plugin cannot be described, for a reason of its own; the text is UTF-8.
+/// A plugin cannot be described, for a reason of its own or of this machine; the text is UTF-8.
 class NichtBeschreibbar : public std::runtime_error {
 public:
-    explicit NichtBeschreibbar(const std::string& text, Ausgang a = Ausgang::BEFUNDE)
-        : std::runtime_error(text), ausgang(a) {}
+    explicit NichtBeschreibbar(const std::string& text, Ausgang a = Ausgang::BEFUNDE, bool hier = false)
+        : std::runtime_error(text), ausgang(a), nurHier(hier) {}
     const Ausgang ausgang;
+    const bool nurHier; ///< the fault may be this machine's
 };
 
 /// Has a plugin describe itself in a child process, and again in another one with another environment, working directory

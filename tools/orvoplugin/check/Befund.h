@@ -48,6 +48,8 @@ struct Befund {
 
 /// Code of a check that was skipped because of the result of another one.
 inline constexpr char kBautAuf[] = "builds_on";
+/// Code of what may be missing on this machine only.
+inline constexpr char kFehltHier[] = "library_missing";
 
 /// Collects the findings of one check.
 class Fundliste {

@@ -142,7 +142,8 @@ void pruefeTypen(const Pruefling& p, Fundliste& funde) {
         return funde.fehler(satz("orvo_plugin_get_types throws: {1}", laufendeAusnahme()), "throws");
     }
     if (typen.empty())
-        funde.fehler(satz("orvo_plugin_get_types declares nothing"), "nothing_declared");
+        funde.fehler(satz("orvo_plugin_get_types declares nothing: append {1} to the list"),
+                     "nothing_declared");
     else if (typen.size() > 1)
         funde.fehler(satz("orvo_plugin_get_types declares {1} records (types {2}) instead of one",
                           typen.size(), liste(typen)),

@@ -51,8 +51,13 @@ void pruefeThreadDestruktoren(const Pruefling& p, Fundliste& funde) {
     if (p.bild.hatThreadDestruktoren())
         funde.warnung(
             satz(
-                "has a thread-local variable with a destructor: once a thread has used it, the library stays in the process until that thread ends"),
+                "has a thread-local variable with a destructor: once a thread has used it, the library stays in the process until that thread ends; use a variable without a destructor, or a member of the service"),
             "thread_destructor");
+}
+
+void pruefeEigeneCxxBibliothek(const Pruefling& p, Fundliste& funde) {
+    if (const std::string eigenes = eigenesCxx(p.bild); !eigenes.empty())
+        funde.warnung(eigenes, "own_cxx_library");
 }
 
 void pruefeCodeAenderung(const Pruefling& p, Fundliste& funde) {
@@ -116,6 +121,7 @@ std::vector<Pruefung> dateiPruefungen() {
             {"unique-symbols", pruefeEinmaligeSymbole},
             {"nodelete", pruefeBleiben},
             {"thread-destructors", pruefeThreadDestruktoren},
+            {"cxx-library", pruefeEigeneCxxBibliothek},
             {"text-relocations", pruefeCodeAenderung},
             {"search-paths", pruefeSuchpfade},
             {"executable-stack", pruefeStapel},

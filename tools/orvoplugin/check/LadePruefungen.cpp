@@ -5,8 +5,10 @@
 #include "check/Text.h"
 #include "kern/Anzeige.h"
 #include "kern/Arbeitsverzeichnis.h"
+#include "kern/Gruende.h"
 #include "kern/Kindprozess.h"
 #include "kern/Sprache.h"
+#include "kern/Ursachen.h"
 
 #include <orvoplugin/plugin/LadeBeobachter.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
@@ -128,8 +130,19 @@ void pruefeDateiname(const Pruefling& p, Fundliste& funde) {
 
 void pruefeBenoetigteBibliotheken(const Pruefling& p, Fundliste& funde) {
     const std::optional<Oeffnung> oeffnung = oeffneImKind(p);
-    if (oeffnung && !oeffnung->gelungen && !istGrundEinSymbol(oeffnung->grund))
-        funde.fehler(einzeilig(oeffnung->grund), "library_missing");
+    if (!oeffnung || oeffnung->gelungen || istGrundEinSymbol(oeffnung->grund))
+        return;
+    if (oeffnung->grund.find("DT_RELR without") != std::string::npos)
+        return funde.fehler(
+            satz(
+                "has packed relocations (RELR), but its linker left out the version GLIBC_ABI_DT_RELR, without "
+                "which no system opens it: link it with -z nopack-relative-relocs, or with another linker"),
+            "not_opened");
+    DateiFakt datei;
+    datei.grund = Grund::OEFFNEN;
+    datei.ursache = sucheUrsache(ABLEHNUNG_OEFFNEN, p.pfad, {}, oeffnung->grund);
+    funde.fehler(einzeilig(oeffnung->grund) + ". " + erklaerung(datei) + " " + rat(datei),
+                 liegtAmRechner(datei.ursache) ? kFehltHier : "not_opened");
 }
 
 void pruefeUndefinierteSymbole(const Pruefling& p, Fundliste& funde) {

@@ -229,7 +229,7 @@ void pruefeSpeicher(const Pruefling& p, Fundliste& funde) {
     constexpr std::size_t kKleinstesStueck = 16;
     if (verlust >= kKleinstesStueck)
         funde.warnung(satz("each use keeps about {1} bytes that are never freed", verlust) +
-                          eigenesCxx(p.bild),
+                          alsZusatz(eigenesCxx(p.bild)),
                       "memory_leak");
 }
 

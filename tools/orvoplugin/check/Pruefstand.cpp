@@ -71,9 +71,8 @@ Befund befundAus(const Json& satz) {
 std::string ursacheDesAbsturzes(const Pruefling& p) {
     const Lebenslauf leben = verfolgeLeben(p.pfad, p.zeitlimit.count() / 2, true);
     const std::string faden =
-        satz("; a thread that the plugin started still runs when its code is unmapped: join it in OnUnload");
-    return (leben.faeden ? faden : "") + (leben.grenze.empty() ? "" : "; " + leben.grenze) +
-           eigenesCxx(p.bild);
+        satz("; a thread that the plugin started still runs when its code is unmapped: start it in OnLoad or later, do not detach it, and join it in OnUnload");
+    return (leben.faeden ? faden : "") + alsZusatz(leben.grenze) + alsZusatz(eigenesCxx(p.bild));
 }
 
 Befund macheImKind(const Pruefung& pruefung, const Pruefling& pruefling, const std::string& log) {

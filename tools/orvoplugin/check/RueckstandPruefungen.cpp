@@ -190,7 +190,9 @@ std::string rundung() {
 std::string kleinsteZahlen() {
     const volatile double kleinste = DBL_MIN;
     const volatile double haelfte = kleinste / 2;
-    return haelfte > 0 ? satz("kept") : satz("taken as zero");
+    return haelfte > 0
+               ? satz("kept")
+               : satz("taken as zero, which the linker options -Ofast and -ffast-math do: leave them out");
 }
 
 Stand gleitkomma() {
@@ -269,8 +271,9 @@ void pruefeThreads(const Pruefling& p, Fundliste& funde) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     if (const std::size_t nachher = laufendeThreads(); nachher > vorher)
         funde.fehler(
-            satz("{1} of its threads still run after the plugin was unloaded: their code may go at any time",
-                 nachher - vorher),
+            satz(
+                "{1} of its threads still run after the plugin was unloaded: their code may go at any time; start threads in OnLoad or later, do not detach them, and join them in OnUnload",
+                nachher - vorher),
             "threads_left");
 }
 

@@ -7,6 +7,8 @@
 #include <orvoplugin/domain/Veranlagungszeitraum.h>
 #include <orvoplugin/plugin/erweiterung/OrvoErweiterung.h>
 
+#include <orvoutil/Latin1.h>
+
 #include <cxxabi.h>
 
 #include <algorithm>
@@ -37,8 +39,14 @@ std::string symbolname(const std::string& name) {
 }
 
 std::string ausnahmetext(std::string_view text) {
-    constexpr std::size_t kLaengster = 500; // bytes
-    return einzeilig(text.substr(0, kLaengster));
+    constexpr std::size_t kLaengster = 500;                                     // bytes
+    constexpr orvo::orvoutil::Latin1Text kMuster{u8"Ungültige Formatangabe: "}; // of a period
+    const bool istMuster = text.find(kMuster.sicht()) != std::string_view::npos;
+    return einzeilig(text.substr(0, kLaengster)) +
+           (istMuster
+                ? satz("; a pattern has the letters Y (year), M or Z (month or period code) and T (day), "
+                       "and the separators -, / and \\, as in \"YYYY-MM\"")
+                : "");
 }
 
 std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz) {
@@ -57,8 +65,9 @@ std::string eigenesCxx(const Bibliotheksbild& bild) {
     if (gemeinsam && !bild.exportiertFunktion("_Znwm"))
         return {};
     return satz(
-        "; the library brings a C++ library or an operator new of its own along: link the C++ library "
-        "dynamically");
+        "the library brings a C++ library or an operator new of its own along, which shares no memory, exceptions or types with the host's: link the C++ library dynamically, without -static-libstdc++");
 }
+
+std::string alsZusatz(const std::string& text) { return text.empty() ? text : "; " + text; }
 
 } // namespace werkzeug::check

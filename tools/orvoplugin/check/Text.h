@@ -17,14 +17,16 @@ namespace werkzeug::check {
 std::string zitiert(std::string_view text);
 /// A symbol as written in the source, demangled if it is a C++ one.
 std::string symbolname(const std::string& name);
-/// The text of an exception.
+/// The text of an exception; of one about the pattern of a period, with what patterns consist of.
 std::string ausnahmetext(std::string_view text);
 /// "LSTB 2009"
 std::string paar(const Unterfallart& ua, const Veranlagungszeitraum& vz);
 /// Kind of an extension.
 std::string art(const OrvoErweiterung& erweiterung);
 
-/// Said of a library that brings its own C++ library along, or its own operator new, from its "; " on; else empty.
+/// Said of a library that brings its own C++ library along, or its own operator new; else empty.
 std::string eigenesCxx(const Bibliotheksbild& bild);
+/// What follows another text: from its "; " on, or empty.
+std::string alsZusatz(const std::string& text);
 
 } // namespace werkzeug::check

@@ -67,6 +67,7 @@ Ursache beimOeffnen(const std::string& meldung) {
         Ursache ursache;
     } kWorte[] = {
         {"undefined symbol", Ursache::SYMBOL},
+        {"DT_RELR without", Ursache::KEINE}, // the linker's fault, on every system
         {"DT_RELR", Ursache::ALTES_SYSTEM},
         {"static TLS block", Ursache::THREADSPEICHER},
         {"Operation not permitted", Ursache::AUSFUEHRRECHT},
@@ -89,6 +90,20 @@ Ursache sucheUrsache(orvo_plugin_ablehnung_t schritt, const std::string& pfad, c
     if (schritt == ABLEHNUNG_DATEIPRUEFUNG)
         return inDerDatei(pfad, name);
     return schritt == ABLEHNUNG_OEFFNEN ? beimOeffnen(meldung) : Ursache::KEINE;
+}
+
+bool liegtAmRechner(Ursache ursache) {
+    switch (ursache) {
+    case Ursache::BIBLIOTHEK:
+    case Ursache::SYMBOLVERSION:
+    case Ursache::ALTES_SYSTEM:
+    case Ursache::AUSFUEHRRECHT:
+    case Ursache::SPEICHER:
+    case Ursache::DESKRIPTOREN:
+        return true;
+    default:
+        return false;
+    }
 }
 
 } // namespace werkzeug

@@ -11,4 +11,7 @@ namespace werkzeug {
 Ursache sucheUrsache(orvo_plugin_ablehnung_t schritt, const std::string& pfad, const std::string& name,
                      const std::string& meldung);
 
+/// Whether the fault may be this machine's, so that the same file can be opened on another one.
+bool liegtAmRechner(Ursache ursache);
+
 } // namespace werkzeug

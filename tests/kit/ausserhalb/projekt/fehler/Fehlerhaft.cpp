@@ -4,11 +4,22 @@
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
+#include <thread>
 
 #ifdef UNDEFINIERT
 void gibtEsNicht();
+#endif
+
+#ifndef MUSTER
+#define MUSTER "YYYY"
+#endif
+
+#ifdef MIT_C
+extern "C" int verdopple(int betrag);
 #endif
 
 #ifdef EINMALIG
@@ -35,6 +46,12 @@ public:
         return Vorlage<int>::einmalig;
 #elif defined(SICHTBAR)
         return sichtbareFunktion();
+#elif defined(MIT_C)
+        return verdopple(1);
+#elif defined(JE_THREAD)
+        static thread_local std::string letzter;
+        letzter += 'x';
+        return static_cast<int>(letzter.size());
 #else
         return 0;
 #endif
@@ -48,6 +65,9 @@ public:
 #ifdef STUERZT_AB
     std::abort();
 #endif
+#ifdef FADEN
+    std::thread([] { std::this_thread::sleep_for(std::chrono::hours(1)); }).detach();
+#endif
     plugin->setProduktVersion("1.0");
 #ifdef NACH_UMGEBUNG
     plugin->setFileVersion(std::getenv("PATH"));
@@ -55,7 +75,7 @@ public:
 #ifdef HOOK
     plugin->setOnLoadFuncName(HOOK);
 #endif
-    OrvoValidierungsServiceErweiterung pruefung(Unterfallart(10), Veranlagungszeitraum(2009, "YYYY"));
+    OrvoValidierungsServiceErweiterung pruefung(Unterfallart(10), Veranlagungszeitraum(2009, MUSTER));
     pruefung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
 #ifdef FACTORY
     pruefung.setServiceFactoryName(FACTORY);
@@ -70,7 +90,9 @@ public:
 
 } // namespace
 
-#ifndef OHNE_TYPEN
+#ifdef OHNE_EINTRAG
+void orvo_plugin_get_types(std::list<orvo_plugin_version_t>*) {}
+#elif !defined(OHNE_TYPEN)
 void orvo_plugin_get_types(std::list<orvo_plugin_version_t>* typen) { typen->push_back({1}); }
 #endif
 
@@ -91,7 +113,12 @@ bool orvo_plugin_initialize(OrvoPluginV1* plugin) { return beschreibe(plugin); }
 }
 #endif
 
-#ifndef OHNE_FACTORY
+#ifdef STATISCH
+Service* orvo_plugin_get_check_service() {
+    static Pruefung pruefung;
+    return &pruefung;
+}
+#elif !defined(OHNE_FACTORY)
 Service* orvo_plugin_get_check_service() { return new Pruefung; }
 #endif
 
