@@ -20,6 +20,10 @@ target_compile_options(
               # valgrind does not read Clang's newer form of debug information
               $<$<AND:$<CXX_COMPILER_ID:Clang>,$<CONFIG:Debug,RelWithDebInfo>>:-gdwarf-4>
               $<$<BOOL:${ORVO_WERROR}>:-Werror>)
+# so that a 32-bit process can read directories with 64-bit inode numbers
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux" AND CMAKE_SIZEOF_VOID_P EQUAL 4)
+    target_compile_definitions(orvo_compile_options INTERFACE _FILE_OFFSET_BITS=64)
+endif()
 
 # Hardening of what is delivered. Checked functions of the C library need an optimised build; a level in the flags of the
 # one who builds stays, and a sanitizer checks more.
@@ -68,10 +72,6 @@ function(orvo_library target)
                    VERSION ${PROJECT_VERSION}
                    SOVERSION ${PROJECT_VERSION_MAJOR})
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
-        # so that a 32-bit process can read directories with 64-bit inode numbers
-        if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-            target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
-        endif()
         # The process calls a library's code at its end, so the library stays until then.
         target_link_options(${target} PRIVATE LINKER:-z,nodelete)
         set(exports "${PROJECT_SOURCE_DIR}/cmake/library.exports")

@@ -13,6 +13,9 @@ namespace orvo::orvoutil {
 
 namespace {
 
+static_assert(sizeof(dirent::d_ino) == 8,
+              "needs large files: readdir fails at an inode number that does not fit");
+
 bool passt(std::string_view name, std::string_view muster) {
     constexpr std::size_t kKeiner = std::string_view::npos;
     std::size_t n = 0;

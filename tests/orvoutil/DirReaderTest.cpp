@@ -42,9 +42,10 @@ bool passt(const std::string& name, const std::string& muster) {
 
 } // namespace
 
-/// Replaces the system's.
+/// Replaces the system's, which has another name where large files are not all files.
 extern "C" dirent* readdir(DIR* verzeichnis) {
-    static const auto lies = reinterpret_cast<dirent* (*)(DIR*)>(dlsym(RTLD_NEXT, "readdir"));
+    static const auto lies =
+        reinterpret_cast<dirent* (*)(DIR*)>(dlsym(RTLD_NEXT, sizeof(long) == 8 ? "readdir" : "readdir64"));
     if (lesefehler.nummer != 0 && lesefehler.nachEintraegen-- == 0) {
         errno = std::exchange(lesefehler.nummer, 0);
         return nullptr;
