@@ -2,12 +2,12 @@
 
 namespace {
 
-constexpr const char* kVorspann[] = {
+constexpr const char* kLadevorspann[] = {
     "UNGUELTIGE_PLUGIN_VERSION: ", "STRUKTUR_FEHLER: ", "BIBLIOTHEK_FEHLER: "};
 
 const char* vorspann(orvo_plugin_loader_exception_typ_t typ) {
     const bool istBekannt = typ >= UNGUELTIGE_PLUGIN_VERSION && typ <= BIBLIOTHEK_FEHLER;
-    return istBekannt ? kVorspann[typ - UNGUELTIGE_PLUGIN_VERSION] : "";
+    return istBekannt ? kLadevorspann[typ - UNGUELTIGE_PLUGIN_VERSION] : "";
 }
 
 } // namespace

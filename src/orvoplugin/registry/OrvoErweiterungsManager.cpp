@@ -29,8 +29,8 @@ using namespace orvo::orvoutil;
 
 namespace {
 
-constexpr std::int32_t kOhneJahr = 0;            // the year of the period-independent period
-constexpr char kMarke[] = "ErweiterungsManager"; // tag of the registrations' log entries
+constexpr std::int32_t kOhneJahr = 0;                    // the year of the period-independent period
+constexpr char kRegistermarke[] = "ErweiterungsManager"; // tag of the registrations' log entries
 constexpr char kUeberschrift[] = "Aktuell Registrierte Erweiterungen: ";
 constexpr Latin1Text kSpeicherloch{u8"Noch Erweiterungen registriert. Speicherloch möglich!"};
 constexpr Latin1Text kHoehereVersion{u8" nutze die Erweiterung mit der höheren Version."};
@@ -179,7 +179,7 @@ void OrvoErweiterungsManager::pluginZerstoert(OrvoPlugin* plugin) {
 }
 
 void OrvoErweiterungsManager::registriereFinanzamtsDaten(OrvoErweiterung* erweiterung) {
-    log_.ereignis(kMarke, [&] { return registrierungVon(erweiterung); });
+    log_.ereignis(kRegistermarke, [&] { return registrierungVon(erweiterung); });
     // The first one stays, whatever the versions.
     const ErweiterungsSchluessel schluessel = finanzamtsSchluessel("Y");
     if (const Registerfund* const bestehender = suchindex_->finde(schluessel)) {
@@ -199,10 +199,11 @@ void OrvoErweiterungsManager::registriere(OrvoErweiterung* erweiterung) {
             registerBeobachter->uebergangen(*erweiterung);
         return;
     }
-    for (const auto& [ua, vzs] : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
-        log_.ereignis(kMarke, [&, &ua = ua, &vzs = vzs] { return registrierungVon(erweiterung, ua, vzs); });
-        for (const Veranlagungszeitraum& vz : vzs)
-            trageEin(erweiterung, ua, vz);
+    for (const auto& eintrag : uaVz->getVeranlagungszeitraumUnterfallartMap()) {
+        log_.ereignis(kRegistermarke,
+                      [&] { return registrierungVon(erweiterung, eintrag.first, eintrag.second); });
+        for (const Veranlagungszeitraum& vz : eintrag.second)
+            trageEin(erweiterung, eintrag.first, vz);
     }
 }
 
@@ -213,7 +214,7 @@ void OrvoErweiterungsManager::trageEin(OrvoErweiterung* erweiterung, const Unter
         nimmAuf(erweiterung, ua, vz);
         return;
     }
-    log_.ereignis(kMarke, [&] { return doppelter(erweiterung, ua, vz); });
+    log_.ereignis(kRegistermarke, [&] { return doppelter(erweiterung, ua, vz); });
     const OrvoErweiterung& bisherige = *bestehender->erweiterung;
     const OrvoVersion neueVersion = produktVersionVon(*erweiterung);
     const OrvoVersion bisherigeVersion = produktVersionVon(bisherige);
