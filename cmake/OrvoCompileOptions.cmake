@@ -64,6 +64,9 @@ function(orvo_library target)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:orvo_compile_options>
                                             $<BUILD_INTERFACE:orvo_hardening>)
+    # The library is the one home of its classes' type information: with libc++, a cast of an object that has another
+    # copy fails.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:Clang>:-Wweak-vtables>)
     set_target_properties(
         ${target}
         PROPERTIES CXX_VISIBILITY_PRESET hidden

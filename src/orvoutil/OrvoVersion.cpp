@@ -33,7 +33,7 @@ std::string_view nimmZahl(std::string_view& text) {
 }
 
 std::strong_ordering vergleicheZahlen(std::string_view a, std::string_view b) {
-    return a.size() != b.size() ? a.size() <=> b.size() : a <=> b;
+    return a.size() != b.size() ? a.size() <=> b.size() : a.compare(b) <=> 0;
 }
 
 } // namespace

@@ -40,7 +40,7 @@ private:
 };
 
 /// The number in decimal.
-constexpr std::string int2String(int zahl) { return std::string(Ziffernfolge(zahl).text()); }
+inline std::string int2String(int zahl) { return std::string(Ziffernfolge(zahl).text()); }
 /// The number in decimal.
 ORVOUTIL_API std::string long2String(long zahl);
 

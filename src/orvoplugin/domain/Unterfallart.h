@@ -15,12 +15,17 @@ public:
     /// The number of a sub-case type that has only a name.
     enum : std::int32_t { OHNE_NUMMER = -99 };
 
+    // The constructors are templates because std::string is not constexpr everywhere (not in libc++ before 15): then a
+    // template's constexpr has no effect, and any other constructor's is an error.
+
     /// The sub-case type of that number; its name is the number in decimal. `OHNE_NUMMER` gives one of the name "-99".
+    template <class = void>
     constexpr Unterfallart(int nummer) // NOLINT(google-explicit-constructor): a number stands for it
         : nummer_(nummer), name_(orvo::orvoutil::Ziffernfolge(nummer).text()) {}
 
     /// The sub-case type of that name. A name of digits also gives a number, so "010" has the number 10 and the name
     /// "010". A null pointer counts as the empty text.
+    template <class = void>
     constexpr Unterfallart(const char* text) // NOLINT(google-explicit-constructor): a name stands for it
         : nummer_(OHNE_NUMMER), name_(text ? text : "") {
         if (orvo::orvoutil::isNumeric(name_))

@@ -57,8 +57,8 @@ std::set<std::string> gelesenePluginnamen() {
 }
 
 bool istGesperrt(std::string_view dateiname) {
-    return std::ranges::any_of(
-        kSperrliste, [&](std::string_view gesperrt) { return equalsIgnoreCase(dateiname, gesperrt); });
+    return std::any_of(std::begin(kSperrliste), std::end(kSperrliste),
+                       [&](std::string_view gesperrt) { return equalsIgnoreCase(dateiname, gesperrt); });
 }
 
 /// Whether a file of that name is loaded, unless an observer refuses it. (One that ends in ".DYLIB" is not found under the

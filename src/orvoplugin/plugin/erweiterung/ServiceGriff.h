@@ -29,6 +29,11 @@ protected:
 
     /// Gets a service from the extension and holds it. Returns: the service; null when there is none.
     Service* hole(OrvoServiceErweiterung& erweiterung);
+#ifdef _LIBCPP_VERSION
+    /// Whether the service is part of an object of that class. Compares names: libc++'s dynamic_cast compares addresses,
+    /// and client and plugin each have type information of their own for an interface whose header they share.
+    static bool hatSchnittstelle(Service& service, const std::type_info& schnittstelle);
+#endif
 
     OrvoServiceErweiterung* erweiterung_ = nullptr; // null, as is the service, in an empty handle
     Service* service_ = nullptr;
@@ -121,7 +126,11 @@ private:
         if constexpr (std::is_same_v<T, Service>)
             return true;
         else
+#ifdef _LIBCPP_VERSION
+            return hatSchnittstelle(*service, typeid(T));
+#else
             return static_cast<Service*>(dynamic_cast<T*>(service)) == service;
+#endif
     }
 
     static void meldeFalscheSchnittstelle() {

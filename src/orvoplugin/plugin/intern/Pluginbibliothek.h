@@ -27,7 +27,8 @@ public:
 
     static bool gibtEs(Lauf lauf) noexcept { return anzahlen_[static_cast<int>(lauf)] != 0; }
     static bool gibtEsIrgendeinen() noexcept {
-        return std::ranges::any_of(anzahlen_, [](int anzahl) { return anzahl != 0; });
+        return std::any_of(std::begin(anzahlen_), std::end(anzahlen_),
+                           [](int anzahl) { return anzahl != 0; });
     }
 
 private:
