@@ -1,6 +1,14 @@
 # shellcheck shell=bash
 # To be sourced: what the scripts of this folder share. Installs Debian packages that are missing, and says so.
 
+# A compiler cache is used where there is one, unless the environment names another. With these words it keeps
+# precompiled headers. Its folder is named for the tests that build with a home of their own.
+if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER-} ]] && command -v ccache >/dev/null; then
+    export CMAKE_CXX_COMPILER_LAUNCHER="env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache"
+    CCACHE_DIR=$(ccache --get-config cache_dir)
+    export CCACHE_DIR
+fi
+
 # brauche_pakete <command>:<package>...
 # Makes sure that each command is there, and installs its package when it is not.
 brauche_pakete() {
