@@ -113,7 +113,7 @@ install(
     FILES "${PROJECT_SOURCE_DIR}/docs/operator.md" "${PROJECT_SOURCE_DIR}/docs/check.md"
           "${PROJECT_SOURCE_DIR}/docs/json.md" "${PROJECT_SOURCE_DIR}/docs/glossary.md"
           "${PROJECT_SOURCE_DIR}/docs/compatibility.md" "${PROJECT_SOURCE_DIR}/docs/security.md"
-          "${PROJECT_SOURCE_DIR}/docs/predefined.md"
+          "${PROJECT_SOURCE_DIR}/docs/platforms.md" "${PROJECT_SOURCE_DIR}/docs/predefined.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs"
     COMPONENT ${operators_component})
 install(

@@ -23,7 +23,7 @@ declare -A files=(
         share/orvoplugin/orvoplugin.schema.json"
 )
 guides=
-for page in operator de/operator check json glossary compatibility security predefined; do
+for page in operator de/operator check json glossary compatibility platforms security predefined; do
     guides+=" $documents/docs/$page.md"
 done
 components=(runtime dev)
