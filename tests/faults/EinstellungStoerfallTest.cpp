@@ -188,7 +188,9 @@ TEST_F(EinstellungStoerfall, AHomeDirectoryChangedWhileAServiceIsOutUnloadsItsLi
     ASSERT_NE(finde(kDazwischen)->holeService(), nullptr); // not to be touched from now on
     Einstellungen().setze("basis.home_dir", home.pfad("nirgends"));
     EXPECT_EQ(geladene(), Zeilen{});
-    EXPECT_EQ(warnungen(), Zeilen{});
+    EXPECT_EQ(warnungen(), Zeilen{"W Services beim Entladen nicht zur\xFC"
+                                  "ckgegeben: 1. Erweiterung: ORVO_CHECK_SERVICE_ERWEITERUNG, "
+                                  "Factory: gleicherService"});
     erwarteSpurlos();
 
     Einstellungen().setze("basis.home_dir", home.pfad());
