@@ -35,8 +35,12 @@ target_compile_options(
     INTERFACE -fstack-protector-strong
               $<$<BOOL:${ORVO_HAS_CF_PROTECTION}>:-fcf-protection>
               $<$<BOOL:${ORVO_HAS_BRANCH_PROTECTION}>:-mbranch-protection=standard>)
-if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE|-fsanitize=")
-    target_compile_definitions(orvo_hardening INTERFACE $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:_FORTIFY_SOURCE=2>)
+string(TOUPPER "${CMAKE_BUILD_TYPE}" configuration)
+if(NOT "${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${configuration}}" MATCHES "_FORTIFY_SOURCE|-fsanitize=")
+    target_compile_options(
+        orvo_hardening
+        INTERFACE $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE> # a compiler may have set it
+                  $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=2>)
 endif()
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux") # all symbols are bound at start-up, and their table is read-only from then on
     target_link_options(orvo_hardening INTERFACE LINKER:-z,relro LINKER:-z,now)

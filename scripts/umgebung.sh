@@ -3,10 +3,10 @@
 
 # A compiler cache is used where there is one, unless the environment names another. With these words it keeps
 # precompiled headers. Its folder is named for the tests that build with a home of their own.
-if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER-} ]] && command -v ccache >/dev/null; then
+if [[ -z ${CMAKE_CXX_COMPILER_LAUNCHER-} ]] && zwischenspeicher=$(ccache --get-config cache_dir 2>/dev/null) &&
+    mkdir -p -- "$zwischenspeicher" 2>/dev/null && [[ -w $zwischenspeicher ]]; then
+    export CCACHE_DIR=$zwischenspeicher
     export CMAKE_CXX_COMPILER_LAUNCHER="env;CCACHE_SLOPPINESS=pch_defines,time_macros;ccache"
-    CCACHE_DIR=$(ccache --get-config cache_dir)
-    export CCACHE_DIR
 fi
 
 # brauche_pakete <command>:<package>...
@@ -22,7 +22,10 @@ brauche_pakete() {
 # wuensche_pakete <command>:<package>...
 # The same for commands that tests do without when they are not to be had: they are then skipped, and say so.
 wuensche_pakete() {
-    (brauche_pakete "$@") || printf 'Tests that need these are skipped: %s\n' "$*" >&2
+    local paar
+    for paar in "$@"; do
+        (brauche_pakete "$paar") || printf 'Tests that need %s are skipped.\n' "${paar%%:*}" >&2
+    done
 }
 
 # Clang, with the runtime libraries of its sanitizers and its fuzzer, which Debian packs apart.

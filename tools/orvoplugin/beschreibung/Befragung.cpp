@@ -111,7 +111,8 @@ Auskunft frageImKind(const std::string& pfad, const Optionen& optionen,
             else { // a child under other circumstances may have lost its language
                 fehler = nachricht.front() == kFehler ? satz("asked to describe itself, it fails: {1}", text)
                                                       : text;
-                nurHier = liegtAmRechner(sucheUrsache(ABLEHNUNG_OEFFNEN, pfad, {}, text));
+                nurHier = nachricht.front() == kFehler &&
+                          liegtAmRechner(sucheUrsache(ABLEHNUNG_OEFFNEN, pfad, {}, text));
             }
         },
         std::chrono::duration<double>(optionen.zeitlimit));

@@ -12,11 +12,14 @@
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoUaVzServiceErweiterung.h>
 #include <orvoutil/Latin1.h>
+#include <orvoutil/LogSink.h>
+#include <orvoutil/Logger.h>
 #include <orvoutil/OrvoVersion.h>
 #include <orvoutil/SharedLib.h>
 
 #include <algorithm>
 #include <list>
+#include <memory>
 #include <optional>
 #include <set>
 
@@ -153,6 +156,16 @@ void pruefeTypen(const Pruefling& p, Fundliste& funde) {
                      "wrong_type");
 }
 
+/// Takes the log, and keeps the latest exception that `abgesichert` caught: the plugin's author sees no other trace of it.
+struct Ausnahmensenke : orvo::orvoutil::LogSink {
+    void write(const orvo::orvoutil::LogEntry& eintrag) override {
+        if (eintrag.category == "orvo.plugin.Absicherung")
+            ausnahme = eintrag.text;
+    }
+
+    std::string ausnahme;
+};
+
 void pruefeBeschreibung(const Pruefling& p, Fundliste& funde) {
     try {
         lade(p.pfad);
@@ -161,9 +174,15 @@ void pruefeBeschreibung(const Pruefling& p, Fundliste& funde) {
         if (!p.bild.exportiertFunktion(kInitialize))
             return funde.fehler(grund, "refused");
         // The text of an exception alone may be a single word.
+        const auto senke = std::make_shared<Ausnahmensenke>();
+        orvo::orvoutil::Logger::setSink(senke);
+        orvo::orvoutil::Logger::setLevel(orvo::orvoutil::LogLevel::Error);
         const std::optional<unsigned char> ergebnis = rufeInitialize(p.pfad);
         if (!ergebnis)
             funde.fehler(satz("orvo_plugin_initialize throws: {1}", grund), "throws");
+        else if (*ergebnis == 0 && !senke->ausnahme.empty())
+            funde.fehler(satz("orvo_plugin_initialize returns false: {1}", ausnahmetext(senke->ausnahme)),
+                         "returns_false");
         else if (*ergebnis == 0)
             funde.fehler(
                 satz(

@@ -1,5 +1,6 @@
 // A plugin with one check service, and with the mistake that its build selects.
 
+#include <orvoplugin/plugin/Absicherung.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/PluginEntryPoints.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
@@ -107,7 +108,13 @@ extern "C" ORVO_PLUGIN_EXPORT
     return true;
 }
 #else
+#ifdef ABGESICHERT
+bool orvo_plugin_initialize(OrvoPluginV1* plugin) {
+    return abgesichert([&] { return beschreibe(plugin); });
+}
+#else
 bool orvo_plugin_initialize(OrvoPluginV1* plugin) { return beschreibe(plugin); }
+#endif
 #endif
 #ifdef IM_NAMENSRAUM
 }
