@@ -28,7 +28,9 @@ endif()
 # Hardening of what is delivered. Checked functions of the C library need an optimised build; a level in the flags of the
 # one who builds stays, and a sanitizer checks more.
 check_cxx_compiler_flag(-fcf-protection ORVO_HAS_CF_PROTECTION) # x86
-check_cxx_compiler_flag(-mbranch-protection=standard ORVO_HAS_BRANCH_PROTECTION) # 64-bit ARM
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$") # elsewhere Clang takes the option, and warns of it
+    check_cxx_compiler_flag(-mbranch-protection=standard ORVO_HAS_BRANCH_PROTECTION)
+endif()
 add_library(orvo_hardening INTERFACE)
 target_compile_options(
     orvo_hardening
