@@ -70,8 +70,8 @@ Befund befundAus(const Json& satz) {
 /// What follows the reason, from its "; " on, where a further life of the plugin shows the cause.
 std::string ursacheDesAbsturzes(const Pruefling& p) {
     const Lebenslauf leben = verfolgeLeben(p.pfad, p.zeitlimit.count() / 2, true);
-    const std::string faden =
-        satz("; a thread that the plugin started still runs when its code is unmapped: start it in OnLoad or later, do not detach it, and join it in OnUnload");
+    const std::string faden = satz(
+        "; a thread that the plugin started still runs when its code is unmapped: start it in OnLoad or later, do not detach it, and join it in OnUnload");
     return (leben.faeden ? faden : "") + alsZusatz(leben.grenze) + alsZusatz(eigenesCxx(p.bild));
 }
 
