@@ -3,9 +3,9 @@
 . "$(dirname -- "$0")/support.sh"
 need lintian
 
-options=(--suppress-tags unused-override,mismatched-override) # compilers differ in what needs one
+options=(--suppress-tags unused-override) # compilers differ in what needs one
 if grep -q '^CMAKE_BUILD_TYPE:.*=Debug$' "$BUILD/CMakeCache.txt"; then
-    options=(--suppress-tags unused-override,mismatched-override,hardening-no-fortify-functions) # these are there in optimised builds only
+    options=(--suppress-tags unused-override,hardening-no-fortify-functions) # these are there in optimised builds only
 fi
 cd -- "$WORK/debs"
 text=$(lintian --allow-root --info --display-info "${options[@]}" ./*.deb)
