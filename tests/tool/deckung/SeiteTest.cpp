@@ -47,6 +47,8 @@ bool gibtEsChromium() {
     return false;
 }
 
+const std::string probenanfang = "<pre id=\"probe\">";
+
 class Seite : public Test {
 protected:
     Seite() {
@@ -103,21 +105,27 @@ protected:
         return html;
     }
     static Json ergebnisDerProbe(const Ergebnis& ergebnis) {
-        const std::string anfang = "<pre id=\"probe\">";
-        const std::size_t von = ergebnis.ausgabe.rfind(anfang);
+        const std::size_t von = ergebnis.ausgabe.rfind(probenanfang);
         if (von == std::string::npos) {
             ADD_FAILURE() << "the probe did not come to its end\n" << ergebnis.fehler;
             return {};
         }
-        const std::size_t ab = von + anfang.size();
+        const std::size_t ab = von + probenanfang.size();
         return Json::parse(entschluesselt(ergebnis.ausgabe.substr(ab, ergebnis.ausgabe.find('<', ab) - ab)));
     }
-    Json probe(const std::string& html) { return ergebnisDerProbe(imBrowser(mitProbe(html))); }
+    /// A browser that died on a busy machine says nothing about the page: it has three tries.
+    Ergebnis bisZurProbe(const std::string& html) {
+        Ergebnis ergebnis = imBrowser(html);
+        for (int mal = 0; mal < 2 && ergebnis.ausgabe.find(probenanfang) == std::string::npos; ++mal)
+            ergebnis = imBrowser(html);
+        return ergebnis;
+    }
+    Json probe(const std::string& html) { return ergebnisDerProbe(bisZurProbe(mitProbe(html))); }
     Json probe() { return probe(schreibeSeite()); }
     /// The same in a frame of that width: a window of the browser is 500 pixels wide at least.
     Json probeImRahmen(const std::string& html, int breite) {
         heim_.verzeichnis.schreibe("innen.html", mitProbe(html));
-        return ergebnisDerProbe(imBrowser(
+        return ergebnisDerProbe(bisZurProbe(
             "<body><script>onmessage = event => { const pre = document.createElement('pre'); pre.id = 'probe';"
             "pre.textContent = encodeURIComponent(event.data); document.body.append(pre); };</script>"
             "<iframe src=\"innen.html\" height=\"800\" width=\"" +
