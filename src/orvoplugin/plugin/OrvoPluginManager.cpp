@@ -16,7 +16,10 @@
 #include <algorithm>
 #include <exception>
 #include <iostream>
+#include <iterator>
+#include <list>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -284,25 +287,35 @@ bool OrvoPluginManager::ladeAlle() {
     return erfolg;
 }
 
+/// Walks depth first, with a list instead of recursion: directories may be nested deeper than the stack allows.
 bool OrvoPluginManager::durchsuche(const std::string& verzeichnis) {
-    const Spur spur(log_, "ladePluginsRekursiv()");
+    constexpr char kOperation[] = "ladePluginsRekursiv()";
     const Arbeitend arbeitend(*this, Arbeit::ImGang);
-    const std::string ort = verzeichnis; // a copy: it may be the search path, which an observer may set
-    log_.ereignis(kMarke, [&] { return "Suche Plugins im Verzeichnis: " + ort; });
-    if (ladeBeobachter)
-        ladeBeobachter->betrittVerzeichnis(ort);
-    const DirReader leser(ort, "*.*");
-    if (!leser.getFehler().empty())
-        log_.warn(leser.getFehler());
+    using Verzeichnisse = std::list<std::optional<std::string>>; // null stands for the end of an earlier one
+    Verzeichnisse offene{verzeichnis}; // a copy: it may be the search path, which an observer may set
     bool erfolg = true;
-    Vorlauf vorlauf(ort, leser.getFiles(), istPlugindatei, nimmtBeschreibungen_ ? kBeschreibungsseiten : 0);
-    for (const std::string& datei : leser.getFiles())
-        if (!nimmDatei(ort, datei, vorlauf))
-            erfolg = false;
-    for (const std::string& unterverzeichnis : leser.getDirectories())
-        if (!durchsuche(getFullFilename(ort, unterverzeichnis)))
-            erfolg = false;
-    spur.ende();
+    for (; !offene.empty(); offene.pop_front()) {
+        if (!offene.front()) {
+            log_.spure(&Logger::leave, kOperation);
+            continue;
+        }
+        const std::string& ort = *offene.front();
+        log_.spure(&Logger::enter, kOperation);
+        log_.ereignis(kMarke, [&] { return "Suche Plugins im Verzeichnis: " + ort; });
+        if (ladeBeobachter)
+            ladeBeobachter->betrittVerzeichnis(ort);
+        const DirReader leser(ort, "*.*");
+        if (!leser.getFehler().empty())
+            log_.warn(leser.getFehler());
+        Vorlauf vorlauf(ort, leser.getFiles(), istPlugindatei,
+                        nimmtBeschreibungen_ ? kBeschreibungsseiten : 0);
+        for (const std::string& datei : leser.getFiles())
+            if (!nimmDatei(ort, datei, vorlauf))
+                erfolg = false;
+        const auto danach = offene.emplace(std::next(offene.begin()));
+        for (const std::string& unterverzeichnis : leser.getDirectories())
+            offene.insert(danach, getFullFilename(ort, unterverzeichnis));
+    }
     return erfolg;
 }
 
