@@ -9,11 +9,16 @@
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoValidierungsServiceErweiterung.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
+#include <orvoplugin/service/PruefErgebnis.h>
+#include <orvoplugin/service/SteuerfallListe.h>
+#include <orvoutil/Einstellungen.h>
 
 #include "TestPlugins.h"
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
+#include <utility>
 
 using orvo::service::ValidierungsService;
 
@@ -48,6 +53,21 @@ protected:
     }
 
     OrvoValidierungsServiceErweiterung* erweiterung = nullptr;
+};
+
+/// Gives an order from inside a service's operation: a service reads its list.
+class Auftrag : public orvo::data::SteuerfallListe {
+public:
+    explicit Auftrag(std::function<void()> auftrag) : auftrag_(std::move(auftrag)) {}
+    std::size_t getAnzahl() const override {
+        auftrag_();
+        return 1;
+    }
+    const std::string& getDatensatz(std::size_t) const override { return satz_; }
+
+private:
+    std::function<void()> auftrag_;
+    std::string satz_ = "Datensatz";
 };
 
 } // namespace
@@ -150,6 +170,39 @@ TEST_F(NutzungStoerfall, AServiceThatIsOutDoesNotHinderAReload) {
     erwarteHeileBrauchbar();
     EXPECT_EQ(geladenes(schlechtes)->getUseCount(), 0);
     EXPECT_EQ(finde(kDazwischen)->getAusgegeben(), 0);
+}
+
+TEST_F(NutzungStoerfall, OrdersFromInsideAServicesOperationUnloadNothing) {
+    const std::string laeuft = "W Plugins werden gerade geladen, entladen oder gerufen. ";
+    starteMitFactory("gleicherService");
+    ValidierungsService* const service = erweiterung->holeService();
+    ASSERT_NE(service, nullptr);
+    const auto waehrendEinesRufs = [&](const std::function<void()>& auftrag) {
+        log.leere();
+        PruefErgebnis ergebnis;
+        EXPECT_EQ(service->pruefe(Auftrag([&, erster = std::make_shared<bool>(true)] {
+                                      if (std::exchange(*erster, false))
+                                          auftrag();
+                                  }),
+                                  Unterfallart(kDazwischen), Veranlagungszeitraum(2009, "YYYY"), ergebnis),
+                  0);
+        EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libmmm.dylib", "libzzz.dylib"}));
+        return warnungen();
+    };
+    EXPECT_EQ(waehrendEinesRufs([&] { manager->reload(); }), Zeilen{laeuft + "Abgelehnt: reload()"});
+    EXPECT_EQ(waehrendEinesRufs([&] { manager->entladePlugins(); }),
+              Zeilen{laeuft + "Abgelehnt: entladePlugins()"});
+    const orvo::orvoutil::Einstellungen einstellungen;
+    EXPECT_EQ(waehrendEinesRufs([&] { einstellungen.setze("basis.home_dir", home.pfad("nirgends")); }),
+              Zeilen{laeuft + "Aufgeschoben: basis.home_dir"});
+    erwarteHeileBrauchbar();
+    erweiterung->release(service);
+    erwarteSpurlos();
+
+    EXPECT_TRUE(manager->ladePlugins()); // carries the change out
+    EXPECT_EQ(geladene(), Zeilen{});
+    einstellungen.setze("basis.home_dir", home.pfad());
+    erwarteHeileBrauchbar();
 }
 
 TEST_F(NutzungStoerfall, AMissingOnLoadFunctionIsAWarning) {

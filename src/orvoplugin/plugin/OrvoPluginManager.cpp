@@ -13,6 +13,9 @@
 #include <orvoutil/Spur.h>
 #include <orvoutil/StringUtil.h>
 
+#include <dlfcn.h>
+#include <unwind.h>
+
 #include <algorithm>
 #include <exception>
 #include <iostream>
@@ -68,6 +71,27 @@ bool istGesperrt(std::string_view dateiname) {
 /// name by which it is loaded, except where the file system ignores letter case.)
 bool istPlugindatei(const std::string& datei) {
     return endsWith(datei, kPluginEndung) && !istGesperrt(datei);
+}
+
+/// Whether code of one of these plugins is on the stack of this thread. Only orders ask: calls of a service's operations
+/// pass the library by.
+bool ruftEines(const std::list<OrvoPlugin*>& plugins) {
+    struct Suche {
+        const std::list<OrvoPlugin*>& plugins;
+        bool gefunden = false;
+    } suche{plugins};
+    const auto pruefe = [](_Unwind_Context* rahmen, void* daten) {
+        auto& gesucht = *static_cast<Suche*>(daten);
+        Dl_info ort;
+        if (dladdr(reinterpret_cast<const void*>(_Unwind_GetIP(rahmen)), &ort) && ort.dli_fname)
+            gesucht.gefunden =
+                std::any_of(gesucht.plugins.begin(), gesucht.plugins.end(), [&](OrvoPlugin* plugin) {
+                    return plugin->getSharedLib() && plugin->getSharedLib()->getName() == ort.dli_fname;
+                });
+        return gesucht.gefunden ? _URC_END_OF_STACK : _URC_NO_REASON;
+    };
+    _Unwind_Backtrace(pruefe, &suche);
+    return suche.gefunden;
 }
 
 /// The path of a file, with what follows its last dot in lower case.
@@ -230,7 +254,7 @@ void OrvoPluginManager::wechsleHome() {
 
 /// Whether nothing is running that needs the plugins' code or list.
 bool OrvoPluginManager::darfEntladen() const {
-    return arbeit_ == Arbeit::Keine && !Laufend::gibtEsIrgendeinen();
+    return arbeit_ == Arbeit::Keine && !Laufend::gibtEsIrgendeinen() && !ruftEines(plugins_);
 }
 
 /// Whether that file is being loaded: an observer that loads it again would never come to an end.
