@@ -2,6 +2,7 @@
 
 #include <orvoutil/Latin1.h>
 
+#include <dlfcn.h>
 #ifdef __linux__
 #include <link.h>
 #endif
@@ -13,8 +14,11 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <list>
+#include <set>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 namespace orvo::orvoelf {
 
@@ -25,6 +29,7 @@ using enum Dateimangel;
 
 constexpr Latin1Text kKeineDatei{u8"keine gewöhnliche Datei"};
 constexpr Latin1Text kNichtZuOeffnen{u8"kann nicht geöffnet werden: "};
+constexpr Latin1Text kBenoetigte{u8"benötigte Bibliothek "};
 
 struct Stueck {
     std::uint64_t ab = 0;
@@ -179,7 +184,8 @@ constexpr std::size_t platzVon(std::int64_t tag) {
 /// The look at the content. A step throws the defect that it finds.
 class ElfBlick {
 public:
-    explicit ElfBlick(Datei& datei) : datei_(datei) {}
+    ElfBlick(Datei& datei, const std::string& pfad, std::list<std::string>& weitere)
+        : datei_(datei), pfad_(pfad), weitere_(weitere) {}
 
     Dateibefund pruefe() try {
         pruefeKopf();
@@ -311,21 +317,48 @@ private:
     /// A library of another release would be loaded beside this one and mix up their classes. Where no reading is left for
     /// a name, the loader decides.
     void pruefeBedarf() {
-        constexpr std::uint64_t kMaxName = 48;
-        const std::uint64_t texte = wert(DT_STRTAB), laenge = wert(DT_STRSZ);
-        const std::uint64_t anfang = dateistelle(*segmentMit(texte, laenge), texte);
-        for (const std::uint64_t text : benoetigte_) {
-            const auto platz = static_cast<std::size_t>(std::min(kMaxName, laenge - text));
-            const unsigned char* const bytes = text > 0 ? datei_.bytes(anfang + text, platz) : nullptr;
-            if (!bytes)
+        const std::vector<std::string> orte = eigeneOrte();
+        const std::size_t maxName = orte.empty() ? 48 : 256;
+        for (const std::uint64_t stelle : benoetigte_) {
+            const std::string_view name = stelle > 0 ? text(stelle, maxName) : std::string_view();
+            if (!name.data())
                 return;
-            const std::string_view rest(reinterpret_cast<const char*>(bytes), platz);
-            const std::string_view name = rest.substr(0, rest.find('\0'));
             for (const std::string_view eigene : {"liborvoplugin.so.", "liborvoutil.so."})
                 if (name.starts_with(eigene) && name.substr(eigene.size()) != ORVO_AUSGABE)
                     verlange(false, ANDERE_AUSGABE, kFremdeAusgabe.c_str() + std::string(name),
                              kHier.c_str() + std::string(eigene) + ORVO_AUSGABE);
+            for (const std::string& ort : orte)
+                if (!name.empty() && name.find('/') == name.npos)
+                    weitere_.push_back(ort + std::string(name));
         }
+    }
+
+    /// The beginning of the search path, as far as it is relative to the file's directory.
+    std::vector<std::string> eigeneOrte() {
+        std::vector<std::string> orte;
+        const std::int64_t tag = hat(DT_RUNPATH) ? DT_RUNPATH : DT_RPATH;
+        std::string_view rest = hat(tag) ? text(wert(tag), 1024) : std::string_view();
+        while (!rest.empty()) {
+            const std::string_view ort = rest.substr(0, rest.find(':'));
+            const std::size_t wort = ort.starts_with("$ORIGIN") ? 7 : ort.starts_with("${ORIGIN}") ? 9 : 0;
+            const std::string_view unten = ort.substr(wort);
+            if (wort == 0 || !(unten.empty() || unten.front() == '/') || unten.find('$') != unten.npos)
+                break;
+            orte.push_back(pfad_.substr(0, pfad_.rfind('/')).append(unten) + '/');
+            rest.remove_prefix(std::min(rest.size(), ort.size() + 1));
+        }
+        return orte;
+    }
+
+    /// A text of the table; empty if it is longer than so many bytes, null if no reading is left for it.
+    std::string_view text(std::uint64_t stelle, std::uint64_t maximum) {
+        const std::uint64_t texte = wert(DT_STRTAB), laenge = wert(DT_STRSZ);
+        const std::uint64_t anfang = dateistelle(*segmentMit(texte, laenge), texte);
+        const auto platz = static_cast<std::size_t>(std::min(maximum, laenge - stelle));
+        const unsigned char* const bytes = datei_.bytes(anfang + stelle, platz);
+        const std::string_view rest(reinterpret_cast<const char*>(bytes), bytes ? platz : 0);
+        const std::size_t ende = rest.find('\0');
+        return rest.substr(0, ende == rest.npos ? 0 : ende);
     }
 
     /// Bytes that cannot be read end the look. Unless the file is cut off before them, the loader decides.
@@ -363,6 +396,8 @@ private:
                                    kGroessteSeite = std::uint64_t{1} << 16;
 
     Datei& datei_;
+    const std::string& pfad_;
+    std::list<std::string>& weitere_; ///< where the loader searches needed libraries first
     ElfW(Ehdr) kopf_;
     std::array<ElfW(Phdr), 64> segmente_;
     std::uint64_t speicherende_ = 0; ///< of the segments that are loaded
@@ -373,24 +408,53 @@ private:
     std::array<std::uint64_t, 16> benoetigte_{}; ///< places of the names of needed libraries
 };
 
-Dateibefund pruefe(Datei& datei) { return ElfBlick(datei).pruefe(); }
+Dateibefund pruefe(Datei& datei, const std::string& pfad, std::list<std::string>& weitere) {
+    return ElfBlick(datei, pfad, weitere).pruefe();
+}
 
 #else
-Dateibefund pruefe(Datei&) { return {}; }
+Dateibefund pruefe(Datei&, const std::string&, std::list<std::string>&) { return {}; }
 #endif
 
-} // namespace
-
-Dateibefund blickeAufDatei(const std::string& pfad) {
+Dateibefund blickeAufEine(const std::string& pfad, std::list<std::string>& weitere) {
     Datei datei(pfad.c_str());
     const bool istGelesen = datei.istOffen() && datei.liesAnfang();
     const int fehler = errno;
-    Dateibefund befund = istGelesen ? pruefe(datei) : Dateibefund{NICHT_ZU_OEFFNEN, kNichtZuOeffnen};
+    Dateibefund befund =
+        istGelesen ? pruefe(datei, pfad, weitere) : Dateibefund{NICHT_ZU_OEFFNEN, kNichtZuOeffnen};
     struct stat zustand;
     if (!befund.istLadbar() && stat(pfad.c_str(), &zustand) == 0 && !S_ISREG(zustand.st_mode))
         return {KEINE_DATEI, kKeineDatei};
     if (!istGelesen)
         befund.grund += std::generic_category().message(fehler);
+    return befund;
+}
+
+/// Whether the process has a library of that name, which the loader then takes instead of a file.
+bool istGeladen(const std::string& name) {
+    void* const griff = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    return griff && dlclose(griff) == 0;
+}
+
+} // namespace
+
+Dateibefund blickeAufDatei(const std::string& pfad) {
+    std::list<std::string> weitere; // grows during the walk
+    Dateibefund befund = blickeAufEine(pfad, weitere);
+    std::set<std::string> gefundene;
+    for (const std::string& datei : weitere) {
+        const std::string name = datei.substr(datei.rfind('/') + 1);
+        struct stat zustand;
+        if (!befund.istLadbar() || gefundene.contains(name) || stat(datei.c_str(), &zustand) != 0)
+            continue;
+        const Dateibefund weiterer =
+            S_ISREG(zustand.st_mode) ? blickeAufEine(datei, weitere) : Dateibefund{KEINE_DATEI, kKeineDatei};
+        if (weiterer.mangel == NICHT_ZU_OEFFNEN || weiterer.mangel == ANDERER_PROZESSOR)
+            continue; // the loader searches on
+        gefundene.insert(name);
+        if (!weiterer.istLadbar() && !istGeladen(name))
+            befund = {BENOETIGTE_BIBLIOTHEK, kBenoetigte.c_str() + name + ": " + weiterer.grund};
+    }
     return befund;
 }
 

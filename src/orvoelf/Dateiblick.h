@@ -17,6 +17,7 @@ enum class Dateimangel : std::int32_t {
     NICHT_ZU_ENDE_GESCHRIEBEN, ///< has its full length, but ends in zeros that should be something else
     BESCHAEDIGT,               ///< its headers contradict each other
     ANDERE_AUSGABE,            ///< needs these libraries in another release
+    BENOETIGTE_BIBLIOTHEK,     ///< a library that it needs is one of the above
 };
 
 /// What a look at a file has found.
@@ -33,6 +34,9 @@ struct Dateibefund {
 /// Refuses a file that was cut off or not written to its end; of all else, only what the loader would refuse or not
 /// survive. In doubt, the loader decides. Takes at most five system calls for a file that passes, whatever its size:
 /// relocations, symbols and sections are not read. The file can still change before the loader opens it.
+///
+/// Looks in the same way at the libraries that the file needs, as far as the loader searches them relative to the file's
+/// directory (`$ORIGIN`) before it searches anywhere else, and at those that they need. A missing one is no defect.
 ///
 /// Parameters: `pfad` names a file, with a slash in it, as the loader gets it.
 /// Errors: throws only std::bad_alloc. Threads: any.

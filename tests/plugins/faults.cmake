@@ -11,6 +11,12 @@ set_target_properties(NeedsAMissingLibrary PROPERTIES SKIP_BUILD_RPATH ON)
 orvo_test_plugin(CallsAMissingFunction BrauchtMehr.cpp "BRAUCHT=gibtEsNicht")
 target_link_options(CallsAMissingFunction PRIVATE LINKER:-z,lazy LINKER:-z,undefs)
 
+# Needs a library beside it.
+add_library(hilft SHARED Leer.cpp)
+orvo_test_plugin(NeedsALibraryBesideIt BrauchtMehr.cpp "BRAUCHT=keinEinsprungpunkt")
+target_link_libraries(NeedsALibraryBesideIt PRIVATE hilft)
+set_target_properties(NeedsALibraryBesideIt PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
+
 # Small enough for a test that cuts it at every place.
 orvo_test_plugin(Small Typen.cpp "TYPEN={1}" MIT_INITIALIZE)
 target_link_options(Small PRIVATE -s)

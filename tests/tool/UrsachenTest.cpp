@@ -64,7 +64,7 @@ constexpr std::size_t kArt = 16, kMaschine = 18; // in the file's header
 TEST(Gruende, EveryValueHasACodeOfItsOwn) {
     std::set<std::string> codes;
     const auto einmalig = [&](const char* code) { return *code && codes.insert(code).second; };
-    for (auto i = static_cast<int>(Ursache::RECHTE); i <= static_cast<int>(Ursache::GETOETET); ++i)
+    for (auto i = static_cast<int>(Ursache::RECHTE); i <= static_cast<int>(Ursache::BESCHAEDIGTE_HILFE); ++i)
         EXPECT_TRUE(einmalig(code(static_cast<Ursache>(i)))) << i;
     codes.clear();
     for (auto i = static_cast<int>(Schritt::OEFFNEN); i <= static_cast<int>(Schritt::DANACH); ++i)
@@ -92,6 +92,10 @@ TEST_F(Ursachen, AFileThatIsNoGoodLibraryIsToldApart) {
     EXPECT_EQ(kennung(), "file_not_loadable/cut");
     heim_.lege(NEEDS_ANOTHER_PLUGIN_RELEASE, "liba.dylib");
     EXPECT_EQ(kennung(), "file_not_loadable/release");
+    heim_.lege(test_plugins::NeedsALibraryBesideIt, "liba.dylib");
+    const std::string hilfe = heim_.verzeichnis.kopiere(test_plugins::hilft, "plugins/libhilft.so");
+    std::filesystem::resize_file(hilfe, std::filesystem::file_size(hilfe) / 3);
+    EXPECT_EQ(kennung(), "file_not_loadable/needed_library_damaged");
 }
 
 TEST_F(Ursachen, AFileThatMayNotBeReadIsToldApart) {

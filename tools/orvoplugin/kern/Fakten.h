@@ -206,6 +206,7 @@ enum class Ursache : std::int32_t {
     FALSCHE_BESCHREIBUNG, ///< one that is refused
     FADEN,                ///< a thread of it still ran when its library was closed
     GETOETET,             ///< the system ended the process, mostly for want of memory
+    BESCHAEDIGTE_HILFE,   ///< a library that it needs is cut off or damaged
 };
 
 /// What is in a file.

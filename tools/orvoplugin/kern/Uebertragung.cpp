@@ -170,7 +170,7 @@ void pruefe(const Bestand& bestand) {
         verlange(datei.verzeichnis < bestand.verzeichnisse.size());
         verlangeBereich(datei.zustand, Zustand::GELADEN, Zustand::ZEIT);
         verlangeBereich(datei.grund, Grund::KEINER, Grund::NICHT_BESCHRIEBEN);
-        verlangeBereich(datei.ursache, Ursache::KEINE, Ursache::GETOETET);
+        verlangeBereich(datei.ursache, Ursache::KEINE, Ursache::BESCHAEDIGTE_HILFE);
         verlange(datei.zustand != Zustand::GELADEN || datei.plugin);
         if (datei.plugin)
             pruefe(*datei.plugin);

@@ -56,6 +56,8 @@ Ursache inDerDatei(const std::string& pfad, const std::string& name) {
         return Ursache::BESCHAEDIGT;
     case Dateimangel::ANDERE_AUSGABE:
         return Ursache::AUSGABE;
+    case Dateimangel::BENOETIGTE_BIBLIOTHEK:
+        return Ursache::BESCHAEDIGTE_HILFE;
     }
     return Ursache::KEINE;
 }
