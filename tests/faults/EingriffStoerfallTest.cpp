@@ -1,7 +1,6 @@
 // Faults that occur between the listing of the plugin directory and the opening of a file in it.
 //
-// A test cannot intervene between the library's look at a file and the loader's. A library that is overwritten in
-// place, then or while it is in use, can end the process: to update one, write a new file and rename it.
+// TauschStoerfallTest.cpp has those between the library's look at a file and the loader's.
 
 #include "faults/Stoerfall.h"
 
