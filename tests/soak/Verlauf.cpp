@@ -25,10 +25,14 @@ double belegterHaufen() {
 #endif
 }
 
+int zaehle(dl_phdr_info*, std::size_t, void* anzahl) {
+    ++*static_cast<int*>(anzahl);
+    return 0; // goes on
+}
+
 int bibliotheken() {
     int anzahl = 0;
-    dl_iterate_phdr(
-        [](dl_phdr_info*, std::size_t, void* zaehler) { return ++*static_cast<int*>(zaehler), 0; }, &anzahl);
+    dl_iterate_phdr(zaehle, &anzahl);
     return anzahl;
 }
 
