@@ -263,7 +263,7 @@ int main(int argc, char** argv) {
     try {
         const bool stunden = argc > 2 && argv[1] == std::string("--hours");
         const int erstes = stunden ? 2 : 1;
-        if (argc <= erstes || argc > erstes + 2)
+        if (argc <= erstes || argc > erstes + 2 || !(std::stod(argv[erstes]) > 0))
             throw std::invalid_argument("soak CYCLES [CSV], or soak --hours HOURS [CSV]");
         const Ziel ziel(stunden, std::stod(argv[erstes]));
         std::ofstream csv(argc > erstes + 1 ? argv[erstes + 1] : "/dev/null");
