@@ -78,8 +78,8 @@ function(orvo_library target)
         PROPERTIES CXX_VISIBILITY_PRESET hidden
                    VISIBILITY_INLINES_HIDDEN ON
                    VERIFY_INTERFACE_HEADER_SETS ON
-                   VERSION ${PROJECT_VERSION}
-                   SOVERSION ${PROJECT_VERSION_MAJOR})
+                   VERSION ${ORVO_AUSGABE}.${PROJECT_VERSION_MINOR}.${PROJECT_VERSION_PATCH}
+                   SOVERSION ${ORVO_AUSGABE})
     if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
         # The process calls a library's code at its end, so the library stays until then.
         target_link_options(${target} PRIVATE LINKER:-z,nodelete)

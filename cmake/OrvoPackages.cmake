@@ -20,7 +20,7 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "liborvoplugin${PROJECT_VERSION_MAJOR}")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "liborvoplugin${ORVO_AUSGABE}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "")
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION
@@ -63,7 +63,7 @@ endif()
 set(control "${PROJECT_BINARY_DIR}/debian")
 set(shlibs "")
 foreach(library orvoplugin orvoutil)
-    string(APPEND shlibs "lib${library} ${PROJECT_VERSION_MAJOR} ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} "
+    string(APPEND shlibs "lib${library} ${ORVO_AUSGABE} ${CPACK_DEBIAN_RUNTIME_PACKAGE_NAME} "
                          "(>= ${PROJECT_VERSION})\n")
 endforeach()
 file(CONFIGURE OUTPUT "${control}/shlibs" CONTENT "${shlibs}")

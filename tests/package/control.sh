@@ -4,7 +4,6 @@
 
 need dpkg-gensymbols
 
-major=${VERSION%%.*}
 field() { dpkg-deb -f "$WORK/debs/$1_${VERSION}_"*.deb "$2"; }
 demand_field() {
     local found
@@ -12,7 +11,7 @@ demand_field() {
     [[ $found == "$3" ]] || fail "$1 has $2: $found"
 }
 
-runtime=liborvoplugin$major
+runtime=liborvoplugin$RELEASE
 demand_field "$runtime" Section libs
 demand_field liborvoplugin-dev Section libdevel
 depends=$(field "$runtime" Depends)
@@ -27,13 +26,13 @@ else
 fi
 control() { dpkg-deb --info "$WORK/debs/$1_${VERSION}_"*.deb "$2"; }
 demand "$(control "$runtime" triggers)" "activate-noawait ldconfig"
-demand "$(control "$runtime" shlibs)" "liborvoplugin $major $runtime (>= $VERSION)" "liborvoutil $major $runtime (>= $VERSION)"
+demand "$(control "$runtime" shlibs)" "liborvoplugin $RELEASE $runtime (>= $VERSION)" "liborvoutil $RELEASE $runtime (>= $VERSION)"
 
 # Every exported symbol is in the recorded list, and every recorded one is exported (as GCC compiles the libraries).
 if [[ $("$CXX" --version) == *"Free Software Foundation"* ]]; then
     fresh "$WORK/gensymbols/debian"
     : >"$WORK/gensymbols/debian/control"
-    libraries=("$WORK/root/usr/$LIBDIR"/lib*.so."$VERSION")
+    libraries=("$WORK/root/usr/$LIBDIR"/lib*.so."$RELEASE.${VERSION#*.}")
     (cd -- "$WORK/gensymbols" &&
         dpkg-gensymbols "-p$runtime" "-v$VERSION" -c4 "-I$SOURCE/cmake/debian/symbols" -Osymbols "${libraries[@]/#/-e}") ||
         fail "scripts/abi --record records the symbols"

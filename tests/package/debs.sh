@@ -9,7 +9,7 @@ fresh "$WORK/root"
 "$CPACK" --config "$BUILD/CPackConfig.cmake" -B "$WORK/debs" >"$WORK/cpack.log" || fail "cpack: $(<"$WORK/cpack.log")"
 rm -rf -- "$WORK/debs/_CPack_Packages"
 architecture=$(dpkg --print-architecture)
-packages=(liborvoplugin"${VERSION%%.*}" liborvoplugin-dev)
+packages=(liborvoplugin"$RELEASE" liborvoplugin-dev)
 ! ((TOOL)) || packages+=(orvoplugin)
 for package in "${packages[@]}"; do
     dpkg-deb -x "$WORK/debs/${package}_${VERSION}_${architecture}.deb" "$WORK/root"

@@ -13,7 +13,7 @@ awk -v RS= -v ORS='\n\n' '!/^Package: (lib)?orvoplugin/' /var/lib/dpkg/status >"
 on_root() { dpkg --root="$root" --log=/dev/null --no-triggers "$@" 2> >(grep -v 'files list file for package' >&2); }
 files() { (cd -- "$root" && find . -mindepth 1 -path ./var -prune -o -print | sort); }
 
-runtime=liborvoplugin${VERSION%%.*}
+runtime=liborvoplugin$RELEASE
 packages=("$runtime" liborvoplugin-dev)
 ! ((TOOL)) || packages+=(orvoplugin)
 
@@ -23,7 +23,7 @@ on_root -i "$WORK/debs"/*.deb >/dev/null
 for package in "${packages[@]}"; do
     demand_part "$(dpkg-query --admindir="$root/var/lib/dpkg" -W -f '${Status}\n' "$package")" "install ok"
 done
-demand_part "$(files)" "liborvoplugin.so.$VERSION"
+demand_part "$(files)" "liborvoplugin.so.$RELEASE.${VERSION#*.}"
 if ((TOOL)); then
     demand_part "$("$root/usr/bin/orvoplugin" --version)" "$VERSION"
 fi

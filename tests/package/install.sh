@@ -2,11 +2,10 @@
 # Installs the components one by one, checks the files of each, and moves the whole to another place.
 . "$(dirname -- "$0")/support.sh"
 
-major=${VERSION%%.*}
 documents=share/doc/orvoplugin
 # files of each component; of many alike, one or two
 declare -A files=(
-    [runtime]="$LIBDIR/liborvoplugin.so.$major $LIBDIR/liborvoutil.so.$major"
+    [runtime]="$LIBDIR/liborvoplugin.so.$RELEASE $LIBDIR/liborvoutil.so.$RELEASE"
     [dev]="$LIBDIR/liborvoplugin.so $LIBDIR/liborvoutil.so
         include/orvoplugin/registry/OrvoErweiterungsManager.h include/orvoutil/Standardbibliothek.h
         $LIBDIR/cmake/orvoplugin/orvopluginConfig.cmake $LIBDIR/cmake/orvoplugin/OrvoPlugin.cmake

@@ -3,17 +3,16 @@
 . "$(dirname -- "$0")/support.sh"
 need readelf
 
-major=${VERSION%%.*}
 for name in orvoplugin orvoutil; do
     library=$WORK/moved/$LIBDIR/lib$name.so
-    [[ $(readlink -- "$library") == lib$name.so.$major ]] || fail "$library leads to $(readlink -- "$library")"
-    [[ $(readlink -- "$library.$major") == lib$name.so.$VERSION ]] || fail "$library.$major is no link to $VERSION"
-    demand_part "$(readelf -dW "$library")" "Library soname: [lib$name.so.$major]"
+    [[ $(readlink -- "$library") == lib$name.so.$RELEASE ]] || fail "$library leads to $(readlink -- "$library")"
+    [[ $(readlink -- "$library.$RELEASE") == lib$name.so.$RELEASE.${VERSION#*.} ]] || fail "$library.$RELEASE leads elsewhere"
+    demand_part "$(readelf -dW "$library")" "Library soname: [lib$name.so.$RELEASE]"
 done
 demand_part "$(readelf -dW "$WORK/moved/$LIBDIR/liborvoplugin.so")" \
-    "Shared library: [liborvoutil.so.$major]" 'Library runpath: [$ORIGIN]'
+    "Shared library: [liborvoutil.so.$RELEASE]" 'Library runpath: [$ORIGIN]'
 # only each other, the standard library and the system's own
-needed=$(readelf -dW "$WORK/moved/$LIBDIR"/lib*.so."$VERSION" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort -u)
+needed=$(readelf -dW "$WORK/moved/$LIBDIR"/lib*.so."$RELEASE.${VERSION#*.}" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p' | sort -u)
 while read -r library; do
     [[ $library =~ ^(liborvoutil|libstdc\+\+|libc\+\+|libc\+\+abi|libgcc_s|libm|libc|libdl|ld-linux.*)\.so ]] ||
         fail "the libraries need $library"

@@ -3,24 +3,23 @@
 # not these libraries can be found and would be loaded beside the right ones.
 . "$(dirname -- "$0")/support.sh"
 
-major=${VERSION%%.*}
-next=$((major + 1))
+next=$((RELEASE + 1))
 release=$WORK/release
 rm -rf -- "$release" "$WORK/project-release"
 cp -a -- "$WORK/moved" "$release"
 rm -rf -- "$release/bin"
 for file in "$release/$LIBDIR"/lib*.so.*; do
     if [[ -L $file ]]; then
-        ln -s "$(readlink -- "$file" | sed "s/\.so\.$major/.so.$next/")" "${file/.so.$major/.so.$next}"
+        ln -s "$(readlink -- "$file" | sed "s/\.so\.$RELEASE/.so.$next/")" "${file/.so.$RELEASE/.so.$next}"
         rm -- "$file"
     else
-        mv -- "$file" "${file/.so.$major/.so.$next}"
+        mv -- "$file" "${file/.so.$RELEASE/.so.$next}"
     fi
 done
 for library in orvoplugin orvoutil; do
     ln -sf "lib$library.so.$next" "$release/$LIBDIR/lib$library.so"
 done
-find "$release/$LIBDIR" -type f -exec sed -i "s/\(liborvo[a-z]*\.so\.\)$major/\1$next/g" {} + # of the same length
+find "$release/$LIBDIR" -type f -exec sed -i "s/\(liborvo[a-z]*\.so\.\)$RELEASE/\1$next/g" {} + # of the same length
 
 project=$WORK/project-release
 configure "$SOURCE/tests/package/projekt" "$project" "$release" >/dev/null
@@ -34,6 +33,6 @@ for case in "beside the right ones" "missing"; do
     [[ $case != missing ]] || rm -rf -- "$release"
     text=$(refused "$WORK/project-moved/kunde" "$WORK/release-home")
     demand "$text" "nobody answers"
-    grep -q "libwohngeld.dylib.*liborvoplugin\.so\.$next.*liborvoplugin\.so\.$major" <<<"$text" ||
+    grep -q "libwohngeld.dylib.*liborvoplugin\.so\.$next.*liborvoplugin\.so\.$RELEASE" <<<"$text" ||
         fail "no clear entry in the log with the other libraries $case:"$'\n'"$text"
 done

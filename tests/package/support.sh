@@ -2,7 +2,7 @@
 # Sourced by the scripts of this folder. Their paths come from the test's environment.
 set -euo pipefail
 export LC_ALL=C
-: "${WORK:?}" "${BUILD:?}" "${SOURCE:?}" "${LIBDIR:?}" "${VERSION:?}" # never a folder below the root by accident
+: "${WORK:?}" "${BUILD:?}" "${SOURCE:?}" "${LIBDIR:?}" "${VERSION:?}" "${RELEASE:?}" # never a folder below the root by accident
 unset CDPATH DESTDIR orvoplugin_DIR orvoplugin_ROOT CMAKE_PREFIX_PATH PKG_CONFIG_PATH PKG_CONFIG_LIBDIR LD_LIBRARY_PATH
 
 fail() {
