@@ -45,7 +45,7 @@ struct Stueck {
 /// An open file, read in few pieces: its beginning, and a window that moves at most twice.
 class Datei {
 public:
-    explicit Datei(const char* pfad) : deskriptor_(oeffne(pfad)) {}
+    explicit Datei(const char* pfad) : deskriptor_(oeffne(pfad)), fehler_(istOffen() ? 0 : errno) {}
     Datei(const Datei&) = delete;
     Datei& operator=(const Datei&) = delete;
     ~Datei() {
@@ -59,12 +59,13 @@ public:
         return fstat(deskriptor_, &zustand) == 0 ? static_cast<std::uint64_t>(zustand.st_size) : 0;
     }
     bool liesAnfang() { return lies(anfang_, sizeof(anfangsbytes_)); }
-    bool hatLesefehler() const { return hatLesefehler_; }
+    /// The system's error number of the opening or the last reading; 0 when it succeeded.
+    int fehler() const { return fehler_; }
 
     /// Returns: bytes, at most half a window; null when the file ends before or no reading is left.
     const unsigned char* bytes(std::uint64_t ab, std::size_t anzahl) {
         const unsigned char* const gefunden = gelesene(ab, anzahl);
-        if (gefunden || anfang_.laenge < sizeof(anfangsbytes_) || ab > kWeitesteStelle || uebrige_ == 0)
+        if (gefunden || ab > kWeitesteStelle || uebrige_ == 0)
             return gefunden;
         --uebrige_;
         fenster_.ab = ab - std::min<std::uint64_t>(ab, kHalbesFenster);
@@ -96,13 +97,12 @@ private:
         do
             gelesen = pread(deskriptor_, stueck.bytes, platz, static_cast<off_t>(stueck.ab));
         while (gelesen < 0 && errno == EINTR);
-        hatLesefehler_ = gelesen < 0;
+        fehler_ = gelesen < 0 ? errno : 0;
         stueck.laenge = static_cast<std::size_t>(std::max<ssize_t>(gelesen, 0));
-        return !hatLesefehler_;
+        return fehler_ == 0;
     }
 
-    int deskriptor_, uebrige_ = 2;
-    bool hatLesefehler_ = false;
+    int deskriptor_, fehler_, uebrige_ = 2;
     unsigned char anfangsbytes_[std::size_t{32} << 10], fensterbytes_[2 * kHalbesFenster];
     Stueck anfang_{.bytes = anfangsbytes_}, fenster_{.bytes = fensterbytes_};
 };
@@ -365,7 +365,7 @@ private:
     const unsigned char* hole(std::uint64_t ab, std::size_t anzahl, const char* was) {
         if (const unsigned char* const bytes = datei_.bytes(ab, anzahl))
             return bytes;
-        verlange(!datei_.hatLesefehler(), NICHT_ZU_OEFFNEN, "nicht lesbar");
+        verlange(datei_.fehler() == 0, NICHT_ZU_OEFFNEN, kNichtZuOeffnen);
         const bool endetDavor = ab > Datei::kWeitesteStelle || ab + anzahl > datei_.groesse();
         verlange(!endetDavor, ABGESCHNITTEN, std::string("abgeschnitten: ") + was, " endet hinter der Datei");
         throw Dateibefund{};
@@ -419,14 +419,13 @@ Dateibefund pruefe(Datei&, const std::string&, std::list<std::string>&) { return
 Dateibefund blickeAufEine(const std::string& pfad, std::list<std::string>& weitere) {
     Datei datei(pfad.c_str());
     const bool istGelesen = datei.istOffen() && datei.liesAnfang();
-    const int fehler = errno;
     Dateibefund befund =
         istGelesen ? pruefe(datei, pfad, weitere) : Dateibefund{NICHT_ZU_OEFFNEN, kNichtZuOeffnen};
     struct stat zustand;
     if (!befund.istLadbar() && stat(pfad.c_str(), &zustand) == 0 && !S_ISREG(zustand.st_mode))
         return {KEINE_DATEI, kKeineDatei};
-    if (!istGelesen)
-        befund.grund += std::generic_category().message(fehler);
+    if (befund.mangel == NICHT_ZU_OEFFNEN)
+        befund.grund += std::generic_category().message(datei.fehler());
     return befund;
 }
 
@@ -440,20 +439,20 @@ bool istGeladen(const std::string& name) {
 
 Dateibefund blickeAufDatei(const std::string& pfad) {
     std::list<std::string> weitere; // grows during the walk
-    Dateibefund befund = blickeAufEine(pfad, weitere);
+    const Dateibefund befund = blickeAufEine(pfad, weitere);
+    if (!befund.istLadbar())
+        return befund;
     std::set<std::string> gefundene;
     for (const std::string& datei : weitere) {
         const std::string name = datei.substr(datei.rfind('/') + 1);
-        struct stat zustand;
-        if (!befund.istLadbar() || gefundene.contains(name) || stat(datei.c_str(), &zustand) != 0)
+        if (gefundene.contains(name))
             continue;
-        const Dateibefund weiterer =
-            S_ISREG(zustand.st_mode) ? blickeAufEine(datei, weitere) : Dateibefund{KEINE_DATEI, kKeineDatei};
+        const Dateibefund weiterer = blickeAufEine(datei, weitere);
         if (weiterer.mangel == NICHT_ZU_OEFFNEN || weiterer.mangel == ANDERER_PROZESSOR)
             continue; // the loader searches on
         gefundene.insert(name);
         if (!weiterer.istLadbar() && !istGeladen(name))
-            befund = {BENOETIGTE_BIBLIOTHEK, kBenoetigte.c_str() + name + ": " + weiterer.grund};
+            return {BENOETIGTE_BIBLIOTHEK, kBenoetigte.c_str() + name + ": " + weiterer.grund};
     }
     return befund;
 }

@@ -18,6 +18,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
@@ -30,6 +31,13 @@ using namespace testing;
 namespace {
 
 int systemaufrufe = 0;
+
+/// The next reading but so many yields that instead of the bytes: fewer of them, or an error number below zero.
+struct Lesung {
+    int nach = -1;
+    ssize_t ergebnis = 0;
+};
+Lesung abweichende;
 
 } // namespace
 
@@ -50,7 +58,12 @@ int __wrap_fstat(int deskriptor, struct stat* zustand);
 int __wrap_open(const char* pfad, int art) { return ++systemaufrufe, __real_open(pfad, art); }
 int __wrap_close(int deskriptor) { return ++systemaufrufe, __real_close(deskriptor); }
 ssize_t __wrap_pread(int deskriptor, void* ziel, std::size_t anzahl, off_t ab) {
-    return ++systemaufrufe, __real_pread(deskriptor, ziel, anzahl, ab);
+    ++systemaufrufe;
+    const bool weichtAb = abweichende.nach >= 0 && abweichende.nach-- == 0;
+    if (!weichtAb || abweichende.ergebnis >= 0)
+        return __real_pread(deskriptor, ziel, weichtAb ? std::size_t(abweichende.ergebnis) : anzahl, ab);
+    errno = static_cast<int>(-abweichende.ergebnis);
+    return -1;
 }
 int __wrap_stat(const char* pfad, struct stat* zustand) {
     return ++systemaufrufe, __real_stat(pfad, zustand);
@@ -246,6 +259,34 @@ TEST(Dateiblick, WaitsForTheEndOfAWriteLeaseAsTheLoaderDoes) {
     if (!geliehen)
         GTEST_SKIP() << "no leases on this file system";
     EXPECT_EQ(ausgang, 0) << "nobody asked for the file";
+}
+
+TEST(Dateiblick, AReadingThatIsCutShortMakesNoLibraryAnother) {
+    const Verzeichnis verzeichnis;
+    const std::string ganze = verzeichnis.kopiere(LIBORVOUTIL, "ganz.so");
+    const std::string halbe = verzeichnis.kopiere(LIBORVOUTIL, "halb.so");
+    std::filesystem::resize_file(halbe, std::filesystem::file_size(halbe) / 2);
+    for (const int nach : {0, 1})
+        for (const ssize_t bytes : {0, 1, 3, 63, 100, 1000, 8000}) {
+            abweichende = {nach, bytes};
+            EXPECT_EQ(blickeAufDatei(ganze).grund, "") << nach << " " << bytes;
+            EXPECT_EQ(abweichende.nach, -1) << "there were fewer readings";
+            abweichende = {nach, bytes};
+            EXPECT_EQ(blickeAufDatei(halbe).mangel, Dateimangel::ABGESCHNITTEN) << nach << " " << bytes;
+        }
+}
+
+TEST(Dateiblick, AnInterruptedReadingIsRepeatedAndAnErrorIsTheReason) {
+    for (const int nach : {0, 1}) {
+        abweichende = {nach, -EINTR};
+        EXPECT_EQ(blickeAufDatei(LIBORVOUTIL).grund, "");
+        EXPECT_EQ(abweichende.nach, -1) << "there were fewer readings";
+        abweichende = {nach, -EIO};
+        EXPECT_EQ(blickeAufDatei(LIBORVOUTIL).mangel, Dateimangel::NICHT_ZU_OEFFNEN);
+        abweichende = {nach, -EIO};
+        EXPECT_EQ(blickeAufDatei(LIBORVOUTIL).grund, std::string(kNichtZuOeffnen) + "Input/output error");
+    }
+    abweichende = {};
 }
 
 TEST(Dateiblick, FilesOfOtherKindsAreNoLibraries) {
