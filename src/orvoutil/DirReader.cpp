@@ -1,5 +1,7 @@
 #include <orvoutil/DirReader.h>
 
+#include <orvoutil/PathUtil.h>
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -39,17 +41,17 @@ bool passt(std::string_view name, std::string_view muster) {
     return muster.find_first_not_of('*', m) == kKeiner;
 }
 
-enum class Art { DATEI, VERZEICHNIS, ANDERES };
+enum class Art { DATEI, VERZEICHNIS, ANDERES, UNGEWISS };
 
-/// For entries that do not say it themselves.
+/// For entries that do not say it themselves. UNGEWISS leaves the system's error number.
 Art nachgesehen(int verzeichnis, const char* name) {
     struct stat angaben;
     if (fstatat(verzeichnis, name, &angaben, AT_SYMLINK_NOFOLLOW) != 0)
-        return Art::ANDERES;
+        return Art::UNGEWISS;
     if (S_ISDIR(angaben.st_mode))
         return Art::VERZEICHNIS;
     if (S_ISLNK(angaben.st_mode) && fstatat(verzeichnis, name, &angaben, 0) != 0)
-        return Art::ANDERES;
+        return Art::UNGEWISS;
     return S_ISREG(angaben.st_mode) ? Art::DATEI : Art::ANDERES;
 }
 
@@ -71,13 +73,17 @@ struct Schliesser {
     void operator()(DIR* verzeichnis) const { closedir(verzeichnis); }
 };
 
+std::string nichtLesbar(const std::string& ort, int fehler) {
+    return "Verzeichnis nicht lesbar: " + ort + ": " + std::generic_category().message(fehler);
+}
+
 } // namespace
 
 DirReader::DirReader(const std::string& verzeichnis, const std::string& muster) {
     if (verzeichnis.find('\0') != std::string::npos)
         return;
     if (const int fehler = lies(verzeichnis, muster); fehler != 0 && fehler != ENOENT)
-        fehler_ = "Verzeichnis nicht lesbar: " + verzeichnis + ": " + std::generic_category().message(fehler);
+        fehler_ = nichtLesbar(verzeichnis, fehler);
     dateien_.sort();
     verzeichnisse_.sort();
 }
@@ -99,6 +105,8 @@ int DirReader::lies(const std::string& verzeichnis, const std::string& muster) {
             verzeichnisse_.emplace_back(name);
         else if (art == Art::DATEI && passt(name, muster))
             dateien_.emplace_back(name);
+        else if (const int fehler = errno; art == Art::UNGEWISS && fehler != ENOENT && fehler != ELOOP)
+            fehler_ = nichtLesbar(getFullFilename(verzeichnis, name), fehler);
     }
 }
 

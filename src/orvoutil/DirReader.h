@@ -22,8 +22,8 @@ public:
     const std::list<std::string>& getFiles() const { return dateien_; }
     /// The subdirectories, whatever their names. Links to directories are left out, so that a walk always ends.
     const std::list<std::string>& getDirectories() const { return verzeichnisse_; }
-    /// Why the directory could not be read to its end: its name and the system's reason. Empty when all was read, and
-    /// for a directory that does not exist.
+    /// Why the directory could not be read to its end, or which entry may be a file that the lists lack: a path and the
+    /// system's reason. Empty when all was read, for a directory that does not exist, and for links that lead nowhere.
     const std::string& getFehler() const { return fehler_; }
 
 private:

@@ -115,6 +115,17 @@ TEST(DirReader, LeavesDanglingAndCircularLinksOut) {
     const DirReader leser(verzeichnis.pfad(), "*");
     EXPECT_THAT(leser.getFiles(), IsEmpty());
     EXPECT_THAT(leser.getDirectories(), IsEmpty());
+    EXPECT_EQ(leser.getFehler(), "");
+}
+
+TEST(DirReader, NamesALinkOfWhichTheSystemDoesNotTellWhereItLeads) {
+    const Verzeichnis verzeichnis;
+    verzeichnis.schreibe("datei.x", "");
+    verweise(std::string(300, 'n'), verzeichnis.pfad("verweis.x"));
+    const DirReader leser(verzeichnis.pfad(), "*");
+    EXPECT_THAT(leser.getFiles(), ElementsAre("datei.x"));
+    EXPECT_EQ(leser.getFehler(),
+              "Verzeichnis nicht lesbar: " + verzeichnis.pfad("verweis.x") + ": File name too long");
 }
 
 TEST(DirReader, LeavesPipesOut) {
