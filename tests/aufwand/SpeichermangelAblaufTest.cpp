@@ -19,6 +19,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -238,6 +239,31 @@ TEST_P(SpeichermangelAblauf, OfAReloadIsMendedByTheNext) {
                           manager().reload();
                           erwarteVollstaendig();
                       });
+}
+
+TEST_P(SpeichermangelAblauf, OfAReloadWithChangesIsMendedByTheNext) {
+    lege("libc.dylib", "check 99 2009\n");
+    const std::string hier = home_.pfad("plugins/"), anderswo = home_.legeAn("anderswo") + "/";
+    const auto tausche = [&](const std::string& neues, const std::string& altes) {
+        std::filesystem::rename(anderswo + neues, hier + neues);
+        std::filesystem::rename(hier + altes, anderswo + altes);
+    };
+    std::filesystem::rename(hier + "libc.dylib", anderswo + "libc.dylib");
+    registry();
+    fuerJedeZuteilung(
+        [&] {
+            tausche("libc.dylib", "libb.dylib");
+            manager().reload();
+            ASSERT_NE(check(99), nullptr);
+            tausche("libb.dylib", "libc.dylib");
+        },
+        [] { manager().reload(); },
+        [&](bool) {
+            erwarteGeschlossen();
+            erwarteStimmig();
+            manager().reload();
+            erwarteVollstaendig();
+        });
 }
 
 TEST_P(SpeichermangelAblauf, OfAnUnloadKeepsNothing) {

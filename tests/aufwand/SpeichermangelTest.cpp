@@ -12,6 +12,7 @@
 #include <orvoutil/Logger.h>
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/SharedLib.h>
+#include <orvoutil/StreamLogSink.h>
 
 #include "TestPlugins.h"
 #include "support/Verzeichnis.h"
@@ -19,7 +20,10 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <ostream>
+#include <streambuf>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -131,4 +135,35 @@ TEST_F(Speichermangel, KeepsNoSymbolFromWhoAsksForIt) {
         EXPECT_EQ(bibliothek.getLastError(), "");
         EXPECT_EQ(bibliothek.getSymbol(name), adresse) << "as it is found once there is memory again";
     }
+}
+
+TEST_F(Speichermangel, CostsALineOfTheStreamAndNothingAfterIt) {
+    struct : std::streambuf { // takes no memory itself
+        char platz[4096];
+        std::string_view geschriebenes() const {
+            return {pbase(), static_cast<std::size_t>(pptr() - pbase())};
+        }
+        void leere() { setp(platz, platz + sizeof platz); }
+    } puffer;
+    std::ostream ausgabe(&puffer);
+    Logger::setSink(std::make_shared<orvo::orvoutil::StreamLogSink>(ausgabe));
+    constexpr char kWarnung[] = "eine Warnung, die in keinem Text ohne eigenen Speicher Platz hat";
+    const std::string ende = std::string(" WARN  orvo.probe: ") + kWarnung + "\n";
+    const auto warne = [&] {
+        puffer.leere();
+        Logger::getInstance("orvo.probe")->warn(kWarnung);
+    };
+    warne();
+    bool fehlte = true;
+    int verlorene = 0;
+    for (int speicher = 0; fehlte; ++speicher) {
+        EXPECT_TRUE(Zaehler::mitSpeicherFuer(speicher, warne)) << "nothing escapes";
+        fehlte = Zaehler::fehlteSpeicher();
+        verlorene += puffer.geschriebenes().empty();
+        EXPECT_TRUE(puffer.geschriebenes().empty() || puffer.geschriebenes().ends_with(ende)) << speicher;
+        warne();
+        EXPECT_TRUE(puffer.geschriebenes().ends_with(ende)) << speicher;
+    }
+    EXPECT_GT(verlorene, 0);
+    Logger::setSink(nullptr);
 }
