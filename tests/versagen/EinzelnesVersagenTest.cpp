@@ -45,8 +45,7 @@ int fuerJedesVersagen(Versager::Weise weise, Tu&& tu) {
     if (!std::getenv(Versager::kBeimLaden))
         return true;
     std::printf("%s", Einstellungen().basisHomeDir().c_str());
-    std::fflush(stdout);
-    std::_Exit(0);
+    std::exit(0);
 }();
 
 /// The home in a process in which that function fails while the libraries are loaded.
