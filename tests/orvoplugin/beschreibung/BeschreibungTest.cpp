@@ -307,7 +307,7 @@ TEST_F(BeschreibungTest, TheBytesAreThoseOfTheExampleInTheDocuments) {
     const std::string bytes = schreibeBeschreibung(plugin_), inhalt = beispiel();
     EXPECT_EQ(inhalt.size(), 39u);
     EXPECT_THAT(bytes, testing::EndsWith(inhalt));
-    EXPECT_EQ(bytes.substr(0, 3), std::string("\x01\x11", 2) + static_cast<char>(inhalt.size()))
+    EXPECT_EQ(bytes.substr(0, 3), std::string("\x01\x12", 2) + static_cast<char>(inhalt.size()))
         << "format, release, length";
 }
 

@@ -32,7 +32,7 @@ std::string zahl(std::uint32_t wert) {
 /// A description of that content with a correct head.
 std::string mitKopf(const std::string& inhalt) {
     const std::uint64_t summe = pruefsumme(inhalt);
-    return zahl(1) + zahl(17) + zahl(static_cast<std::uint32_t>(inhalt.size())) +
+    return zahl(1) + zahl(18) + zahl(static_cast<std::uint32_t>(inhalt.size())) +
            zahl(static_cast<std::uint32_t>(summe)) + zahl(static_cast<std::uint32_t>(summe >> 32)) + inhalt;
 }
 
