@@ -59,7 +59,7 @@ protected:
         EXPECT_FALSE(datei.istOffen());
     }
 
-    const Mitschnitt mitschnitt{orvo::orvoutil::LogLevel::Info};
+    Mitschnitt mitschnitt{orvo::orvoutil::LogLevel::Info};
     const Plugindatei datei;
     OrvoPluginV1& plugin = *datei.plugin;
     OrvoValidierungsServiceErweiterung& erweiterung = datei.erweiterung<OrvoValidierungsServiceErweiterung>();
@@ -93,6 +93,7 @@ TEST_F(ServiceGriffTest, GivesItsServiceBackBeforeItsEndWhenAsked) {
     EXPECT_FALSE(griff.istVerwaist());
     griff.gibZurueck();
     EXPECT_EQ(plugin.getUseCount(), 1) << "a second time changes nothing";
+    EXPECT_EQ(mitschnitt.anzahlMit("Ein ServiceGriff h"), 0);
 }
 
 TEST_F(ServiceGriffTest, IsEmptyWithoutAnExtension) {
@@ -323,8 +324,10 @@ TEST_F(ServiceGriffTest, IsOrphanedWhenItsServiceIsGivenBackPastIt) {
         erweiterung.setServiceFactoryName(loeschen ? "orvo_plugin_get_check_service"
                                                    : "gibtStaendigenService");
         Griff griff(&erweiterung);
+        mitschnitt.leere();
         erweiterung.release(griff.get());
         EXPECT_TRUE(griff.istVerwaist());
+        EXPECT_EQ(mitschnitt.anzahlMit("der schon zur"), 1);
         erwarteUnbenutzt();
         Griff spaeterer(&erweiterung); // perhaps at the same address
         griff = Griff();
@@ -332,6 +335,19 @@ TEST_F(ServiceGriffTest, IsOrphanedWhenItsServiceIsGivenBackPastIt) {
         EXPECT_EQ(plugin.getUseCount(), 1) << "the holder of another object keeps it";
         EXPECT_EQ(mitschnitt.anzahlMit("Unbekannte Serviceinstanz"), 0);
     }
+}
+
+TEST_F(ServiceGriffTest, IsOrphanedAsTheLatestOfThoseWhoseObjectIsGivenBackPastThem) {
+    gibDenselben();
+    Griff erster(&erweiterung), zweiter(&erweiterung), dritter(&erweiterung);
+    erweiterung.release(erster.get());
+    EXPECT_TRUE(erster);
+    EXPECT_TRUE(zweiter);
+    EXPECT_TRUE(dritter.istVerwaist());
+    EXPECT_EQ(plugin.getUseCount(), 2) << "the others hold it";
+    erster.gibZurueck();
+    zweiter.gibZurueck();
+    erwarteUnbenutzt();
 }
 
 TEST_F(ServiceGriffTest, StaysWhenACallerGivesBackItsOwnUseOfTheSameObject) {

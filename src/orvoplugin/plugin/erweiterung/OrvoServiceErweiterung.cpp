@@ -124,7 +124,6 @@ bool OrvoServiceErweiterung::haltePlatzBereit() noexcept {
 /// Enters the object, or counts it once more. Returns: whether there was memory for it.
 bool OrvoServiceErweiterung::verbucheAusgabe(Service* service) noexcept {
     freierPlatz_.key() = service;
-    freierPlatz_.mapped() = 0;
     auto ergebnis = instanzen_.insert(std::move(freierPlatz_));
     freierPlatz_ = std::move(ergebnis.node); // still free if the object was out already
     int& anzahl = ergebnis.position->second;
@@ -164,7 +163,7 @@ void OrvoServiceErweiterung::release(Service* service) {
     if (OrvoPlugin* const plugin = getPlugin())
         plugin->release();
     spur.ende();
-    for (int i = 0; i < std::min(verwaiste, uebrige); ++i) // what these handles held
+    for (int i = 0; loeschen && i < std::min(verwaiste, uebrige); ++i) // what these handles held
         release(service);
 }
 
@@ -183,18 +182,15 @@ bool OrvoServiceErweiterung::istLoeschbar(const Service* service) const {
 /// Takes the object from the handles that hold it, the latest first, until so many are left.
 /// Returns: how many became orphaned.
 int OrvoServiceErweiterung::verwaiseUeberzaehlige(const Service* service, int erlaubte) noexcept {
-    if (!griffe_)
-        return 0;
     int haltende = 0;
     for (ServiceGriffBasis* griff = griffe_; griff; griff = griff->naechsterDerErweiterung())
         haltende += griff->haelt(service);
-    const int verwaiste = std::max(haltende - erlaubte, 0);
-    int uebrige = verwaiste;
-    for (ServiceGriffBasis* griff = griffe_; griff && uebrige > 0;) {
+    int verwaiste = 0;
+    for (ServiceGriffBasis* griff = griffe_; haltende - verwaiste > erlaubte;) {
         ServiceGriffBasis* const naechster = griff->naechsterDerErweiterung();
         if (griff->haelt(service)) {
             griff->verwaise();
-            --uebrige;
+            ++verwaiste;
         }
         griff = naechster;
     }
