@@ -2,6 +2,7 @@
 
 #include "Zaehler.h"
 
+#include <orvoplugin/plugin/LadeBeobachter.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 #include <orvoutil/Einstellungen.h>
@@ -11,10 +12,13 @@
 #include "Systemaufrufe.h"
 #include "TestPlugins.h"
 #include "support/Beschriftung.h"
+#include "support/Prozess.h"
 #include "support/Verzeichnis.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <optional>
@@ -157,8 +161,10 @@ TEST_F(Vorlauf, AsksOnceForADirectoryInMemoryAndAnnouncesNothing) {
 TEST_F(Vorlauf, AnnouncesEachFileOnceInAWindowAheadOfTheLoading) {
     constexpr int kAnzahl = 3 * kFenster;
     legeAn(kAnzahl);
+    const int deskriptoren = offeneDeskriptoren();
     Zaehler::setzeSpeicherort(AUF_DER_PLATTE);
     const Zaehler zaehler = starte();
+    EXPECT_EQ(offeneDeskriptoren(), deskriptoren);
     EXPECT_EQ(Zaehler::groessterVorsprung(), kFenster);
     Zaehler::setzeSpeicherort(IM_SPEICHER);
     EXPECT_EQ(geladene(), std::size_t{kAnzahl});
@@ -192,10 +198,40 @@ TEST_F(Vorlauf, AnnouncesWholeFilesUnlessTheirDescriptionsAreEnough) {
 
 TEST_F(Vorlauf, GoesOnAsBeforeWhereTheSystemCannotTell) {
     legePluginsAn("plugins");
-    const Zaehler zaehler = starteMit(UNBEKANNT);
-    EXPECT_EQ(geladene(), std::size_t{kPlugins});
-    EXPECT_EQ(zaehler.fragen, 1);
-    EXPECT_EQ(zaehler.ansagen, 0);
+    for (const Zaehler::Speicherort ort : {UNBEKANNT, LEER}) {
+        const Zaehler zaehler = starteMit(ort);
+        EXPECT_EQ(geladene(), std::size_t{kPlugins});
+        EXPECT_EQ(zaehler.fragen, 1);
+        EXPECT_EQ(zaehler.ansagen, 0);
+        orvo::orvoutil::ObjectLifetimeManager::instance().destroyAll();
+    }
+}
+
+TEST_F(Vorlauf, PassesOverAFileThatIsGoneAgain) {
+    struct Entferner : LadeBeobachter {
+        void findetDatei(const std::string&, const std::string&, Dateiart,
+                         const std::string& pfad) noexcept override {
+            if (pfad.ends_with("libkalt10.dylib"))
+                fs::remove(pfad);
+        }
+    } entferner;
+    legeAn(3);
+    OrvoPluginManager::setLadeBeobachter(&entferner);
+    const int ansagen = starteMit(AUF_DER_PLATTE).ansagen;
+    OrvoPluginManager::setLadeBeobachter(nullptr);
+    EXPECT_EQ(ansagen, 2);
+    EXPECT_EQ(geladene(), 2u);
+}
+
+TEST_F(Vorlauf, NeedsNoStandardInput) {
+    legeAn(3);
+    const int eingabe = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const int ansagen = starteMit(AUF_DER_PLATTE).ansagen;
+    EXPECT_EQ(fcntl(STDIN_FILENO, F_GETFD), -1) << "each file is closed again";
+    dup2(eingabe, STDIN_FILENO);
+    close(eingabe);
+    EXPECT_EQ(ansagen, 3);
 }
 
 #ifdef __x86_64__

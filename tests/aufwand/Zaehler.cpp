@@ -135,15 +135,23 @@ ssize_t pread(int datei, void* ziel, std::size_t anzahl, off_t ab) {
     ++gezaehlt.lesungen;
     return lies(datei, ziel, anzahl, ab);
 }
-ssize_t preadv2(int, const iovec*, int, off_t, int) {
+ssize_t preadv2(int datei, const iovec* ziele, int anzahl, off_t ab, int) {
+    if (datei < 0 || anzahl != 1 || ziele->iov_len != 1 || ab != 0) { // nobody asks that
+        errno = EINVAL;
+        return -1;
+    }
     ++gezaehlt.fragen;
+    if (speicherort == Zaehler::Speicherort::LEER) {
+        errno = EAGAIN; // of an earlier call
+        return 0;
+    }
     if (speicherort == Zaehler::Speicherort::IM_SPEICHER)
         return 1;
     errno = speicherort == Zaehler::Speicherort::UNBEKANNT ? EOPNOTSUPP : EAGAIN;
     return -1;
 }
-int posix_fadvise(int, off_t, off_t bytes, int) noexcept {
-    ++gezaehlt.ansagen;
+int posix_fadvise(int, off_t ab, off_t bytes, int) noexcept {
+    gezaehlt.ansagen += ab == 0;
     angesagteBytes = static_cast<int>(bytes);
     groessterVorsprung = std::max(groessterVorsprung, ++vorsprung);
     return 0;

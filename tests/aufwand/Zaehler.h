@@ -38,7 +38,7 @@ struct Zaehler {
     }
 
     /// What the system answers to the question whether a file is in memory.
-    enum class Speicherort { IM_SPEICHER, AUF_DER_PLATTE, UNBEKANNT };
+    enum class Speicherort { IM_SPEICHER, AUF_DER_PLATTE, LEER, UNBEKANNT };
     static void setzeSpeicherort(Speicherort ort);
     /// How many files were announced, at most, that had not been opened by the loader yet; since the last
     /// `setzeSpeicherort`.

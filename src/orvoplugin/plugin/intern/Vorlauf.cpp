@@ -34,5 +34,5 @@ void Vorlauf::rueckeVor() noexcept try {
     --voraus_;
 #endif
 } catch (const std::bad_alloc&) {
-    naechste_ = ende_; // no reason to load less
+    // no reason to load less
 }
