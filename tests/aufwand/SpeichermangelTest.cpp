@@ -15,10 +15,13 @@
 #include <orvoutil/StreamLogSink.h>
 
 #include "TestPlugins.h"
+#include "orvoplugin/plugin/erweiterung/Probe.h"
+#include "support/Mitschnitt.h"
 #include "support/Verzeichnis.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <ostream>
 #include <streambuf>
@@ -85,6 +88,7 @@ TEST_F(Speichermangel, LetsNoKeyStandInTheListingThatNoLookUpFinds) {
             registry.pluginErzeugt(&erstes);
             registry.pluginErzeugt(&besseres);
         });
+        ASSERT_NE(gemeldet, Zaehler::fehlteSpeicher()) << "whoever announces a plugin hears of it";
         ASSERT_EQ(VieleSchluessel::gefundeneIn(registry), registry.getRegistrierteErweiterungen().size())
             << "memory ran out at allocation " << speicher;
         registry.pluginZerstoert(&erstes);
@@ -166,4 +170,75 @@ TEST_F(Speichermangel, CostsALineOfTheStreamAndNothingAfterIt) {
     }
     EXPECT_GT(verlorene, 0);
     Logger::setSink(nullptr);
+}
+
+TEST_F(Speichermangel, UnloadsWhatTheManagerLoadedWhenItsStartFails) {
+    struct Zaehlend : PluginObserver {
+        void pluginErzeugt(OrvoPlugin*) override { ++geladene; }
+        void pluginZerstoert(OrvoPlugin*) override { --geladene; }
+        int geladene = 0;
+    };
+    home_.kopiere(test_plugins::DescribedByFile, "plugins/libpruefung.dylib");
+    bool fehlte = true;
+    for (int speicher = 0; fehlte; ++speicher) {
+        Zaehlend beobachter;
+        Zaehler::mitSpeicherFuer(speicher, [&] { const OrvoPluginManager manager(&beobachter); });
+        fehlte = Zaehler::fehlteSpeicher();
+        EXPECT_EQ(beobachter.geladene, 0) << "memory ran out at allocation " << speicher;
+    }
+}
+
+/// A service extension with a log, and fakes that need no memory.
+class SpeichermangelBeimService : public Probe {
+protected:
+    SpeichermangelBeimService() {
+        dienstleister.setPlugin(&plugin);
+        ablauf.reserve(1000);
+    }
+
+    /// Requests `naechster` with memory for so many allocations.
+    Service* holeMitSpeicherFuer(int speicher) {
+        Service* service = nullptr;
+        EXPECT_TRUE(Zaehler::mitSpeicherFuer(speicher, [&] { service = dienstleister.holeService(); }));
+        return service;
+    }
+
+    const Mitschnitt log{orvo::orvoutil::LogLevel::Info};
+    Erweiterungsprobe dienstleister;
+    const Ablauf keinSpeicher{"E Nicht genug Speicher. Kein Service."};
+};
+
+TEST_F(SpeichermangelBeimService, IsLoggedAndGivesNone) {
+    Dienst dienst;
+    naechster = &dienst;
+    EXPECT_EQ(holeMitSpeicherFuer(0), nullptr);
+    EXPECT_EQ(log.meldungen(), keinSpeicher);
+    EXPECT_EQ(seither(), Ablauf());
+    EXPECT_EQ(dienstleister.holeService(), &dienst);
+}
+
+TEST_F(SpeichermangelBeimService, LeavesTheEarlierUseOfTheSameObjectAsItWas) {
+    Dienst dienst;
+    naechster = &dienst;
+    EXPECT_EQ(holeMitSpeicherFuer(1), &dienst) << "its entry is all that it needs";
+    EXPECT_EQ(holeMitSpeicherFuer(1), nullptr);
+    EXPECT_EQ(log.meldungen(), keinSpeicher);
+    EXPECT_EQ(dienstleister.getAusgegeben(), 1);
+    EXPECT_EQ(dienstleister.getInstanzen().at(&dienst), 1);
+    EXPECT_EQ(plugin.getUseCount(), 1);
+    EXPECT_EQ(dienstleister.holeService(), &dienst);
+    EXPECT_EQ(dienstleister.getInstanzen().at(&dienst), 2);
+}
+
+TEST_F(SpeichermangelBeimService, DoesNotMatterWhenAnObjectThatIsOutTwiceComesBack) {
+    dienstleister.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    for (Service* const dienst : {new Dienst, new Dienst, new Dienst}) {
+        naechster = dienst;
+        dienstleister.holeService();
+        dienstleister.holeService();
+        for (int i = 0; i < 2; ++i)
+            EXPECT_TRUE(Zaehler::mitSpeicherFuer(0, [&] { dienstleister.release(dienst); }));
+    }
+    EXPECT_EQ(std::count(ablauf.begin(), ablauf.end(), "delete"), 3);
+    EXPECT_EQ(dienstleister.getAusgegeben(), 0);
 }
