@@ -312,6 +312,15 @@ TEST_F(SuchindexTest, FindsAllOfThousandsAsPluginsComeAndGo) {
     EXPECT_TRUE(registry_.getRegistrierteErweiterungen().empty());
 }
 
+TEST_F(SuchindexTest, KeepsNeighbouringNumbersApartInEveryYear) {
+    const Veranlagungszeitraum ferner(300'000'000, "YYYYYYYYY");
+    LosesPlugin& plugin = neues(1);
+    plugin.biete(Check(10, ferner));
+    melde(plugin);
+    for (const int nummer : {9, 10, 11})
+        vergleiche(nummer, ferner);
+}
+
 TEST_F(SuchindexTest, KeepsAThousandKindsOfOneSubCaseTypeAndYearApart) {
     LosesPlugin& plugin = neues(1);
     for (int art = -500; art < 500; art += 2)

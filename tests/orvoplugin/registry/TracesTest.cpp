@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <utility>
 
 using orvo::orvoutil::LogLevel;
 
@@ -246,4 +247,30 @@ TEST_F(TracesTest, TellsOfTheSupportTestAndTheListings) {
     erwarteSpur([](auto& r) { r.getRegistrierteFinanzamtsDatenErweiterungen(); },
                 "getRegistrierteFinanzamtsDatenErweiterungen");
     erwarte([](auto& r) { EXPECT_TRUE(r.checkAbhaengigkeiten()); }, {});
+}
+
+TEST_F(TracesTest, SaysThatItEndsWhenItHoldsNothingAnyMore) {
+    struct Nachfrage : orvo::orvoutil::LogSink {
+        void write(const orvo::orvoutil::LogEntry& eintrag) override {
+            if (Mitschnitt::zeile(eintrag) != "< " + kKlasse + "~OrvoErweiterungsManager")
+                return;
+            const OrvoErweiterungsManager& registry = *std::exchange(gefragte, nullptr);
+            EXPECT_TRUE(registry.getRegistrierteErweiterungen().empty());
+            EXPECT_EQ(registry.findeValidierungsServiceErweiterung(10, jahr(2009)), nullptr);
+        }
+        const OrvoErweiterungsManager* gefragte = nullptr;
+    };
+    const auto nachfrage = std::make_shared<Nachfrage>();
+    orvo::orvoutil::Logger::setLevel(LogLevel::Debug);
+    orvo::orvoutil::Logger::setSink(nachfrage);
+    LosesPlugin plugin("1.0");
+    plugin.biete(Check(10, jahr(2009)));
+    {
+        OrvoErweiterungsManager registry;
+        registry.pluginErzeugt(&plugin);
+        ASSERT_NE(registry.findeValidierungsServiceErweiterung(10, jahr(2009)), nullptr);
+        nachfrage->gefragte = &registry;
+    }
+    orvo::orvoutil::Logger::setSink(nullptr);
+    EXPECT_EQ(nachfrage->gefragte, nullptr);
 }

@@ -35,7 +35,7 @@ Suchindex::Schluessel::Schluessel(const ErweiterungsSchluessel& schluessel) noex
                  schluessel.getVeranlagungszeitraum().getJahr()) {}
 
 bool Suchindex::Schluessel::operator==(const Schluessel& other) const noexcept {
-    if (streuwert != other.streuwert || typ != other.typ || jahr != other.jahr)
+    if (streuwert != other.streuwert || jahr != other.jahr)
         return false;
     if (!ua || !other.ua)
         return ua == other.ua;

@@ -33,7 +33,8 @@ public:
     void leere() noexcept { eintraege_.clear(); }
 
 private:
-    /// What tells keys apart. A number that is not negative stands in the hash, which ignores letter case.
+    /// What tells keys apart. A number that is not negative stands in the hash, which ignores letter case, and so does the
+    /// kind, beside the year.
     struct Schluessel {
         Schluessel(tag_erweiterung_typ typ, const Unterfallart& ua, std::int32_t jahr) noexcept;
         explicit Schluessel(const ErweiterungsSchluessel& schluessel) noexcept;
