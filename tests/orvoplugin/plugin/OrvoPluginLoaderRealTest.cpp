@@ -8,6 +8,7 @@
 
 #include "orvoplugin/plugin/Faelle.h"
 #include "orvoplugin/plugin/Werkstatt.h"
+#include "support/Beschriftung.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -154,6 +155,17 @@ TEST(OrvoPluginLoaderReal, LeavesALoadedPluginsLibraryClosed) {
     const std::unique_ptr<OrvoPlugin> plugin(OrvoPluginLoader().loadPlugin(bibliothek.griff()));
     EXPECT_FALSE(istEingeblendet(bibliothek.pfad));
     EXPECT_EQ(offeneDeskriptoren(), deskriptoren);
+}
+
+TEST(OrvoPluginLoaderReal, TakesTheDescriptionInAFileOnlyWhenToldTo) {
+    const Bibliothek bibliothek(test_plugins::DescribedByFile);
+    beschrifte(bibliothek.pfad);
+    for (const bool nimmt : {false, true})
+        EXPECT_EQ(std::unique_ptr<OrvoPlugin>(OrvoPluginLoader(nimmt).loadPlugin(bibliothek.griff()))
+                      ->istBeschrieben(),
+                  nimmt);
+    EXPECT_FALSE(
+        std::unique_ptr<OrvoPlugin>(OrvoPluginLoader().loadPlugin(bibliothek.griff()))->istBeschrieben());
 }
 
 TEST(OrvoPluginLoaderReal, InitialisesALibraryThatDeclaresTypeOneTwiceTwice) {

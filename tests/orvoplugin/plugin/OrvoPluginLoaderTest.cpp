@@ -30,7 +30,10 @@ void nennt(std::list<orvo_plugin_version_t>* typen) {
 }
 
 int initialisierungen = 0;
+OrvoPluginV1* erstes = nullptr;
 bool beschreibt(OrvoPluginV1* plugin) {
+    if (initialisierungen == 0)
+        erstes = plugin;
     plugin->setProduktVersion("1." + std::to_string(++initialisierungen));
     plugin->setFileVersion("7");
     return true;
@@ -122,6 +125,7 @@ TEST_F(OrvoPluginLoaderTest, RefusesAForeignTypeBeforeOneOfItsOwnWithoutInitiali
 
 TEST_F(OrvoPluginLoaderTest, RefusesAForeignTypeBehindOneOfItsOwnAfterInitialisingThat) {
     bibliothek->exportiere("orvo_plugin_get_types", nennt<1, 2>);
+    bibliothek->laesstSichSchliessen = false; // so only its destruction closes it
     erwarteFehler(UNGUELTIGE_PLUGIN_VERSION, kUngueltig);
     EXPECT_EQ(initialisierungen, 1);
 }
@@ -136,9 +140,21 @@ TEST_F(OrvoPluginLoaderTest, InitialisesALibraryOncePerRecordAndReturnsTheLastPl
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load", kTypen, kInitialisierung, "unload", "load",
                                              kInitialisierung, "unload", "load", kInitialisierung, "unload"));
     EXPECT_EQ(log.anzahl("~> OrvoPluginV1"), 0) << "the earlier ones live on";
+    EXPECT_EQ(erstes->getSharedLib(), nullptr) << "without the library";
+    EXPECT_THAT(erstes->toString(), testing::HasSubstr("Bibliothek: \n"));
     plugin.reset();
     EXPECT_EQ(log.anzahl("~> OrvoPluginV1"), 3);
     EXPECT_EQ(notizen.zerstoert, 1) << "and share the library";
+}
+
+TEST_F(OrvoPluginLoaderTest, NeedsNoDeeperStackForTheEndOfMoreRecords) {
+    bibliothek->exportiere(
+        "orvo_plugin_get_types",
+        +[](std::list<orvo_plugin_version_t>* typen) { typen->assign(50'000, {1}); });
+    std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(bibliothek));
+    EXPECT_EQ(initialisierungen, 50'000);
+    plugin.reset();
+    EXPECT_EQ(notizen.zerstoert, 1);
 }
 
 TEST_F(OrvoPluginLoaderTest, DeletesThePluginBeforeItPassesAnInitialisationFailureOn) {

@@ -187,14 +187,44 @@ TEST(OrvoPluginManagerForeignCode, FollowsAPostponedChangeOfTheHomeAtTheNextCall
         heimat.lege(test_plugins::ChangesHomeFromOnLoad, "liba.dylib");
         const Verzeichnis neues;
         neues.kopiere(test_plugins::DescribedByFile, "plugins/libz.dylib");
-        OrvoPluginManager manager(nullptr);
+        Zeilen ereignisse;
+        Zeuge zeuge(ereignisse);
+        OrvoPluginManager manager(&zeuge);
         Einstellungen().setze("test.neues_home", neues.pfad());
         manager.getRegistriertePlugins().front()->notifyUse();
         manager.getRegistriertePlugins().front()->release();
+        ereignisse.clear();
         aufruf(manager);
+        EXPECT_EQ(ereignisse.front(), "-liba.dylib");
+        EXPECT_EQ(ereignisse.size(), 1 + erwartet.size()) << "nothing of the old home is loaded again";
         EXPECT_EQ(plugins(manager), erwartet);
         EXPECT_EQ(manager.getPluginSuchPfad(), neues.pfad("plugins"));
     }
+}
+
+TEST(OrvoPluginManagerForeignCode, LoadsTheLibraryAskedForBesideThoseOfAHomeChangedBefore) {
+    const Heimat heimat;
+    heimat.lege(test_plugins::ChangesHomeFromOnLoad, "liba.dylib");
+    const Verzeichnis neues;
+    neues.kopiere(test_plugins::DescribedByFile, "plugins/libz.dylib");
+    const std::string einzelne = neues.kopiere(test_plugins::DescribedByFile, "libeinzeln.dylib");
+    OrvoPluginManager manager(nullptr);
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    manager.getRegistriertePlugins().front()->notifyUse();
+    manager.getRegistriertePlugins().front()->release();
+    EXPECT_TRUE(manager.ladePlugin(einzelne));
+    EXPECT_THAT(plugins(manager), ElementsAre("libz.dylib", "libeinzeln.dylib"));
+}
+
+TEST(OrvoPluginManagerForeignCode, FollowsAHomeThatTheLibraryAskedForChanges) {
+    const Heimat heimat;
+    const Verzeichnis neues;
+    neues.kopiere(test_plugins::DescribedByFile, "plugins/libz.dylib");
+    const std::string einzelne = neues.kopiere(test_plugins::ChangesHomeFromInitialize, "libeinzeln.dylib");
+    OrvoPluginManager manager(nullptr);
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    EXPECT_TRUE(manager.ladePlugin(einzelne));
+    EXPECT_THAT(plugins(manager), ElementsAre("libz.dylib"));
 }
 
 TEST(OrvoPluginManagerForeignCode, IsNotKeptBusyForEverByAnObserverThatChangesTheHomeEachTime) {

@@ -206,6 +206,25 @@ TEST_F(OrvoPluginV1UseTest, KeepsAResidentPluginOpenAndItsHookUncalled) {
     EXPECT_THAT(log.meldungen(), ElementsAre(kLade, kLade));
 }
 
+TEST_F(OrvoPluginV1UseTest, OpenAgainUnderAnExceptionStaysOpenWhenTheOthersAreClosedAfterIt) {
+    Attrappe::Notizen zweite, dritte;
+    OrvoPluginV1 zweites(new Attrappe(zweite)), drittes(new Attrappe(dritte));
+    try {
+        throw 1;
+    } catch (int) {
+        for (OrvoPluginV1* const eines : {&plugin, &zweites, &drittes}) {
+            eines->notifyUse();
+            eines->release();
+        }
+        zweites.notifyUse();
+        plugin.notifyUse();
+    }
+    drittes.notifyUse();
+    EXPECT_THAT(notizen.aufrufe, ElementsAre("load"));
+    EXPECT_THAT(zweite.aufrufe, ElementsAre("load"));
+    EXPECT_THAT(dritte.aufrufe, ElementsAre("load", "unload", "load"));
+}
+
 TEST_F(OrvoPluginV1UseTest, DoesTheSameWithoutALog) {
     Attrappe::Notizen stille;
     orvo::orvoutil::Logger::setSink(nullptr);

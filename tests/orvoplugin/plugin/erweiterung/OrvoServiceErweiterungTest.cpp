@@ -138,6 +138,7 @@ TEST_F(OrvoServiceErweiterungTest, DeletesTheServiceBeforeItGivesTheUseBack) {
 
 TEST_F(OrvoServiceErweiterungTest, DeletesAServiceThatIsOutTwiceAtItsFirstReturn) {
     erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    Service* const anderer = new Dienst;
     naechster = new Dienst;
     Service* const service = erweiterung.holeService();
     erweiterung.holeService();
@@ -147,6 +148,12 @@ TEST_F(OrvoServiceErweiterungTest, DeletesAServiceThatIsOutTwiceAtItsFirstReturn
     EXPECT_THAT(erweiterung.getInstanzen(), ElementsAre(Pair(service, 1)));
     EXPECT_EQ(erweiterung.getAusgegeben(), 1);
     EXPECT_EQ(plugin.getUseCount(), 1);
+
+    naechster = anderer;
+    erweiterung.holeService();
+    seither();
+    erweiterung.release(anderer);
+    EXPECT_THAT(seither(), ElementsAre("delete", "release"));
 
     erweiterung.release(service);
     EXPECT_THAT(seither(), ElementsAre("release")) << "and never a second time";
@@ -298,10 +305,15 @@ TEST_F(OrvoServiceErweiterungTest, TakesAServiceBackAlsoWhenItsPluginWasTakenAwa
     Dienst dienst;
     naechster = &dienst;
     erweiterung.holeService();
+    naechster = new Dienst;
+    erweiterung.holeService();
     erweiterung.setPlugin(nullptr);
     seither();
     erweiterung.release(&dienst);
     EXPECT_THAT(seither(), IsEmpty());
+    erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    erweiterung.release(naechster);
+    EXPECT_THAT(seither(), ElementsAre("delete"));
     EXPECT_THAT(erweiterung.getInstanzen(), IsEmpty());
     EXPECT_EQ(erweiterung.getAusgegeben(), 0);
 }
