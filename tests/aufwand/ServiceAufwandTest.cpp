@@ -80,6 +80,10 @@ TEST_F(ServiceAufwand, TakesNoMemoryWhileTheLibraryIsInUse) {
             holeUndGib(erweiterung);
     });
     EXPECT_EQ(zaehler.zuteilungen, 0);
+    Service* const gehaltener = erweiterung.holeService();
+    holeUndGib(erweiterung); // the first one beside it, too
+    EXPECT_EQ(Zaehler::waehrend([&] { holeUndGib(erweiterung); }).zuteilungen, 0);
+    erweiterung.release(gehaltener);
     erweiterung.getPlugin()->release();
 }
 

@@ -285,7 +285,6 @@ void OrvoPluginManager::entladeAlle() {
             [&](const char* grund) {
                 log_.error([&] { return std::string("Ausnahme beim Abmelden eines Plugins: ") + grund; });
             });
-        plugin.reset();
     }
     Pluginbibliothek::schliesseAufgeschobene();
     spur.ende();

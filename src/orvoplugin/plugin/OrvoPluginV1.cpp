@@ -44,8 +44,8 @@ std::unique_ptr<OrvoErweiterung> bestaendigerKlon(const OrvoErweiterung& erweite
 }
 
 /// Names the services of an extension that nobody gave back: they are lost with their plugin.
-void meldeAusstehende(const OrvoErweiterung& erweiterung, Log log) {
-    const auto* const ausgebende = dynamic_cast<const OrvoServiceErweiterung*>(&erweiterung);
+void meldeAusstehende(const OrvoErweiterung* erweiterung, Log log) {
+    const auto* const ausgebende = dynamic_cast<const OrvoServiceErweiterung*>(erweiterung);
     int anzahl = 0; // not that of the extension, which includes what it was copied with
     if (ausgebende)
         for (const auto& [service, mal] : ausgebende->getInstanzen())
@@ -53,7 +53,7 @@ void meldeAusstehende(const OrvoErweiterung& erweiterung, Log log) {
     if (anzahl > 0)
         log.warn([&] {
             return kNichtZurueck.c_str() + int2String(anzahl) +
-                   ". Erweiterung: " + erweiterungTypName(erweiterung.getTyp()) +
+                   ". Erweiterung: " + erweiterungTypName(erweiterung->getTyp()) +
                    ", Factory: " + ausgebende->getServiceFactoryName();
         });
 }
@@ -77,8 +77,7 @@ OrvoPluginV1::OrvoPluginV1(std::unique_ptr<OrvoPluginV1> frueheres)
 OrvoPluginV1::~OrvoPluginV1() {
     const DestruktorSpur spur(log_, "OrvoPluginV1");
     for (OrvoErweiterung* const erweiterung : erweiterungen_) {
-        if (erweiterung && erweiterung->getAusgegeben() > 0)
-            meldeAusstehende(*erweiterung, log_);
+        meldeAusstehende(erweiterung, log_);
         delete erweiterung;
     }
     spur.ende();

@@ -147,6 +147,50 @@ TEST_F(OrvoPluginLoaderTest, InitialisesALibraryOncePerRecordAndReturnsTheLastPl
     EXPECT_EQ(notizen.zerstoert, 1) << "and share the library";
 }
 
+TEST_F(OrvoPluginLoaderTest, TakesTheLibraryAwayFromAnEarlierRecordThatIsInUse) {
+    bibliothek->exportiere("orvo_plugin_get_types", nennt<1, 1>);
+    bibliothek->exportiere(
+        "orvo_plugin_initialize", +[](OrvoPluginV1* plugin) {
+            if (initialisierungen == 0)
+                plugin->notifyUse();
+            return beschreibt(plugin);
+        });
+    const std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(bibliothek));
+    EXPECT_EQ(erstes->getUseCount(), 1);
+    erstes->release();
+    EXPECT_EQ(erstes->getStatus(), ORVO_PLUGIN_ENTLADEN);
+}
+
+TEST_F(OrvoPluginLoaderTest, NamesTheOpeningAsTheStepThatFailedAlsoForALaterRecord) {
+    static Attrappe* eine;
+    eine = bibliothek;
+    bibliothek->exportiere("orvo_plugin_get_types", nennt<1, 1>);
+    bibliothek->exportiere(
+        "orvo_plugin_initialize", +[](OrvoPluginV1*) {
+            eine->laesstSichOeffnen = false;
+            return true;
+        });
+    EXPECT_THROW(loader.loadPlugin(bibliothek), PluginInitException);
+    EXPECT_EQ(loader.getSchritt(), ABLEHNUNG_OEFFNEN);
+}
+
+TEST_F(OrvoPluginLoaderTest, ClosesTheLibraryOfAnEarlierExceptionBeforeItOpensTheNext) {
+    struct Naechste : Attrappe {
+        using Attrappe::Attrappe;
+        bool load() override {
+            EXPECT_EQ(zerstoerte, 1);
+            return Attrappe::load();
+        }
+        const int& zerstoerte;
+        Naechste(Notizen& notizen, const int& z) : Attrappe(notizen), zerstoerte(z) {}
+    };
+    bibliothek->exportiere(
+        "orvo_plugin_get_types", +[](std::list<orvo_plugin_version_t>*) { throw 1; });
+    EXPECT_THROW(loader.loadPlugin(bibliothek), int);
+    EXPECT_EQ(notizen.zerstoert, 0);
+    EXPECT_THROW(loader.loadPlugin(new Naechste(notizen, notizen.zerstoert)), PluginLoaderException);
+}
+
 TEST_F(OrvoPluginLoaderTest, NeedsNoDeeperStackForTheEndOfMoreRecords) {
     bibliothek->exportiere(
         "orvo_plugin_get_types",

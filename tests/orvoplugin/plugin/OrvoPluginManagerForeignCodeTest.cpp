@@ -2,6 +2,7 @@
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 
+#include <orvoplugin/plugin/OrvoPluginLoader.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoServiceErweiterung.h>
 #include <orvoutil/LogSink.h>
@@ -51,7 +52,8 @@ struct Besteller : orvo::orvoutil::LogSink {
         if (!eintrag.text.starts_with(wann_))
             return;
         ++anzahl;
-        auftrag();
+        if (auftrag)
+            auftrag();
     }
     std::function<void()> auftrag;
     int anzahl = 0;
@@ -373,4 +375,47 @@ TEST(OrvoPluginManagerForeignCode, ClosesEveryLibraryThatItDescribedAndLeavesNoD
     for (const char* const name : {"liba.dylib", "libb.dylib", "libc.dylib", "libd.dylib", "libe.dylib"})
         EXPECT_FALSE(istEingeblendet(heimat.ort(name))) << name;
     EXPECT_EQ(offeneDeskriptoren(), deskriptoren);
+}
+
+TEST(OrvoPluginManagerForeignCode, IsInStatusTwoWhenItSaysThatItEnds) {
+    const Heimat heimat;
+    const auto besteller = std::make_shared<Besteller>("OrvoPluginManager()");
+    Logger::setLevel(LogLevel::Debug);
+    Logger::setSink(besteller);
+    auto* const manager = new OrvoPluginManager(nullptr);
+    Zeilen status;
+    besteller->auftrag = [&] { status.push_back(std::to_string(manager->getStatus())); };
+    delete manager;
+    Logger::setSink(nullptr);
+    Logger::setLevel(LogLevel::Info);
+    EXPECT_THAT(status, ElementsAre("1", "2"));
+}
+
+TEST(OrvoPluginManagerForeignCode, ClosesWhatAnExceptionKeptOpenAlsoWhenItHasNothingToUnload) {
+    const Heimat heimat;
+    OrvoPluginManager manager(nullptr);
+    const std::string pfad = heimat.lege(test_plugins::ThrowsIntFromTypes, "libx.dylib");
+    EXPECT_THROW(OrvoPluginLoader().loadPlugin(new orvo::orvoutil::SharedLib(pfad)), int);
+    EXPECT_TRUE(istEingeblendet(pfad));
+    manager.entladePlugins();
+    EXPECT_FALSE(istEingeblendet(pfad));
+}
+
+TEST(OrvoPluginManagerForeignCode, UnloadsNothingForTheLastCodeOfALibraryThatEndsInUse) {
+    const Heimat heimat;
+    heimat.beschreibe("liba.dylib");
+    const Verzeichnis neues;
+    const std::string pfad = neues.kopiere(test_plugins::ChangesHomeWhenClosed, "libx.dylib");
+    const Mitschnitt log(LogLevel::Info);
+    OrvoPluginManager manager(nullptr);
+    auto plugin = std::make_unique<OrvoPluginV1>(new orvo::orvoutil::SharedLib(pfad));
+    plugin->notifyUse();
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    plugin.reset();
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    EXPECT_EQ(
+        log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: basis.home_dir"),
+        1);
+    manager.ladePlugins();
+    EXPECT_EQ(manager.getPluginSuchPfad(), neues.pfad("plugins"));
 }

@@ -95,6 +95,7 @@ TEST_F(OrvoPluginManagerTest, KeepsWhatLoadedWhenSomethingDidNot) {
                             "Bibliothek nicht gefunden.")),
         1);
     EXPECT_FALSE(manager.ladePlugins());
+    EXPECT_FALSE(manager.initialisiere());
 }
 
 TEST_F(OrvoPluginManagerTest, TellsTheObserversOfEveryPluginInLoadOrderWhenItIsDestroyed) {

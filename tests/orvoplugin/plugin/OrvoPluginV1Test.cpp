@@ -162,7 +162,8 @@ TEST(OrvoPluginV1, ToleratesHavingNoLibrary) {
     plugin.release();
     EXPECT_EQ(plugin.getUseCount(), -1);
     plugin.addErweiterung(pruefung());
-    EXPECT_EQ(plugin.listeErweiterungen().size(), 1U);
+    plugin.addErweiterung(ErweiterungDesWirts(1));
+    EXPECT_EQ(plugin.listeErweiterungen().size(), 2U);
 }
 
 TEST_F(OrvoPluginV1Test, KeepsClonesThatPointBackToItInTheOrderAdded) {
@@ -288,4 +289,33 @@ TEST_F(OrvoPluginV1Test, PassesOverTaxOfficeDataWithoutAnErrorAndReportsOthersTh
     EXPECT_EQ(log.anzahl("E Cast auf UfaVzServiceErweiterung fehlgeschlagen"), 1) << "one per call";
     plugin->providesUnterfallartUndVeranlagungszeitraum(Unterfallart("10"), kJahr);
     EXPECT_EQ(log.anzahl("E Cast auf UfaVzServiceErweiterung fehlgeschlagen"), 2);
+}
+
+TEST_F(OrvoPluginV1Test, PassesOverAnEmptyPlaceInItsList) {
+    plugin->addErweiterung(pruefung());
+    auto& liste = const_cast<std::vector<OrvoErweiterung*>&>(plugin->listeErweiterungen());
+    liste.insert(liste.begin(), nullptr);
+    EXPECT_THAT(plugin->providesUnterfallartUndVeranlagungszeitraum(Unterfallart("10"), kJahr),
+                ElementsAre(ORVO_CHECK_SERVICE_ERWEITERUNG));
+    plugin.reset();
+    EXPECT_EQ(notizen.zerstoert, 1);
+}
+
+TEST_F(OrvoPluginV1Test, ClosesWhatAnExceptionKeptOpenWhileItDescribedItself) {
+    static OrvoPluginV1* benutztes;
+    Attrappe::Notizen andere;
+    OrvoPluginV1 anderes(new Attrappe(andere));
+    benutztes = &anderes;
+    bibliothek->exportiere(
+        "orvo_plugin_initialize", +[](OrvoPluginV1*) {
+            try {
+                throw 1;
+            } catch (int) {
+                benutztes->notifyUse();
+                benutztes->release();
+            }
+            return true;
+        });
+    plugin->initialize();
+    EXPECT_THAT(andere.aufrufe, ElementsAre("load", "unload"));
 }

@@ -10,6 +10,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
 
 using testing::ElementsAre;
@@ -29,6 +30,19 @@ void hook() {
 }
 void wirftText() { throw std::runtime_error("Hook f\xFCr nichts"); }
 void wirftZahl() { throw 42; }
+void wirftOhneText() {
+    struct OhneText : std::exception {
+        const char* what() const noexcept override { return nullptr; }
+    };
+    throw OhneText();
+}
+
+/// A library whose own code throws when it is opened and closed.
+struct Werfende : Attrappe {
+    using Attrappe::Attrappe;
+    bool load() override { throw std::runtime_error("beim Start"); }
+    bool unload() override { throw std::runtime_error("beim Ende"); }
+};
 
 /// A plugin with a fake library, and a log of the levels above debug.
 struct OrvoPluginV1UseTest : testing::Test {
@@ -43,6 +57,7 @@ struct OrvoPluginV1UseTest : testing::Test {
         bibliothek->exportiere("hook", hook);
         bibliothek->exportiere("wirftText", wirftText);
         bibliothek->exportiere("wirftZahl", wirftZahl);
+        bibliothek->exportiere("wirftOhneText", wirftOhneText);
     }
 
     static constexpr char kLade[] = "[Plugin|99|Lade Plugin: /irgendwo/libx.dylib|99]";
@@ -174,6 +189,27 @@ TEST_F(OrvoPluginV1UseTest, TurnsWhatAHookThrowsIntoAWarning) {
                             "W Ausnahme in OnUnload Funktion: unbekannte Ausnahme"));
 }
 
+TEST_F(OrvoPluginV1UseTest, WarnsOfAHooksExceptionThatHasNoText) {
+    plugin.setOnLoadFuncName("wirftOhneText");
+    plugin.notifyUse();
+    EXPECT_THAT(log.meldungen(), ElementsAre(kLade, "W Ausnahme in Onload Funktion: "));
+}
+
+TEST_F(OrvoPluginV1UseTest, TakesAnExceptionOfTheLibrarysOwnCodeForAFailure) {
+    auto* const werfende = new Werfende(notizen);
+    OrvoPluginV1 eines(werfende);
+    log.leere();
+    eines.notifyUse();
+    EXPECT_EQ(eines.getUseCount(), 0);
+    EXPECT_EQ(eines.getStatus(), ORVO_PLUGIN_ERZEUGT);
+    EXPECT_EQ(log.meldungen().back(), "E Konnte Plugin nicht laden: beim Start");
+    werfende->offen = true;
+    eines.notifyUse();
+    eines.release();
+    EXPECT_EQ(eines.getStatus(), ORVO_PLUGIN_ENTLADEN);
+    EXPECT_EQ(log.meldungen().back(), "W Konnte Plugin nicht entladen:");
+}
+
 TEST_F(OrvoPluginV1UseTest, WarnsWithoutABlankWhenTheLibraryDoesNotClose) {
     plugin.notifyUse();
     bibliothek->laesstSichSchliessen = false;
@@ -223,6 +259,56 @@ TEST_F(OrvoPluginV1UseTest, OpenAgainUnderAnExceptionStaysOpenWhenTheOthersAreCl
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load"));
     EXPECT_THAT(zweite.aufrufe, ElementsAre("load"));
     EXPECT_THAT(dritte.aufrufe, ElementsAre("load", "unload", "load"));
+}
+
+TEST_F(OrvoPluginV1UseTest, ClosesWhatAnExceptionKeptOpenAtAnyPluginsUseOrReleaseOrEnd) {
+    Attrappe::Notizen notizenDesAnderen;
+    auto* const andere = new Attrappe(notizenDesAnderen);
+    OrvoPluginV1 anderes(andere);
+    const auto benutzeUnterAusnahme = [&] {
+        try {
+            throw 1;
+        } catch (int) {
+            anderes.notifyUse();
+            anderes.release();
+            EXPECT_TRUE(andere->offen);
+        }
+    };
+    plugin.notifyUse();
+    benutzeUnterAusnahme();
+    plugin.notifyUse(); // not the first
+    EXPECT_FALSE(andere->offen);
+    benutzeUnterAusnahme();
+    plugin.release(); // not the last
+    EXPECT_FALSE(andere->offen);
+    auto drittes = std::make_unique<OrvoPluginV1>(nullptr);
+    benutzeUnterAusnahme();
+    drittes.reset();
+    EXPECT_FALSE(andere->offen);
+
+    andere->laesstSichSchliessen = false;
+    log.leere();
+    benutzeUnterAusnahme();
+    EXPECT_EQ(log.anzahlMit("Konnte Plugin nicht entladen"), 0);
+    plugin.release();
+    EXPECT_EQ(log.anzahl("W Konnte Plugin nicht entladen:geht nicht zu"), 1) << "in the plugin's own log";
+}
+
+TEST_F(OrvoPluginV1UseTest, EndsUnderAnExceptionAlsoWhenItsLibraryWasClosedMeanwhile) {
+    Attrappe::Notizen notizenDesAnderen;
+    auto* const andere = new Attrappe(notizenDesAnderen);
+    auto anderes = std::make_unique<OrvoPluginV1>(andere);
+    try {
+        throw 1;
+    } catch (int) {
+        anderes->notifyUse();
+        anderes->release();
+        andere->offen = false;
+        anderes.reset();
+        EXPECT_EQ(notizenDesAnderen.zerstoert, 1);
+    }
+    plugin.notifyUse();
+    EXPECT_THAT(notizenDesAnderen.aufrufe, ElementsAre("load"));
 }
 
 TEST_F(OrvoPluginV1UseTest, DoesTheSameWithoutALog) {

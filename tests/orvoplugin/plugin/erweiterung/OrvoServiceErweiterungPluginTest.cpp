@@ -162,14 +162,20 @@ TEST_F(ServiceAusPlugin, ThatIsNeverGivenBackIsNamedWhenThePluginEnds) {
     auto* const verlorener = erweiterung.holeService();
     erweiterung.setServiceFactoryName("gibtStaendigenService");
     erweiterung.holeService();
-    delete verlorener; // only for the sake of tidiness: the client's code would have lost it
+    delete verlorener;                  // only for the sake of tidiness: the client's code would have lost it
+    plugin.addErweiterung(erweiterung); // takes over the count, but none of the services
+    auto& finanzamt = datei.erweiterung<OrvoFADatenServiceErweiterung>();
+    finanzamt.setServiceFactoryName("gibtStaendigenService");
+    finanzamt.holeService();
 
     datei.plugin.reset();
     EXPECT_THAT(mitschnitt.zeilen("orvo.plugin.OrvoPluginV1(libangebot.dylib)"),
                 Contains(Latin1Text(u8"W Services beim Entladen nicht zurückgegeben: 3. Erweiterung: "
                                     u8"ORVO_CHECK_SERVICE_ERWEITERUNG, Factory: gibtStaendigenService")
                              .c_str()));
-    EXPECT_EQ(mitschnitt.anzahlMit("beim Entladen"), 1) << "none for the kinds that have everything back";
+    EXPECT_THAT(mitschnitt.zeilen("orvo.plugin.OrvoPluginV1(libangebot.dylib)"),
+                Contains(testing::HasSubstr("ckgegeben: 1. Erweiterung: ORVO_FINANZAMTS_DATEN_SERVICE")));
+    EXPECT_EQ(mitschnitt.anzahlMit("beim Entladen"), 2) << "none for the kinds that have everything back";
     EXPECT_FALSE(datei.istOffen());
 }
 
@@ -284,6 +290,25 @@ TEST_F(ServiceAusPlugin, OfAResidentPluginLeavesTheLibraryOpen) {
     EXPECT_TRUE(datei.istOffen());
     EXPECT_EQ(plugin.getUseCount(), 0);
     EXPECT_EQ(datei.lebende(), 0);
+}
+
+/// A service extension of the host.
+class ErweiterungDesHosts : public OrvoServiceErweiterung {
+public:
+    explicit ErweiterungDesHosts(const std::string& factory) : OrvoServiceErweiterung(NONE, factory) {}
+    OrvoErweiterung* clone() const override { return new ErweiterungDesHosts(*this); }
+};
+
+TEST(ServiceAusErsterOeffnung, IsOfTheFactoryNamedLast) {
+    OrvoPluginV1 plugin(new orvo::orvoutil::SharedLib(test_plugins::OffersEverything));
+    ErweiterungDesHosts erweiterung("gibtStaendigenService");
+    erweiterung.setPlugin(&plugin);
+    EXPECT_NE(erweiterung.holeService(), nullptr); // keeps the library open
+    erweiterung.setServiceFactoryName("gibtKeinenService");
+    EXPECT_EQ(erweiterung.holeService(), nullptr);
+    erweiterung.setServiceFactoryName("gibtStaendigenService");
+    erweiterung.release(erweiterung.holeService());
+    erweiterung.release(erweiterung.getInstanzen().begin()->first);
 }
 
 } // namespace
