@@ -176,19 +176,18 @@ TEST_F(OrvoPluginLoaderTest, NamesTheOpeningAsTheStepThatFailedAlsoForALaterReco
 
 TEST_F(OrvoPluginLoaderTest, ClosesTheLibraryOfAnEarlierExceptionBeforeItOpensTheNext) {
     struct Naechste : Attrappe {
-        using Attrappe::Attrappe;
+        explicit Naechste(Notizen& n) : Attrappe(n), zerstoerte(n.zerstoert) {}
         bool load() override {
             EXPECT_EQ(zerstoerte, 1);
             return Attrappe::load();
         }
         const int& zerstoerte;
-        Naechste(Notizen& notizen, const int& z) : Attrappe(notizen), zerstoerte(z) {}
     };
     bibliothek->exportiere(
         "orvo_plugin_get_types", +[](std::list<orvo_plugin_version_t>*) { throw 1; });
     EXPECT_THROW(loader.loadPlugin(bibliothek), int);
     EXPECT_EQ(notizen.zerstoert, 0);
-    EXPECT_THROW(loader.loadPlugin(new Naechste(notizen, notizen.zerstoert)), PluginLoaderException);
+    EXPECT_THROW(loader.loadPlugin(new Naechste(notizen)), PluginLoaderException);
 }
 
 TEST_F(OrvoPluginLoaderTest, NeedsNoDeeperStackForTheEndOfMoreRecords) {

@@ -36,8 +36,9 @@ constexpr tag_erweiterung_typ kArten[] = {
 /// Sub-case types that are easily confused, or easily taken for different.
 std::vector<Unterfallart> schwierige() {
     std::vector<Unterfallart> uas;
-    for (const int nummer : {0, 1, 10, 11, 99, 100, -1, -5, -98, -99, -100, std::numeric_limits<int>::min(),
-                             std::numeric_limits<int>::max()})
+    constexpr int hashDesNamensMinusEins = 1'120'168'770;
+    for (const int nummer : {0, 1, 10, 11, 99, 100, hashDesNamensMinusEins, -1, -5, -98, -99, -100,
+                             std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
         uas.emplace_back(nummer);
     for (const char* text : {"",
                              "-",
