@@ -2,6 +2,7 @@
 
 #include "Zaehler.h"
 
+#include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoDatensatzReaderErweiterung.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
@@ -104,6 +105,17 @@ TEST_F(LookupAufwand, NoLookUpTakesMemory) {
     const Zaehler zaehler = Zaehler::waehrend([&] { gefundene = frageAlles(); });
     EXPECT_EQ(gefundene, kGefundene);
     EXPECT_EQ(zaehler.zuteilungen, 0);
+}
+
+TEST_F(LookupAufwand, TheRegistryIsFoundWithoutALock) {
+    if (!Zaehler::zaehltLader())
+        GTEST_SKIP() << "locks are not counted here";
+    const auto suche = [] {
+        OrvoErweiterungsManager::getInstanz();
+        OrvoPluginManager::getInstanz(nullptr);
+    };
+    EXPECT_GT(Zaehler::waehrend(suche).sperren, 0) << "when they are made";
+    EXPECT_EQ(Zaehler::waehrend(suche).sperren, 0);
 }
 
 TEST_F(LookupAufwand, NoLookUpTakesMemoryWithASinkThatWantsNothingOfIt) {

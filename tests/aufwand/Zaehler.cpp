@@ -4,6 +4,7 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -155,6 +156,13 @@ int posix_fadvise(int, off_t ab, off_t bytes, int) noexcept {
     angesagteBytes = static_cast<int>(bytes);
     groessterVorsprung = std::max(groessterVorsprung, ++vorsprung);
     return 0;
+}
+int pthread_mutex_lock(pthread_mutex_t* sperre) noexcept {
+    static int (*sperren)(pthread_mutex_t*) = nullptr; // set without a guard, which may lock
+    if (!sperren)
+        sperren = eigentliche<int(pthread_mutex_t*)>("pthread_mutex_lock");
+    ++gezaehlt.sperren;
+    return sperren(sperre);
 }
 int stat(const char* pfad, struct stat* zustand) noexcept {
     static const auto sieh = eigentliche<int(const char*, struct stat*)>("stat");

@@ -16,6 +16,7 @@ struct Zaehler {
     int zustaende = 0;     ///< queries of the state of a directory entry or an open file
     int fragen = 0;        ///< whether a file is in memory
     int ansagen = 0;       ///< of files to be read ahead
+    int sperren = 0;       ///< locks taken
 
     /// The counts since the start of the program.
     static Zaehler bisher();
@@ -34,7 +35,8 @@ struct Zaehler {
                 nachher.lesungen - vorher.lesungen,
                 nachher.zustaende - vorher.zustaende,
                 nachher.fragen - vorher.fragen,
-                nachher.ansagen - vorher.ansagen};
+                nachher.ansagen - vorher.ansagen,
+                nachher.sperren - vorher.sperren};
     }
 
     /// What the system answers to the question whether a file is in memory.

@@ -162,6 +162,7 @@ TEST_F(OrvoPluginLoaderTest, TakesTheLibraryAwayFromAnEarlierRecordThatIsInUse) 
 }
 
 TEST_F(OrvoPluginLoaderTest, NamesTheOpeningAsTheStepThatFailedAlsoForALaterRecord) {
+    EXPECT_EQ(loader.getSchritt(), ABLEHNUNG_OEFFNEN) << "the first of all";
     static Attrappe* eine;
     eine = bibliothek;
     bibliothek->exportiere("orvo_plugin_get_types", nennt<1, 1>);
