@@ -18,22 +18,23 @@ namespace {
 static_assert(sizeof(dirent::d_ino) == 8,
               "needs large files: readdir fails at an inode number that does not fit");
 
-bool passt(std::string_view name, std::string_view muster) {
-    constexpr std::size_t kKeiner = std::string_view::npos;
+/// Parameters: `name` holds no zero byte, so it does not match the one that ends the pattern.
+bool passt(std::string_view name, const std::string& muster) {
+    constexpr std::size_t kKeiner = std::string::npos;
     std::size_t n = 0;
     std::size_t m = 0;
     std::size_t stern = kKeiner; // the last '*' so far, and the byte of the name at which it ends
     std::size_t sternEnde = 0;
     while (n < name.size()) {
-        if (m < muster.size() && muster[m] == '*') {
+        if (muster[m] == '*') {
             stern = m++;
             sternEnde = n;
-        } else if (m < muster.size() && (muster[m] == '?' || muster[m] == name[n])) {
+        } else if (muster[m] == '?' || muster[m] == name[n]) {
             ++m;
             ++n;
         } else if (stern != kKeiner) {
-            m = stern + 1;
-            n = ++sternEnde;
+            m = stern; // once more, for one byte more
+            n = sternEnde + 1;
         } else {
             return false;
         }

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -33,6 +34,9 @@ struct Lesefehler {
 };
 Lesefehler lesefehler;
 
+/// Changes each entry that readdir hands out, when it is set.
+std::function<void(dirent&)> aendereEintrag;
+
 /// Whether a listing with this pattern shows the name.
 bool passt(const std::string& name, const std::string& muster) {
     const Verzeichnis verzeichnis;
@@ -50,7 +54,10 @@ extern "C" dirent* readdir(DIR* verzeichnis) {
         errno = std::exchange(lesefehler.nummer, 0);
         return nullptr;
     }
-    return lies(verzeichnis);
+    dirent* const eintrag = lies(verzeichnis);
+    if (eintrag && aendereEintrag)
+        aendereEintrag(*eintrag);
+    return eintrag;
 }
 
 TEST(DirReader, ListsFilesAndDirectoriesApart) {
@@ -126,6 +133,27 @@ TEST(DirReader, NamesALinkOfWhichTheSystemDoesNotTellWhereItLeads) {
     EXPECT_THAT(leser.getFiles(), ElementsAre("datei.x"));
     EXPECT_EQ(leser.getFehler(),
               "Verzeichnis nicht lesbar: " + verzeichnis.pfad("verweis.x") + ": File name too long");
+}
+
+TEST(DirReader, LooksForItselfWhereTheFileSystemDoesNotTellTheKind) {
+    const Verzeichnis verzeichnis;
+    verzeichnis.schreibe("datei", "");
+    verzeichnis.schreibe("vergangene", "");
+    verzeichnis.legeAn("unter");
+    verweise("datei", verzeichnis.pfad("verweis"));
+    verweise("unter", verzeichnis.pfad("verweis_auf_unter"));
+    verweise("gibt es nicht", verzeichnis.pfad("lose"));
+    ASSERT_EQ(mkfifo(verzeichnis.pfad("rohr").c_str(), 0600), 0);
+    aendereEintrag = [&](dirent& eintrag) {
+        eintrag.d_type = DT_UNKNOWN;
+        if (std::string(eintrag.d_name) == "vergangene")
+            verzeichnis.entferne("vergangene");
+    };
+    const DirReader leser(verzeichnis.pfad(), "*");
+    aendereEintrag = nullptr;
+    EXPECT_THAT(leser.getFiles(), ElementsAre("datei", "verweis"));
+    EXPECT_THAT(leser.getDirectories(), ElementsAre("unter"));
+    EXPECT_EQ(leser.getFehler(), "");
 }
 
 TEST(DirReader, LeavesPipesOut) {
@@ -261,6 +289,8 @@ TEST(DirReader, ChoosesFilesByAsterisksAndQuestionMarks) {
         {"ababc", "*ab", false},
         {"aXbXc", "a*b*c", true},
         {"aXbX", "a*b*c", false},
+        {"abc", "ab*bc", false},
+        {"abcbc", "ab*bc", true},
         {"mississippi", "m*iss*ip?i", true},
         {"a*b", "a*b", true},
         {"[ab]", "[ab]", true},
