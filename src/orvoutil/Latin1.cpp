@@ -1,5 +1,7 @@
 #include <orvoutil/Latin1.h>
 
+#include <bit>
+
 namespace orvo::orvoutil {
 
 namespace {
@@ -14,18 +16,14 @@ void haengeAn(std::string& utf8, char latin1) {
     }
 }
 
-/// Returns: the length of the valid UTF-8 sequence that the text begins with; 0 when it begins with none.
+/// Returns: the length of the valid UTF-8 sequence of several bytes that the text begins with; 0 when it begins with none.
 std::size_t laengeDerSequenz(std::string_view text) {
-    constexpr unsigned kKleinstes[] = {0, 0, 0x80, 0x800, 0x10000}; // by length: shorter ones hold less
+    constexpr unsigned kKleinstes[] = {0x80, 0x800, 0x10000}; // by length, from two: shorter ones hold less
     const auto erstes = static_cast<unsigned char>(text.front());
-    const std::size_t laenge = erstes < 0x80   ? 1
-                               : erstes < 0xC0 ? 0
-                               : erstes < 0xE0 ? 2
-                               : erstes < 0xF0 ? 3
-                                               : 4;
-    if (laenge < 2 || laenge > text.size())
-        return laenge == 1 ? 1 : 0;
-    unsigned zeichen = erstes & (0xFFu >> (laenge + 1));
+    const auto laenge = static_cast<std::size_t>(std::countl_one(erstes));
+    if (laenge < 2 || laenge > 4 || laenge > text.size())
+        return 0;
+    unsigned zeichen = erstes & (0xFFu >> laenge);
     for (std::size_t i = 1; i < laenge; ++i) {
         const auto weiteres = static_cast<unsigned char>(text[i]);
         if ((weiteres & 0xC0) != 0x80)
@@ -33,7 +31,7 @@ std::size_t laengeDerSequenz(std::string_view text) {
         zeichen = zeichen << 6 | (weiteres & 0x3Fu);
     }
     const bool ersatz = zeichen >= 0xD800 && zeichen < 0xE000; // halves of UTF-16 pairs
-    const bool gueltig = erstes < 0xF8 && zeichen >= kKleinstes[laenge] && zeichen <= 0x10FFFF && !ersatz;
+    const bool gueltig = zeichen >= kKleinstes[laenge - 2] && zeichen <= 0x10FFFF && !ersatz;
     return gueltig ? laenge : 0;
 }
 
@@ -41,7 +39,6 @@ std::size_t laengeDerSequenz(std::string_view text) {
 
 std::string latin1ToUtf8(std::string_view latin1) {
     std::string utf8;
-    utf8.reserve(latin1.size());
     for (const char zeichen : latin1)
         haengeAn(utf8, zeichen);
     return utf8;
@@ -49,7 +46,6 @@ std::string latin1ToUtf8(std::string_view latin1) {
 
 std::string toUtf8(std::string_view text) {
     std::string utf8;
-    utf8.reserve(text.size());
     while (!text.empty()) {
         const std::size_t laenge = laengeDerSequenz(text);
         if (laenge == 0)

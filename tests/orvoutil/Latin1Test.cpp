@@ -31,36 +31,38 @@ TEST(Latin1Text, HoldsEveryCharacterOfLatin1) {
 
 TEST(Latin1ToUtf8, WritesEachByteAsOneCharacter) {
     EXPECT_EQ(latin1ToUtf8(""), "");
-    EXPECT_EQ(latin1ToUtf8("abc"), "abc");
+    EXPECT_EQ(latin1ToUtf8("abc\x7F"), "abc\x7F");
     EXPECT_EQ(latin1ToUtf8("\x80\xBF\xC0\xFC\xFF"), "\xC2\x80\xC2\xBF\xC3\x80\xC3\xBC\xC3\xBF");
     EXPECT_EQ(latin1ToUtf8("\xC3\xBC"), "\xC3\x83\xC2\xBC");
     EXPECT_EQ(latin1ToUtf8(std::string_view("a\0b", 3)), std::string("a\0b", 3));
 }
 
 TEST(ToUtf8, KeepsWhatIsUtf8) {
-    for (const char* const text :
-         {"", "abc", "\xC3\xBC", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80",
-          "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+    for (const char* const text : {"", "abc", "\x7F", "\xC3\xBC", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
+                                   "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+                                   "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
         EXPECT_EQ(toUtf8(text), text);
 }
 
 TEST(ToUtf8, TakesWhatIsNotUtf8AsLatin1) {
     for (const char* const text : {
-             "\xFC",             // a letter alone
-             "\xC3",             // truncated
-             "\xE2\x82",         // truncated
-             "\xF0\x9F\x98",     // truncated
-             "\x80",             // no leading byte
-             "\xC0\x80",         // overlong
-             "\xC1\xBF",         // overlong
-             "\xE0\x9F\xBF",     // overlong
-             "\xF0\x8F\xBF\xBF", // overlong
-             "\xED\xA0\x80",     // a single surrogate
-             "\xED\xBF\xBF",     // a single surrogate
-             "\xF4\x90\x80\x80", // beyond the last character
-             "\xF8\x88\x80\x80", // no leading byte
-             "\xF9\x80\x80\x80", // no leading byte
-             "\xFF\xBF\xBF\xBF", // no leading byte
+             "\xFC",                 // a letter alone
+             "\xC3",                 // truncated
+             "\xE2\x82",             // truncated
+             "\xF0\x9F\x98",         // truncated
+             "\x80",                 // no leading byte
+             "\xC0\x80",             // overlong
+             "\xC1\xBF",             // overlong
+             "\xE0\x9F\xBF",         // overlong
+             "\xF0\x8F\xBF\xBF",     // overlong
+             "\xED\xA0\x80",         // a single surrogate
+             "\xED\xBF\xBF",         // a single surrogate
+             "\xF4\x90\x80\x80",     // beyond the last character
+             "\xF8\x88\x80\x80",     // no leading byte
+             "\xF9\x80\x80\x80",     // no leading byte
+             "\xF8\x84\x80\x80\x80", // no leading byte
+             "b\x80",                // no leading byte
+             "\xFF\xBF\xBF\xBF",     // no leading byte
          })
         EXPECT_EQ(toUtf8(text), latin1ToUtf8(text));
 }
