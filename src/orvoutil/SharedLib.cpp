@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace orvo::orvoutil {
@@ -63,10 +64,10 @@ struct Suche {
 };
 
 bool liegtIn(const dl_phdr_info& bibliothek, ElfW(Addr) adresse) {
-    for (int i = 0; i < bibliothek.dlpi_phnum; ++i) {
-        const auto& segment = bibliothek.dlpi_phdr[i];
-        const ElfW(Addr) anfang = bibliothek.dlpi_addr + segment.p_vaddr;
-        if (segment.p_type == PT_LOAD && adresse >= anfang && adresse - anfang < segment.p_memsz)
+    for (const auto& segment : std::span(bibliothek.dlpi_phdr, bibliothek.dlpi_phnum)) {
+        const ElfW(Addr) abstand =
+            adresse - (bibliothek.dlpi_addr + segment.p_vaddr); // wraps before the segment
+        if (segment.p_type == PT_LOAD && abstand < segment.p_memsz)
             return true;
     }
     return false;
@@ -75,18 +76,16 @@ bool liegtIn(const dl_phdr_info& bibliothek, ElfW(Addr) adresse) {
 int pruefeBibliothek(dl_phdr_info* bibliothek, std::size_t, void* daten) {
     auto& suche = *static_cast<Suche*>(daten);
     suche.eigeneErreicht = suche.eigeneErreicht || bibliothek->dlpi_addr == suche.eigeneBasis;
-    if (!suche.eigeneErreicht || !liegtIn(*bibliothek, suche.adresse))
-        return 0;
     // A plugin may be the first to need this library, which is no part of it all the same.
-    return liegtIn(*bibliothek, reinterpret_cast<ElfW(Addr)>(&pruefeBibliothek)) ? -1 : 1;
+    return suche.eigeneErreicht && liegtIn(*bibliothek, suche.adresse) &&
+           !liegtIn(*bibliothek, reinterpret_cast<ElfW(Addr)>(&pruefeBibliothek));
 }
 
 bool liegtInOderDanach(void* griff, const void* adresse) {
     link_map* eigene = nullptr;
-    if (dlinfo(griff, RTLD_DI_LINKMAP, &eigene) != 0)
-        return false;
+    dlinfo(griff, RTLD_DI_LINKMAP, &eigene); // fails for no library that is open
     Suche suche{eigene->l_addr, reinterpret_cast<ElfW(Addr)>(adresse)};
-    return dl_iterate_phdr(pruefeBibliothek, &suche) > 0;
+    return dl_iterate_phdr(pruefeBibliothek, &suche) != 0;
 }
 
 #else

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <dlfcn.h>
+#include <link.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -91,6 +92,22 @@ TEST(SharedLib, StaysOpenWhenItsFileIsGone) {
     EXPECT_TRUE(lib.load());
     EXPECT_TRUE(lib.unload());
     EXPECT_FALSE(lib.load());
+    EXPECT_TRUE(lib.scheiterteVorDemOeffnen());
+    verzeichnis.kopiere(HAS_SYMBOLS, "lib.so");
+    EXPECT_TRUE(lib.load());
+    EXPECT_FALSE(lib.scheiterteVorDemOeffnen());
+}
+
+TEST(SharedLib, SaysWhyTheSystemDidNotCloseIt) {
+    const SharedLib braucht(NEEDS_ANOTHER, true); // keeps the other one mapped
+    SharedLib lib(NEEDED_BY_ANOTHER, true);
+    void* const griff = dlopen(NEEDED_BY_ANOTHER, RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(griff, nullptr) << dlerror();
+    dlclose(griff);
+    dlclose(griff); // the use that the object holds
+    EXPECT_FALSE(lib.unload());
+    EXPECT_THAT(lib.getLastError(), NamesOnce(lib.getName()));
+    EXPECT_FALSE(lib.isLoaded());
 }
 
 TEST(SharedLib, ClosesWhenItGoes) {
@@ -286,6 +303,29 @@ TEST(SharedLib, KnowsWhatLiesInItAndInWhatItBrought) {
     EXPECT_FALSE(lib.enthaelt(eigenes));
 }
 
+TEST(SharedLib, KnowsItsBoundsToTheByte) {
+    SharedLib lib(HAS_SYMBOLS, true);
+    struct Segmente {
+        const char* anfang = nullptr;
+        const char* endeDesErsten = nullptr;
+    } segmente;
+    const auto suche = [](dl_phdr_info* bibliothek, std::size_t, void* daten) {
+        if (std::string(bibliothek->dlpi_name) != HAS_SYMBOLS)
+            return 0;
+        const auto* segment = bibliothek->dlpi_phdr;
+        while (segment->p_type != PT_LOAD)
+            ++segment;
+        const auto anfang = reinterpret_cast<const char*>(bibliothek->dlpi_addr + segment->p_vaddr);
+        *static_cast<Segmente*>(daten) = {anfang, anfang + segment->p_memsz};
+        return 1;
+    };
+    ASSERT_EQ(dl_iterate_phdr(suche, &segmente), 1);
+    EXPECT_TRUE(lib.enthaelt(segmente.anfang));
+    EXPECT_FALSE(lib.enthaelt(segmente.anfang - 1));
+    EXPECT_TRUE(lib.enthaelt(segmente.endeDesErsten - 1));
+    EXPECT_FALSE(lib.enthaelt(segmente.endeDesErsten));
+}
+
 TEST(SharedLib, DoesNotCountWhatWasThereBeforeItAsBroughtAlong) {
     const SharedLib gebraucht(NEEDED_BY_ANOTHER, true);
     SharedLib lib(NEEDS_ANOTHER, true);
@@ -311,8 +351,19 @@ TEST(SharedLib, RefusesNamesThatTheLoaderWouldChange) {
         EXPECT_TRUE(lib.scheiterteVorDemOeffnen());
         EXPECT_THAT(lib.getLastError(), EndsWith(std::string("Platzhalter im Namen: ") + name));
     }
+    struct {
+        const char* name;
+        const char* wort;
+    } const mitten[] = {{"${LIB}x.so", "${LIB}"}, {"$LIB.so", "$LIB"}, {"$$LIB", "$LIB"}, {"$a$LIB", "$LIB"},
+                        {"$LIB@", "$LIB"},        {"$LIB[", "$LIB"},   {"$LIB`", "$LIB"}, {"$LIB{", "$LIB"},
+                        {"$LIB/x", "$LIB"},       {"$LIB:", "$LIB"}};
+    for (const auto& [name, wort] : mitten) {
+        SharedLib lib(verzeichnis.kopiere(HAS_SYMBOLS, name), true);
+        EXPECT_THAT(lib.getLastError(), EndsWith(std::string("Platzhalter im Namen: ") + wort));
+    }
     for (const char* const name :
-         {"$", "a$", "$ORIGINAL", "${ORIGIN", "$origin", "$LIB_", "${}", "$PLATFORM2", "${LIB"}) {
+         {"$", "a$", "$ORIGINAL", "${ORIGIN", "$origin", "$LIB_", "${}", "$PLATFORM2", "${LIB", "$LIBA",
+          "$LIBZ", "$LIBa", "$LIBz", "$LIB0", "$LIB9"}) {
         SharedLib lib(verzeichnis.kopiere(HAS_SYMBOLS, name), true);
         EXPECT_TRUE(lib.isLoaded()) << lib.getLastError();
     }
