@@ -1,6 +1,7 @@
 #include <orvoutil/StreamLogSink.h>
 
 #include <orvoutil/Latin1.h>
+#include <orvoutil/StringUtil.h>
 
 #include <chrono>
 #include <cstdio>
@@ -19,10 +20,9 @@ std::string zeitpunkt(std::chrono::system_clock::time_point jetzt) {
     const std::time_t zeit = std::chrono::system_clock::to_time_t(sekunden);
     std::tm ortszeit{};
     localtime_r(&zeit, &ortszeit);
-    char tag[32];
-    const std::size_t laenge = std::strftime(tag, sizeof tag, "%Y-%m-%d %H:%M:%S", &ortszeit);
-    std::snprintf(tag + laenge, sizeof tag - laenge, ".%03d", static_cast<int>(rest.count()));
-    return tag;
+    char bisSekunde[32];
+    std::strftime(bisSekunde, sizeof bisSekunde, "%Y-%m-%d %H:%M:%S.", &ortszeit);
+    return bisSekunde + formatNumeric(std::to_string(rest.count()), 3);
 }
 
 constexpr const char* kStufen[] = {"DEBUG", "INFO ", "WARN ", "ERROR"};
@@ -41,10 +41,10 @@ std::string vorspann(const LogEntry& eintrag) {
                                            : textFuer(eintrag.kind, kVorspann, "? ");
 }
 
-void schreibeSteuerzeichen(std::string& zeile, unsigned zeichen) {
+void schreibeSteuerzeichen(std::string& zeile, unsigned zeichen, const char* form = "\\x%02x") {
     char puffer[8] = "\\n";
     if (zeichen != '\n')
-        std::snprintf(puffer, sizeof puffer, zeichen > 0xFF ? "\\u%04x" : "\\x%02x", zeichen);
+        std::snprintf(puffer, sizeof puffer, form, zeichen);
     zeile += puffer;
 }
 
@@ -74,7 +74,7 @@ std::string alsTeilDerZeile(const std::string& text) {
             teil += "\\n"; // line and paragraph separator
             i += 2;
         } else if (const unsigned wechsel = richtungswechsel(rest)) {
-            schreibeSteuerzeichen(teil, wechsel);
+            schreibeSteuerzeichen(teil, wechsel, "\\u%04x");
             i += 2;
         } else {
             teil += utf8[i];

@@ -1,12 +1,13 @@
 #include <orvoutil/StringUtil.h>
 
+#include <algorithm>
+
 namespace orvo::orvoutil {
 
 std::string long2String(long zahl) { return std::to_string(zahl); }
 
 std::string formatNumeric(std::string_view text, std::size_t breite) {
-    const std::size_t nullen = breite > text.size() ? breite - text.size() : 0;
-    return std::string(nullen, '0').append(text);
+    return std::string(breite - std::min(breite, text.size()), '0').append(text);
 }
 
 std::string tolower(std::string_view text) {

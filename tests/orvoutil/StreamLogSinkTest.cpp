@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdlib>
+#include <ctime>
 #include <iomanip>
 #include <memory>
 #include <sstream>
@@ -49,13 +51,31 @@ TEST(StreamLogSink, WritesTimeLevelCategoryAndText) {
                      "Achtung\n"));
 }
 
+TEST(StreamLogSink, WritesTheLocalTime) {
+    setenv("TZ", "XYZ-05:30", 1);
+    tzset();
+    const auto ortszeit = [] {
+        const std::time_t jetzt = std::time(nullptr);
+        char text[32];
+        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&jetzt));
+        return std::string(text);
+    };
+    const std::string vorher = ortszeit();
+    const std::string geschriebene = zeile(eintrag(LogKind::Message, LogLevel::Info, "x")).substr(0, 19);
+    EXPECT_LE(vorher, geschriebene);
+    EXPECT_LE(geschriebene, ortszeit());
+    unsetenv("TZ");
+    tzset();
+}
+
 TEST(StreamLogSink, NamesEveryLevel) {
     const auto mitStufe = [](LogLevel stufe) { return zeile(eintrag(LogKind::Message, stufe, "x")); };
     EXPECT_THAT(mitStufe(LogLevel::Debug), EndsWith(" DEBUG orvo.plugin: x\n"));
     EXPECT_THAT(mitStufe(LogLevel::Info), EndsWith(" INFO  orvo.plugin: x\n"));
     EXPECT_THAT(mitStufe(LogLevel::Warn), EndsWith(" WARN  orvo.plugin: x\n"));
     EXPECT_THAT(mitStufe(LogLevel::Error), EndsWith(" ERROR orvo.plugin: x\n"));
-    EXPECT_THAT(mitStufe(static_cast<LogLevel>(9)), EndsWith(" ?     orvo.plugin: x\n"));
+    for (const int andere : {4, 9, -1})
+        EXPECT_THAT(mitStufe(static_cast<LogLevel>(andere)), EndsWith(" ?     orvo.plugin: x\n"));
 }
 
 TEST(StreamLogSink, MarksTheDirectionOfTraces) {
@@ -66,7 +86,8 @@ TEST(StreamLogSink, MarksTheDirectionOfTraces) {
     EXPECT_THAT(mitArt(LogKind::ConstructorLeave), EndsWith(": <- Konstruktor op\n"));
     EXPECT_THAT(mitArt(LogKind::DestructorEnter), EndsWith(": -> Destruktor op\n"));
     EXPECT_THAT(mitArt(LogKind::DestructorLeave), EndsWith(": <- Destruktor op\n"));
-    EXPECT_THAT(mitArt(static_cast<LogKind>(99)), EndsWith(": ? op\n"));
+    for (const int andere : {8, 99, -1})
+        EXPECT_THAT(mitArt(static_cast<LogKind>(andere)), EndsWith(": ? op\n"));
 }
 
 TEST(StreamLogSink, ShowsTagAndTextOfEvents) {
@@ -84,7 +105,7 @@ TEST(StreamLogSink, WritesUtf8) {
 TEST(StreamLogSink, LetsNoTextPassForAnotherLine) {
     EXPECT_EQ(inhalt("a\nb"), "a\\nb");
     EXPECT_EQ(inhalt("a\r\n\tb"), "a\\x0d\\n\\x09b");
-    EXPECT_EQ(inhalt("\x1B[2J\x7F"), "\\x1b[2J\\x7f");
+    EXPECT_EQ(inhalt("\x1B[2J\x1F ~\x7F"), "\\x1b[2J\\x1f ~\\x7f");
     EXPECT_EQ(inhalt(std::string("a\0b", 3)), "a\\x00b");
     EXPECT_EQ(inhalt("\xC2\x85\xC2\x9F\xC2\xA0"), "\\x85\\x9f\xC2\xA0");
     EXPECT_EQ(inhalt("\x9B"), "\\x9b");
