@@ -20,7 +20,7 @@ constexpr char kResidentPlugins[] = "basis.resident_plugins";
 /// The directory of the file that holds this code.
 std::string verzeichnisDerBibliothek() {
     Dl_info bibliothek;
-    if (dladdr(EINSTELLUNG_HOME_DIR, &bibliothek) && bibliothek.dli_fname) {
+    if (dladdr(EINSTELLUNG_HOME_DIR, &bibliothek)) {
         const std::string verzeichnis = getAbsolutePath(concatPath(bibliothek.dli_fname, ".."));
         if (verzeichnis.front() == '/')
             return verzeichnis;

@@ -115,6 +115,13 @@ TEST_F(EinstellungenTest, FindsTheLibrarysDirectoryAlsoWhenItWasNamedRelativeToO
     EXPECT_EQ(ausgabe("LD_LIBRARY_PATH=lib '" PRINTS_HOME_DIR "'"), verzeichnis.pfad("lib"));
 }
 
+TEST_F(EinstellungenTest, NeverTakesTheCurrentDirectoryForTheLibrarys) {
+    const Verzeichnis verzeichnis;
+    verzeichnis.kopiere(LIBORVOUTIL, "lib/" + std::filesystem::path(LIBORVOUTIL).filename().string());
+    const CurrentDirectory dort(verzeichnis.pfad());
+    EXPECT_EQ(ausgabe("KEIN_VERZEICHNIS=1 LD_LIBRARY_PATH=lib '" PRINTS_HOME_DIR "'"), "/");
+}
+
 TEST_F(EinstellungenTest, TellsObserversInTheOrderOfRegistrationAfterTheChange) {
     const Beobachter a("a", protokoll);
     const Beobachter b("b", protokoll);
