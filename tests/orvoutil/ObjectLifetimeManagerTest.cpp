@@ -35,6 +35,16 @@ struct Objekt {
 
 struct Anderes {};
 
+/// Why the object is not taken; empty when it is.
+std::string grundDerAblehnung(const std::string& name, Objekt* objekt) {
+    try {
+        manager().addObject(name, objekt);
+        return "";
+    } catch (const std::logic_error& ablehnung) {
+        return ablehnung.what();
+    }
+}
+
 struct ObjectLifetimeManagerTest : testing::Test {
     ~ObjectLifetimeManagerTest() override { manager().destroyAll(); }
 
@@ -86,7 +96,7 @@ TEST_F(ObjectLifetimeManagerTest, FindsByTheTypeOfRegistrationOnly) {
 TEST_F(ObjectLifetimeManagerTest, RefusesANameInUse) {
     lege("name");
     auto zweites = std::make_unique<Objekt>();
-    EXPECT_THROW(manager().addObject("name", zweites.get()), std::logic_error);
+    EXPECT_EQ(grundDerAblehnung("name", zweites.get()), "ObjectLifetimeManager: Name schon vergeben: name");
     auto anderes = std::make_unique<Anderes>();
     EXPECT_THROW(manager().addObject("name", anderes.get()), std::logic_error);
     EXPECT_NE(manager().getObject<Objekt>("name"), zweites.get());
@@ -94,6 +104,7 @@ TEST_F(ObjectLifetimeManagerTest, RefusesANameInUse) {
 
 TEST_F(ObjectLifetimeManagerTest, RefusesNull) {
     EXPECT_THROW(manager().addObject<Objekt>("name", nullptr), std::invalid_argument);
+    EXPECT_EQ(grundDerAblehnung("name", nullptr), "ObjectLifetimeManager: kein Objekt: name");
     EXPECT_EQ(manager().getObject<Objekt>("name"), nullptr);
     EXPECT_NO_THROW(lege("name"));
 }
@@ -137,20 +148,15 @@ TEST_F(ObjectLifetimeManagerTest, FindsAnObjectUntilItsDestructorHasReturned) {
 }
 
 TEST_F(ObjectLifetimeManagerTest, RefusesNewObjectsWhileItDestroys) {
-    bool abgelehnt = false;
+    std::string grund;
     bool imAbbau = false;
     manager().addObject("name", new Objekt([&] {
                             imAbbau = manager().wirdAbgebaut();
-                            auto neues = std::make_unique<Objekt>();
-                            try {
-                                manager().addObject("neu", neues.get());
-                            } catch (const std::logic_error&) {
-                                abgelehnt = true;
-                            }
+                            grund = grundDerAblehnung("neu", std::make_unique<Objekt>().get());
                         }));
     EXPECT_FALSE(manager().wirdAbgebaut());
     manager().destroyAll();
-    EXPECT_TRUE(abgelehnt);
+    EXPECT_EQ(grund, "ObjectLifetimeManager: wird abgebaut: neu");
     EXPECT_TRUE(imAbbau);
     EXPECT_FALSE(manager().wirdAbgebaut());
 }
