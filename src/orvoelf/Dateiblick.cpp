@@ -16,6 +16,7 @@
 #include <cstring>
 #include <list>
 #include <set>
+#include <span>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -221,8 +222,8 @@ private:
     void pruefeSegmente() {
         const std::size_t laenge = kopf_.e_phnum * sizeof(ElfW(Phdr));
         std::memcpy(segmente_.data(), hole(kopf_.e_phoff, laenge, "Segmenttabelle"), laenge);
-        for (std::size_t i = 0; i < kopf_.e_phnum; ++i) {
-            const ElfW(Phdr)& s = segmente_[i];
+        for (const ElfW(Phdr) & s : segmente()) {
+            const std::size_t i = nummer(s);
             if (s.p_type == PT_DYNAMIC)
                 dynamik_ = &s;
             hatInterpreter_ = hatInterpreter_ || s.p_type == PT_INTERP;
@@ -245,8 +246,8 @@ private:
         const std::uint64_t tabellenende =
             anzahl > 0 ? std::min<std::uint64_t>(kopf_.e_shoff, Datei::kWeitesteStelle) + anzahl * kKopf : 0;
         std::uint64_t ende = std::max(tabellenende, std::uint64_t{1});
-        for (std::size_t i = 0; i < kopf_.e_phnum; ++i)
-            ende = std::max(ende, dateiende(segmente_[i]));
+        for (const ElfW(Phdr) & s : segmente())
+            ende = std::max(ende, dateiende(s));
         hole(ende - 1, 1, ende == tabellenende ? "Abschnittstabelle" : "Segment");
         const auto* const bytes = anzahl > 1 ? datei_.gelesene(tabellenende - kKopf, kKopf) : nullptr;
         if (!bytes)
@@ -258,8 +259,8 @@ private:
 
     /// What the loader reads or protects through a segment's address must lie in memory that it loads.
     void pruefeLage() const {
-        for (std::size_t i = 0; i < kopf_.e_phnum; ++i) {
-            const ElfW(Phdr)& s = segmente_[i];
+        for (const ElfW(Phdr) & s : segmente()) {
+            const std::size_t i = nummer(s);
             const bool wirdGelesen = s.p_type == PT_TLS || s.p_type == PT_NOTE || s.p_type == PT_PHDR ||
                                      s.p_type == PT_GNU_PROPERTY;
             if (wirdGelesen && s.p_filesz > 0)
@@ -374,12 +375,14 @@ private:
     bool hat(std::int64_t tag) const { return (vorhandene_ >> platzVon(tag) & 1) != 0; }
     std::uint64_t wert(std::int64_t tag) const { return werte_[platzVon(tag)]; }
 
+    std::span<const ElfW(Phdr)> segmente() const { return {segmente_.data(), kopf_.e_phnum}; }
+    std::size_t nummer(const ElfW(Phdr) & s) const { return static_cast<std::size_t>(&s - segmente_.data()); }
+
     /// The segment of which the part in the file holds a range of addresses; null when none does.
     const ElfW(Phdr) * segmentMit(std::uint64_t adresse, std::uint64_t laenge) const {
-        for (std::size_t i = 0; i < kopf_.e_phnum; ++i)
-            if (const ElfW(Phdr)& s = segmente_[i]; s.p_type == PT_LOAD && (s.p_flags & PF_R) &&
-                                                    adresse >= s.p_vaddr && laenge <= s.p_filesz &&
-                                                    adresse - s.p_vaddr <= s.p_filesz - laenge)
+        for (const ElfW(Phdr) & s : segmente())
+            if (s.p_type == PT_LOAD && (s.p_flags & PF_R) && adresse >= s.p_vaddr && laenge <= s.p_filesz &&
+                adresse - s.p_vaddr <= s.p_filesz - laenge)
                 return &s;
         return nullptr;
     }

@@ -39,6 +39,12 @@ struct Lesung {
 };
 Lesung abweichende;
 
+/// Faults of the system's other functions.
+struct {
+    bool fstat = false;
+    bool istVerliehen = false; ///< opening fails unless it may wait
+} stoerung;
+
 } // namespace
 
 // The linker replaces the system's functions with these.
@@ -55,7 +61,13 @@ ssize_t __wrap_pread(int deskriptor, void* ziel, std::size_t anzahl, off_t ab);
 int __wrap_stat(const char* pfad, struct stat* zustand);
 int __wrap_fstat(int deskriptor, struct stat* zustand);
 
-int __wrap_open(const char* pfad, int art) { return ++systemaufrufe, __real_open(pfad, art); }
+int __wrap_open(const char* pfad, int art) {
+    ++systemaufrufe;
+    if (!stoerung.istVerliehen || !(art & O_NONBLOCK))
+        return __real_open(pfad, art);
+    errno = EWOULDBLOCK;
+    return -1;
+}
 int __wrap_close(int deskriptor) { return ++systemaufrufe, __real_close(deskriptor); }
 ssize_t __wrap_pread(int deskriptor, void* ziel, std::size_t anzahl, off_t ab) {
     ++systemaufrufe;
@@ -69,7 +81,7 @@ int __wrap_stat(const char* pfad, struct stat* zustand) {
     return ++systemaufrufe, __real_stat(pfad, zustand);
 }
 int __wrap_fstat(int deskriptor, struct stat* zustand) {
-    return ++systemaufrufe, __real_fstat(deskriptor, zustand);
+    return ++systemaufrufe, stoerung.fstat ? -1 : __real_fstat(deskriptor, zustand);
 }
 }
 
@@ -298,6 +310,71 @@ TEST(Dateiblick, FilesOfOtherKindsAreNoLibraries) {
         EXPECT_EQ(befund.mangel, Dateimangel::KEINE_ELF_DATEI) << inhalt;
         EXPECT_EQ(befund.grund, "keine ELF-Datei") << inhalt;
     }
+}
+
+TEST(Dateiblick, LeavesToTheLoaderWhatTakesTooManyReadings) {
+    const Verzeichnis verzeichnis;
+    ElfDatei datei(
+        HAS_EVERYTHING); // its segment table, dynamic section and section table far from each other
+    const ElfW(Phdr) dynamik = datei.segmentVom(PT_DYNAMIC);
+    for (unsigned i = 0; i < datei.kopf().e_phnum; ++i) {
+        auto& s = datei.segment(i);
+        if (s.p_type != PT_LOAD || s.p_vaddr > dynamik.p_vaddr || dynamik.p_vaddr - s.p_vaddr >= s.p_filesz)
+            continue;
+        const std::string bytes = datei.bytes.substr(s.p_offset, s.p_filesz);
+        s.p_offset += 0x80000;
+        datei.bytes.resize(s.p_offset);
+        datei.bytes += bytes;
+        break;
+    }
+    datei.bytes.resize(0x100000);
+    datei.haengeSegmentAn();
+    const std::string abschnitte =
+        datei.bytes.substr(datei.kopf().e_shoff, datei.kopf().e_shnum * sizeof(ElfW(Shdr)));
+    datei.bytes.resize(0x180000);
+    datei.kopf().e_shoff = datei.bytes.size();
+    datei.bytes += abschnitte;
+    const std::string pfad = schreibe(verzeichnis, datei);
+    EXPECT_EQ(blickeAufDatei(pfad).grund, "");
+    stoerung = {.fstat = true};
+    EXPECT_EQ(blickeAufDatei(pfad).grund, "abgeschnitten: Der dynamische Abschnitt endet hinter der Datei");
+    stoerung = {};
+}
+
+TEST(Dateiblick, ReadsASmallFileOnceMoreWhenItIsCut) {
+    const Verzeichnis verzeichnis;
+    const std::string pfad = verzeichnis.schreibe("kurz.so", ElfDatei(HAS_EVERYTHING).bytes.substr(0, 1000));
+    systemaufrufe = 0;
+    EXPECT_EQ(blickeAufDatei(pfad).mangel, Dateimangel::ABGESCHNITTEN);
+    EXPECT_EQ(systemaufrufe, 6) << "open, read twice, two for the state, close";
+}
+
+TEST(Dateiblick, WaitsForNoLeaseOnWhatIsNoRegularFile) {
+    const Verzeichnis verzeichnis;
+    const std::string fifo = verzeichnis.pfad("fifo.so");
+    ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+    const int eingang = dup(STDIN_FILENO);
+    stoerung = {.istVerliehen = true};
+    EXPECT_EQ(blickeAufDatei(fifo).grund, kKeineDatei); // and does not block
+    EXPECT_EQ(blickeAufDatei(verzeichnis.pfad("fehlt.so")).mangel, Dateimangel::NICHT_ZU_OEFFNEN);
+    stoerung = {};
+    EXPECT_NE(fcntl(STDIN_FILENO, F_GETFD), -1);
+    dup2(eingang, STDIN_FILENO);
+    close(eingang);
+}
+
+TEST(Dateiblick, TakesAnyDescriptorAndAnyFormerError) {
+    const int eingang = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const int vorher = offeneDeskriptoren();
+    errno = EWOULDBLOCK;
+    for (int i = 0; i < 2; ++i) {
+        errno = EWOULDBLOCK;
+        EXPECT_EQ(blickeAufDatei(HAS_EVERYTHING).grund, "");
+    }
+    EXPECT_EQ(offeneDeskriptoren(), vorher);
+    dup2(eingang, STDIN_FILENO);
+    close(eingang);
 }
 
 TEST(Dateiblick, NoDescriptorStaysOpen) {

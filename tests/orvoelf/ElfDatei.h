@@ -66,6 +66,26 @@ public:
         return bei<T>(stelle(eintrag(tag).d_un.d_ptr) + nummer * sizeof(T));
     }
 
+    /// Moves the table of segments to the end of the file, with one more. Returns: that one.
+    ElfW(Phdr) & haengeSegmentAn() {
+        const std::size_t laenge = kopf().e_phnum * sizeof(ElfW(Phdr));
+        bytes.resize((bytes.size() + 15) / 16 * 16);
+        const std::size_t ab = bytes.size();
+        bytes += bytes.substr(kopf().e_phoff, laenge) + std::string(sizeof(ElfW(Phdr)), '\0');
+        kopf().e_phoff = ab;
+        return segment(kopf().e_phnum++);
+    }
+    /// The end of the memory that is loaded.
+    std::uint64_t speicherende() {
+        std::uint64_t ende = 0;
+        for (unsigned i = 0; i < kopf().e_phnum; ++i)
+            if (segment(i).p_type == PT_LOAD)
+                ende = segment(i).p_vaddr + segment(i).p_memsz;
+        return ende;
+    }
+    /// An entry that says nothing that matters.
+    ElfW(Dyn) & nebensache() { return eintrag(hat(DT_RELACOUNT) ? DT_RELACOUNT : DT_RELCOUNT); }
+
     void ohneAbschnitte() { kopf().e_shoff = kopf().e_shnum = kopf().e_shstrndx = 0; }
 
 private:
