@@ -27,8 +27,9 @@ class Notiz {
 public:
     /// Opening never waits for a FIFO or a device, and never makes a terminal the process's own.
     explicit Notiz(const std::string& pfad)
-        : deskriptor_(open(pfad.find('\0') == pfad.npos ? pfad.c_str() : "",
-                           O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+        : deskriptor_(pfad.find('\0') == pfad.npos
+                          ? open(pfad.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)
+                          : -1) {
 #ifdef __ELF__ // other systems' files have no notes
         ElfW(Ehdr) kopf;
         ElfW(Phdr) segment;
@@ -36,11 +37,10 @@ public:
             std::memcmp(kopf.e_ident, dieserKopf.e_ident, EI_VERSION + 1) != 0 ||
             kopf.e_phentsize != sizeof(segment))
             return;
-        for (std::size_t i = 0; i < kopf.e_phnum && platz == 0; ++i)
-            if (!lies(kopf.e_phoff + i * sizeof(segment), segment))
-                return;
-            else if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
-                     segment.p_filesz <= sizeof(bytes_))
+        for (std::size_t i = 0;
+             i < kopf.e_phnum && platz == 0 && lies(kopf.e_phoff + i * sizeof(segment), segment); ++i)
+            if (segment.p_type == PT_NOTE && segment.p_offset < sizeof(bytes_) &&
+                segment.p_filesz <= sizeof(bytes_))
                 suche(segment.p_offset, segment.p_offset + segment.p_filesz);
 #endif
     }

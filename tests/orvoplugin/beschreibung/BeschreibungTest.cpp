@@ -248,6 +248,13 @@ TEST_F(BeschreibungTest, EveryFieldOfAPluginComesBack) {
     erwarteGleiches();
 }
 
+TEST_F(BeschreibungTest, TextsOfAnyLengthComeBack) {
+    for (const std::size_t laenge : {1u, 126u, 127u, 128u, 129u, 255u, 256u, 1000u}) {
+        plugin_.setFileVersion(std::string(laenge, 'x'));
+        erwarteGleiches();
+    }
+}
+
 TEST_F(BeschreibungTest, EveryFormOfASubCaseTypeComesBack) {
     VzMap map;
     for (const int nummer : {0, 7, -5, -99, INT32_MAX, INT32_MIN})
@@ -353,6 +360,21 @@ TEST_F(BeschreibungTest, WhatNoReaderTakesCannotBeDescribed) {
     for (int i = 0; i < 8; ++i)
         langes.addLabelInformation(label);
     EXPECT_THAT([&] { schreibeBeschreibung(langes); }, scheitertMit("zu lang"));
+    const auto inhaltslaenge = [](const std::string& bytes) { // behind format and release, in three bytes
+        return (bytes[2] & 0x7F) | (bytes[3] & 0x7F) << 7 | bytes[4] << 14;
+    };
+    OrvoPluginV1 laengstes(nullptr);
+    for (int i = 0; i < 7; ++i)
+        laengstes.addLabelInformation(label);
+    for (auto* const text : {&label.text1, &label.text4})
+        text->resize(700);
+    laengstes.addLabelInformation(label);
+    laengstes.setFileVersion(std::string(200, 'x'));
+    const int fehlende = 32000 - inhaltslaenge(schreibeBeschreibung(laengstes));
+    laengstes.setFileVersion(std::string(static_cast<std::size_t>(200 + fehlende), 'x'));
+    EXPECT_EQ(inhaltslaenge(schreibeBeschreibung(laengstes)), 32000);
+    laengstes.setFileVersion(std::string(static_cast<std::size_t>(201 + fehlende), 'x'));
+    EXPECT_THAT([&] { schreibeBeschreibung(laengstes); }, scheitertMit("zu lang"));
     OrvoPluginV1 wortreiches(nullptr);
     wortreiches.setFileVersion(std::string(1001, 'x'));
     EXPECT_THAT([&] { schreibeBeschreibung(wortreiches); },

@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <link.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -62,9 +63,23 @@ TEST_F(NotizTest, FilesOfOtherKindsHaveNone) {
           std::string("/dev/zero"), std::string("/proc/self/exe"), pfad_ + std::string("\0", 1),
           verzeichnis_.schreibe("leer", ""), verzeichnis_.schreibe("text", std::string(9000, 'x')),
           std::string(test_plugins::WithoutEntryPoints)})
-        EXPECT_EQ(liesBeschreibung(pfad).stand, Beschreibungsfund::OHNE_PLATZ) << pfad;
+        for (const Beschreibungsfund& fund : {liesBeschreibung(pfad), Beschreibungsfund()}) {
+            EXPECT_EQ(fund.stand, Beschreibungsfund::OHNE_PLATZ) << pfad;
+            EXPECT_EQ(fund.stelle, 0u) << pfad;
+            EXPECT_EQ(fund.platz, 0u) << pfad;
+        }
     EXPECT_EQ(liesBeschreibung(pfad_).stand, Beschreibungsfund::LEER);
     EXPECT_EQ(offeneDeskriptoren(), vorher);
+}
+
+TEST_F(NotizTest, IsReadThroughAnyDescriptor) {
+    const int eingang = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    const int vorher = offeneDeskriptoren();
+    EXPECT_EQ(liesBeschreibung(pfad_).stand, Beschreibungsfund::LEER);
+    EXPECT_EQ(offeneDeskriptoren(), vorher);
+    dup2(eingang, STDIN_FILENO);
+    close(eingang);
 }
 
 TEST_F(NotizTest, ALibraryOfAnotherMachineHasNone) {
@@ -169,6 +184,27 @@ TEST_F(NotizVonHand, MayLieBehindTheFirstPage) {
         EXPECT_EQ(fundIn({{ab, unsere_.size()}}, ab, unsere_).bytes, beschreibung_) << ab;
     EXPECT_EQ(fundIn({{40180, unsere_.size()}}, 40180, unsere_).stand, Beschreibungsfund::OHNE_PLATZ)
         << "too far away";
+}
+
+TEST_F(NotizVonHand, IsReadToTheLastByteThatIsLookedAt) {
+    const std::size_t gelesene = 2 * 4096 + 32000, ab = gelesene - 20 - beschreibung_.size();
+    EXPECT_EQ(fundIn({{ab, unsere_.size()}}, ab, unsere_, 100).bytes, beschreibung_);
+    EXPECT_EQ(fundIn({{ab + 1, unsere_.size()}}, ab + 1, unsere_, 100).stand, Beschreibungsfund::ABGELEHNT);
+    EXPECT_EQ(fundIn({{600, gelesene}}, 600, unsere_, 50000).bytes, beschreibung_);
+    EXPECT_EQ(fundIn({{600, gelesene + 1}}, 600, unsere_, 50000).stand, Beschreibungsfund::OHNE_PLATZ);
+}
+
+TEST_F(NotizVonHand, IsTheFirstOne) {
+    const std::uint64_t eine = unsere_.size();
+    EXPECT_EQ(fundIn({{600, 2 * eine}}, 600, unsere_ + unsere_).stelle, 620u);
+    EXPECT_EQ(fundIn({{600, eine}, {600 + eine, eine}}, 600, unsere_ + unsere_).stelle, 620u);
+}
+
+TEST_F(NotizVonHand, IsNotSoughtBehindTheTableOfSegments) {
+    std::string bytes = datei({{300, 10}, {600, unsere_.size()}}, 600) + unsere_;
+    EXPECT_EQ(standVon(bytes), Beschreibungsfund::GEFUNDEN);
+    --bytes[offsetof(ElfW(Ehdr), e_phnum)];
+    EXPECT_EQ(standVon(bytes), Beschreibungsfund::OHNE_PLATZ);
 }
 
 TEST_F(NotizVonHand, ALongDescriptionIsRead) {

@@ -154,6 +154,12 @@ TEST_F(SchadenTest, WhatNoPluginCanSayIsRefused) {
     EXPECT_EQ(grundFuer(mit("\x01", "\xFF\xFF\xFF\xFF\x1F")), widersinnig) << "a number of 33 bits";
     EXPECT_EQ(grundFuer(mit("\x01", "\xFF\xFF\xFF\xFF\xFF\x01")), widersinnig) << "a number of six bytes";
     EXPECT_EQ(grundFuer(mit("\x01", "\xFF\xFF\xFF\xFF\x0F")), widersinnig) << "more extensions than bytes";
+    const auto mitStatus = [](const std::string& status) {
+        return mitKopf(std::string("\x01\x02\0\0\0\0\0", 7) + status + std::string(2, '\0'));
+    };
+    EXPECT_EQ(fund(mitStatus("\x80\x80\x80\x80\x0F")).grund, "");
+    EXPECT_EQ(grundFuer(mitStatus("\x80\x80\x80\x80\x10")), widersinnig) << "a number of 33 bits";
+    EXPECT_EQ(grundFuer(mitStatus(std::string(10, '\x80') + "\x01")), widersinnig) << "a number of 71 bits";
 
     const std::string zehn("\x14\x02"
                            "10\0",
@@ -201,6 +207,10 @@ TEST_F(SchadenTest, WhatNoPluginCanSayIsRefused) {
               widersinnig)
         << "the smallest day";
 
+    EXPECT_EQ(grundFuer(mitZeitraum(std::string("\x04\xB2\x1F\x01\0\x52\0", 7))), widersinnig) << "month -1";
+    EXPECT_EQ(grundFuer(mitZeitraum(std::string("\x02\xB2\x1F\x02\x01\x52\0", 7))), widersinnig) << "day -1";
+    EXPECT_EQ(fund(mitZeitraum(std::string("\x02\xB2\x1F\x02\x02\x52\0", 7))).grund, "") << "January 1, 2009";
+
     const auto mitName = [&](std::size_t laenge) {
         return mitArten("\x01\xC5\x01" + zahl(static_cast<std::uint32_t>(laenge)) + std::string(laenge, 'a') +
                         std::string(1, '\0'));
@@ -215,6 +225,7 @@ TEST_F(SchadenTest, TheHeadIsChecked) {
                                                                       "digt";
     EXPECT_EQ(grundFuer("\x02" + bytes.substr(1)), andere) << "another format";
     EXPECT_EQ(grundFuer("\x01\x10" + bytes.substr(2)), andere) << "another release";
+    EXPECT_EQ(grundFuer("\x01\x11" + zahl(32000)), kaputt) << "longer than the room";
     EXPECT_EQ(grundFuer("\x01\x11" + zahl(32001)), "zu lang");
     EXPECT_EQ(grundFuer("\x01\x11" + zahl(heil_.platz)), kaputt) << "longer than the room";
     EXPECT_EQ(grundFuer(std::string(1, '\0') + bytes.substr(1)), andere) << "not filled, but not empty";
