@@ -45,7 +45,6 @@ Veranlagungszeitraum::Veranlagungszeitraum(int wert, const char* format)
 
 Veranlagungszeitraum Veranlagungszeitraum::parse(const std::string& text, const char* format) {
     Veranlagungszeitraum gelesen;
-    gelesen.typ_ = UNGELESEN;
     gelesen.text_ = text;
     gelesen.lies(text, format ? format : "");
     return gelesen;

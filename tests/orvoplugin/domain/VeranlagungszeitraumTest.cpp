@@ -159,7 +159,8 @@ TEST(Veranlagungszeitraum, OfANumberKeepsTheNumbersOwnText) {
 TEST(Veranlagungszeitraum, OfANumberWiderThanThePatternIsRefused) {
     EXPECT_THROW(Vz(2009, "YY"), InvalidFormatException);
     EXPECT_THROW(Vz(2009, ""), InvalidFormatException);
-    EXPECT_THROW(Vz(2009, nullptr), InvalidFormatException);
+    for (const int zahl : {2, 2009})
+        EXPECT_THAT([=] { Vz(zahl, nullptr); }, testing::ThrowsMessage<InvalidFormatException>(kLaenge));
 }
 
 TEST(Veranlagungszeitraum, OfANegativeNumberIsRefusedForItsSign) {
@@ -177,6 +178,7 @@ TEST(Veranlagungszeitraum, OfAnotherLengthThanItsPatternIsRefused) {
     EXPECT_EQ(meldung("", "YYYY"), kLaenge);
     EXPECT_EQ(meldung("2009", ""), kLaenge);
     EXPECT_EQ(meldung("2009", nullptr), kLaenge);
+    EXPECT_EQ(meldung("2", nullptr), kLaenge);
     EXPECT_EQ(meldung("xx", "????"), kLaenge) << "the length is looked at before anything else";
 }
 
@@ -193,6 +195,8 @@ TEST(Veranlagungszeitraum, WithACharacterThatIsNoDigitIsRefused) {
     for (const char* const text : {"2 09", " 009", "+009", "-009", "200x", "200\xB2", "2009-"})
         EXPECT_EQ(meldung(text, text[4] ? "YYYYM" : "YYYY"), kNichtNumerisch) << text;
     EXPECT_EQ(meldung(std::string("200\0", 4), "YYYY"), kNichtNumerisch);
+    EXPECT_EQ(meldung("200:", "YYYY"), kNichtNumerisch);
+    EXPECT_EQ(meldung("200/", "YYYY"), kNichtNumerisch);
 }
 
 TEST(Veranlagungszeitraum, UnderAnUnknownPatternLetterNamesTheDigitReadAndNotTheLetter) {
