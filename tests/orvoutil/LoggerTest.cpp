@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -275,6 +279,21 @@ TEST_F(LoggerTest, AnEntryStaysAsItIsWhileItsSinkLogs) {
     EXPECT_THAT(texte, ElementsAre("innen: erster, weitergegeben", "innen: noch einer", "aussen: erster",
                                    "innen: zweiter, weitergegeben", "innen: noch einer", "aussen: zweiter"));
 }
+
+#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 33)
+TEST_F(LoggerTest, KeepsNothingOfThreadsThatHaveEnded) {
+    Logger::setSink(std::make_shared<Senke>([](const LogEntry&) {}));
+    Logger* const logger = Logger::getInstance("a");
+    const std::string text(2000, 'x');
+    const auto logge = [&] {
+        for (int i = 0; i < 50; ++i)
+            std::thread([&] { logger->info(text); }).join();
+        return mallinfo2().uordblks;
+    };
+    const auto vorher = logge();
+    EXPECT_LT(logge(), vorher + 10 * text.size());
+}
+#endif
 
 TEST_F(LoggerTest, WritesWhileAThreadsObjectsAreDestroyed) {
     const Mitschnitt mitschnitt;

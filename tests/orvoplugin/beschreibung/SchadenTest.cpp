@@ -115,6 +115,17 @@ TEST_F(SchadenTest, EachRefusedDescriptionIsLoggedAndThePluginAsked) {
     }
 }
 
+TEST_F(SchadenTest, ThePluginIsAskedWhenItsDescriptionLies) {
+    for (const std::string& inhalt :
+         {std::string("\x01\x02\0\0\0\0\0\0\x04\0", 10), std::string("\x02\x02\0\0\0\0\0\0\0\0", 10)}) {
+        ASSERT_EQ(grundFuer(mitKopf(inhalt)), "widersinnig");
+        OrvoPluginLoader loader(true);
+        const std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(new orvo::orvoutil::SharedLib(pfad_)));
+        EXPECT_FALSE(plugin->istBeschrieben());
+        EXPECT_EQ(schreibeBeschreibung(*plugin), heil_.bytes);
+    }
+}
+
 TEST_F(SchadenTest, ADescriptionThatLiesIsRefusedOrTakenAsItStands) {
     int genommene = 0;
     for (int i = 0; i < kSchaeden; ++i) {
