@@ -77,7 +77,7 @@ private:
         auto* vorrat = static_cast<Vorrat*>(pthread_getspecific(*schluessel));
         if (!vorrat) {
             std::unique_ptr<Vorrat> neuer(new (std::nothrow) Vorrat);
-            if (neuer && pthread_setspecific(*schluessel, neuer.get()) == 0)
+            if (pthread_setspecific(*schluessel, neuer.get()) == 0)
                 vorrat = neuer.release();
         }
         return vorrat && vorrat->istFrei ? vorrat : nullptr;

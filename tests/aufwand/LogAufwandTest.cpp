@@ -9,13 +9,15 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <thread>
 
 namespace {
 
 using namespace orvo::orvoutil;
 
 struct StummeSenke : LogSink {
-    void write(const LogEntry&) override {}
+    void write(const LogEntry&) override { ++geschriebene; }
+    static inline int geschriebene = 0;
 };
 
 class LogAufwand : public testing::Test {
@@ -39,6 +41,14 @@ TEST_F(LogAufwand, AnEntryTakesNoMemoryOnceItsTextsHaveTheirRoom) {
     };
     schreibe();
     EXPECT_EQ(Zaehler::waehrend(schreibe).zuteilungen, 0);
+}
+
+TEST_F(LogAufwand, AnEntryIsWrittenWhereItsThreadHasNoMemoryForOne) {
+    const Log log("a");
+    StummeSenke::geschriebene = 0;
+    std::thread([&] { Zaehler::mitSpeicherFuer(0, [&] { log.info("kurz"); }); }).join();
+    EXPECT_TRUE(Zaehler::fehlteSpeicher());
+    EXPECT_EQ(StummeSenke::geschriebene, 1);
 }
 
 TEST_F(LogAufwand, AnEntryThatIsNotWrittenTakesNothing) {
