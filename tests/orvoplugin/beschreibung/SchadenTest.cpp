@@ -236,9 +236,9 @@ TEST_F(SchadenTest, TheHeadIsChecked) {
                                                                       "digt";
     EXPECT_EQ(grundFuer("\x02" + bytes.substr(1)), andere) << "another format";
     EXPECT_EQ(grundFuer("\x01\x10" + bytes.substr(2)), andere) << "another release";
-    EXPECT_EQ(grundFuer("\x01\x11" + zahl(32000)), kaputt) << "longer than the room";
-    EXPECT_EQ(grundFuer("\x01\x11" + zahl(32001)), "zu lang");
-    EXPECT_EQ(grundFuer("\x01\x11" + zahl(heil_.platz)), kaputt) << "longer than the room";
+    EXPECT_EQ(grundFuer("\x01\x12" + zahl(32000)), kaputt) << "longer than the room";
+    EXPECT_EQ(grundFuer("\x01\x12" + zahl(32001)), "zu lang");
+    EXPECT_EQ(grundFuer("\x01\x12" + zahl(heil_.platz)), kaputt) << "longer than the room";
     EXPECT_EQ(grundFuer(std::string(1, '\0') + bytes.substr(1)), andere) << "not filled, but not empty";
     EXPECT_EQ(grundFuer(bytes.substr(0, bytes.size() - 1)), kaputt);
     EXPECT_EQ(fund("").stand, Beschreibungsfund::LEER);
