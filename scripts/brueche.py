@@ -360,7 +360,9 @@ def ist_erster(wert):
 
 
 def um(zahl, unterschied):
-    return str(int(zahl) + unterschied) if re.fullmatch("[1-9][0-9]*|0", zahl) else f"({zahl} {unterschied:+d})"
+    if re.fullmatch("[1-9][0-9]*|0", zahl):
+        return str(int(zahl) + unterschied)
+    return f"({zahl} {'+' if unterschied > 0 else '-'} 1)"
 
 
 def anderer_text(text):
