@@ -284,7 +284,7 @@ def basis_des_zweigs():
 def harmlose():
     """What a person has judged: blocks of rule and place, line before, line after, reason."""
     bloecke = re.split(r"\n\s*\n", HARMLOSE.read_text("utf-8")) if HARMLOSE.exists() else []
-    return {tuple(b.splitlines()[:3]) for b in bloecke if not b.startswith("#")}
+    return {tuple(b.strip().splitlines()[:3]) for b in bloecke if not b.startswith("#")}
 
 
 def berichte(gefunden, lauf, vollstaendig, tabelle):
