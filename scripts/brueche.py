@@ -280,8 +280,8 @@ class Finder:
         for b in self.brueche:
             b.zeile, b.letzte_zeile = self.zeile(b.ab), self.zeile(b.bis - 1)
             ab, ende = self.zeilen[b.zeile - 1], self.text.find("\n", b.bis)
-            b.alt = " ".join(self.text[ab:ende].split())
-            b.geaendert = " ".join((self.text[ab:b.ab] + b.neu + self.text[b.bis:ende]).split())
+            b.alt = lesbar(self.text[ab:ende])
+            b.geaendert = lesbar(self.text[ab:b.ab] + b.neu + self.text[b.bis:ende])
             zaehler[b.alt, b.regel] += 1
             b.folge = zaehler[b.alt, b.regel]
 
@@ -351,6 +351,11 @@ def mit_varianten(brueche, text):
     art = "static " if text.rfind("\n", 0, ab) == ab - 1 else ""
     auswahl = f" {art}const auto& {name} = {wahl}{name}_ohne;"
     return [(ab, 1, -bis, -1, mehr), (name_bis, 1, 0, 0, "_ohne"), (bis, 0, 0, 0, auswahl)]
+
+
+def lesbar(text):
+    """On one line. Sources are UTF-8, and read byte by byte so that places are those of the compiler."""
+    return " ".join(text.encode("latin-1").decode("utf-8", "replace").split())
 
 
 def ist_erster(wert):
