@@ -25,7 +25,7 @@ BAU = BAUM / "build/dev"
 HARMLOSE = WURZEL / "tests/mutants/harmless.txt"
 PLATZ = 4000  # numbers for each file: when one changes, the others keep theirs and are not compiled again
 GRUPPE = 8  # tests in one process
-TESTS = re.compile(r"tests/(orvoutil|orvoelf|orvoplugin|model|faults|aufwand|kit)/(.*/)?tests_\w+$")
+TESTS = re.compile(r"tests/(orvoutil|orvoelf|orvoplugin|model|faults|versagen|aufwand|kit)/(.*/)?tests_\w+$")
 ZU_LANGSAM = "LosesNoMemory"  # under valgrind: each takes as long as hundreds of others
 KONSTANTEN = {"Konstanten.h", "ServiceKonstanten.h"}  # values for clients; each test includes them
 
