@@ -102,7 +102,7 @@ Service* (*OrvoServiceErweiterung::sucheFactory(OrvoPlugin& plugin))() {
     const std::uintptr_t oeffnung = bibliothek ? bibliothek->getOeffnung() : 0;
     if (oeffnung == 0 || oeffnung != oeffnung_) {
         factory_ = plugin.bibliothek().funktion<Service*()>(serviceFactoryName_);
-        oeffnung_ = oeffnung;
+        oeffnung_ = factory_ ? oeffnung : 0;
     }
     return factory_;
 }
