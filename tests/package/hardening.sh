@@ -3,7 +3,7 @@
 . "$(dirname -- "$0")/support.sh"
 need readelf nm
 
-files=("$WORK/moved/$LIBDIR"/lib*.so."$VERSION")
+files=("$WORK/moved/$LIBDIR"/lib*.so."$RELEASE.${VERSION#*.}")
 ! ((TOOL)) || files+=("$WORK/moved/bin/orvoplugin")
 for file in "${files[@]}"; do
     segments=$(readelf -lW "$file")
