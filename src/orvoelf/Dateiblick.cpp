@@ -435,6 +435,9 @@ Dateibefund blickeAufEine(const std::string& pfad, std::list<std::string>& weite
 /// Whether the process has a library of that name, which the loader then takes instead of a file.
 bool istGeladen(const std::string& name) {
     void* const griff = dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    while (dlerror()) {
+        // takes the error that it is not there, and frees its text
+    }
     return griff && dlclose(griff) == 0;
 }
 
