@@ -317,7 +317,7 @@ def auswahl():
     leser = argparse.ArgumentParser(prog="scripts/mutants", description=__doc__)
     leser.add_argument("dateien", nargs="*", metavar="FILE", help="a source or header in src/; without any, all")
     leser.add_argument("--changed", nargs="?", const="", metavar="BASE", help="only lines changed since this commit")
-    leser.add_argument("--minutes", type=float, default=600, help="stop after so long")
+    leser.add_argument("--minutes", type=float, default=600, help="run tests for so long, then stop")
     leser.add_argument("--least", type=float, default=100, metavar="PERCENT", help="fail if fewer were noticed")
     leser.add_argument("--all", action="store_true", help="also the headers of constants, which all tests include")
     leser.add_argument("--table", action="store_true", help="the summary as a table for docs/coverage.md")
@@ -326,7 +326,6 @@ def auswahl():
 
 def main():
     wahl = auswahl()
-    ende = time.monotonic() + 60 * wahl.minutes
     zeilen = None
     dateien = [os.path.relpath(os.path.realpath(d), WURZEL) for d in wahl.dateien]
     if wahl.changed is not None:
@@ -344,9 +343,10 @@ def main():
         print("Nothing to break.")
         return 0
     bekannte = harmlose()
+    baue_geschaltet(texte, gefunden, time.monotonic() + 3600)
+    ende = time.monotonic() + 60 * wahl.minutes
     lauf = Lauf([], bekannte, ende)
     try:
-        baue_geschaltet(texte, gefunden, ende)
         groesse = 1 + max(b.nummer for b in gefunden)
         with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as faeden:
             gemessene = sum(faeden.map(lambda g: vermesse(g, groesse, ende), gruppen()), [])
@@ -355,10 +355,8 @@ def main():
         lauf.geschaltete(geschaltete)
         lauf.einzelne(texte, einzelne)
     except ZeitUm:
-        pass
-    anteil = berichte(gefunden, lauf, zeilen is None, wahl.table)
-    if time.monotonic() > ende:
         print(f"Out of time: {len(gefunden) - len(lauf.ueberlebt)} breaks were not tried.")
+    anteil = berichte(gefunden, lauf, zeilen is None, wahl.table)
     return 0 if anteil >= wahl.least else 1
 
 
