@@ -83,7 +83,8 @@ int pruefeBibliothek(dl_phdr_info* bibliothek, std::size_t, void* daten) {
 
 bool liegtInOderDanach(void* griff, const void* adresse) {
     link_map* eigene = nullptr;
-    dlinfo(griff, RTLD_DI_LINKMAP, &eigene); // fails for no library that is open
+    if (dlinfo(griff, RTLD_DI_LINKMAP, &eigene) != 0)
+        return false;
     Suche suche{eigene->l_addr, reinterpret_cast<ElfW(Addr)>(adresse)};
     return dl_iterate_phdr(pruefeBibliothek, &suche) != 0;
 }
