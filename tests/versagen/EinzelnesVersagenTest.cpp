@@ -7,6 +7,7 @@
 #include <orvoutil/Logger.h>
 #include <orvoutil/ObjectLifetimeManager.h>
 #include <orvoutil/PathUtil.h>
+#include <orvoutil/SharedLib.h>
 #include <orvoutil/StreamLogSink.h>
 
 #include "TestPlugins.h"
@@ -82,6 +83,18 @@ TEST(EinzelnesVersagen, OfTheCurrentDirectorysNameLeavesARelativeHomeUsable) {
     ObjectLifetimeManager::instance().destroyAll();
     Einstellungen().setze("basis.home_dir", "");
     fs::current_path(hier);
+}
+
+TEST(EinzelnesVersagen, OfTheQuestionForALibraryHoldsNoAddress) {
+    SharedLib bibliothek(test_plugins::OffersSubcase1, true);
+    const void* const adresse = bibliothek.getSymbol("orvo_plugin_initialize");
+    ASSERT_NE(adresse, nullptr);
+    const int versagen = fuerJedesVersagen({Versager::AUSFALL}, [&] {
+        const bool enthalten = bibliothek.enthaelt(adresse);
+        EXPECT_EQ(enthalten, Versager::ruf().empty()) << Versager::ruf();
+    });
+    EXPECT_EQ(versagen, 3);
+    EXPECT_TRUE(Versager::gabEs("dlinfo"));
 }
 
 TEST(EinzelnesVersagen, OfTheLocalTimeKeepsTheLine) {
