@@ -59,6 +59,13 @@ bool Zaehler::fehlteSpeicher() { return gefehlt; }
 
 void* operator new(std::size_t groesse) { return teileZu(groesse); }
 void* operator new[](std::size_t groesse) { return teileZu(groesse); }
+void* operator new(std::size_t groesse, const std::nothrow_t&) noexcept {
+    try {
+        return teileZu(groesse);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
 void operator delete(void* speicher) noexcept { std::free(speicher); }
 void operator delete[](void* speicher) noexcept { std::free(speicher); }
 void operator delete(void* speicher, std::size_t) noexcept { std::free(speicher); }
