@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <thread>
 
 namespace {
@@ -49,6 +50,16 @@ TEST_F(LogAufwand, AnEntryIsWrittenWhereItsThreadHasNoMemoryForOne) {
     std::thread([&] { Zaehler::mitSpeicherFuer(0, [&] { log.info("kurz"); }); }).join();
     EXPECT_TRUE(Zaehler::fehlteSpeicher());
     EXPECT_EQ(StummeSenke::geschriebene, 1);
+}
+
+TEST_F(LogAufwand, ALoggerIsMadeByTheNextCallWhereThereWasNoMemory) {
+    bool hatSpeicher = false;
+    for (int speicher = 0; !hatSpeicher; ++speicher) {
+        const std::string kategorie = "orvo.probe.kategorie_" + std::to_string(speicher);
+        hatSpeicher =
+            Zaehler::mitSpeicherFuer(speicher, [&] { EXPECT_NE(Logger::getInstance(kategorie), nullptr); });
+        EXPECT_NE(Logger::getInstance(kategorie), nullptr) << speicher;
+    }
 }
 
 TEST_F(LogAufwand, AnEntryThatIsNotWrittenTakesNothing) {

@@ -127,6 +127,25 @@ TEST_F(Speichermangel, UnloadsEveryPluginAlsoWhenThereIsNoMemoryToTellTheLogOfIt
     Logger::setSink(nullptr);
 }
 
+// A value that is set but untold would never reach who lives by it.
+TEST_F(Speichermangel, SetsNoValueThatObserversAreNotToldOf) {
+    struct Hoerer : orvo::orvoutil::AenderungsBeobachter {
+        void empfangeAenderungsNachricht(const orvo::orvoutil::AenderungsNachricht&) override { ++gehoert; }
+        int gehoert = 0;
+    } hoerer;
+    const orvo::orvoutil::Einstellungen einstellungen;
+    einstellungen.beobachterAnmelden(&hoerer);
+    const std::string schluessel = "probe.ein_langer_schluessel", wert = "ein Wert, der auch lang ist";
+    for (int speicher = 0; hoerer.gehoert == 0; ++speicher) {
+        const bool gelungen =
+            Zaehler::mitSpeicherFuer(speicher, [&] { einstellungen.setze(schluessel, wert); });
+        ASSERT_NE(gelungen, Zaehler::fehlteSpeicher());
+        EXPECT_EQ(hoerer.gehoert == 1, einstellungen.wert(schluessel) == wert) << speicher;
+    }
+    einstellungen.setze(schluessel, "");
+    einstellungen.beobachterAbmelden(&hoerer);
+}
+
 TEST_F(Speichermangel, KeepsNoSymbolFromWhoAsksForIt) {
     const std::string pfad = home_.kopiere(test_plugins::DescribedByFile, "bibliothek.dylib");
     const std::string name = "orvo_plugin_get_types";

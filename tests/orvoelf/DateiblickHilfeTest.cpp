@@ -5,6 +5,7 @@
 #include <orvoutil/SharedLib.h>
 
 #include "ElfDatei.h"
+#include "orvoutil/CurrentDirectory.h"
 #include "support/Verzeichnis.h"
 
 #include <gtest/gtest.h>
@@ -78,8 +79,40 @@ TEST_F(DateiblickHilfe, NothingElseIsLookedAt) {
     for (const std::string& suchpfad :
          {std::string(), std::string("."), std::string(":$ORIGIN"), std::string("/lib:$ORIGIN"),
           std::string("$LIB:$ORIGIN"), std::string("$ORIGIN/$LIB/.."), std::string("$ORIGINAL"),
-          std::string("${ORIGIN"), std::string("$ORIGIN.:$ORIGIN"), hier.substr(0, 40)})
+          std::string("${ORIGIN"), std::string("$ORIGIN.:$ORIGIN"), std::string("$ORIGIN/$LIB:$ORIGIN"),
+          hier.substr(0, 40)})
         EXPECT_EQ(grund(lege(suchpfad)), "") << suchpfad;
+}
+
+TEST_F(DateiblickHilfe, ANameWithADirectoryOrWithoutALetterIsNotSearched) {
+    legeAbgeschnitten("u/bhilfe.so");
+    ElfDatei datei(lege("$ORIGIN"));
+    ElfDatei ohneNamen = datei;
+    for (std::size_t i = 0; (i = datei.bytes.find(kName, i)) != std::string::npos;)
+        datei.bytes.replace(i, 2, "u/");
+    EXPECT_EQ(grund(verzeichnis.schreibe("braucht.so", datei.bytes)), "");
+    ohneNamen.eintrag(DT_NEEDED).d_un.d_val = ohneNamen.eintrag(DT_STRSZ).d_un.d_val - 1;
+    EXPECT_EQ(grund(verzeichnis.schreibe("braucht.so", ohneNamen.bytes)), "");
+}
+
+TEST_F(DateiblickHilfe, TheLaterOfTwoKindsOfSearchPathCounts) {
+    legeAbgeschnitten();
+    ElfDatei datei(lege("$ORIGIN"));
+    const auto text = datei.eintrag(DT_RUNPATH).d_un.d_val;
+    datei.nebensache() = {DT_RPATH, {0}};
+    EXPECT_EQ(grund(verzeichnis.schreibe("braucht.so", datei.bytes)), kAbgeschnitten);
+    datei.eintrag(DT_RUNPATH).d_un.d_val = 0;
+    datei.eintrag(DT_RPATH).d_un.d_val = text;
+    EXPECT_EQ(grund(verzeichnis.schreibe("braucht.so", datei.bytes)), "");
+}
+
+TEST_F(DateiblickHilfe, IsSearchedBesideALibraryThatIsNamedWithoutADirectory) {
+    lege("$ORIGIN");
+    legeAbgeschnitten();
+    const CurrentDirectory dort(verzeichnis.pfad());
+    SharedLib lib("braucht.so");
+    EXPECT_FALSE(lib.load());
+    EXPECT_TRUE(lib.scheiterteVorDemOeffnen()) << lib.getLastError();
 }
 
 TEST_F(DateiblickHilfe, ThatOfALibraryThatIsNeededItselfIsLookedAtToo) {

@@ -224,8 +224,11 @@ TEST_F(Schaden, ASegmentWithoutBytesLiesNowhereInTheFile) {
     EXPECT_EQ(blick(datei.bytes).grund, "abgeschnitten: Segment endet hinter der Datei");
 }
 
-TEST_F(Schaden, AProgramIsKnownByItsInterpreterToo) {
+TEST_F(Schaden, AProgramIsKnownByItsMarkOrItsInterpreter) {
     ElfDatei datei(A_POSITION_INDEPENDENT_PROGRAM);
+    ElfDatei nurMarkiertes = datei;
+    nurMarkiertes.segmentVom(PT_INTERP).p_type = PT_NULL;
+    EXPECT_EQ(blick(nurMarkiertes.bytes).mangel, KEINE_BIBLIOTHEK);
     datei.eintrag(DT_FLAGS_1).d_un.d_val &= ~ElfW(Addr){DF_1_PIE};
     EXPECT_EQ(blick(datei.bytes).mangel, KEINE_BIBLIOTHEK);
     datei.segmentVom(PT_INTERP).p_type = PT_NULL;
@@ -379,6 +382,22 @@ INSTANTIATE_TEST_SUITE_P(
            Fall{"ThreadLocalsNowhere",
                 [](ElfDatei& d) { d.segmentVom(PT_TLS).p_filesz = 8, d.segmentVom(PT_TLS).p_vaddr = kWeit; },
                 BESCHAEDIGT, "^Segment [0-9]+ liegt nicht"},
+           Fall{"ThreadLocalsImmense", [](ElfDatei& d) { d.segmentVom(PT_TLS).p_memsz = kWeit; }, BESCHAEDIGT,
+                "Adressraum"},
+           Fall{"NotReadable", [](ElfDatei& d) { d.segmentVom(PT_LOAD).p_flags &= ~ElfW(Word){PF_R}; },
+                BESCHAEDIGT, " liegt nicht im geladenen Teil der Datei$"},
+           Fall{"DynamicOnlyToBeRead",
+                [](ElfDatei& d) {
+                    d.segment(letztesLadbare(d)).p_flags = PF_R;
+                    d.segmentVom(PT_DYNAMIC).p_flags = PF_R;
+                },
+                KEINER, "^$"},
+           Fall{"ALaterDynamicOne",
+                [](ElfDatei& d) {
+                    d.haengeSegmentAn() = d.segmentVom(PT_DYNAMIC);
+                    d.segmentVom(PT_DYNAMIC).p_vaddr = kWeit;
+                },
+                KEINER, "^$"},
            Fall{"ProtectsFarAway", [](ElfDatei& d) { d.segmentVom(PT_GNU_RELRO).p_memsz = kWeit; },
                 BESCHAEDIGT, "Adressraum"}),
     [](const auto& fall) { return fall.param.name; });
@@ -412,6 +431,24 @@ INSTANTIATE_TEST_SUITE_P(
         Fall{"RelocationsWithoutALength", verliere(kRelosz), BESCHAEDIGT, "^DT_RELA? ist unvollst\xE4ndig$"},
         Fall{"RelocationsOfUnknownSize", setze(kReloent, 16), BESCHAEDIGT, "^DT_RELA? ist unvollst\xE4ndig$"},
         Fall{"StartFunctionsWithoutALength", verliere(DT_INIT_ARRAYSZ), BESCHAEDIGT, "^DT_INIT_ARRAY ist"},
+        Fall{"StartFunctionsNowhere", setze(DT_INIT_ARRAY, kWeit), BESCHAEDIGT, "^DT_INIT_ARRAY liegt nicht"},
+        Fall{"NoStartFunctionsNowhere",
+             [](ElfDatei& d) {
+                 setze(DT_INIT_ARRAY, kWeit)(d);
+                 setze(DT_INIT_ARRAYSZ, 0)(d);
+             },
+             KEINER, "^$"},
+        Fall{"EndFunctionsNowhere", setze(DT_FINI_ARRAY, kWeit), BESCHAEDIGT, "^DT_FINI_ARRAY liegt nicht"},
+        Fall{"EndFunctionsWithoutALength", verliere(DT_FINI_ARRAYSZ), BESCHAEDIGT, "^DT_FINI_ARRAY ist"},
+        Fall{"ALengthWithoutEndFunctions", verliere(DT_FINI_ARRAY), BESCHAEDIGT, "^DT_FINI_ARRAY ist"},
+        Fall{"JumpsNowhere", setze(DT_JMPREL, kWeit), BESCHAEDIGT, "^DT_JMPREL liegt nicht"},
+        Fall{"JumpsWithoutALength", verliere(DT_PLTRELSZ), BESCHAEDIGT, "^DT_JMPREL ist"},
+        Fall{"ALengthWithoutRelocations", verliere(kRelo), BESCHAEDIGT, "^DT_RELA? ist unvollständig$"},
+        Fall{"ATableNamedAgain",
+             [](ElfDatei& d) {
+                 d.nebensache() = {DT_GNU_HASH, {kWeit}};
+             },
+             BESCHAEDIGT, "^DT_GNU_HASH liegt nicht"},
         Fall{"EndFunctionNowhere", setze(kEndfunktion, kWeit), BESCHAEDIGT, "^DT_FINI(_ARRAY)? liegt nicht"},
         Fall{"VersionsNowhere", setze(DT_VERNEED, kWeit), BESCHAEDIGT, "^DT_VERNEED liegt nicht"},
         Fall{"JumpsOfUnknownKind", setze(DT_PLTREL, 1), BESCHAEDIGT, "^DT_JMPREL ist"},

@@ -31,6 +31,7 @@ using namespace testing;
 namespace {
 
 int systemaufrufe = 0;
+int letzteOeffnungsart = 0;
 
 /// The next reading but so many yields that instead of the bytes: fewer of them, or an error number below zero.
 struct Lesung {
@@ -63,6 +64,7 @@ int __wrap_fstat(int deskriptor, struct stat* zustand);
 
 int __wrap_open(const char* pfad, int art) {
     ++systemaufrufe;
+    letzteOeffnungsart = art;
     if (!stoerung.istVerliehen || !(art & O_NONBLOCK))
         return __real_open(pfad, art);
     errno = EWOULDBLOCK;
@@ -207,6 +209,15 @@ TEST(Dateiblick, ALibraryForAnotherReleaseIsRefused) {
               "f\xFCr eine andere Ausgabe gebaut: braucht liborvoutil.so.99, hier ist " LIBORVOUTIL_NAME);
     EXPECT_EQ(blickeAufDatei(NEEDS_THIS_PLUGIN_RELEASE).grund, "");
     EXPECT_EQ(blickeAufDatei(NEEDS_THIS_UTIL_RELEASE).grund, "");
+
+    const Verzeichnis verzeichnis;
+    ElfDatei laengere(NEEDS_ANOTHER_UTIL_RELEASE); // its number begins as this one's
+    const std::string name = LIBORVOUTIL_NAME "0";
+    const std::size_t stelle = laengere.bytes.find("liborvoutil.so.99");
+    ASSERT_NE(stelle, std::string::npos);
+    std::memcpy(&laengere.bytes[stelle], name.c_str(), name.size() + 1);
+    EXPECT_EQ(blickeAufDatei(verzeichnis.schreibe("laengere.so", laengere.bytes)).grund,
+              "f\xFCr eine andere Ausgabe gebaut: braucht " + name + ", hier ist " LIBORVOUTIL_NAME);
 }
 
 TEST(Dateiblick, SaysWhyAFileCannotBeOpened) {
@@ -375,6 +386,17 @@ TEST(Dateiblick, TakesAnyDescriptorAndAnyFormerError) {
     EXPECT_EQ(offeneDeskriptoren(), vorher);
     dup2(eingang, STDIN_FILENO);
     close(eingang);
+}
+
+// Programs that are started meanwhile get no descriptor, and no terminal becomes the process's own.
+TEST(Dateiblick, OpensForItselfAlone) {
+    const Verzeichnis verzeichnis;
+    blickeAufDatei(verzeichnis.pfad());
+    EXPECT_EQ(letzteOeffnungsart, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    stoerung.istVerliehen = true;
+    blickeAufDatei(verzeichnis.schreibe("verliehen", ""));
+    stoerung.istVerliehen = false;
+    EXPECT_EQ(letzteOeffnungsart, O_RDONLY | O_CLOEXEC | O_NOCTTY);
 }
 
 TEST(Dateiblick, NoDescriptorStaysOpen) {

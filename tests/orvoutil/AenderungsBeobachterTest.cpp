@@ -16,7 +16,9 @@ struct Beobachter : AenderungsBeobachter {
 } // namespace
 
 TEST(AenderungsNachricht, CarriesKindAndKey) {
-    const AenderungsNachricht nachricht(3, "basis.home_dir");
+    std::string schluessel = "basis.home_dir";
+    const AenderungsNachricht nachricht(3, schluessel);
+    schluessel = "ein anderer";
     EXPECT_EQ(nachricht.getArt(), 3);
     EXPECT_EQ(nachricht.getSchluessel(), "basis.home_dir");
     EXPECT_EQ(AenderungsNachricht::EINSTELLUNG_GEAENDERT, 3);

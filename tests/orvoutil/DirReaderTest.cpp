@@ -203,6 +203,19 @@ TEST(DirReader, KeepsWhatItReadBeforeAnErrorAndTellsTheReason) {
     EXPECT_EQ(DirReader(verzeichnis.pfad(), "*.x").getFehler(), "");
 }
 
+TEST(DirReader, SortsWhatItReadBeforeAnError) {
+    const Verzeichnis verzeichnis;
+    for (int i = 0; i < 40; ++i) {
+        verzeichnis.legeAn("verzeichnis" + std::to_string(i));
+        verzeichnis.schreibe("datei" + std::to_string(i), "");
+    }
+    lesefehler = {EIO, 80};
+    const DirReader leser(verzeichnis.pfad(), "*");
+    EXPECT_GE(leser.getFiles().size() + leser.getDirectories().size(), 78u);
+    EXPECT_TRUE(std::is_sorted(leser.getFiles().begin(), leser.getFiles().end()));
+    EXPECT_TRUE(std::is_sorted(leser.getDirectories().begin(), leser.getDirectories().end()));
+}
+
 TEST(DirReader, GivesNoReasonForADirectoryThatDoesNotExist) {
     const Verzeichnis verzeichnis;
     EXPECT_EQ(DirReader(verzeichnis.pfad("fehlt"), "*").getFehler(), "");

@@ -87,6 +87,15 @@ TEST_F(EinstellungenTest, KeepsValuesByteForByte) {
     EXPECT_EQ(einstellungen.wert("k"), wert);
 }
 
+TEST_F(EinstellungenTest, KeepsKeysByteForByte) {
+    const std::string schluessel("k\0l", 3);
+    einstellungen.setze(schluessel, "wert");
+    EXPECT_EQ(einstellungen.wert(schluessel), "wert");
+    EXPECT_EQ(einstellungen.wert("k"), "");
+    einstellungen.setze(schluessel, "");
+    EXPECT_EQ(einstellungen.wert(schluessel), "");
+}
+
 TEST_F(EinstellungenTest, AnswersItsTwoKeysByName) {
     einstellungen.setze(kHomeDir, "/home/orvo");
     einstellungen.setze(kResidentPlugins, "a,b,");

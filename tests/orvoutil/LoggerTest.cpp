@@ -13,6 +13,8 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -103,6 +105,27 @@ TEST_F(LoggerTest, KeepsTheLevelThatWasSetWithoutASink) {
     const Logger* const logger = Logger::getInstance("a");
     EXPECT_FALSE(logger->isInfoEnabled());
     EXPECT_TRUE(logger->isWarnEnabled());
+}
+
+TEST_F(LoggerTest, KeepsTheLevelWhenItsSinkGoes) {
+    const auto senke = std::make_shared<Senke>([](const LogEntry&) {});
+    Logger::setSink(senke);
+    Logger::setLevel(LogLevel::Debug);
+    Logger::setSink(nullptr);
+    Logger::setSink(senke);
+    EXPECT_TRUE(Logger::getInstance("a")->isDebugEnabled());
+}
+
+TEST_F(LoggerTest, NamesItsCategoryWhateverTheThreadWroteBefore) {
+    const Mitschnitt mitschnitt;
+    for (const char* const kategorie : {"eins", "zwei", "drei", "elf"})
+        Logger::getInstance(kategorie)->info("x");
+    const std::string lang = "orvo.plugin";
+    Logger::getInstance(std::string_view(lang).substr(0, 7))->info("x"); // not ended by a zero byte
+    std::vector<std::string> kategorien;
+    for (const LogEntry& e : mitschnitt.eintraege())
+        kategorien.push_back(e.category);
+    EXPECT_THAT(kategorien, ElementsAre("eins", "zwei", "drei", "elf", "orvo.pl"));
 }
 
 TEST_F(LoggerTest, WritesEverythingAtDebug) {

@@ -1,5 +1,9 @@
 #include <orvoutil/ObjectLifetimeManager.h>
 
+#include <orvoutil/SharedLib.h>
+
+#include "libs/Gemeinsames.h"
+
 #include <gmock/gmock.h>
 
 #include <atomic>
@@ -13,6 +17,7 @@
 #include <vector>
 
 using orvo::orvoutil::ObjectLifetimeManager;
+using orvo::orvoutil::SharedLib;
 using testing::ElementsAre;
 using testing::ExitedWithCode;
 using testing::IsEmpty;
@@ -91,6 +96,17 @@ TEST_F(ObjectLifetimeManagerTest, FindsByTheTypeOfRegistrationOnly) {
     manager().addObject<Basis>("basis", new Abgeleitet);
     EXPECT_NE(manager().getObject<Basis>("basis"), nullptr);
     EXPECT_EQ(manager().getObject<Abgeleitet>("basis"), nullptr);
+}
+
+TEST_F(ObjectLifetimeManagerTest, FindsForALibraryWithARecordOfTheTypeOfItsOwn) {
+    SharedLib lib(FINDS_AN_OBJECT, true);
+    const auto findet = reinterpret_cast<const void* (*)(const char*)>(lib.getSymbol("finde_gemeinsames"));
+    ASSERT_NE(findet, nullptr) << lib.getLastError();
+    auto* const objekt = new Gemeinsames;
+    manager().addObject("gemeinsames", objekt);
+    EXPECT_EQ(findet("gemeinsames"), objekt);
+    lege("anderes");
+    EXPECT_EQ(findet("anderes"), nullptr);
 }
 
 TEST_F(ObjectLifetimeManagerTest, RefusesANameInUse) {

@@ -97,6 +97,6 @@ TEST(OrvoVersion, KnowsWhetherEveryPartOfTheTextIsANumber) {
          {"1", "17.4.6", "17, 4, 6, 64001", " 1 . 2 ", "007", "99999999999999999999"})
         EXPECT_TRUE(OrvoVersion(text).hatNurZahlen()) << text;
     for (const char* const text :
-         {"", " ", ".", "1.", ".1", "1..2", "1.x", "1.2b", "-1", "1 2", "1.2.", "v1", "1,"})
+         {"", " ", ".", "1.", ".1", "1..2", "1.x", "1.2b", "-1", "1 2", "1.2.", "v1", "1,", "1;5", "1:5"})
         EXPECT_FALSE(OrvoVersion(text).hatNurZahlen()) << text;
 }

@@ -143,4 +143,11 @@ TEST(ExtractPathFilenameExtension, MayWriteIntoWhatItReads) {
     EXPECT_EQ(voll, "/ein/langer/pfad/zu/einer");
     EXPECT_EQ(name, "libbibliothek");
     EXPECT_EQ(endung, "dylib");
+
+    std::string pfad, auchEndung = "/pfad/lib.langeendung";
+    ASSERT_TRUE(extractPathFilenameExtension(auchEndung, pfad, name, auchEndung));
+    EXPECT_EQ(pfad + " " + name + " " + auchEndung, "/pfad lib langeendung");
+    std::string auchName = "/pfad/lib.langeendung";
+    ASSERT_TRUE(extractPathFilenameExtension(auchName, pfad, auchName, endung));
+    EXPECT_EQ(pfad + " " + auchName + " " + endung, "/pfad lib langeendung");
 }

@@ -16,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <thread>
 
 using orvo::orvoutil::SharedLib;
 using namespace testing;
@@ -108,6 +109,7 @@ TEST(SharedLib, SaysWhyTheSystemDidNotCloseIt) {
     EXPECT_FALSE(lib.unload());
     EXPECT_THAT(lib.getLastError(), NamesOnce(lib.getName()));
     EXPECT_FALSE(lib.isLoaded());
+    EXPECT_EQ(lib.getOeffnung(), 0u);
 }
 
 TEST(SharedLib, ClosesWhenItGoes) {
@@ -277,6 +279,9 @@ TEST(SharedLib, NumbersItsOpenings) {
     EXPECT_EQ(lib.getOeffnung(), 0u);
     ASSERT_TRUE(lib.load());
     EXPECT_GT(lib.getOeffnung(), erste);
+    std::uintptr_t andererFaden = 0;
+    std::thread([&] { andererFaden = (lib.unload(), lib.load(), lib.getOeffnung()); }).join();
+    EXPECT_GT(andererFaden, andere.getOeffnung());
 }
 
 TEST(SharedLib, KnowsWhatLiesInItAndInWhatItBrought) {
@@ -308,6 +313,7 @@ TEST(SharedLib, KnowsItsBoundsToTheByte) {
     struct Segmente {
         const char* anfang = nullptr;
         const char* endeDesErsten = nullptr;
+        const char* endeDesLetzten = nullptr; ///< in memory, which the file may fill only in part
     } segmente;
     const auto suche = [](dl_phdr_info* bibliothek, std::size_t, void* daten) {
         if (std::string(bibliothek->dlpi_name) != HAS_SYMBOLS)
@@ -316,7 +322,12 @@ TEST(SharedLib, KnowsItsBoundsToTheByte) {
         while (segment->p_type != PT_LOAD)
             ++segment;
         const auto anfang = reinterpret_cast<const char*>(bibliothek->dlpi_addr + segment->p_vaddr);
-        *static_cast<Segmente*>(daten) = {anfang, anfang + segment->p_memsz};
+        auto& gefundene = *static_cast<Segmente*>(daten);
+        gefundene = {anfang, anfang + segment->p_memsz};
+        for (; segment != bibliothek->dlpi_phdr + bibliothek->dlpi_phnum; ++segment)
+            if (segment->p_type == PT_LOAD)
+                gefundene.endeDesLetzten = reinterpret_cast<const char*>(bibliothek->dlpi_addr +
+                                                                         segment->p_vaddr + segment->p_memsz);
         return 1;
     };
     ASSERT_EQ(dl_iterate_phdr(suche, &segmente), 1);
@@ -324,6 +335,7 @@ TEST(SharedLib, KnowsItsBoundsToTheByte) {
     EXPECT_FALSE(lib.enthaelt(segmente.anfang - 1));
     EXPECT_TRUE(lib.enthaelt(segmente.endeDesErsten - 1));
     EXPECT_FALSE(lib.enthaelt(segmente.endeDesErsten));
+    EXPECT_TRUE(lib.enthaelt(segmente.endeDesLetzten - 1));
 }
 
 TEST(SharedLib, DoesNotCountWhatWasThereBeforeItAsBroughtAlong) {
@@ -354,9 +366,10 @@ TEST(SharedLib, RefusesNamesThatTheLoaderWouldChange) {
     struct {
         const char* name;
         const char* wort;
-    } const mitten[] = {{"${LIB}x.so", "${LIB}"}, {"$LIB.so", "$LIB"}, {"$$LIB", "$LIB"}, {"$a$LIB", "$LIB"},
-                        {"$LIB@", "$LIB"},        {"$LIB[", "$LIB"},   {"$LIB`", "$LIB"}, {"$LIB{", "$LIB"},
-                        {"$LIB/x", "$LIB"},       {"$LIB:", "$LIB"}};
+    } const mitten[] = {{"${LIB}x.so", "${LIB}"}, {"$LIB.so", "$LIB"},    {"$$LIB", "$LIB"},
+                        {"$a$LIB", "$LIB"},       {"$LIB@", "$LIB"},      {"$LIB[", "$LIB"},
+                        {"$LIB`", "$LIB"},        {"$LIB{", "$LIB"},      {"$LIB/x", "$LIB"},
+                        {"$LIB:", "$LIB"},        {"$LIB$ORIGIN", "$LIB"}};
     for (const auto& [name, wort] : mitten) {
         SharedLib lib(verzeichnis.kopiere(HAS_SYMBOLS, name), true);
         EXPECT_THAT(lib.getLastError(), EndsWith(std::string("Platzhalter im Namen: ") + wort));

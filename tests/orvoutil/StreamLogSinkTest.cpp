@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <ctime>
 #include <iomanip>
@@ -160,18 +161,29 @@ TEST(StreamLogSink, LosesNoMoreThanTheLogWhenTheStreamFails) {
     ausgabe.exceptions(std::ios::badbit);
     Logger::setSink(std::make_shared<StreamLogSink>(ausgabe));
     Logger::getInstance("a")->error("x");
-    Logger::setSink(nullptr);
     EXPECT_TRUE(ausgabe.bad());
+    ausgabe.clear();
+    Logger::getInstance("a")->error("x"); // waits for nothing that the first one left
+    EXPECT_TRUE(ausgabe.bad());
+    Logger::setSink(nullptr);
 }
 
 TEST(StreamLogSink, KeepsTheLinesOfSeveralThreadsApart) {
     constexpr int kRunden = 200;
     struct Traege : std::stringbuf { // gives other threads time to write in between
         std::streamsize xsputn(const char* text, std::streamsize laenge) override {
+            drinnen = std::this_thread::get_id();
             const std::streamsize erster = std::stringbuf::xsputn(text, laenge / 2);
             std::this_thread::yield();
+            ungestoert = ungestoert && drinnen == std::this_thread::get_id();
             return erster + std::stringbuf::xsputn(text + laenge / 2, laenge - laenge / 2);
         }
+        int sync() override {
+            ungestoert = ungestoert && drinnen == std::this_thread::get_id();
+            return 0;
+        }
+        std::atomic<std::thread::id> drinnen; ///< the last one that wrote
+        std::atomic<bool> ungestoert = true;
     } puffer;
     std::ostream ausgabe(&puffer);
     StreamLogSink senke(ausgabe);
@@ -183,6 +195,7 @@ TEST(StreamLogSink, KeepsTheLinesOfSeveralThreadsApart) {
                     senke.write(eintrag(LogKind::Message, LogLevel::Info, "ganze Zeile"));
             });
     }
+    EXPECT_TRUE(puffer.ungestoert);
     std::istringstream zeilen(puffer.str());
     int anzahl = 0;
     std::string vorige;

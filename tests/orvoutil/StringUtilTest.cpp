@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <utility>
 
 using namespace orvo::orvoutil;
 
@@ -90,6 +91,15 @@ TEST(CompareIgnoreCase, TakesLettersOfBothCasesAsEqual) {
     EXPECT_EQ(compareIgnoreCase("", ""), 0);
     EXPECT_NE(compareIgnoreCase("\xC4", "\xE4"), 0);
     EXPECT_NE(compareIgnoreCase("[", "{"), 0);
+}
+
+TEST(EqualsIgnoreCase, TakesLettersOfBothCasesAsEqualAndNothingElse) {
+    EXPECT_TRUE(equalsIgnoreCase("LStB", "lsTb"));
+    EXPECT_TRUE(equalsIgnoreCase("", ""));
+    EXPECT_TRUE(equalsIgnoreCase("az", "AZ"));
+    for (const auto& [a, b] : {std::pair("[", "{"), std::pair("@", "`"), std::pair("\xC4", "\xE4"),
+                               std::pair("a", "ab"), std::pair("ba", "ca"), std::pair("ab", "ac")})
+        EXPECT_FALSE(equalsIgnoreCase(a, b)) << a << b;
 }
 
 TEST(CompareIgnoreCase, OrdersByUnsignedLowerCaseBytes) {
