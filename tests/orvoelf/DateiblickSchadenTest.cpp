@@ -259,10 +259,10 @@ TEST_F(Schaden, TheNameOfAnotherReleaseIsFoundAtBothEndsOfTheTexts) {
 
     datei.haengeSegmentAn(); // moves the table of segments, so a segment's bytes can lie last
     auto& letztes = datei.segment(datei.kopf().e_phnum - 1u);
+    letztes.p_vaddr = static_cast<ElfW(Addr)>(datei.speicherende() + 0x10000);
     letztes.p_type = PT_LOAD;
     letztes.p_flags = PF_R;
     letztes.p_offset = datei.bytes.size();
-    letztes.p_vaddr = static_cast<ElfW(Addr)>(datei.speicherende() + 0x10000);
     letztes.p_filesz = letztes.p_memsz = name.size() + 2;
     datei.eintrag(DT_STRTAB).d_un.d_ptr = letztes.p_vaddr;
     datei.ohneAbschnitte();
