@@ -136,7 +136,7 @@ TEST_F(Speichermangel, SetsNoValueThatObserversAreNotToldOf) {
     const orvo::orvoutil::Einstellungen einstellungen;
     einstellungen.beobachterAnmelden(&hoerer);
     const std::string schluessel = "probe.ein_langer_schluessel", wert = "ein Wert, der auch lang ist";
-    for (int speicher = 0; hoerer.gehoert == 0; ++speicher) {
+    for (int speicher = 0; hoerer.gehoert == 0 && !HasFailure(); ++speicher) {
         const bool gelungen =
             Zaehler::mitSpeicherFuer(speicher, [&] { einstellungen.setze(schluessel, wert); });
         ASSERT_NE(gelungen, Zaehler::fehlteSpeicher());

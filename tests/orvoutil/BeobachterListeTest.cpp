@@ -55,6 +55,16 @@ TEST_F(BeobachterListeTest, RemovesTheFirstOfTwoEqualEntries) {
     EXPECT_THAT(alle(), ElementsAre(&b_, &c, &a));
 }
 
+TEST_F(BeobachterListeTest, RemovesTheFirstOfTwoEqualEntriesAlsoDuringAWalk) {
+    liste->anhaengen(&a);
+    {
+        Liste::Durchlauf durchlauf(*liste);
+        liste->entfernen(&a);
+        EXPECT_THAT(rest(durchlauf), ElementsAre(&b_, &c, &a));
+    }
+    EXPECT_THAT(alle(), ElementsAre(&b_, &c, &a));
+}
+
 TEST_F(BeobachterListeTest, StaysAtItsEndHoweverOftenItIsAsked) {
     Liste::Durchlauf durchlauf(*liste);
     rest(durchlauf);
@@ -139,6 +149,17 @@ TEST_F(BeobachterListeTest, TakesEveryWalkAcrossARemoval) {
     liste->entfernen(&a);
     liste->entfernen(&b_);
     EXPECT_THAT(rest(innen), ElementsAre(&c));
+    EXPECT_THAT(rest(aussen), ElementsAre(&c));
+}
+
+TEST_F(BeobachterListeTest, KeepsWhereAWalkStandsWhenAnInnerOneEnds) {
+    Liste::Durchlauf aussen(*liste);
+    EXPECT_EQ(aussen.naechster(), &a);
+    {
+        Liste::Durchlauf innen(*liste);
+        liste->entfernen(&b_);
+    }
+    liste->anhaengen(&neu); // takes the memory of an entry that was given back
     EXPECT_THAT(rest(aussen), ElementsAre(&c));
 }
 

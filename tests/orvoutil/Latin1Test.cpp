@@ -22,7 +22,8 @@ TEST(Latin1Text, GoesWhereTextsGo) {
     EXPECT_EQ(std::string("x") + kGruss.c_str(), "x" + text);
     const std::string_view sicht = kGruss;
     EXPECT_EQ(sicht.size(), 7u);
-    EXPECT_EQ(std::string(Latin1Text{u8"a\0b"}).size(), 3u);
+    const std::string mitNullbyte = Latin1Text{u8"a\0b"};
+    EXPECT_EQ(mitNullbyte.size(), 3u);
 }
 
 TEST(Latin1Text, HoldsEveryCharacterOfLatin1) {
