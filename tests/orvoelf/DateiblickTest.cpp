@@ -106,6 +106,31 @@ std::string schreibe(const Verzeichnis& verzeichnis, const ElfDatei& datei) {
     return verzeichnis.schreibe("geaendert.so", datei.bytes);
 }
 
+/// A library with its dynamic section, its section table and, if wanted, its segment table far from the rest.
+ElfDatei verstreute(bool auchSegmenttabelle) {
+    ElfDatei datei(HAS_EVERYTHING);
+    const ElfW(Phdr) dynamik = datei.segmentVom(PT_DYNAMIC);
+    for (unsigned i = 0; i < datei.kopf().e_phnum; ++i) {
+        auto& s = datei.segment(i);
+        if (s.p_type != PT_LOAD || s.p_vaddr > dynamik.p_vaddr || dynamik.p_vaddr - s.p_vaddr >= s.p_filesz)
+            continue;
+        const std::string bytes = datei.bytes.substr(s.p_offset, s.p_filesz);
+        s.p_offset += 0x80000;
+        datei.bytes.resize(s.p_offset);
+        datei.bytes += bytes;
+        break;
+    }
+    datei.bytes.resize(0x100000);
+    if (auchSegmenttabelle)
+        datei.haengeSegmentAn();
+    const std::string abschnitte =
+        datei.bytes.substr(datei.kopf().e_shoff, datei.kopf().e_shnum * sizeof(ElfW(Shdr)));
+    datei.bytes.resize(0x180000);
+    datei.kopf().e_shoff = datei.bytes.size();
+    datei.bytes += abschnitte;
+    return datei;
+}
+
 } // namespace
 
 /// The leak checker takes thread-local variables of a closed library for alive and follows what is in their place. So
@@ -323,29 +348,21 @@ TEST(Dateiblick, FilesOfOtherKindsAreNoLibraries) {
     }
 }
 
+TEST(Dateiblick, AnErrorOfTheLastReadingIsTheReason) {
+    const Verzeichnis verzeichnis;
+    ElfDatei datei = verstreute(false);
+    datei.bytes.resize(datei.bytes.size() + 0x8000); // so that the reading before is a whole one
+    const std::string pfad = schreibe(verzeichnis, datei);
+    EXPECT_EQ(blickeAufDatei(pfad).grund, "");
+    abweichende = {2, -EIO};
+    EXPECT_EQ(blickeAufDatei(pfad).grund, std::string(kNichtZuOeffnen) + "Input/output error");
+    EXPECT_EQ(abweichende.nach, -1) << "there were fewer readings";
+    abweichende = {};
+}
+
 TEST(Dateiblick, LeavesToTheLoaderWhatTakesTooManyReadings) {
     const Verzeichnis verzeichnis;
-    ElfDatei datei(
-        HAS_EVERYTHING); // its segment table, dynamic section and section table far from each other
-    const ElfW(Phdr) dynamik = datei.segmentVom(PT_DYNAMIC);
-    for (unsigned i = 0; i < datei.kopf().e_phnum; ++i) {
-        auto& s = datei.segment(i);
-        if (s.p_type != PT_LOAD || s.p_vaddr > dynamik.p_vaddr || dynamik.p_vaddr - s.p_vaddr >= s.p_filesz)
-            continue;
-        const std::string bytes = datei.bytes.substr(s.p_offset, s.p_filesz);
-        s.p_offset += 0x80000;
-        datei.bytes.resize(s.p_offset);
-        datei.bytes += bytes;
-        break;
-    }
-    datei.bytes.resize(0x100000);
-    datei.haengeSegmentAn();
-    const std::string abschnitte =
-        datei.bytes.substr(datei.kopf().e_shoff, datei.kopf().e_shnum * sizeof(ElfW(Shdr)));
-    datei.bytes.resize(0x180000);
-    datei.kopf().e_shoff = datei.bytes.size();
-    datei.bytes += abschnitte;
-    const std::string pfad = schreibe(verzeichnis, datei);
+    const std::string pfad = schreibe(verzeichnis, verstreute(true));
     EXPECT_EQ(blickeAufDatei(pfad).grund, "");
     stoerung = {.fstat = true};
     EXPECT_EQ(blickeAufDatei(pfad).grund, "abgeschnitten: Der dynamische Abschnitt endet hinter der Datei");
