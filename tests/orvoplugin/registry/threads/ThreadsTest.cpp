@@ -240,12 +240,13 @@ bool nutzeHilfen() {
     public:
         void empfangeAenderungsNachricht(const AenderungsNachricht&) override {}
     };
-    Beobachter beobachter;
+    static Beobachter beobachter; // another thread may still tell one that is being removed
     const Einstellungen einstellungen;
     einstellungen.beobachterAnmelden(&beobachter);
     einstellungen.setze("test.gemeinsam", std::to_string(nummer));
     const std::string eigener = "test." + std::to_string(nummer);
-    einstellungen.setze(eigener, "wert");
+    for (int i = 0; i < 100; ++i) // so that walks over the observers meet
+        einstellungen.setze(eigener, i % 2 == 0 ? "" : "wert");
     const bool gesetzt = einstellungen.wert(eigener) == "wert" && !einstellungen.basisHomeDir().empty();
     einstellungen.setze(eigener, "");
     einstellungen.beobachterAbmelden(&beobachter);
