@@ -27,14 +27,17 @@ ErweiterungsSchluessel check(const Unterfallart& ua, const Veranlagungszeitraum&
 TEST(ErweiterungsSchluessel, HasAVirtualDestructorAndCopies) {
     EXPECT_TRUE(std::has_virtual_destructor_v<ErweiterungsSchluessel>);
     const ErweiterungsSchluessel original(kCheck, "Lstb", Veranlagungszeitraum::parse("2009-05", "YYYY-MM"));
-    const ErweiterungsSchluessel kopie(original);
-    EXPECT_EQ(kopie.getTyp(), kCheck);
-    EXPECT_EQ(kopie.getUnterfallart().getName(), "Lstb");
-    EXPECT_EQ(kopie.getUnterfallart().getNummer(), -99);
-    EXPECT_EQ(kopie.getVeranlagungszeitraum().getZeitraum(), 5);
-    EXPECT_EQ(kopie.getVeranlagungszeitraum().getText(), "2009-05");
-    EXPECT_EQ(kopie, original);
-    EXPECT_EQ(streuwert(kopie), streuwert(original));
+    ErweiterungsSchluessel zugewiesener;
+    zugewiesener = original;
+    for (const ErweiterungsSchluessel& kopie : {ErweiterungsSchluessel(original), zugewiesener}) {
+        EXPECT_EQ(kopie.getTyp(), kCheck);
+        EXPECT_EQ(kopie.getUnterfallart().getName(), "Lstb");
+        EXPECT_EQ(kopie.getUnterfallart().getNummer(), -99);
+        EXPECT_EQ(kopie.getVeranlagungszeitraum().getZeitraum(), 5);
+        EXPECT_EQ(kopie.getVeranlagungszeitraum().getText(), "2009-05");
+        EXPECT_EQ(kopie, original);
+        EXPECT_EQ(streuwert(kopie), streuwert(original));
+    }
 }
 
 TEST(ErweiterungsSchluessel, IsTheKeyOfNothingByDefault) {
@@ -163,4 +166,6 @@ TEST(ErweiterungsSchluessel, IsOrderedByKindThenSubCaseTypeThenYear) {
         for (std::size_t b = 0; b < std::size(aufsteigend); ++b)
             EXPECT_EQ(aufsteigend[a] < aufsteigend[b], a < b) << a << " " << b;
     EXPECT_FALSE(check("lstb", jahr(2009)) < check("LSTB", jahr(2009)));
+    const ErweiterungsSchluessel mai = check(10, Veranlagungszeitraum::parse("2009-05", "YYYY-MM"));
+    EXPECT_FALSE(mai < check(10, jahr(2009)) || check(10, jahr(2009)) < mai) << "they are equal";
 }

@@ -176,6 +176,18 @@ TEST_F(LookupTest, GivesNullForAnExtensionOfAnotherClass) {
     EXPECT_EQ(registry_.getRegistrierteErweiterungen().size(), 6u);
 }
 
+TEST_F(LookupTest, GivesNoTaxOfficeDataOfAnotherClass) {
+    LosesPlugin plugin("1.0");
+    OrvoErweiterung* const fremde =
+        plugin.biete(Fremde(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, 10, jahr(2009)));
+    melde(plugin);
+    EXPECT_EQ(registry_.findeFADatenServiceErweiterung(), nullptr);
+    EXPECT_TRUE(registry_.getRegistrierteFinanzamtsDatenErweiterungen().empty());
+    EXPECT_EQ(registry_.getRegistrierteErweiterungen(), std::list<OrvoErweiterung*>{fremde});
+    registry_.pluginZerstoert(&plugin);
+    EXPECT_TRUE(registry_.getRegistrierteErweiterungen().empty());
+}
+
 TEST_F(LookupTest, DoesNotFallBackPastAnExactEntryOfAnotherClass) {
     LosesPlugin plugin("1.0");
     plugin.biete(Fremde(ORVO_CHECK_SERVICE_ERWEITERUNG, 10, jahr(2009)));

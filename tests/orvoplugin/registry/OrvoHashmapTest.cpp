@@ -4,10 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <type_traits>
+#include <unordered_map>
 
 namespace {
 
@@ -42,6 +45,7 @@ TEST(OrvoHashmap, InsertsOnlyWhatIsAbsent) {
     const auto [bestehender, nochmals] = zahlen.insert({schluessel("010"), 2});
     EXPECT_FALSE(nochmals);
     EXPECT_TRUE(bestehender == erster);
+    EXPECT_FALSE(zahlen.emplace(schluessel("010"), 3).second);
     EXPECT_EQ(zahlen.find(schluessel("0010"))->second, 1);
     EXPECT_EQ(zahlen.find(schluessel(10))->first.getUnterfallart().getName(),
               "10"); // the key of the first one
@@ -75,6 +79,14 @@ TEST(OrvoHashmap, ErasesOneEntryAndGivesTheNext) {
     const Zahlen& unveraenderlich = zahlen;
     EXPECT_TRUE(zahlen.erase(unveraenderlich.find(schluessel(11))) == zahlen.end());
     EXPECT_TRUE(zahlen.empty());
+
+    for (int i = 0; i < 4; ++i)
+        zahlen.insert({schluessel(i), i});
+    auto eintrag = zahlen.begin();
+    for (const auto erwarteter : {std::next(eintrag), std::next(eintrag, 2)})
+        ASSERT_TRUE((eintrag = zahlen.erase(eintrag)) == erwarteter);
+    const auto letzter = std::next(eintrag);
+    EXPECT_TRUE(zahlen.erase(Zahlen::const_iterator(eintrag)) == letzter);
 }
 
 TEST(OrvoHashmap, WalksOverEveryEntryOnceAlsoAfterItHasGrown) {
@@ -88,6 +100,16 @@ TEST(OrvoHashmap, WalksOverEveryEntryOnceAlsoAfterItHasGrown) {
     EXPECT_EQ(gesehen.size(), static_cast<std::size_t>(kAnzahl));
     for (int i = 0; i < kAnzahl; ++i)
         ASSERT_EQ(zahlen.find(schluessel(i))->second, i);
+}
+
+TEST(OrvoHashmap, HasTheOrderOfAStandardContainerWithRoomForTen) {
+    Zahlen zahlen;
+    std::unordered_map<ErweiterungsSchluessel, int, ErweiterungsSchluessel> behaelter(10);
+    for (int i = 0; i < 100; ++i) {
+        zahlen.insert({schluessel(i), i});
+        behaelter.insert({schluessel(i), i});
+        ASSERT_TRUE(std::equal(zahlen.begin(), zahlen.end(), behaelter.begin(), behaelter.end())) << i;
+    }
 }
 
 TEST(OrvoHashmap, KeepsKeysOfOneHashApart) {

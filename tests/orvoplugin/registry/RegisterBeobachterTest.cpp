@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 using testing::ElementsAre;
@@ -63,7 +64,7 @@ private:
 /// An extension of a class that serves no sub-case types.
 class Fremde : public OrvoErweiterung {
 public:
-    Fremde() : OrvoErweiterung(ORVO_CHECK_SERVICE_ERWEITERUNG) {}
+    explicit Fremde(tag_erweiterung_typ typ = ORVO_CHECK_SERVICE_ERWEITERUNG) : OrvoErweiterung(typ) {}
     OrvoErweiterung* clone() const override { return new Fremde(*this); }
 };
 
@@ -94,6 +95,31 @@ TEST_F(RegisterBeobachterTest, HearsWhichRuleSettlesADuplicate) {
         ElementsAre("10 2009: 1.5", "10 2009: 1.10 statt 1.5, Regel " + std::to_string(REGEL_HOEHERE_VERSION),
                     "10 2009: 1.10 bleibt vor 1,10,0, Regel " + std::to_string(REGEL_GLEICHE_VERSION),
                     "10 2009: 1.10 bleibt vor 1.9, Regel " + std::to_string(REGEL_NIEDRIGERE_VERSION)));
+}
+
+TEST_F(RegisterBeobachterTest, HearsEachKeyAsTheNewcomerWritesIt) {
+    LosesPlugin bisherige("1"), hoehere("3"), niedrigere("2");
+    bisherige.biete(Check("lstb", jahr(2009)));
+    hoehere.biete(Check("LSTB", jahr(2009)));
+    niedrigere.biete(Check("Lstb", jahr(2009)));
+    for (LosesPlugin* const plugin : {&bisherige, &hoehere, &niedrigere})
+        registry_.pluginErzeugt(plugin);
+    EXPECT_THAT(horcher_.gehoert, ElementsAre("lstb 2009: 1", "LSTB 2009: 3 statt 1, Regel 1",
+                                              "Lstb 2009: 3 bleibt vor 2, Regel 3"));
+}
+
+TEST_F(RegisterBeobachterTest, HearsThatAnExtensionIsInItsOwnWay) {
+    LosesPlugin plugin("1");
+    plugin.biete(Check(10, {Veranlagungszeitraum::parse("2009-05", "YYYY-MM"), jahr(2009)}));
+    registry_.pluginErzeugt(&plugin);
+    EXPECT_THAT(horcher_.gehoert, ElementsAre("10 2009: 1", "10 2009: 1 bleibt vor 1, Regel 2"));
+}
+
+TEST_F(RegisterBeobachterTest, HearsOfWhatHappensOnOtherThreads) {
+    LosesPlugin plugin("1");
+    plugin.biete(Check(10, jahr(2009)));
+    std::thread([&] { registry_.pluginErzeugt(&plugin); }).join();
+    EXPECT_THAT(horcher_.gehoert, ElementsAre("10 2009: 1"));
 }
 
 TEST_F(RegisterBeobachterTest, HearsThatTheFirstTaxOfficeDataStayWhateverTheVersions) {
@@ -131,7 +157,7 @@ TEST_F(RegisterBeobachterTest, HearsOfAnExtensionThatGetsNoKey) {
 
 TEST_F(RegisterBeobachterTest, NeedsToTakeNoteOfNothing) {
     RegisterBeobachter gleichgueltig;
-    OrvoErweiterungsManager::setRegisterBeobachter(&gleichgueltig);
+    EXPECT_EQ(OrvoErweiterungsManager::setRegisterBeobachter(&gleichgueltig), &horcher_);
     LosesPlugin eins("1"), zwei("2"), nochmal("1");
     OrvoErweiterung* gewinner = nullptr;
     for (LosesPlugin* const plugin : {&eins, &zwei, &nochmal}) {
@@ -142,8 +168,35 @@ TEST_F(RegisterBeobachterTest, NeedsToTakeNoteOfNothing) {
     }
     EXPECT_EQ(registry_.findeValidierungsServiceErweiterung(10, jahr(2009)), gewinner);
     registry_.pluginZerstoert(&eins);
-    OrvoErweiterungsManager::setRegisterBeobachter(nullptr);
+    EXPECT_EQ(OrvoErweiterungsManager::setRegisterBeobachter(nullptr), &gleichgueltig);
     EXPECT_EQ(registry_.findeValidierungsServiceErweiterung(10, jahr(2009)), nullptr);
+}
+
+template <class... Parameter, bool WirftNie>
+constexpr bool darfWerfen(void (RegisterBeobachter::*)(Parameter...) noexcept(WirftNie)) {
+    return !WirftNie;
+}
+
+TEST(RegisterBeobachter, MayNotThrow) {
+    EXPECT_FALSE(darfWerfen(&RegisterBeobachter::eingetragen));
+    EXPECT_FALSE(darfWerfen(&RegisterBeobachter::verdraengt));
+    EXPECT_FALSE(darfWerfen(&RegisterBeobachter::abgewiesen));
+    EXPECT_FALSE(darfWerfen(&RegisterBeobachter::uebergangen));
+    EXPECT_FALSE(darfWerfen(&RegisterBeobachter::entfernt));
+}
+
+TEST(RegisterRegel, KeepsItsNumbers) {
+    EXPECT_EQ(REGEL_HOEHERE_VERSION, 1);
+    EXPECT_EQ(REGEL_GLEICHE_VERSION, 2);
+    EXPECT_EQ(REGEL_NIEDRIGERE_VERSION, 3);
+    EXPECT_EQ(REGEL_ERSTER_BLEIBT, 4);
+}
+
+TEST(RegisterAuskunft, KeepsItsNumbers) {
+    EXPECT_EQ(RegisterAuskunft::KEINER, 0);
+    EXPECT_EQ(RegisterAuskunft::GENAU, 1);
+    EXPECT_EQ(RegisterAuskunft::GLEICHES_JAHR, 2);
+    EXPECT_EQ(RegisterAuskunft::UNABHAENGIG, 3);
 }
 
 class RegisterAuskunftTest : public Registratur {
@@ -169,10 +222,33 @@ TEST_F(RegisterAuskunftTest, TellsWhichKeyAnswered) {
     EXPECT_EQ(jahrgang.treffer, RegisterAuskunft::GLEICHES_JAHR);
     EXPECT_EQ(jahrgang.erweiterung, monat);
     EXPECT_EQ(jahrgang.schluessel->getVeranlagungszeitraum().getText(), "2009-05");
+    EXPECT_EQ(frage(10, "2009-06", "YYYY-MM").treffer, RegisterAuskunft::GLEICHES_JAHR);
     const RegisterAuskunft anderes = frage(10, "2011", "YYYY");
     EXPECT_EQ(anderes.treffer, RegisterAuskunft::UNABHAENGIG);
     EXPECT_EQ(anderes.erweiterung, immer);
     EXPECT_EQ(anderes.schluessel->getVeranlagungszeitraum().getJahr(), 0);
+    EXPECT_EQ(registry_.schlageNach(ORVO_CHECK_SERVICE_ERWEITERUNG, 10, Veranlagungszeitraum()).treffer,
+              RegisterAuskunft::GENAU)
+        << "the period that was asked for";
+}
+
+TEST_F(RegisterAuskunftTest, GivesTheKeyOfTheExtensionThatWon) {
+    LosesPlugin eins("1"), zwei("2");
+    eins.biete(Check("lstb", Veranlagungszeitraum::parse("2009-05", "YYYY-MM")));
+    zwei.biete(Check("LSTB", jahr(2009)));
+    registry_.pluginErzeugt(&eins);
+    registry_.pluginErzeugt(&zwei);
+    const RegisterAuskunft auskunft = frage("LSTB", "2009", "YYYY");
+    EXPECT_EQ(auskunft.treffer, RegisterAuskunft::GENAU);
+    EXPECT_EQ(auskunft.schluessel->getUnterfallart().getName(), "LSTB");
+}
+
+TEST_F(RegisterAuskunftTest, GivesExtensionsOfAnyClass) {
+    LosesPlugin plugin("1");
+    OrvoErweiterung* const fremde = plugin.biete(Fremde(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG));
+    registry_.pluginErzeugt(&plugin);
+    EXPECT_EQ(registry_.schlageNach(ORVO_FINANZAMTS_DATEN_SERVICE_ERWEITERUNG, 0, jahr(2000)).erweiterung,
+              fremde);
 }
 
 TEST_F(RegisterAuskunftTest, TellsThatNothingWasFound) {

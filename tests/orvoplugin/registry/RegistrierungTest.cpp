@@ -124,6 +124,16 @@ TEST_F(RegistrierungTest, RemovesByKeySoThatAnotherPeriodOfTheYearGoesToo) {
     EXPECT_TRUE(registry_.getRegistrierteErweiterungen().empty());
 }
 
+TEST_F(RegistrierungTest, RemovesTheKeysOfAPluginThatWasNeverAnnouncedWhoeverHoldsThem) {
+    LosesPlugin gemeldetes("1.0"), anderes("1.0");
+    OrvoErweiterung* const gemeldete = gemeldetes.biete(Check(10, {jahr(2008), jahr(2009)}));
+    anderes.biete(Check(10, jahr(2009)));
+    registry_.pluginErzeugt(&gemeldetes);
+    registry_.pluginZerstoert(&anderes);
+    EXPECT_EQ(filed(10, 2009), nullptr);
+    EXPECT_EQ(filed(10, 2008), gemeldete);
+}
+
 TEST_F(RegistrierungTest, CollidesOnlyWithinAKind) {
     LosesPlugin eins("1.0"), zwei("2.0");
     OrvoErweiterung* const check = eins.biete(Check(10, jahr(2009)));

@@ -11,6 +11,7 @@
 #include <deque>
 #include <functional>
 #include <limits>
+#include <list>
 #include <map>
 #include <random>
 #include <unordered_map>
@@ -350,21 +351,31 @@ TEST_F(SuchindexTest, FindsTheWinnerUnderEitherWritingAndNobodyWhenItIsGone) {
     EXPECT_EQ(registry_.findeValidierungsServiceErweiterung("Zuwendungsbestaetigung", jahr(2009)), sieger);
 }
 
-/// Two extensions in one object: the plugin offers the first; the second has the class of its kind.
+/// Two extensions in one object: the plugin offers the first, of any kind; the second is a check.
 class ZweiInEinem : public BeliebigeArt, public Check {
 public:
-    ZweiInEinem()
-        : BeliebigeArt(ORVO_CHECK_SERVICE_ERWEITERUNG, {{10, {jahr(2009)}}}), Check(10, jahr(2009)) {}
+    explicit ZweiInEinem(tag_erweiterung_typ typ)
+        : BeliebigeArt(typ, {{10, {jahr(2009)}}}), Check(10, jahr(2009)) {}
     OrvoErweiterung* clone() const override { return static_cast<BeliebigeArt*>(new ZweiInEinem(*this)); }
 };
 
 // The look-up's checked cast goes across from the first to the second.
 TEST_F(SuchindexTest, FindsTheExtensionOfTheKindsClassWhereverItStandsInTheObject) {
     LosesPlugin& plugin = neues(1);
-    const ZweiInEinem zwei;
+    const ZweiInEinem zwei(ORVO_CHECK_SERVICE_ERWEITERUNG);
     OrvoErweiterung* const angeboten = plugin.biete(static_cast<const BeliebigeArt&>(zwei));
     melde(plugin);
     Check* const gefunden = registry_.findeValidierungsServiceErweiterung(10, jahr(2009));
     EXPECT_EQ(gefunden, dynamic_cast<Check*>(angeboten));
     EXPECT_NE(static_cast<OrvoErweiterung*>(gefunden), angeboten);
+    EXPECT_EQ(registry_.getRegistrierteValidierungsServiceErweiterungen(), std::list<Check*>{gefunden});
+}
+
+TEST_F(SuchindexTest, ListsAnExtensionUnderTheKindThatItWasOfferedAs) {
+    LosesPlugin& plugin = neues(1);
+    const ZweiInEinem zwei(ORVO_FEHLER_TEXT_DATEN_SERVICE_ERWEITERUNG);
+    OrvoErweiterung* const angeboten = plugin.biete(static_cast<const BeliebigeArt&>(zwei));
+    melde(plugin);
+    EXPECT_TRUE(registry_.getRegistrierteValidierungsServiceErweiterungen().empty());
+    EXPECT_EQ(registry_.getRegistrierteErweiterungen(), std::list<OrvoErweiterung*>{angeboten});
 }
