@@ -2,6 +2,7 @@
 
 #include "Zaehler.h"
 
+#include <orvoplugin/domain/Bedingung.h>
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 #include <orvoplugin/plugin/erweiterung/OrvoFADatenServiceErweiterung.h>
@@ -144,6 +145,14 @@ TEST_F(Speichermangel, SetsNoValueThatObserversAreNotToldOf) {
     }
     einstellungen.setze(schluessel, "");
     einstellungen.beobachterAbmelden(&hoerer);
+}
+
+TEST_F(Speichermangel, LeavesAConditionAsItWasWhenItsNewPeriodCannotBeCopied) {
+    const UfaPruefungBedingung neue("LSTB", jahr(2009));
+    UfaPruefungBedingung bedingung(10, jahr(2008));
+    EXPECT_FALSE(Zaehler::mitSpeicherFuer(0, [&] { bedingung = neue; }));
+    EXPECT_EQ(bedingung.getUnterfallart(), 10);
+    EXPECT_EQ(*bedingung.getVeranlagungszeitraum(), jahr(2008));
 }
 
 TEST_F(Speichermangel, KeepsNoSymbolFromWhoAsksForIt) {

@@ -105,10 +105,10 @@ TEST(UfaVzAbhaengigkeit, RefusesYearsOfMoreThanFourDigits) {
 }
 
 TEST(UfaVzAbhaengigkeit, OfAListNamesItsPeriodsInOrder) {
-    const std::list<Vz> vzs{Vz(2010, "YYYY"), Vz(2008, "YYYY"), Vz(2010, "YYYY"), Vz()};
+    const std::list<Vz> vzs{Vz(2010, "YYYY"), Vz(2008, "YYYY"), Vz(2010, "YYYY"), Vz(2010, "YYYY"), Vz()};
     const UfaVzAbhaengigkeit abhaengigkeit(kUa, vzs);
-    EXPECT_THAT(jahre(abhaengigkeit), ElementsAre(2010, 2008, 2010, 0));
-    EXPECT_EQ(abhaengigkeit.getVeranlagungszeitraeume()[3].getTyp(), Vz::UNABHAENGIG);
+    EXPECT_THAT(jahre(abhaengigkeit), ElementsAre(2010, 2008, 2010, 2010, 0));
+    EXPECT_EQ(abhaengigkeit.getVeranlagungszeitraeume()[4].getTyp(), Vz::UNABHAENGIG);
 }
 
 TEST(UfaVzAbhaengigkeit, IsCopiedWithItsPeriods) {

@@ -44,7 +44,8 @@ INSTANTIATE_TEST_SUITE_P(Texte, UnterfallartAusText,
                                          Text{"99999999999999999999", kOhne}, Text{"LSTB", kOhne},
                                          Text{"Bilanz_5_0", kOhne}, Text{"5_0", kOhne}, Text{"-5", kOhne},
                                          Text{"+5", kOhne}, Text{" 5", kOhne}, Text{"5 ", kOhne},
-                                         Text{"5.0", kOhne}, Text{"", kOhne}, Text{"\xDC", kOhne}),
+                                         Text{"5.0", kOhne}, Text{"", kOhne}, Text{"\xDC", kOhne},
+                                         Text{"00000000010", 10}),
                          [](const auto& fall) { return "Nr" + std::to_string(fall.index); });
 
 TEST(Unterfallart, OfANullTextIsThatOfTheEmptyText) {

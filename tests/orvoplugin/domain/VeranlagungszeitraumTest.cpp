@@ -2,6 +2,8 @@
 
 #include <orvoplugin/domain/InvalidFormatException.h>
 
+#include "orvoplugin/plugin/erweiterung/Zeitraumart.h"
+
 #include <gmock/gmock.h>
 
 #include <ostream>
@@ -121,6 +123,8 @@ INSTANTIATE_TEST_SUITE_P(Tage, VeranlagungszeitraumLesart,
                                          Lesart{"20091231", "YYYYMMTT", {1, 2009, 12, 31, 44}},
                                          Lesart{"200907", "YYYYTT", {1, 2009, 0, 7, 41}},
                                          Lesart{"20094107", "YYYYZZTT", {1, 2009, 41, 7, 54}},
+                                         Lesart{"20095207", "YYYYZZTT", {1, 2009, 52, 7, 58}},
+                                         Lesart{"20091907", "YYYYZZTT", {1, 2009, 19, 7, 47}},
                                          Lesart{"20090500", "YYYYMMTT", {2, 2009, 5, 0, 42}}),
                          nummer);
 
@@ -170,6 +174,9 @@ TEST(Veranlagungszeitraum, OfANegativeNumberIsRefusedForItsSign) {
     } catch (const InvalidFormatException& e) {
         EXPECT_EQ(e.what(), kNichtNumerisch);
     }
+    EXPECT_THAT([] { Vz(-2009, "YYYY"); }, testing::ThrowsMessage<InvalidFormatException>(kLaenge))
+        << "the length is looked at first";
+    EXPECT_EQ(felder(Vz(-2009, "-YYYY")), Felder(0, 2009, 0, 0, -1)) << "the sign is a separator";
 }
 
 TEST(Veranlagungszeitraum, OfAnotherLengthThanItsPatternIsRefused) {
@@ -243,6 +250,9 @@ TEST(Veranlagungszeitraum, IsEqualHoweverItWasWritten) {
     EXPECT_TRUE(Vz::parse("2009-05", "YYYY-MM") == Vz::parse("05/09", "ZZ/YY"));
     EXPECT_TRUE(Vz() == Vz());
     EXPECT_TRUE(Vz() != Vz(0, "YYYY")) << "the year written 0 is 2000";
+    const Vz immer = mitArt(Vz(2009, "YYYY"), Vz::IMMER);
+    ASSERT_EQ(immer.getTyp(), Vz::IMMER);
+    EXPECT_TRUE(immer == Vz(2009, "YYYY")) << "the kind is not compared";
 }
 
 TEST(Veranlagungszeitraum, LivesInSortedSets) {

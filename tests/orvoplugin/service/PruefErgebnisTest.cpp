@@ -8,10 +8,12 @@ TEST(PruefErgebnis, StartsWithoutMessages) { EXPECT_TRUE(PruefErgebnis().getMeld
 
 TEST(PruefErgebnis, KeepsMessagesInTheOrderInWhichTheyWereFound) {
     PruefErgebnis ergebnis;
+    const auto& meldungen = ergebnis.getMeldungen();
     ergebnis.fuegeHinzu(7, "Steuernummer", "ung\xFCltig");
     ergebnis.fuegeHinzu(-1, "", "leer");
     ergebnis.fuegeHinzu(7, "Steuernummer", "ung\xFCltig");
     ASSERT_EQ(ergebnis.getMeldungen().size(), 3u) << "equal messages stand beside each other";
+    EXPECT_EQ(meldungen.size(), 3u) << "a reference shows the later messages too";
     EXPECT_EQ(ergebnis.getMeldungen()[0].code, 7);
     EXPECT_EQ(ergebnis.getMeldungen()[0].feld, "Steuernummer");
     EXPECT_EQ(ergebnis.getMeldungen()[0].text, "ung\xFCltig");
@@ -25,6 +27,7 @@ TEST(PruefErgebnis, IsCopiedWithItsMessages) {
     ergebnis.fuegeHinzu(7, "Feld", "Text");
     const PruefErgebnis kopie(ergebnis);
     PruefErgebnis andere;
+    andere.fuegeHinzu(9, "", "");
     andere = ergebnis;
     ergebnis.fuegeHinzu(8, "", "");
     ASSERT_EQ(kopie.getMeldungen().size(), 1u);

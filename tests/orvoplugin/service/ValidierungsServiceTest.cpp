@@ -82,6 +82,13 @@ TEST(ValidierungsService, KnowsTheFeaturesThatWereDeclared) {
     EXPECT_THAT(service.getSupportedFeatures(), ElementsAre(-3, 7)) << "ordered by signed value";
 }
 
+TEST(ValidierungsService, ShowsFeaturesThatAreDeclaredLaterInTheSameSet) {
+    Pruefung service;
+    const auto& features = service.getSupportedFeatures();
+    service.addSupportedFeature(8);
+    EXPECT_THAT(features, ElementsAre(-3, 7, 8));
+}
+
 TEST(ValidierungsService, TakesAFeatureDeclaredTwiceOnce) {
     Pruefung service;
     ASSERT_TRUE(service.setFeature(7, true));
@@ -127,8 +134,10 @@ TEST(ValidierungsService, IsCopiedWithItsFeatures) {
     service.setFeature(7, false);
     EXPECT_TRUE(kopie.isFeatureSet(7));
     EXPECT_THAT(kopie.getSupportedFeatures(), ElementsAre(-3, 7));
+    service.addSupportedFeature(8);
     service = kopie;
     EXPECT_TRUE(service.isFeatureSet(7));
+    EXPECT_THAT(service.getSupportedFeatures(), ElementsAre(-3, 7));
 }
 
 TEST(ValidierungsService, FindsOneTaxCaseAtMostConsistent) {
