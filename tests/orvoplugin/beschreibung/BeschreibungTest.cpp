@@ -195,6 +195,7 @@ protected:
 
     template <class Erweiterung>
     void fuelle(Erweiterung& erweiterung) {
+        erweiterung.setzeFlag(FLAG_SERVICE_LOESCHEN, erweiterung.getTyp() % 2 == 0);
         erweiterung.setzeFlag(FLAG_RESERVIERT_1, true);
         erweiterung.setzeFlag(FLAG_RESERVIERT_4, true);
         erweiterung.setServiceFactoryName("factory von " + std::to_string(erweiterung.getTyp()));
@@ -341,6 +342,9 @@ TEST_F(BeschreibungTest, APluginInUseCannotBeDescribed) {
     EXPECT_THAT([&] { schreibeBeschreibung(*plugin); }, scheitertMit("Es ist in Gebrauch."));
     plugin->release();
     EXPECT_NO_THROW(schreibeBeschreibung(*plugin));
+    plugin->release(); // one too many
+    EXPECT_THAT([&] { schreibeBeschreibung(*plugin); }, scheitertMit("Es ist in Gebrauch."));
+    plugin->notifyUse();
     const auto& erweiterungen = dynamic_cast<const OrvoPluginV1&>(*plugin).listeErweiterungen();
     auto& amt = dynamic_cast<OrvoServiceErweiterung&>(*erweiterungen.at(3));
     amt.setzeFlag(FLAG_SERVICE_LOESCHEN, true);

@@ -79,6 +79,7 @@ TEST_F(BeschriebenesTest, ItsLibraryIsNotOpenedAtStartUp) {
     EXPECT_EQ(plugin.getFileVersion(), "4");
     EXPECT_EQ(plugin.getSharedLib()->getName(), pfad);
     EXPECT_FALSE(plugin.getSharedLib()->isLoaded());
+    EXPECT_EQ(mitschnitt_.anzahl(kUebernommen + pfad), 1);
     EXPECT_NE(registry_->findeValidierungsServiceErweiterung(10, Veranlagungszeitraum(2009, "YYYY")),
               nullptr);
 }

@@ -1,6 +1,7 @@
 // Where the note lies in a file, and files that have none.
 
 #include <orvoplugin/beschreibung/Beschreibung.h>
+#include <orvoplugin/beschreibung/Notiz.h>
 #include <orvoplugin/plugin/Beschreibungsplatz.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
 
@@ -17,6 +18,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -80,6 +82,29 @@ TEST_F(NotizTest, IsReadThroughAnyDescriptor) {
     EXPECT_EQ(offeneDeskriptoren(), vorher);
     dup2(eingang, STDIN_FILENO);
     close(eingang);
+}
+
+TEST_F(NotizTest, IsReadThroughADescriptorThatNoOtherProgramGets) {
+    const int naechster = dup(STDOUT_FILENO);
+    close(naechster);
+    const Notiz notiz(pfad_);
+    EXPECT_EQ(notiz.platz, liesBeschreibung(pfad_).platz);
+    EXPECT_EQ(fcntl(naechster, F_GETFD), FD_CLOEXEC);
+}
+
+TEST_F(NotizTest, ATerminalThatIsReadDoesNotBecomeTheProcessesOwn) {
+    const int gegenseite = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (gegenseite < 0 || grantpt(gegenseite) != 0 || unlockpt(gegenseite) != 0)
+        GTEST_SKIP() << "there are no terminals here";
+    const std::string terminal = ptsname(gegenseite);
+    EXPECT_EXIT(
+        {
+            setsid();
+            liesBeschreibung(terminal);
+            _exit(open("/dev/tty", O_RDWR | O_CLOEXEC) < 0 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    close(gegenseite);
 }
 
 TEST_F(NotizTest, ALibraryOfAnotherMachineHasNone) {
@@ -166,8 +191,8 @@ protected:
 };
 
 TEST_F(NotizVonHand, IsFoundBehindOthersAndInAnySegmentOfNotes) {
-    const std::string andere =
-        notiz(1, "GNU", "abc") + notiz(2, "Orvo", "x") + notiz(1, "Orwo", "") + notiz(0, "", "");
+    const std::string andere = notiz(1, "GNU", "abc") + notiz(2, "Orvo", "x") + notiz(1, "Orwo", "") +
+                               notiz(1, std::string("Orvo\0a", 6), "abcd") + notiz(0, "", "");
     const Beschreibungsfund fund =
         fundIn({{0, 100, 8, PT_LOAD}, {0, 0}, {300, 10}, {600, andere.size() + unsere_.size()}}, 600,
                andere + unsere_);
@@ -192,6 +217,17 @@ TEST_F(NotizVonHand, IsReadToTheLastByteThatIsLookedAt) {
     EXPECT_EQ(fundIn({{ab + 1, unsere_.size()}}, ab + 1, unsere_, 100).stand, Beschreibungsfund::ABGELEHNT);
     EXPECT_EQ(fundIn({{600, gelesene}}, 600, unsere_, 50000).bytes, beschreibung_);
     EXPECT_EQ(fundIn({{600, gelesene + 1}}, 600, unsere_, 50000).stand, Beschreibungsfund::OHNE_PLATZ);
+}
+
+TEST_F(NotizVonHand, IsSoughtInSegmentsOfNotesOnly) {
+    EXPECT_EQ(fundIn({{600, unsere_.size(), 4, PT_LOAD}}, 600, unsere_).stand, Beschreibungsfund::OHNE_PLATZ);
+}
+
+TEST_F(NotizVonHand, HasRoomForNoMoreThanItSays) {
+    const std::size_t platz = (beschreibung_.size() - 1) / 4 * 4;
+    const std::string bytes = notiz(1, "Orvo", beschreibung_.substr(0, platz)) + beschreibung_.substr(platz);
+    EXPECT_EQ(fundIn({{600, bytes.size()}}, 600, bytes).stand, Beschreibungsfund::ABGELEHNT)
+        << "the end of the description lies behind the room";
 }
 
 TEST_F(NotizVonHand, IsTheFirstOne) {

@@ -29,9 +29,9 @@ std::string zahl(std::uint32_t wert) {
     return bytes + static_cast<char>(wert);
 }
 
-/// A description of that content with a correct head.
-std::string mitKopf(const std::string& inhalt) {
-    const std::uint64_t summe = pruefsumme(inhalt);
+/// A description of that content with a correct head, but for bits of its checksum.
+std::string mitKopf(const std::string& inhalt, std::uint64_t falscheBits = 0) {
+    const std::uint64_t summe = pruefsumme(inhalt) ^ falscheBits;
     return zahl(1) + zahl(18) + zahl(static_cast<std::uint32_t>(inhalt.size())) +
            zahl(static_cast<std::uint32_t>(summe)) + zahl(static_cast<std::uint32_t>(summe >> 32)) + inhalt;
 }
@@ -139,6 +139,13 @@ TEST_F(SchadenTest, ADescriptionThatLiesIsRefusedOrTakenAsItStands) {
     EXPECT_GT(genommene, 0) << "such as another version";
 }
 
+TEST_F(SchadenTest, TypeRecordsAreReadAndWrittenInTheirOrder) {
+    std::string inhalt = "\x03";
+    for (const char status : {'\x02', '\x04', '\x06'})
+        inhalt += std::string("\x02\0\0\0\0\0", 6) + status + std::string(2, '\0');
+    EXPECT_EQ(fund(mitKopf(inhalt)).bytes, mitKopf(inhalt));
+}
+
 TEST_F(SchadenTest, WhatNoPluginCanSayIsRefused) {
     const std::string plugin("\x02\0\0\0\0\0\0\0",
                              8); // interface 1, all texts and lists empty, status 0, not resident
@@ -236,11 +243,15 @@ TEST_F(SchadenTest, TheHeadIsChecked) {
                                                                       "digt";
     EXPECT_EQ(grundFuer("\x02" + bytes.substr(1)), andere) << "another format";
     EXPECT_EQ(grundFuer("\x01\x10" + bytes.substr(2)), andere) << "another release";
+    EXPECT_EQ(grundFuer("\x01\x10" + zahl(32001)), andere) << "another release, which may have longer ones";
+    EXPECT_EQ(grundFuer("\x02" + std::string(24, '\xFF')), andere) << "another format, with another head";
     EXPECT_EQ(grundFuer("\x01\x12" + zahl(32000)), kaputt) << "longer than the room";
     EXPECT_EQ(grundFuer("\x01\x12" + zahl(32001)), "zu lang");
     EXPECT_EQ(grundFuer("\x01\x12" + zahl(heil_.platz)), kaputt) << "longer than the room";
     EXPECT_EQ(grundFuer(std::string(1, '\0') + bytes.substr(1)), andere) << "not filled, but not empty";
     EXPECT_EQ(grundFuer(bytes.substr(0, bytes.size() - 1)), kaputt);
+    for (const int bit : {0, 31, 32, 63})
+        EXPECT_EQ(grundFuer(mitKopf(inhalt_, std::uint64_t{1} << bit)), kaputt) << bit;
     EXPECT_EQ(fund("").stand, Beschreibungsfund::LEER);
     EXPECT_EQ(fund(bytes).stand, Beschreibungsfund::GEFUNDEN);
 }
