@@ -1,7 +1,7 @@
 // Asks for one of the process-wide objects while it describes itself: FRAGT_Manager or FRAGT_Registry, from AUS_Types
 // or AUS_Initialize. With SCHLUCKT it catches the refusal, and returns it as its product version. AUS_Anfang is a
 // static object's constructor, which runs when the library is opened; its result is the product version. AUS_Ende is
-// its destructor, which runs when the library is closed.
+// its destructor, which runs when the library is closed. TYP is the number of the interface that it declares.
 
 #include <orvoplugin/plugin/OrvoPluginManager.h>
 #include <orvoplugin/plugin/OrvoPluginV1.h>
@@ -9,6 +9,10 @@
 #include <orvoplugin/registry/OrvoErweiterungsManager.h>
 
 #include <stdexcept>
+
+#ifndef TYP
+#define TYP 1
+#endif
 
 namespace {
 
@@ -36,7 +40,7 @@ void orvo_plugin_get_types(std::list<orvo_plugin_version_t>* typen) {
 #ifdef AUS_Types
     frage();
 #endif
-    typen->push_back({1});
+    typen->push_back({TYP});
 }
 
 bool orvo_plugin_initialize([[maybe_unused]] OrvoPluginV1* plugin) {

@@ -41,3 +41,4 @@ orvo_test_plugin(AsksForManagerWhenOpened FragtManager.cpp FRAGT_Manager AUS_Anf
 orvo_test_plugin(AsksForRegistryWhenOpened FragtManager.cpp FRAGT_Registry AUS_Anfang)
 orvo_test_plugin(AsksForManagerWhenClosed FragtManager.cpp FRAGT_Manager AUS_Ende)
 orvo_test_plugin(AsksForRegistryWhenClosed FragtManager.cpp FRAGT_Registry AUS_Ende)
+orvo_test_plugin(AsksForManagerWhenRefused FragtManager.cpp FRAGT_Manager AUS_Ende TYP=2)

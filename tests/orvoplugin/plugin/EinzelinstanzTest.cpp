@@ -143,6 +143,7 @@ TEST_F(EinzelinstanzTest, GivesTheStartUpCodeNullAlsoWhenAnObserverOpensTheLibra
 TEST_F(EinzelinstanzTest, GivesTheLastCodeOfALibraryNullWhileItIsBeingMade) {
     heimat.lege(test_plugins::AsksForManagerWhenClosed, "liba.dylib");
     heimat.lege(test_plugins::AsksForRegistryWhenClosed, "libb.dylib");
+    heimat.lege(test_plugins::AsksForManagerWhenRefused, "libba.dylib");
     heimat.lege(test_plugins::ThrowsStandardExceptionFromTypes, "libc.dylib"); // and for later plugins
     ASSERT_NE(OrvoErweiterungsManager::getInstanz(), nullptr);
     EXPECT_THAT(plugins(*registriert()), ElementsAre("liba.dylib", "libb.dylib"));
@@ -253,6 +254,17 @@ TEST_F(EinzelinstanzTest, IsMadeForAPluginThatDescribesItselfElsewhere) {
     const std::string pfad = anderswo.kopiere(test_plugins::AsksForManagerFromInitialize, "libb.dylib");
     const std::unique_ptr<OrvoPlugin> plugin(
         OrvoPluginLoader().loadPlugin(new orvo::orvoutil::SharedLib(pfad)));
+    ASSERT_NE(registriert(), nullptr);
+    EXPECT_THAT(plugins(*registriert()), ElementsAre("liba.dylib"));
+}
+
+TEST_F(EinzelinstanzTest, IsMadeForTheStartUpCodeOfALibraryElsewhere) {
+    heimat.beschreibe("liba.dylib");
+    const Verzeichnis anderswo;
+    const std::string pfad = anderswo.kopiere(test_plugins::AsksForManagerWhenOpened, "libb.dylib");
+    const std::unique_ptr<OrvoPlugin> plugin(
+        OrvoPluginLoader().loadPlugin(new orvo::orvoutil::SharedLib(pfad)));
+    EXPECT_EQ(plugin->getProduktVersion(), "there");
     ASSERT_NE(registriert(), nullptr);
     EXPECT_THAT(plugins(*registriert()), ElementsAre("liba.dylib"));
 }

@@ -34,11 +34,13 @@ public:
         gehoert.push_back("lade " + orvo::orvoutil::getOnlyFilenameOfFullFilename(pfad));
         return pfad.find(ueberspringe) == std::string::npos;
     }
-    void pluginGeladen(const std::string&, const OrvoPlugin& plugin) noexcept override {
-        gehoert.push_back("geladen " + dateiname(plugin) + " " + plugin.getProduktVersion());
+    void pluginGeladen(const std::string& pfad, const OrvoPlugin& plugin) noexcept override {
+        gehoert.push_back("geladen " + orvo::orvoutil::getOnlyFilenameOfFullFilename(pfad) + " " +
+                          plugin.getProduktVersion());
     }
-    void dateiAbgelehnt(const std::string&, orvo_plugin_ablehnung_t schritt,
+    void dateiAbgelehnt(const std::string& pfad, orvo_plugin_ablehnung_t schritt,
                         const char* grund) noexcept override {
+        gehoert.push_back("abgelehnt " + orvo::orvoutil::getOnlyFilenameOfFullFilename(pfad));
         schritte.push_back(schritt);
         gruende.push_back(grund);
     }
@@ -82,10 +84,12 @@ TEST(LadeBeobachter, HearsOfEachFileWhatTheManagerTakesItFor) {
 TEST(LadeBeobachter, HearsUnderWhichPathAFileIsLoaded) {
     const Heimat heimat;
     heimat.lege(test_plugins::DescribedByFile, "libx.DYLIB");
+    heimat.lege(test_plugins::DescribedByFile, "LIBZELMAK98.DYLIB");
     const Horcher horcher;
     const OrvoPluginManager manager(nullptr);
     EXPECT_THAT(horcher.gehoert,
-                ElementsAre("in plugins", "plugin libx.DYLIB als libx.dylib", "lade libx.dylib"));
+                ElementsAre("in plugins", "gesperrt LIBZELMAK98.DYLIB", "plugin libx.DYLIB als libx.dylib",
+                            "lade libx.dylib", "abgelehnt libx.dylib"));
     EXPECT_THAT(horcher.schritte, ElementsAre(ABLEHNUNG_DATEIPRUEFUNG));
 }
 
@@ -102,6 +106,19 @@ TEST(LadeBeobachter, HearsAtWhichStepEachFileIsRefused) {
     EXPECT_EQ(schrittVon(test_plugins::ThrowsOwnClassFromInitialize), ABLEHNUNG_AUSNAHME_INITIALISIERUNG);
     EXPECT_EQ(schrittVon(test_plugins::ThrowsLoaderException), ABLEHNUNG_AUSNAHME_INITIALISIERUNG);
     EXPECT_EQ(schrittVon(test_plugins::AddsExtensionOfItsOwnClass), ABLEHNUNG_AUSNAHME_INITIALISIERUNG);
+}
+
+TEST(LadeBeobachter, HearsOfStepsWithTheNumbersThatHostsWereCompiledWith) {
+    EXPECT_EQ(ABLEHNUNG_DATEIPRUEFUNG, 1);
+    EXPECT_EQ(ABLEHNUNG_OEFFNEN, 2);
+    EXPECT_EQ(ABLEHNUNG_OHNE_TYPEN, 3);
+    EXPECT_EQ(ABLEHNUNG_AUSNAHME_TYPEN, 4);
+    EXPECT_EQ(ABLEHNUNG_LEERE_TYPEN, 5);
+    EXPECT_EQ(ABLEHNUNG_PLUGINVERSION, 6);
+    EXPECT_EQ(ABLEHNUNG_OHNE_INITIALISIERUNG, 7);
+    EXPECT_EQ(ABLEHNUNG_AUSNAHME_INITIALISIERUNG, 8);
+    EXPECT_EQ(ABLEHNUNG_INITIALISIERUNG, 9);
+    EXPECT_EQ(ABLEHNUNG_BEOBACHTER, 10);
 }
 
 TEST(LadeBeobachter, TellsARefusalByThePluginFromAnException) {
@@ -194,8 +211,31 @@ TEST(LadeBeobachter, IsToldNothingMoreWhenItTakesItselfOutInTheMiddleOfALoading)
     const Einmaliger horcher;
     OrvoPluginManager manager(nullptr);
     EXPECT_THAT(horcher.gehoert, ElementsAre("in plugins", "plugin liba.dylib", "lade liba.dylib"));
-    EXPECT_THAT(horcher.gruende, IsEmpty());
     EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    const Einmaliger anderer;
+    EXPECT_FALSE(manager.ladePlugin(heimat.ort("libb.dylib")));
+    EXPECT_THAT(anderer.gehoert, ElementsAre("lade libb.dylib"));
+    EXPECT_THAT(anderer.gruende, IsEmpty()) << "not of the refusal either";
+}
+
+TEST(LadeBeobachter, HearsOfADirectoryBeforeItIsRead) {
+    class Vorbereiter : public Horcher {
+    public:
+        explicit Vorbereiter(const Heimat& heimat) : heimat_(heimat) {}
+        void betrittVerzeichnis(const std::string&) noexcept override {
+            heimat_.verzeichnis.entferne("plugins/liba.dylib");
+            heimat_.beschreibe("libb.dylib");
+        }
+
+    private:
+        const Heimat& heimat_;
+    };
+    const Heimat heimat;
+    heimat.beschreibe("liba.dylib");
+    const Vorbereiter vorbereiter(heimat);
+    OrvoPluginManager manager(nullptr);
+    EXPECT_THAT(plugins(manager), ElementsAre("libb.dylib"));
+    EXPECT_THAT(vorbereiter.schritte, IsEmpty());
 }
 
 TEST(LadeBeobachter, IsRefusedWhateverItAsksTheManagerToLoadOrUnload) {
@@ -235,10 +275,12 @@ TEST(LadeBeobachter, IsRefusedWhateverItAsksTheManagerToLoadOrUnload) {
     LadeBeobachter* const vorher = OrvoPluginManager::setLadeBeobachter(&besteller);
     manager.entladePlugins();
     manager.ladePlugins();
-    OrvoPluginManager::setLadeBeobachter(vorher);
     EXPECT_EQ(besteller.bestellungen, 9)
         << "a directory, four files, two to be loaded, and what became of them";
-    EXPECT_THAT(plugins(manager), ElementsAre("libx.dylib"));
+    EXPECT_TRUE(manager.ladePlugin(heimat.ort("libx.dylib")));
+    OrvoPluginManager::setLadeBeobachter(vorher);
+    EXPECT_EQ(besteller.bestellungen, 11);
+    EXPECT_THAT(plugins(manager), ElementsAre("libx.dylib", "libx.dylib"));
 }
 
 TEST(LadeBeobachter, NeedsToTakeNoteOfNothing) {

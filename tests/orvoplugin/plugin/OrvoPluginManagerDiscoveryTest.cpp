@@ -113,6 +113,13 @@ TEST_F(OrvoPluginManagerDiscovery, LooksForAFileWithCapitalsInItsSuffixUnderTheL
         << "once for each of the two files";
 }
 
+TEST_F(OrvoPluginManagerDiscovery, TakesOnlyWhatFollowsTheLastDotForTheSuffix) {
+    heimat.lege(test_plugins::DescribedByFile, "libA.B.dylib");
+    heimat.lege(test_plugins::DescribedByFile, "v1.X/libc.dylib");
+    OrvoPluginManager manager(nullptr);
+    EXPECT_THAT(plugins(manager), ElementsAre("libA.B.dylib", "libc.dylib"));
+}
+
 TEST_F(OrvoPluginManagerDiscovery, TakesADirectoryForADirectoryWhateverItsName) {
     heimat.lege(test_plugins::DescribedByFile, "libd.dylib/libx.dylib");
     heimat.lege(test_plugins::DescribedByFile,

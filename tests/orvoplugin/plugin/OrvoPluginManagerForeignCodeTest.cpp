@@ -15,8 +15,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <new>
 
 using orvo::orvoutil::Einstellungen;
 using orvo::orvoutil::LogEntry;
@@ -218,6 +220,20 @@ TEST(OrvoPluginManagerForeignCode, LoadsTheLibraryAskedForBesideThoseOfAHomeChan
     EXPECT_THAT(plugins(manager), ElementsAre("libz.dylib", "libeinzeln.dylib"));
 }
 
+TEST(OrvoPluginManagerForeignCode, LoadsTheLibraryOfAPluginThatAHomeChangedBeforeUnloads) {
+    const Heimat heimat;
+    const std::string pfad = heimat.lege(test_plugins::ChangesHomeFromOnLoad, "liba.dylib");
+    const Verzeichnis neues;
+    OrvoPluginManager manager(nullptr);
+    OrvoPlugin& plugin = *manager.getRegistriertePlugins().front();
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    plugin.notifyUse();
+    plugin.release();
+    EXPECT_TRUE(manager.ladePlugin(plugin.getSharedLib()->getName()));
+    ASSERT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    EXPECT_EQ(manager.getRegistriertePlugins().front()->getSharedLib()->getName(), pfad);
+}
+
 TEST(OrvoPluginManagerForeignCode, FollowsAHomeThatTheLibraryAskedForChanges) {
     const Heimat heimat;
     const Verzeichnis neues;
@@ -283,10 +299,13 @@ TEST(OrvoPluginManagerForeignCode, LoadsTheCompanionOfAPluginForAnObserver) {
     Zeuge zeuge(ereignisse);
     OrvoPluginManager* manager = nullptr;
     zeuge.beimErzeugen = [&](OrvoPlugin& plugin) {
+        if (ereignisse.size() > 2) // otherwise it would never end
+            return;
         if (dateiname(plugin) == "liba.dylib")
             EXPECT_TRUE(manager->ladePlugin(begleiter));
         else
             EXPECT_FALSE(manager->ladePlugin(begleiter)) << "it is being loaded";
+        EXPECT_FALSE(manager->ladePlugin(heimat.ort("liba.dylib"))) << "with and after its companion";
     };
     const Mitschnitt log(LogLevel::Info);
     OrvoPluginManager leer(nullptr);
@@ -297,7 +316,7 @@ TEST(OrvoPluginManagerForeignCode, LoadsTheCompanionOfAPluginForAnObserver) {
     EXPECT_THAT(plugins(leer), ElementsAre("liba.dylib", "libbegleiter.dylib"));
     EXPECT_THAT(ereignisse, ElementsAre("+liba.dylib", "+libbegleiter.dylib"));
     EXPECT_EQ(log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Abgelehnt: ladePlugin()"),
-              1);
+              3);
     leer.removeObserver(&zeuge);
 }
 
@@ -344,18 +363,19 @@ TEST(OrvoPluginManagerForeignCode, UnloadsAPluginOnceWhenTheLogsReaderGivesOrder
 }
 
 TEST(OrvoPluginManagerForeignCode, KeepsAPluginThatIsBeingOpenedOrClosedFromOrdersOfTheLogsReader) {
-    for (const char* const wann : {"Lade Plugin: ", "Entlade Plugin: "}) {
+    for (const char* const wann : {"Lade Plugin: ", "Konnte Onload Funktion", "Ausnahme in Funktion: ",
+                                   "Entlade Plugin: ", "Konnte OnUnload Funktion"}) {
         const Heimat heimat;
-        heimat.beschreibe("liba.dylib");
+        heimat.beschreibe("liba.dylib",
+                          "onload fehlt\nonunload fehlt\nfactory werfenderService\nfinanzamt\n");
         const auto besteller = std::make_shared<Besteller>(wann);
         Logger::setSink(besteller);
         Zeilen ereignisse;
         Zeuge zeuge(ereignisse);
         OrvoPluginManager manager(&zeuge);
         besteller->auftrag = [&] { manager.reload(); };
-        OrvoPlugin* const plugin = manager.getRegistriertePlugins().front();
-        plugin->notifyUse();
-        plugin->release();
+        auto* const plugin = dynamic_cast<OrvoPluginV1*>(manager.getRegistriertePlugins().front());
+        dynamic_cast<OrvoServiceErweiterung*>(plugin->listeErweiterungen().front())->holeService();
         Logger::setSink(nullptr);
         EXPECT_EQ(besteller->anzahl, 1) << wann;
         EXPECT_THAT(ereignisse, ElementsAre("+liba.dylib")) << wann;
@@ -391,6 +411,19 @@ TEST(OrvoPluginManagerForeignCode, IsInStatusTwoWhenItSaysThatItEnds) {
     EXPECT_THAT(status, ElementsAre("1", "2"));
 }
 
+TEST(OrvoPluginManagerForeignCode, IsInStatusZeroWhenItSaysThatItHasStarted) {
+    const Heimat heimat;
+    alignas(OrvoPluginManager) unsigned char speicher[sizeof(OrvoPluginManager)];
+    std::int32_t status = -1;
+    const auto besteller = std::make_shared<Besteller>("erfolgreich gestartet");
+    besteller->auftrag = [&] { status = reinterpret_cast<OrvoPluginManager*>(speicher)->getStatus(); };
+    Logger::setSink(besteller);
+    auto* const manager = new (speicher) OrvoPluginManager(nullptr);
+    Logger::setSink(nullptr);
+    EXPECT_EQ(status, 0);
+    manager->~OrvoPluginManager();
+}
+
 TEST(OrvoPluginManagerForeignCode, ClosesWhatAnExceptionKeptOpenAlsoWhenItHasNothingToUnload) {
     const Heimat heimat;
     OrvoPluginManager manager(nullptr);
@@ -400,6 +433,36 @@ TEST(OrvoPluginManagerForeignCode, ClosesWhatAnExceptionKeptOpenAlsoWhenItHasNot
     manager.entladePlugins();
     EXPECT_FALSE(istEingeblendet(pfad));
 }
+
+class OrvoPluginManagerHomeChangingElsewhere : public testing::TestWithParam<Bibliotheksfall> {};
+
+TEST_P(OrvoPluginManagerHomeChangingElsewhere, IsFollowedByTheManagersNextRun) {
+    const Heimat heimat;
+    heimat.beschreibe("liba.dylib");
+    const Verzeichnis neues;
+    const std::string pfad = neues.kopiere(GetParam().bibliothek, "libx.dylib");
+    const Mitschnitt log(LogLevel::Info);
+    OrvoPluginManager manager(nullptr);
+    Einstellungen().setze("test.neues_home", neues.pfad());
+    {
+        const std::unique_ptr<OrvoPlugin> plugin(
+            OrvoPluginLoader().loadPlugin(new orvo::orvoutil::SharedLib(pfad)));
+        auto* const erweiterung = dynamic_cast<OrvoServiceErweiterung*>(
+            dynamic_cast<OrvoPluginV1&>(*plugin).listeErweiterungen().front());
+        erweiterung->release(erweiterung->holeService());
+    }
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    EXPECT_EQ(
+        log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: basis.home_dir"),
+        1);
+    manager.ladePlugins();
+    EXPECT_EQ(manager.getPluginSuchPfad(), neues.pfad("plugins"));
+}
+
+INSTANTIATE_TEST_SUITE_P(FromEntryPoints, OrvoPluginManagerHomeChangingElsewhere,
+                         testing::ValuesIn(kAendernde, kAendernde + 2), nameDesFalls);
+INSTANTIATE_TEST_SUITE_P(InUse, OrvoPluginManagerHomeChangingElsewhere,
+                         testing::ValuesIn(kAenderndeImGebrauch), nameDesFalls);
 
 TEST(OrvoPluginManagerForeignCode, UnloadsNothingForTheLastCodeOfALibraryThatEndsInUse) {
     const Heimat heimat;

@@ -197,6 +197,21 @@ TEST_F(OrvoPluginManagerObserver, IsRefusedEveryRunWhileItIsTold) {
     EXPECT_THAT(plugins(*manager), ElementsAre("liba.dylib", "libb.dylib"));
 }
 
+TEST_F(OrvoPluginManagerObserver, IsRefusedEveryRunOfAnotherManagerThatUnloads) {
+    OrvoPluginManager anderer(nullptr);
+    const OrvoPlugin* const plugin = anderer.getRegistriertePlugins().front();
+    erster.beimErzeugen = [&](OrvoPlugin&) {
+        anderer.reload();
+        anderer.entladePlugins();
+    };
+    meldeAn({&erster});
+    log.leere();
+    melde();
+    EXPECT_THAT(log.zeilen(), ElementsAre(abgelehnt("reload()"), abgelehnt("entladePlugins()")));
+    EXPECT_THAT(plugins(anderer), ElementsAre("liba.dylib", "libb.dylib"));
+    EXPECT_EQ(anderer.getRegistriertePlugins().front(), plugin);
+}
+
 TEST_F(OrvoPluginManagerObserver, LoadsNothingWhileAPluginGoes) {
     erster.beimZerstoeren = [&](OrvoPlugin&) {
         EXPECT_FALSE(manager->ladePlugin(heimat.ort("libb.dylib"))) << "it would be unloaded at once";

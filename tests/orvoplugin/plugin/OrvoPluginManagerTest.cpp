@@ -232,8 +232,11 @@ TEST_F(OrvoPluginManagerTest, LeavesItsPluginsAloneOnAnyOtherMessage) {
     EXPECT_EQ(manager.getPluginSuchPfad(), heimat.ort());
 }
 
-TEST_F(OrvoPluginManagerTest, HearsOfNoSettingsAnyMoreOnceItIsGone) {
+TEST_F(OrvoPluginManagerTest, HearsOfNoSettingsAnyMoreOnceItEnds) {
+    zeuge.beimZerstoeren = [&](OrvoPlugin&) { Einstellungen().setze("basis.home_dir", "/nirgends"); };
+    const Mitschnitt log(LogLevel::Info);
     { const OrvoPluginManager manager(&zeuge); }
+    EXPECT_EQ(log.anzahlMit("basis.home_dir"), 0) << "there is no run to which a change could be postponed";
     ereignisse.clear();
     Einstellungen().setze("basis.home_dir", heimat.ort());
     EXPECT_THAT(ereignisse, IsEmpty());
