@@ -6,6 +6,7 @@
 #include <orvoplugin/plugin/erweiterung/ServiceGriff.h>
 #include <orvoplugin/service/DatensatzReaderService.h>
 
+#include "orvoplugin/plugin/Attrappe.h"
 #include "orvoplugin/plugin/erweiterung/Plugindatei.h"
 #include "support/Mitschnitt.h"
 
@@ -278,6 +279,34 @@ TEST_F(ServiceGriffTest, TrustsNoInterfaceThatAnObjectWasFoundToHaveAsAnother) {
     EXPECT_EQ(plugin.getUseCount(), 1);
 }
 
+/// A service besides the one that the extension offers.
+class Nebendienst : public Service {};
+
+class Doppeldienst : public ValidierungsService, public Nebendienst {
+    int pruefe(const orvo::data::SteuerfallListe&, const Unterfallart&, const Veranlagungszeitraum&,
+               PruefErgebnis&) override {
+        return 0;
+    }
+};
+
+TEST_F(ServiceGriffTest, HoldsOnlyThePartOfAnObjectThatTheFactoryGave) {
+    Attrappe::Notizen notizen;
+    auto* const bibliothek = new Attrappe(notizen);
+    bibliothek->exportiere(
+        "gibtNebendienst", +[]() -> Service* {
+            static Doppeldienst dienst;
+            return static_cast<Nebendienst*>(&dienst);
+        });
+    OrvoPluginV1 eigenes(bibliothek);
+    OrvoValidierungsServiceErweiterung kopie(erweiterung);
+    kopie.setPlugin(&eigenes);
+    kopie.setzeFlag(FLAG_SERVICE_LOESCHEN, false);
+    kopie.setServiceFactoryName("gibtNebendienst");
+    EXPECT_TRUE(ServiceGriff<Nebendienst>(&kopie));
+    EXPECT_FALSE(Griff(&kopie)) << "the check service is at another address";
+    EXPECT_EQ(eigenes.getUseCount(), 0);
+}
+
 // The text says "hält" and "zurückgegeben".
 constexpr char kVergeben[] = "E Ein ServiceGriff h\xE4lt einen Service, der schon zur\xFC"
                              "ckgegeben ist. Factory: gibtDenselbenService";
@@ -441,13 +470,34 @@ TEST_F(VerwaisterServiceGriff, IsNotHeldByACopyOfTheExtension) {
 }
 
 TEST_F(VerwaisterServiceGriff, OnAClientsOwnCopyOfTheExtensionTouchesNothingWhenThePluginIsGone) {
-    OrvoValidierungsServiceErweiterung kopie(erweiterung);
-    Griff griff(&kopie);
+    OrvoValidierungsServiceErweiterung kopie(erweiterung), andereKopie(erweiterung);
+    Griff griff(&kopie), anderer(&andereKopie);
     ASSERT_TRUE(griff);
     entlade();
     EXPECT_TRUE(griff.istVerwaist());
+    EXPECT_TRUE(anderer.istVerwaist());
     griff.gibZurueck();
-    EXPECT_EQ(mitschnitt.anzahl(std::string(kUeberlebt) + "gibtStaendigenService"), 1);
+    EXPECT_EQ(mitschnitt.anzahl(std::string(kUeberlebt) + "gibtStaendigenService"), 2);
+}
+
+TEST_F(VerwaisterServiceGriff, OnAClientsOwnCopyOfTheExtensionIsEmptyBeforeTheLibraryCloses) {
+    struct Nachsehende : orvo::orvoutil::SharedLib {
+        using SharedLib::SharedLib;
+        ~Nachsehende() override { *warVerwaist = griff->istVerwaist(); }
+        bool* warVerwaist = nullptr;
+        const Griff* griff = nullptr;
+    };
+    auto* const bibliothek = new Nachsehende(datei.pfad);
+    auto eigenes = std::make_unique<OrvoPluginV1>(bibliothek);
+    OrvoValidierungsServiceErweiterung kopie(erweiterung);
+    kopie.setPlugin(eigenes.get());
+    const Griff griff(&kopie);
+    ASSERT_TRUE(griff);
+    bool warVerwaist = false;
+    bibliothek->warVerwaist = &warVerwaist;
+    bibliothek->griff = &griff;
+    eigenes.reset();
+    EXPECT_TRUE(warVerwaist) << "the library's last code may look at it";
 }
 
 TEST_F(VerwaisterServiceGriff, OnAClientsOwnCopyOfTheExtensionTouchesNothingWhenTheCopyIsGone) {

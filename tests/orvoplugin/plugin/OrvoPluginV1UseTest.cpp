@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <new>
 #include <stdexcept>
 
 using testing::ElementsAre;
@@ -42,6 +43,22 @@ struct Werfende : Attrappe {
     using Attrappe::Attrappe;
     bool load() override { throw std::runtime_error("beim Start"); }
     bool unload() override { throw std::runtime_error("beim Ende"); }
+};
+
+/// A library that looks at its plugin's status when it is closed.
+struct Nachsehende : Attrappe {
+    using Attrappe::Attrappe;
+    bool unload() override {
+        status = beobachtet->getStatus();
+        return Attrappe::unload();
+    }
+    orvo_plugin_status_t status = ORVO_PLUGIN_ERZEUGT;
+};
+
+/// A library that has no memory to look a symbol up.
+struct Speicherlose : Attrappe {
+    using Attrappe::Attrappe;
+    void* getSymbol(const std::string&) override { throw std::bad_alloc(); }
 };
 
 /// A plugin with a fake library, and a log of the levels above debug.
@@ -210,6 +227,25 @@ TEST_F(OrvoPluginV1UseTest, TakesAnExceptionOfTheLibrarysOwnCodeForAFailure) {
     EXPECT_EQ(log.meldungen().back(), "W Konnte Plugin nicht entladen:");
 }
 
+TEST_F(OrvoPluginV1UseTest, TakesAnExceptionOfTheLookUpForAMissingHook) {
+    OrvoPluginV1 eines(new Speicherlose(notizen));
+    eines.setOnLoadFuncName("hook");
+    log.leere();
+    eines.notifyUse();
+    EXPECT_EQ(eines.getUseCount(), 1);
+    EXPECT_EQ(log.meldungen().back(), "W Konnte Onload Funktion in Plugin nicht laden");
+}
+
+TEST_F(OrvoPluginV1UseTest, IsUnloadedOnceTheLibraryWasAskedToClose) {
+    auto* const nachsehende = new Nachsehende(notizen);
+    OrvoPluginV1 eines(nachsehende);
+    beobachtet = &eines;
+    eines.notifyUse();
+    eines.release();
+    EXPECT_EQ(nachsehende->status, ORVO_PLUGIN_GELADEN);
+    EXPECT_EQ(eines.getStatus(), ORVO_PLUGIN_ENTLADEN);
+}
+
 TEST_F(OrvoPluginV1UseTest, WarnsWithoutABlankWhenTheLibraryDoesNotClose) {
     plugin.notifyUse();
     bibliothek->laesstSichSchliessen = false;
@@ -224,6 +260,15 @@ TEST_F(OrvoPluginV1UseTest, AsksTheLibraryToCloseWithoutAskingWhetherItIsOpen) {
     bibliothek->offen = false;
     plugin.release();
     EXPECT_THAT(notizen.aufrufe, ElementsAre("load", "unload"));
+    plugin.notifyUse();
+    bibliothek->offen = false;
+    try {
+        throw 1;
+    } catch (int) {
+        plugin.release();
+        EXPECT_THAT(notizen.aufrufe, ElementsAre("load", "unload", "load", "unload"))
+            << "there is nothing that an exception needs";
+    }
 }
 
 TEST_F(OrvoPluginV1UseTest, KeepsAResidentPluginOpenAndItsHookUncalled) {
@@ -292,6 +337,39 @@ TEST_F(OrvoPluginV1UseTest, ClosesWhatAnExceptionKeptOpenAtAnyPluginsUseOrReleas
     EXPECT_EQ(log.anzahlMit("Konnte Plugin nicht entladen"), 0);
     plugin.release();
     EXPECT_EQ(log.anzahl("W Konnte Plugin nicht entladen:geht nicht zu"), 1) << "in the plugin's own log";
+}
+
+TEST_F(OrvoPluginV1UseTest, ClosesEverythingThatAnExceptionKeptOpenAtOnce) {
+    Attrappe::Notizen andere;
+    OrvoPluginV1 erstes(new Attrappe(andere)), zweites(new Attrappe(andere));
+    plugin.notifyUse();
+    try {
+        throw 1;
+    } catch (int) {
+        for (OrvoPluginV1* const eines : {&erstes, &zweites}) {
+            eines->notifyUse();
+            eines->release();
+        }
+    }
+    plugin.notifyUse(); // not the first
+    EXPECT_THAT(andere.aufrufe, ElementsAre("load", "load", "unload", "unload"));
+}
+
+TEST_F(OrvoPluginV1UseTest, ClosesWhatAnExceptionKeptOpenBeforeItEndsItself) {
+    Attrappe::Notizen andere;
+    auto* const sperrige = new Attrappe(andere);
+    auto anderes = std::make_unique<OrvoPluginV1>(sperrige);
+    sperrige->laesstSichSchliessen = false;
+    try {
+        throw 1;
+    } catch (int) {
+        anderes->notifyUse();
+        anderes->release();
+    }
+    log.leere();
+    anderes.reset();
+    EXPECT_EQ(log.anzahl("W Konnte Plugin nicht entladen:geht nicht zu"), 1);
+    EXPECT_THAT(andere.aufrufe, ElementsAre("load", "unload"));
 }
 
 TEST_F(OrvoPluginV1UseTest, EndsUnderAnExceptionAlsoWhenItsLibraryWasClosedMeanwhile) {

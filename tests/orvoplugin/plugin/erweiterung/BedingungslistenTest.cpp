@@ -78,6 +78,15 @@ TYPED_TEST(ErweiterungMitBedingungen, TakesACopyOfTheListGiven) {
     EXPECT_THAT(this->nach(), ElementsAre(1));
 }
 
+TYPED_TEST(ErweiterungMitBedingungen, MayBeGivenItsOwnLists) {
+    this->erweiterung.setVorbedingungen({VorsatzPruefungBedingung()});
+    this->erweiterung.setNachbedingungen({FormalePruefungBedingung(), SummenBerechnungsBedingung()});
+    this->erweiterung.setVorbedingungen(this->erweiterung.getVorbedingungen());
+    this->erweiterung.setNachbedingungen(this->erweiterung.getNachbedingungen());
+    EXPECT_THAT(this->vor(), ElementsAre(3));
+    EXPECT_THAT(this->nach(), ElementsAre(1, 2));
+}
+
 TYPED_TEST(ErweiterungMitBedingungen, IsClonedWithBothLists) {
     this->erweiterung.setVorbedingungen({VorsatzPruefungBedingung()});
     this->erweiterung.setNachbedingungen({FormalePruefungBedingung(), SummenBerechnungsBedingung()});

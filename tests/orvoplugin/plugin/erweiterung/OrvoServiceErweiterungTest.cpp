@@ -48,6 +48,27 @@ TEST_F(OrvoServiceErweiterungTest, GivesTheUseBackWhenTheServiceComesBack) {
     EXPECT_EQ(plugin.getUseCount(), 0);
 }
 
+TEST_F(OrvoServiceErweiterungTest, NoLongerCountsAServiceWhoseUseItGivesBack) {
+    struct Nachzaehlende : Pluginprobe {
+        using Pluginprobe::Pluginprobe;
+        void release() override {
+            ausgegeben = erweiterung->getAusgegeben();
+            Pluginprobe::release();
+        }
+        const OrvoServiceErweiterung* erweiterung = nullptr;
+        int ausgegeben = -1;
+    };
+    auto* const andere = new Attrappe(notizen);
+    andere->exportiere("fabrik", &fabrik);
+    Nachzaehlende nachzaehlende(ablauf, andere);
+    nachzaehlende.erweiterung = &erweiterung;
+    erweiterung.setPlugin(&nachzaehlende);
+    Dienst dienst;
+    naechster = &dienst;
+    erweiterung.release(erweiterung.holeService());
+    EXPECT_EQ(nachzaehlende.ausgegeben, 0);
+}
+
 TEST_F(OrvoServiceErweiterungTest, GivesTheUseBackAtOnceWithoutAFactory) {
     erweiterung.setServiceFactoryName("fehlt");
     EXPECT_EQ(erweiterung.holeService(), nullptr);

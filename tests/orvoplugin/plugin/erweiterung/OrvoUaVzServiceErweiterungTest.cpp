@@ -140,6 +140,7 @@ public:
     bool istUnterfallartUndVeranlagungszeitraumUnterstuetzt(const Unterfallart&, const Vz&) override {
         return true;
     }
+    void addUnterstuetzteUnterfallArt(const Unterfallart&, const std::list<Vz>&) override {}
 
 private:
     std::set<Unterfallart> eigene_;
@@ -151,6 +152,12 @@ TEST(OrvoUaVzServiceErweiterung, AnswersVirtually) {
     EXPECT_THAT(basis.getUnterfallArten(), IsEmpty());
     EXPECT_EQ(basis.getVeranlagungszeitraeumeFuerUnterfallArt(Unterfallart(10)), nullptr);
     EXPECT_TRUE(basis.istUnterfallartUndVeranlagungszeitraumUnterstuetzt(Unterfallart(99), jahr(1)));
+}
+
+TEST(OrvoUaVzServiceErweiterung, TakesAllOfAMapWhateverAHostMakesOfTheAdding) {
+    Ueberschrieben eigene(Unterfallart(10), jahr(2009));
+    eigene.init({{12, {jahr(2010)}}});
+    EXPECT_THAT(paare(eigene), ElementsAre("10: 2009", "12: 2010"));
 }
 
 } // namespace
