@@ -52,7 +52,12 @@ protected:
         erwarteHeileBrauchbar();
     }
 
+    /// Gives an order from inside an operation of the service. Returns: what the log warns of.
+    Zeilen warnungenWaehrendEinesRufs(ValidierungsService& service, const std::function<void()>& auftrag);
+
     OrvoValidierungsServiceErweiterung* erweiterung = nullptr;
+
+    static constexpr char kLaeuft[] = "W Plugins werden gerade geladen, entladen oder gerufen. ";
 };
 
 /// Gives an order from inside a service's operation: a service reads its list.
@@ -69,6 +74,20 @@ private:
     std::function<void()> auftrag_;
     std::string satz_ = "Datensatz";
 };
+
+Stoerfall::Zeilen NutzungStoerfall::warnungenWaehrendEinesRufs(ValidierungsService& service,
+                                                               const std::function<void()>& auftrag) {
+    log.leere();
+    PruefErgebnis ergebnis;
+    EXPECT_EQ(service.pruefe(Auftrag([&, erster = std::make_shared<bool>(true)] {
+                                 if (std::exchange(*erster, false))
+                                     auftrag();
+                             }),
+                             Unterfallart(kDazwischen), Veranlagungszeitraum(2009, "YYYY"), ergebnis),
+              0);
+    EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libmmm.dylib", "libzzz.dylib"}));
+    return warnungen();
+}
 
 } // namespace
 
@@ -173,28 +192,25 @@ TEST_F(NutzungStoerfall, AServiceThatIsOutDoesNotHinderAReload) {
 }
 
 TEST_F(NutzungStoerfall, OrdersFromInsideAServicesOperationUnloadNothing) {
-    const std::string laeuft = "W Plugins werden gerade geladen, entladen oder gerufen. ";
     starteMitFactory("gleicherService");
     ValidierungsService* const service = erweiterung->holeService();
     ASSERT_NE(service, nullptr);
     const auto waehrendEinesRufs = [&](const std::function<void()>& auftrag) {
-        log.leere();
-        PruefErgebnis ergebnis;
-        EXPECT_EQ(service->pruefe(Auftrag([&, erster = std::make_shared<bool>(true)] {
-                                      if (std::exchange(*erster, false))
-                                          auftrag();
-                                  }),
-                                  Unterfallart(kDazwischen), Veranlagungszeitraum(2009, "YYYY"), ergebnis),
-                  0);
-        EXPECT_EQ(geladene(), (Zeilen{"libaaa.dylib", "libmmm.dylib", "libzzz.dylib"}));
-        return warnungen();
+        return warnungenWaehrendEinesRufs(*service, auftrag);
     };
+    const std::string laeuft = kLaeuft;
     EXPECT_EQ(waehrendEinesRufs([&] { manager->reload(); }), Zeilen{laeuft + "Abgelehnt: reload()"});
     EXPECT_EQ(waehrendEinesRufs([&] { manager->entladePlugins(); }),
               Zeilen{laeuft + "Abgelehnt: entladePlugins()"});
     const orvo::orvoutil::Einstellungen einstellungen;
     EXPECT_EQ(waehrendEinesRufs([&] { einstellungen.setze("basis.home_dir", home.pfad("nirgends")); }),
               Zeilen{laeuft + "Aufgeschoben: basis.home_dir"});
+    EXPECT_EQ(waehrendEinesRufs([&] {
+                  manager->setPluginSuchPfad(home.pfad("nirgends"));
+                  manager->ladePlugins();
+              }),
+              Zeilen{})
+        << "loading unloads nothing either, and is no order to unload";
     erwarteHeileBrauchbar();
     erweiterung->release(service);
     erwarteSpurlos();
@@ -203,6 +219,25 @@ TEST_F(NutzungStoerfall, OrdersFromInsideAServicesOperationUnloadNothing) {
     EXPECT_EQ(geladene(), Zeilen{});
     einstellungen.setze("basis.home_dir", home.pfad());
     erwarteHeileBrauchbar();
+}
+
+TEST_F(NutzungStoerfall, OrdersFromInsideAServiceOfTheFirstPluginUnloadNothing) {
+    starteMitFactory("gleicherService");
+    ValidierungsService* const service = finde(kVorher)->holeService();
+    ASSERT_NE(service, nullptr);
+    EXPECT_EQ(warnungenWaehrendEinesRufs(*service, [&] { manager->reload(); }),
+              Zeilen{std::string(kLaeuft) + "Abgelehnt: reload()"});
+    finde(kVorher)->release(service);
+}
+
+TEST_F(NutzungStoerfall, OrdersFromInsideAResidentPluginUnloadNothingAlsoAfterItsLastUse) {
+    starteMit(test_plugins::DescribedByFile, "resident\nfactory gleicherService\ncheck 50 2009\n");
+    ValidierungsService* const service = erweiterung->holeService(); // lives as long as the library is open
+    ASSERT_NE(service, nullptr);
+    erweiterung->release(service);
+    EXPECT_EQ(geladenes(schlechtes)->getUseCount(), 0);
+    EXPECT_EQ(warnungenWaehrendEinesRufs(*service, [&] { manager->reload(); }),
+              Zeilen{std::string(kLaeuft) + "Abgelehnt: reload()"});
 }
 
 TEST_F(NutzungStoerfall, AMissingOnLoadFunctionIsAWarning) {

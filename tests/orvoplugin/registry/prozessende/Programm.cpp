@@ -82,6 +82,14 @@ void beendeAus(const char* ort, bool spaeter = false) {
     holeService();
 }
 
+/// Loads the plugins with a manager of the program's own.
+void ladeSelbst() {
+    Logger::setSink(nullptr);
+    OrvoPluginManager manager(nullptr);
+    for (const OrvoPlugin* const plugin : manager.getRegistriertePlugins())
+        schreibe(plugin->isResident() ? "Selbst geladen: resident" : "Selbst geladen: nicht resident");
+}
+
 /// Calls a function when it is destroyed.
 class BeimAbbau {
 public:
@@ -103,6 +111,8 @@ const BeimAbbau zuletzt([] {
         richteEin();
     if (ist("Einstellung danach"))
         Einstellungen().setze("basis.home_dir", umgebung("ORVO_HOME") + "/plugins/..");
+    if (ist("eigener Manager danach"))
+        ladeSelbst();
     if (!ist("nichts angefordert"))
         siehNach("zuletzt");
 });
@@ -161,6 +171,11 @@ const std::map<std::string, std::function<void()>>& szenarien() {
         {"im letzten statischen Destruktor", [] {}},
         {"im Destruktor der Programmdatei", [] {}},
         {"Einstellung danach", holeService},
+        {"eigener Manager danach",
+         [] {
+             Einstellungen().setze("basis.resident_plugins", "a,");
+             holeService();
+         }},
         {"selbst abgebaut",
          [] {
              holeService();

@@ -191,6 +191,12 @@ const Szenario kSzenarien[] = {
     {"atexit danach", "p", ablauf(da("atexit")), 2},
     {"erst im atexit", "p", ablauf({"-- Ende", "-- atexit", kDa[0], kDa[1]}), 2},
     {"Einstellung danach", "p", ablauf({"Service: geholt", "-- Ende"}), 2},
+    {"eigener Manager danach",
+     "pg",
+     {"Service: geholt", "-- Ende", "~< OrvoPluginManager()", "Selbst geladen: resident",
+      "Selbst geladen: nicht resident", "-- zuletzt", "Registry: keine", "Manager: keiner",
+      "Bibliotheken: zu"},
+     2},
     {"selbst abgebaut", "p", ablauf({"Service: geholt", "-- neu", "Service: geholt", "-- Ende"}), 4},
     {"quick_exit", "p", {"Service: geholt"}, 2},
     // What the plugin gets when it is closed: the registry is gone, the manager is being destroyed.
