@@ -16,10 +16,12 @@
 #include <orvoutil/StreamLogSink.h>
 
 #include "TestPlugins.h"
+#include "orvoplugin/plugin/Attrappe.h"
 #include "orvoplugin/plugin/erweiterung/Probe.h"
 #include "support/Mitschnitt.h"
 #include "support/Verzeichnis.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -78,7 +80,23 @@ private:
     static std::string name(int i) { return "Anmeldung der Art " + std::to_string(i); }
 };
 
+/// An extension class of the host that counts its objects.
+class Gezaehlte : public OrvoFADatenServiceErweiterung {
+public:
+    Gezaehlte() { ++lebende; }
+    Gezaehlte(const Gezaehlte& andere) : OrvoFADatenServiceErweiterung(andere) { ++lebende; }
+    ~Gezaehlte() override { --lebende; }
+    OrvoErweiterung* clone() const override { return new Gezaehlte(*this); }
+
+    static inline std::size_t lebende = 0;
+};
+
 } // namespace
+
+/// For the order "host" of the misbehaving plugin.
+extern "C" __attribute__((visibility("default"))) OrvoErweiterung* hostErweiterung(const char*) {
+    return new Gezaehlte;
+}
 
 TEST_F(Speichermangel, LetsNoKeyStandInTheListingThatNoLookUpFinds) {
     VieleSchluessel erstes("1.0.0"), besseres("2.0.0");
@@ -216,6 +234,57 @@ TEST_F(Speichermangel, UnloadsWhatTheManagerLoadedWhenItsStartFails) {
     }
 }
 
+TEST_F(Speichermangel, LosesNoPluginForWhichTheManagerHasNoRoom) {
+    const std::string pfad = home_.kopiere(test_plugins::Misbehaves, "bibliothek.dylib");
+    home_.schreibe("bibliothek.dylib.txt", "host gezaehlte\n");
+    OrvoPluginManager manager(nullptr);
+    bool fehlte = true;
+    for (int speicher = 0; fehlte; ++speicher) {
+        Zaehler::mitSpeicherFuer(speicher, [&] { manager.ladePlugin(pfad); });
+        fehlte = Zaehler::fehlteSpeicher();
+        ASSERT_LE(Gezaehlte::lebende, manager.getRegistriertePlugins().size()) << speicher;
+        manager.entladePlugins();
+    }
+    EXPECT_EQ(Gezaehlte::lebende, 0u);
+}
+
+TEST_F(Speichermangel, LosesNoLibraryForWhichNoPluginIsMade) {
+    Attrappe::Notizen notizen;
+    bool gelungen = false;
+    for (int speicher = 0; !gelungen; ++speicher) {
+        auto* const bibliothek = new Attrappe(notizen);
+        gelungen = Zaehler::mitSpeicherFuer(speicher, [&] { const OrvoPluginV1 plugin(bibliothek); });
+        ASSERT_EQ(notizen.zerstoert, speicher + 1);
+    }
+}
+
+TEST_F(Speichermangel, CountsNoExtensionThatIsNotKept) {
+    OrvoPluginV1 plugin(nullptr);
+    const OrvoFADatenServiceErweiterung erweiterung;
+    plugin.addErweiterung(erweiterung);
+    bool gelungen = false;
+    for (int speicher = 0; !gelungen; ++speicher) {
+        gelungen = Zaehler::mitSpeicherFuer(speicher, [&] { plugin.addErweiterung(erweiterung); });
+        ASSERT_THAT(plugin.toString(),
+                    testing::EndsWith(": " + std::to_string(plugin.listeErweiterungen().size()) + "\n"))
+            << speicher;
+    }
+    EXPECT_EQ(plugin.listeErweiterungen().size(), 2u);
+}
+
+TEST_F(Speichermangel, NamesNoSubcaseTypeWithoutItsPeriods) {
+    const Unterfallart neue = "ein Name, der zu lang ist";
+    const std::list<Veranlagungszeitraum> jahre{jahr(2010)};
+    bool gelungen = false;
+    for (int speicher = 0; !gelungen; ++speicher) {
+        Check erweiterung(Unterfallart(10), jahr(2009));
+        gelungen = Zaehler::mitSpeicherFuer(speicher,
+                                            [&] { erweiterung.addUnterstuetzteUnterfallArt(neue, jahre); });
+        for (const Unterfallart& ua : erweiterung.getUnterfallArten())
+            ASSERT_NE(erweiterung.getVeranlagungszeitraeumeFuerUnterfallArt(ua), nullptr) << speicher;
+    }
+}
+
 /// A service extension with a log, and fakes that need no memory.
 class SpeichermangelBeimService : public Probe {
 protected:
@@ -267,6 +336,21 @@ TEST_F(SpeichermangelBeimService, DoesNotMatterWhenAnObjectThatIsOutTwiceComesBa
         for (int i = 0; i < 2; ++i)
             EXPECT_TRUE(Zaehler::mitSpeicherFuer(0, [&] { dienstleister.release(dienst); }));
     }
+    EXPECT_EQ(std::count(ablauf.begin(), ablauf.end(), "delete"), 3);
+    EXPECT_EQ(dienstleister.getAusgegeben(), 0);
+}
+
+TEST_F(SpeichermangelBeimService, DoesNotMatterWhenSeveralObjectsThatAreOutTwiceComeBack) {
+    dienstleister.setzeFlag(FLAG_SERVICE_LOESCHEN, true);
+    Service* const dienste[] = {new Dienst, new Dienst, new Dienst};
+    for (Service* const dienst : dienste) {
+        naechster = dienst;
+        dienstleister.holeService();
+        dienstleister.holeService();
+    }
+    for (int i = 0; i < 2; ++i)
+        for (Service* const dienst : dienste)
+            EXPECT_TRUE(Zaehler::mitSpeicherFuer(0, [&] { dienstleister.release(dienst); }));
     EXPECT_EQ(std::count(ablauf.begin(), ablauf.end(), "delete"), 3);
     EXPECT_EQ(dienstleister.getAusgegeben(), 0);
 }

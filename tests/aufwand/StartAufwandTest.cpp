@@ -18,6 +18,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -225,6 +226,21 @@ TEST_F(Vorlauf, PassesOverAFileThatIsGoneAgain) {
     const int ansagen = starteMit(AUF_DER_PLATTE).ansagen;
     OrvoPluginManager::setLadeBeobachter(nullptr);
     EXPECT_EQ(ansagen, 2);
+    EXPECT_EQ(geladene(), 2u);
+}
+
+TEST_F(Vorlauf, DoesNotWaitForTheWriterOfAFileThatIsAFifoMeanwhile) {
+    struct Vertauscher : LadeBeobachter {
+        void findetDatei(const std::string&, const std::string&, Dateiart,
+                         const std::string& pfad) noexcept override {
+            if (pfad.ends_with("libkalt10.dylib") && fs::remove(pfad))
+                mkfifo(pfad.c_str(), 0600);
+        }
+    } vertauscher;
+    legeAn(3);
+    OrvoPluginManager::setLadeBeobachter(&vertauscher);
+    starteMit(AUF_DER_PLATTE);
+    OrvoPluginManager::setLadeBeobachter(nullptr);
     EXPECT_EQ(geladene(), 2u);
 }
 
