@@ -55,7 +55,7 @@ Vergleich einmal(double boden, double produkt) { return {boden, produkt, produkt
 
 std::string mitKomma(int n) {
     std::string ziffern = std::to_string(n);
-    return ziffern.size() > 3 ? ziffern.insert(ziffern.size() - 3, ",") : ziffern;
+    return ziffern.size() > 3 ? ziffern.insert(ziffern.size() - 3, 1, ',') : ziffern;
 }
 
 std::string anzahl(const Sorte& sorte, int n) {

@@ -118,6 +118,14 @@ TEST_F(ObjectLifetimeManagerTest, RefusesANameInUse) {
     EXPECT_NE(manager().getObject<Objekt>("name"), zweites.get());
 }
 
+TEST_F(ObjectLifetimeManagerTest, APlaceDestroysTheObjectThatItRefuses) {
+    ObjectLifetimeManager::Platz platz("name");
+    lege("name");
+    bool zerstoert = false;
+    EXPECT_THROW(platz.besetze(std::make_unique<Objekt>([&] { zerstoert = true; })), std::logic_error);
+    EXPECT_TRUE(zerstoert);
+}
+
 TEST_F(ObjectLifetimeManagerTest, RefusesNull) {
     EXPECT_THROW(manager().addObject<Objekt>("name", nullptr), std::invalid_argument);
     EXPECT_EQ(grundDerAblehnung("name", nullptr), "ObjectLifetimeManager: kein Objekt: name");
