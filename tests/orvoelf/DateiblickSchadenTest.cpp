@@ -443,7 +443,7 @@ INSTANTIATE_TEST_SUITE_P(
         Fall{"ALengthWithoutEndFunctions", verliere(DT_FINI_ARRAY), BESCHAEDIGT, "^DT_FINI_ARRAY ist"},
         Fall{"JumpsNowhere", setze(DT_JMPREL, kWeit), BESCHAEDIGT, "^DT_JMPREL liegt nicht"},
         Fall{"JumpsWithoutALength", verliere(DT_PLTRELSZ), BESCHAEDIGT, "^DT_JMPREL ist"},
-        Fall{"ALengthWithoutRelocations", verliere(kRelo), BESCHAEDIGT, "^DT_RELA? ist unvollständig$"},
+        Fall{"ALengthWithoutRelocations", verliere(kRelo), BESCHAEDIGT, "^DT_RELA? ist unvollst\xE4ndig$"},
         Fall{"ATableNamedAgain",
              [](ElfDatei& d) {
                  d.nebensache() = {DT_GNU_HASH, {kWeit}};
