@@ -56,7 +56,7 @@ public:
         /// Registers the object; once. Errors: as `addObject`, with the object destroyed.
         /// Parameters: `zerstoere` deletes the object when its time has come.
         template <class T>
-        T* besetze(std::unique_ptr<T> objekt, void (*zerstoere)(void*) noexcept = &loesche<T>) {
+        T* besetze(std::unique_ptr<T> objekt, void (*zerstoere)(void*) noexcept) {
             uebergib(objekt.get(), typeid(T), zerstoere);
             return objekt.release();
         }

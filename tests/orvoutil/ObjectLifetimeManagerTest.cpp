@@ -122,7 +122,9 @@ TEST_F(ObjectLifetimeManagerTest, APlaceDestroysTheObjectThatItRefuses) {
     ObjectLifetimeManager::Platz platz("name");
     lege("name");
     bool zerstoert = false;
-    EXPECT_THROW(platz.besetze(std::make_unique<Objekt>([&] { zerstoert = true; })), std::logic_error);
+    const auto zerstoere = [](void* objekt) noexcept { delete static_cast<Objekt*>(objekt); };
+    EXPECT_THROW(platz.besetze(std::make_unique<Objekt>([&] { zerstoert = true; }), zerstoere),
+                 std::logic_error);
     EXPECT_TRUE(zerstoert);
 }
 
