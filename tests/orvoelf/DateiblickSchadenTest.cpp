@@ -394,7 +394,8 @@ INSTANTIATE_TEST_SUITE_P(
                 KEINER, "^$"},
            Fall{"ALaterDynamicOne",
                 [](ElfDatei& d) {
-                    d.haengeSegmentAn() = d.segmentVom(PT_DYNAMIC);
+                    const ElfW(Phdr) bisheriger = d.segmentVom(PT_DYNAMIC);
+                    d.haengeSegmentAn() = bisheriger;
                     d.segmentVom(PT_DYNAMIC).p_vaddr = kWeit;
                 },
                 KEINER, "^$"},
