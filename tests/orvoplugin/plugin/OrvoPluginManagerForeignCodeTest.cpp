@@ -434,6 +434,20 @@ TEST(OrvoPluginManagerForeignCode, ClosesWhatAnExceptionKeptOpenAlsoWhenItHasNot
     EXPECT_FALSE(istEingeblendet(pfad));
 }
 
+namespace {
+
+/// That a change of the home unloaded nothing, and is followed by the manager's next run.
+void erwarteAufgeschoben(OrvoPluginManager& manager, const Mitschnitt& log, const Verzeichnis& neues) {
+    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
+    EXPECT_EQ(
+        log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: basis.home_dir"),
+        1);
+    manager.ladePlugins();
+    EXPECT_EQ(manager.getPluginSuchPfad(), neues.pfad("plugins"));
+}
+
+} // namespace
+
 class OrvoPluginManagerHomeChangingElsewhere : public testing::TestWithParam<Bibliotheksfall> {};
 
 TEST_P(OrvoPluginManagerHomeChangingElsewhere, IsFollowedByTheManagersNextRun) {
@@ -451,12 +465,7 @@ TEST_P(OrvoPluginManagerHomeChangingElsewhere, IsFollowedByTheManagersNextRun) {
             dynamic_cast<OrvoPluginV1&>(*plugin).listeErweiterungen().front());
         erweiterung->release(erweiterung->holeService());
     }
-    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
-    EXPECT_EQ(
-        log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: basis.home_dir"),
-        1);
-    manager.ladePlugins();
-    EXPECT_EQ(manager.getPluginSuchPfad(), neues.pfad("plugins"));
+    erwarteAufgeschoben(manager, log, neues);
 }
 
 INSTANTIATE_TEST_SUITE_P(FromEntryPoints, OrvoPluginManagerHomeChangingElsewhere,
@@ -475,10 +484,5 @@ TEST(OrvoPluginManagerForeignCode, UnloadsNothingForTheLastCodeOfALibraryThatEnd
     plugin->notifyUse();
     Einstellungen().setze("test.neues_home", neues.pfad());
     plugin.reset();
-    EXPECT_THAT(plugins(manager), ElementsAre("liba.dylib"));
-    EXPECT_EQ(
-        log.anzahl("W Plugins werden gerade geladen, entladen oder gerufen. Aufgeschoben: basis.home_dir"),
-        1);
-    manager.ladePlugins();
-    EXPECT_EQ(manager.getPluginSuchPfad(), neues.pfad("plugins"));
+    erwarteAufgeschoben(manager, log, neues);
 }
