@@ -107,7 +107,7 @@ class Finder:
 
     def bedingung(self, c, lage):
         """Of if, while and ?:"""
-        op, kinder = self.operator(c)
+        op, _ = self.operator(c)
         if op in ("==", "!=") or (c.kind == K.UNARY_OPERATOR and self.quelltext(c).startswith("!")):
             return  # broken the same way by itself
         self.ausdruck("condition negated", c, f"!({self.quelltext(c)})", lage, als_bool=True)

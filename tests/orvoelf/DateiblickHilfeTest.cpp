@@ -131,6 +131,8 @@ TEST_F(DateiblickHilfe, ThatOfALibraryThatIsNeededItselfIsLookedAtToo) {
               "der Datei");
 }
 
+TEST_F(DateiblickHilfe, OneThatNeedsItselfIsLookedAtOnce) { EXPECT_EQ(grund(lege("$ORIGIN", kName)), ""); }
+
 TEST_F(DateiblickHilfe, OneForAnotherProcessorIsPassedOverAsByTheLoader) {
     const std::string pfad = lege("$ORIGIN/anders:$ORIGIN");
     ElfDatei andere(HILFE);
